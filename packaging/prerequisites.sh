@@ -1,0 +1,32 @@
+# Sourced by ./run, ./test and .ci/run: puts what a Debian 12 machine lacks on it.
+
+say() { printf '%s\n' "tarnwick: $*"; }
+
+# Installs those of the named packages that are missing.
+ensure_packages() {
+  local missing=() package
+  for package in "$@"; do
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  say "installing ${missing[*]}"
+  local as_root=()
+  [ "$(id -u)" = 0 ] || as_root=(sudo)
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
+    "${missing[@]}" >/dev/null
+}
+
+build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcli11-dev nlohmann-json3-dev)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libfast-float-dev)
+
+# build PRESET [TARGET...]: configures if need be, and builds.
+build() {
+  local preset=$1
+  shift
+  say "building ($preset)"
+  cmake --preset "$preset" >"/tmp/tarnwick-configure-$$.log" 2>&1 ||
+    { cat "/tmp/tarnwick-configure-$$.log"; rm -f "/tmp/tarnwick-configure-$$.log"; return 1; }
+  rm -f "/tmp/tarnwick-configure-$$.log"
+  cmake --build --preset "$preset" ${1:+--target "$@"} -- --quiet
+}

@@ -1,0 +1,317 @@
+#include "geometry/part_reader.h"
+#include "load/p21/keyword_codes.h"
+#include "load/p21/parse_real.h"
+
+#include <cstring>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr std::int32_t kStyleBits = 6;
+constexpr float kUnused = -1.0f;
+constexpr std::int32_t kNoRow = -1;
+
+struct NamedColour {
+    char prefix[4];
+    float red, green, blue;
+};
+constexpr NamedColour kNamedColours[] = {
+    {"bla", 0, 0, 0}, {"whi", 1, 1, 1}, {"red", 1, 0, 0}, {"gre", 0, 1, 0},
+    {"yel", 1, 1, 0}, {"blu", 0, 0, 1}, {"cya", 0, 1, 1}, {"mag", 1, 0, 1},
+};
+
+// COLOUR_RGB(name, red, green, blue): the numbers behind the first three commas.
+void AddRgbRow(TextWalk* walk, std::int32_t id, std::vector<ColourEntry>* rows) {
+    float values[3];
+    walk->GoTo('(');
+    for (float& value : values) {
+        walk->GoTo(',');
+        walk->Step();
+        value = static_cast<float>(ParseReal(walk->at));
+    }
+    if (!walk->overrun) {
+        rows->push_back({id, values[0], values[1], values[2], kUnused});
+    }
+}
+
+// DRAUGHTING_PRE_DEFINED_COLOUR(name), by the first three characters of the name. Any other name makes no
+// row.
+void AddNamedRow(TextWalk* walk, std::int32_t id, std::vector<ColourEntry>* rows) {
+    walk->GoTo('(');
+    walk->Step();
+    walk->Step();
+    for (const NamedColour& colour : kNamedColours) {
+        if (std::memcmp(walk->at, colour.prefix, 3) == 0) {
+            rows->push_back({id, colour.red, colour.green, colour.blue, kUnused});
+            return;
+        }
+    }
+}
+
+// One row for each colour of the file. A number that isn't there ends the table, not just its own row.
+bool ReadColourRows(PartReader& reader) {
+    for (const std::int32_t id : reader.model.colourIds) {
+        const P42Ent* const entity = reader.model.Find(id);
+        if (entity == nullptr) {
+            break;
+        }
+        TextWalk walk = reader.model.WalkFrom(entity);
+        if (entity->code == code::kColourRgb) {
+            AddRgbRow(&walk, id, &reader.scratch.colours);
+        } else if (entity->code == code::kDraughtingPreDefinedColour) {
+            AddNamedRow(&walk, id, &reader.scratch.colours);
+        }
+        if (walk.overrun) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The row of a colour with an alpha: one that no style uses yet or that has this alpha, else a new one.
+// kNoRow when the table doesn't have the colour.
+std::int32_t RowOf(std::int32_t colourId, float alpha, std::vector<ColourEntry>* rows) {
+    std::int32_t candidate = kNoRow;
+    for (std::size_t i = 0; i < rows->size(); ++i) {
+        const ColourEntry& row = (*rows)[i];
+        if (row.colourId != colourId) {
+            continue;
+        }
+        candidate = static_cast<std::int32_t>(i);
+        if (row.alpha == kUnused || row.alpha == alpha) {
+            break;
+        }
+    }
+    if (candidate == kNoRow) {
+        return kNoRow;
+    }
+    ColourEntry& row = (*rows)[static_cast<std::size_t>(candidate)];
+    if (row.alpha == kUnused || row.alpha == alpha) {
+        row.alpha = alpha;
+        return candidate;
+    }
+    ColourEntry added = row;
+    added.alpha = alpha;
+    rows->push_back(added);
+    return static_cast<std::int32_t>(rows->size()) - 1;
+}
+
+// Behind the first argument of the line and its comma: blanks and line feeds are skipped there.
+void SkipFirstArgument(TextWalk* walk) {
+    walk->GoTo('(');
+    walk->Step();
+    walk->SkipBlanksAndLineFeeds();
+    walk->GoToCommaAtDepthZero();
+    walk->Step();
+    walk->SkipBlanksAndLineFeeds();
+}
+
+// The first reference behind the first "(" of the line.
+std::int32_t FirstReference(TextWalk* walk) {
+    walk->GoTo('(');
+    walk->Step();
+    return ReadReference(walk);
+}
+
+// From behind the colour's digits to the next "," of the same depth. In a SURFACE_STYLE_RENDERING without
+// properties that is a comma of an entity further on, since the closing parenthesis counts down and the next
+// opening one up again.
+void GoToPropertiesComma(TextWalk* walk) {
+    std::int32_t depth = 0;
+    for (; walk->at < walk->end; ++walk->at) {
+        if (*walk->at == '(') {
+            ++depth;
+        } else if (*walk->at == ')') {
+            --depth;
+        } else if (*walk->at == ',' && depth == 0) {
+            return;
+        }
+    }
+    walk->overrun = true;
+}
+
+constexpr int kResolved = 0;
+constexpr int kOtherShape = 1; // also of a chain that leads past the end of the text
+
+// SURFACE_STYLE_FILL_AREA, FILL_AREA_STYLE, FILL_AREA_STYLE_COLOUR.
+int ResolveFillArea(const StepModel& model, TextWalk walk, std::int32_t* colourId) {
+    for (int hop = 0; hop < 2; ++hop) {
+        const std::int32_t next = FirstReference(&walk);
+        if (walk.overrun) {
+            return kOtherShape;
+        }
+        const P42Ent* const entity = model.Find(next);
+        if (entity == nullptr) {
+            return kOtherShape;
+        }
+        walk = model.WalkFrom(entity);
+    }
+    SkipFirstArgument(&walk);
+    *colourId = ReadReference(&walk);
+    return walk.overrun ? kOtherShape : kResolved;
+}
+
+// SURFACE_STYLE_RENDERING_WITH_PROPERTIES and the first of its properties.
+int ResolveRendering(const StepModel& model, TextWalk walk, std::int32_t* colourId, float* alpha) {
+    SkipFirstArgument(&walk);
+    *colourId = ReadReference(&walk);
+    GoToPropertiesComma(&walk);
+    walk.Step();
+    walk.SkipBlanksAndLineFeeds();
+    walk.Step();
+    const std::int32_t property = ReadReference(&walk);
+    if (walk.overrun) {
+        return kOtherShape;
+    }
+    const P42Ent* const entity = model.Find(property);
+    if (entity == nullptr) {
+        return kOtherShape;
+    }
+    walk = model.WalkFrom(entity);
+    walk.GoTo('(');
+    walk.Step();
+    walk.SkipBlanksAndLineFeeds();
+    if (walk.overrun) {
+        return kOtherShape;
+    }
+    *alpha = static_cast<float>(ParseReal(walk.at));
+    return kResolved;
+}
+
+} // namespace
+
+int ResolveStyle(const StepModel& model, std::int32_t styleId, std::int32_t* colourId, float* alpha) {
+    const P42Ent* entity = model.Find(styleId);
+    if (entity == nullptr) {
+        return kOtherShape;
+    }
+    TextWalk walk = model.WalkFrom(entity);
+    walk.GoTo('(');
+    walk.Step();
+    walk.SkipBlanksAndLineFeeds();
+    if (walk.overrun || walk.Current() != '(') {
+        return kOtherShape;
+    }
+    const std::int32_t usageId = ReadReference(&walk);
+    if (walk.overrun) {
+        return kOtherShape;
+    }
+
+    entity = model.Find(usageId);
+    if (entity == nullptr) {
+        return kOtherShape;
+    }
+    walk = model.WalkFrom(entity);
+    SkipFirstArgument(&walk);
+    if (walk.overrun || walk.Current() != '#') {
+        return kOtherShape;
+    }
+    const std::int32_t sideId = ReadReference(&walk);
+
+    entity = model.Find(sideId);
+    if (entity == nullptr) {
+        return kOtherShape;
+    }
+    walk = model.WalkFrom(entity);
+    SkipFirstArgument(&walk);
+    if (walk.overrun || walk.Current() != '(') {
+        return kOtherShape;
+    }
+    const std::int32_t first = ReadReference(&walk);
+    walk.SkipBlanks();
+    const std::int32_t second = walk.Current() == ',' ? ReadReference(&walk) : 0;
+    if (walk.overrun) {
+        return kOtherShape;
+    }
+
+    const P42Ent* chosen = model.Find(first);
+    if (chosen == nullptr) {
+        return kOtherShape;
+    }
+    if (chosen->code != code::kSurfaceStyleRendering && second != 0) {
+        const P42Ent* const other = model.Find(second);
+        if (other == nullptr) {
+            return kOtherShape;
+        }
+        if (other->code == code::kSurfaceStyleRendering) {
+            chosen = other;
+        }
+    }
+    *alpha = 1.0f;
+    return chosen->code == code::kSurfaceStyleFillArea
+               ? ResolveFillArea(model, model.WalkFrom(chosen), colourId)
+               : ResolveRendering(model, model.WalkFrom(chosen), colourId, alpha);
+}
+
+bool ReadColours(PartReader& reader) {
+    StepModel& model = reader.model;
+    if (model.presentationId < 1) {
+        return true;
+    }
+    if (!ReadColourRows(reader)) {
+        return false;
+    }
+    const P42Ent* const presentation = model.Find(model.presentationId);
+    if (presentation == nullptr) {
+        return true;
+    }
+    TextWalk walk = model.WalkFrom(presentation);
+    walk.GoTo('(');
+    walk.GoTo(',');
+    walk.GoTo('(');
+    std::vector<std::int32_t> itemIds;
+    ParseIdList(&walk, &itemIds);
+    if (walk.overrun) {
+        return false;
+    }
+
+    Arena* const arena = model.IndexArena();
+    ColourIndex styleRows(arena, kStyleBits);
+    const auto add = [arena](ColourIndex& index, std::int32_t id, std::int32_t row) {
+        ColourRow* const entry = arena->New<ColourRow>();
+        if (entry == nullptr) {
+            return false;
+        }
+        *entry = {id, row};
+        return index.Add(entry);
+    };
+    for (const std::int32_t id : itemIds) {
+        // STYLED_ITEM(name, (#style), #item), by position: whatever stands in the list is read like one.
+        const P42Ent* const styled = model.Find(id);
+        if (styled == nullptr) {
+            break;
+        }
+        walk = model.WalkFrom(styled);
+        walk.Step();
+        walk.GoTo('=');
+        walk.GoTo('#');
+        walk.Step();
+        const std::int32_t styleId = StringToInteger(walk.at);
+        walk.GoTo(',');
+        walk.Step();
+        walk.Step();
+        if (walk.overrun) {
+            return false;
+        }
+        const std::int32_t itemId = StringToInteger(walk.at);
+        const ColourRow* const known = styleRows.Find(styleId);
+        std::int32_t row = known != nullptr ? known->row : kNoRow;
+        if (known == nullptr) {
+            std::int32_t colourId = 0;
+            float alpha = 0;
+            if (ResolveStyle(model, styleId, &colourId, &alpha) == kResolved) {
+                row = RowOf(colourId, alpha, &reader.scratch.colours);
+            }
+            if (!add(styleRows, styleId, row)) {
+                return false;
+            }
+        }
+        if (row != kNoRow && !add(reader.colourIndex, itemId, row)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace tarnwick

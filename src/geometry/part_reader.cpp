@@ -1,0 +1,301 @@
+#include "geometry/part_reader.h"
+
+#include "load/p21/keyword_codes.h"
+#include "platform/clock.h"
+#include "platform/console.h"
+#include "product/draw_list.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr std::int32_t kColourBits = 12;
+constexpr std::int32_t kFailed = -1;
+
+} // namespace
+
+PartReader::PartReader(StepModel& partModel, ProductNode* part, Arena& sceneArena, PartScratch& partScratch)
+    : model(partModel), product(part), arena(sceneArena), scratch(partScratch) {
+    scratch.face.coordCache.coordinatesId = 0;
+    scratch.faces.clear();
+    scratch.itemIds.clear();
+    scratch.colours.clear();
+}
+
+int PartReader::Run() {
+    readSeconds += model.readSeconds;
+    inflateSeconds += model.inflateSeconds;
+    const double start = ClockSeconds();
+    ReadPart();
+    parseSeconds += ClockSeconds() - start;
+    return 0;
+}
+
+int PartReader::ReadPart() {
+    colourIndex = ColourIndex(model.IndexArena(), kColourBits);
+    if (!ReadColours(*this)) {
+        return GiveUp("a colour's line runs past the end of the file");
+    }
+    if (product == nullptr && !MakeProduct()) {
+        return GiveUp("it has no PRODUCT");
+    }
+    if (!ReadItemIds()) {
+        return GiveUp("its TESSELLATED_SHAPE_REPRESENTATION runs past the end of the file");
+    }
+    containers = arena.New<FaceContainer*>(scratch.itemIds.size());
+    if (containers == nullptr) {
+        return GiveUp("no memory");
+    }
+    std::int32_t makeFromCount = 0;
+    std::int32_t shapeDefinitionCount = 0;
+    bool isRawMaterial = false;
+    if (!FindRawMaterial(&isRawMaterial, &makeFromCount, &shapeDefinitionCount)) {
+        return GiveUp("a product category runs past the end of the file");
+    }
+    for (const std::int32_t id : scratch.itemIds) {
+        const P42Ent* const item = model.Find(id);
+        if (item == nullptr) {
+            SayMissing(id);
+            continue;
+        }
+        int result = 0;
+        if (item->code == code::kTessellatedSolid || item->code == code::kTessellatedShell) {
+            result = ReadContainer(item);
+        } else if (item->code == code::kComplexTriangulatedSurfaceSet) {
+            // `currentColour` stays: a set without a colour of its own takes the one left over from the last
+            // container.
+            result = ReadFace(item, nullptr);
+        }
+        if (result != 0) {
+            return result;
+        }
+    }
+    if (isRawMaterial && !LinkRawMaterial(*this, makeFromCount, shapeDefinitionCount)) {
+        return GiveUp("a raw material's line runs past the end of the file");
+    }
+    triangleSum += static_cast<std::uint32_t>(triangleTotal);
+    faceSum += static_cast<std::uint32_t>(faceTotal);
+    if (!HandOver()) {
+        return GiveUp("no memory");
+    }
+    return 0;
+}
+
+bool PartReader::MakeProduct() {
+    const P42Ent* const entity = model.Find(model.rootProductId);
+    if (entity == nullptr) {
+        return false;
+    }
+    TextWalk walk = model.WalkFrom(entity);
+    walk.GoTo('(');
+    walk.GoTo('\'');
+    walk.Step();
+    const std::string_view name = ReadQuoted(&walk, 300);
+    if (walk.overrun) {
+        return false;
+    }
+    ProductNode* const made = arena.New<ProductNode>();
+    if (made == nullptr) {
+        return false;
+    }
+    made->isRoot = 1;
+    made->name = arena.Copy(name.data(), name.size());
+    if (made->name == nullptr) {
+        return false;
+    }
+    product = made;
+    return true;
+}
+
+// The items of the TESSELLATED_SHAPE_REPRESENTATION, its second argument; none when the file has no such
+// entity.
+bool PartReader::ReadItemIds() {
+    const P42Ent* const representation = model.Find(model.shapeRepresentationId);
+    if (representation == nullptr) {
+        return true;
+    }
+    TextWalk walk = model.WalkFrom(representation);
+    walk.GoTo('(');
+    walk.GoTo(',');
+    walk.GoTo('(');
+    ParseIdList(&walk, &scratch.itemIds);
+    return !walk.overrun;
+}
+
+// Whether some PRODUCT_RELATED_PRODUCT_CATEGORY is called "raw material"; counts what the links are made of
+// on the way. False when a line runs past the end of the text.
+bool PartReader::FindRawMaterial(bool* isRawMaterial, std::int32_t* makeFromCount,
+                                 std::int32_t* shapeDefinitionCount) {
+    constexpr std::string_view kCategory = "raw material";
+    ListP42Ent& list = *model.structureList;
+    for (const P42Ent* record = list.First(); record != nullptr; record = list.Next()) {
+        if (record->code == code::kProductRelatedProductCategory) {
+            TextWalk walk = model.WalkFrom(record);
+            walk.GoTo('(');
+            walk.GoTo('\'');
+            walk.Step();
+            if (walk.overrun) {
+                return false;
+            }
+            if (std::memcmp(walk.at, kCategory.data(), kCategory.size()) == 0) {
+                *isRawMaterial = true;
+            }
+        } else if (record->code == code::kMakeFromUsageOption) {
+            ++*makeFromCount;
+        } else if (record->code == code::kShapeDefinitionRepresentation) {
+            ++*shapeDefinitionCount;
+        }
+    }
+    return true;
+}
+
+int PartReader::ReadContainer(const P42Ent* entity) {
+    FaceContainer* const container = arena.New<FaceContainer>();
+    if (container == nullptr) {
+        return GiveUp("no memory");
+    }
+    container->containerId = entity->id;
+    container->kind = entity->code == code::kTessellatedSolid ? 1 : 2;
+    containers[containerCount++] = container;
+    const ColourRow* const colour = colourIndex.Find(entity->id);
+    currentColour = colour != nullptr ? colour->row : -1;
+    if (!ReadContainerItems(entity, &container->exactContainerId)) {
+        return GiveUp("the list of a solid or shell runs past the end of the file");
+    }
+    for (const std::int32_t id : scratch.faceIds) {
+        const P42Ent* const face = model.Find(id);
+        if (face == nullptr) {
+            SayMissing(id);
+            continue;
+        }
+        if (face->code != code::kTriangulatedFace && face->code != code::kComplexTriangulatedFace) {
+            continue;
+        }
+        const int result = ReadFace(face, container);
+        if (result != 0) {
+            return result;
+        }
+    }
+    return 0;
+}
+
+// The faces that a solid or shell lists, into scratch.faceIds, and the entity number of its link.
+bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactContainerId) {
+    TextWalk walk = model.WalkFrom(entity);
+    walk.GoTo('(');
+    walk.GoTo(',');
+    walk.GoTo('(');
+    scratch.faceIds.clear();
+    ParseIdList(&walk, &scratch.faceIds);
+    // The comma behind the list, and the link behind it.
+    walk.GoTo(',');
+    walk.Step();
+    while (*walk.at != '#' && *walk.at != ')' && *walk.at != '$' && walk.at < walk.end) {
+        ++walk.at;
+    }
+    if (walk.overrun || walk.at == walk.end) {
+        return false;
+    }
+    // Marks where the link was looked for, also where there is none: a container that is listed twice finds
+    // it again.
+    model.text[walk.at - model.text] = '#';
+    walk.Step();
+    *exactContainerId = ReadDigits(&walk);
+    return true;
+}
+
+int PartReader::ReadFace(const P42Ent* entity, const FaceContainer* container) {
+    StepFaceB* const face = arena.New<StepFaceB>();
+    if (face == nullptr) {
+        return GiveUp("no memory");
+    }
+    face->colour[0] = face->colour[1] = face->colour[2] = 0.3f;
+    face->colour[3] = 1.0f;
+    FaceProblem problem;
+    const int result = TraiteFace(face, entity, model, arena, &scratch.face, &problem);
+    if (result != 0) {
+        return problem.reason != nullptr ? GiveUpFace(entity, problem) : result;
+    }
+    if (container != nullptr) {
+        face->containerId = container->containerId;
+        face->exactContainerId = container->exactContainerId;
+        face->containerType = container->kind;
+    }
+    const ColourRow* const own = colourIndex.Find(entity->id);
+    const std::int32_t row = own != nullptr ? own->row : currentColour;
+    if (row >= 0) {
+        const ColourEntry& colour = scratch.colours[static_cast<std::size_t>(row)];
+        face->colour[0] = colour.red;
+        face->colour[1] = colour.green;
+        face->colour[2] = colour.blue;
+        face->colour[3] = colour.alpha;
+    }
+    MergeBox(face->box);
+    ++faceTotal;
+    scratch.faces.push_back(face);
+    triangleTotal += face->triangleCount;
+    return 0;
+}
+
+void PartReader::MergeBox(const float faceBox[6]) {
+    if (faceTotal == 0) {
+        std::copy_n(faceBox, 6, box);
+        return;
+    }
+    for (int axis = 0; axis < 3; ++axis) {
+        const int low = 2 * axis;
+        const int high = low + 1;
+        if (faceBox[low] < box[low]) {
+            box[low] = faceBox[low];
+        }
+        if (faceBox[high] > box[high]) {
+            box[high] = faceBox[high];
+        }
+    }
+}
+
+// What survives the reader: one item with all faces in the draw list of the product.
+bool PartReader::HandOver() {
+    const std::size_t count = scratch.faces.size();
+    DrawItem* const item = arena.New<DrawItem>();
+    StepFaceB** const meshes = arena.New<StepFaceB*>(count);
+    DrawList* const list = MakeDrawList(arena, 1);
+    if (item == nullptr || meshes == nullptr || list == nullptr) {
+        return false;
+    }
+    std::copy_n(scratch.faces.data(), count, meshes);
+    item->meshes = meshes;
+    item->meshCount = static_cast<std::int32_t>(count);
+    item->product = product;
+    product->drawList = list;
+    AppendItem(arena, list, item);
+    if (triangleTotal >= 1) {
+        std::copy_n(box, 6, product->box);
+        product->hasBox = 1;
+    }
+    return true;
+}
+
+void PartReader::SayMissing(std::int32_t id) {
+    if (missingSaid_) {
+        return;
+    }
+    missingSaid_ = true;
+    ConsolePrint("<E> %s: #%d is listed but not there\n", model.fileName.c_str(), id);
+}
+
+int PartReader::GiveUp(const char* reason) {
+    ConsolePrint("<E> %s: part given up, %s\n", model.fileName.c_str(), reason);
+    return kFailed;
+}
+
+int PartReader::GiveUpFace(const P42Ent* entity, const FaceProblem& problem) {
+    ConsolePrint("<E> %s: part given up, face #%d %s\n", model.fileName.c_str(), entity->id, problem.reason);
+    return kFailed;
+}
+
+} // namespace tarnwick

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "geometry/triangulated_face.h"
+#include "load/p21/id_map.h"
+#include "load/p21/step_model.h"
+#include "platform/arena.h"
+#include "product/scene_records.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace tarnwick {
+
+// One row of a part's colour table. One COLOUR_RGB has a row for each alpha with which styles use it.
+struct ColourEntry {
+    std::int32_t colourId; // entity number of the colour
+    float red, green, blue;
+    float alpha; // -1 while no style uses the row
+};
+
+// From the entity number of a styled item, or of a style, to a row of the colour table.
+struct ColourRow {
+    std::int32_t id;
+    std::int32_t row;
+};
+using ColourIndex = IdMap<ColourRow, &ColourRow::id>;
+
+// What a reading thread keeps from part to part.
+struct PartScratch {
+    FaceScratch face;
+    std::vector<StepFaceB*> faces;
+    std::vector<std::int32_t> itemIds;
+    std::vector<std::int32_t> faceIds;
+    std::vector<ColourEntry> colours;
+};
+
+// Turns one opened model that holds the geometry of one part into drawable meshes: from its one
+// TESSELLATED_SHAPE_REPRESENTATION to the solids, shells and surface sets that it lists, and to their faces;
+// nothing else in the file is touched. Created for one model, run once, thrown away; the records that it
+// makes are in `arena`. One thread at a time uses a reader, its model, its scratch and its arena.
+class PartReader {
+public:
+    // `part` may be null for a file that is the whole document; a product is then made from its root PRODUCT.
+    PartReader(StepModel& partModel, ProductNode* part, Arena& sceneArena, PartScratch& partScratch);
+
+    // Reads the part and takes the times. Returns 0, whatever became of the part.
+    int Run();
+
+    // 0, or what the first face that failed returned; the product then has no draw list.
+    int ReadPart();
+
+    StepModel& model;
+    ProductNode* product;
+    Arena& arena;
+    PartScratch& scratch;
+    std::int32_t triangleTotal = 0;       // triangles read
+    std::int32_t faceTotal = 0;           // faces read
+    FaceContainer** containers = nullptr; // as many slots as the representation has items
+    std::int32_t containerCount = 0;      // solids and shells met, also of a part that was given up
+    std::uint32_t triangleSum = 0;        // triangles and faces of a part that was read to its end
+    std::uint32_t faceSum = 0;
+    double readSeconds = 0;
+    double inflateSeconds = 0;
+    double parseSeconds = 0;
+    ColourIndex colourIndex;         // by the entity number of a solid, shell, surface set or face
+    std::int32_t currentColour = -1; // row of the container in hand, -1 for none
+    float box[6] = {};               // of all faces read so far
+
+private:
+    bool MakeProduct();
+    bool ReadItemIds();
+    bool FindRawMaterial(bool* isRawMaterial, std::int32_t* makeFromCount,
+                         std::int32_t* shapeDefinitionCount);
+    int ReadContainer(const P42Ent* entity);
+    bool ReadContainerItems(const P42Ent* entity, std::int32_t* exactContainerId);
+    int ReadFace(const P42Ent* entity, const FaceContainer* container);
+    bool HandOver();
+    void MergeBox(const float faceBox[6]);
+    void SayMissing(std::int32_t id);
+    int GiveUp(const char* reason);
+    int GiveUpFace(const P42Ent* entity, const FaceProblem& problem);
+
+    bool missingSaid_ = false; // one line for each part is enough
+};
+
+// Fills the colour table in the reader's scratch and its `colourIndex` by the one chain of presentation
+// entities that leads to a styled item: the first MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION.
+// What can't be resolved stays out of the index. False when a line runs past the end of the text, or memory
+// runs out.
+bool ReadColours(PartReader& reader);
+
+// Follows a PRESENTATION_STYLE_ASSIGNMENT to its colour and alpha: 0; 1 when the chain has another shape than
+// expected, as that of a curve's style, or ends nowhere. The number of a SURFACE_STYLE_TRANSPARENT is the
+// alpha as it stands.
+int ResolveStyle(const StepModel& model, std::int32_t styleId, std::int32_t* colourId, float* alpha);
+
+// Writes the names of raw materials on the reader's containers: those of the products that a
+// MAKE_FROM_USAGE_OPTION names, on the solids that its own shape representation lists. False when a line runs
+// past the end of the text.
+bool LinkRawMaterial(PartReader& reader, std::int32_t makeFromCount, std::int32_t shapeDefinitionCount);
+
+} // namespace tarnwick

@@ -1,0 +1,619 @@
+// A scanner for text of one shape: one entity on one line, arguments in their standard places, no blanks
+// between the lists of a list. Each list is read by a walk that expects its usual form; whatever has another
+// form goes through the plain sequence of moves (find the parenthesis, find each comma, convert what stands
+// between), which defines the outcome.
+//
+// Reading is line-oriented by origin: where a list meets a line feed, more lines could once be fetched. There
+// is nothing to fetch here, so such a list ends there, and the walk is set back to a line whose first
+// character is now NUL.
+
+#include "geometry/triangulated_face.h"
+
+#include "load/p21/keyword_codes.h"
+#include "load/p21/parse_real.h"
+#include "platform/console.h"
+#include "platform/fail_fast.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr const char* kPastEnd = "runs past the end of the file";
+constexpr const char* kNoMemory = "no memory for it";
+
+// The reading position in the line of an entity.
+struct FaceWalk {
+    char* line; // its "#"
+    char* at;
+    char* end; // of the text, where a NUL stands
+    const char* problem = nullptr;
+
+    bool Failed() const { return problem != nullptr; }
+
+    void Fail(const char* reason) {
+        problem = reason;
+        at = end;
+    }
+    void GoTo(char c) {
+        void* const found = std::memchr(at, c, static_cast<std::size_t>(end - at));
+        if (found == nullptr) {
+            Fail(kPastEnd);
+        } else {
+            at = static_cast<char*>(found);
+        }
+    }
+    void Step() {
+        if (at < end) {
+            ++at;
+        }
+    }
+    void SkipBlanks() {
+        while (*at == ' ') {
+            ++at;
+        }
+    }
+    bool AtLineEnd() const { return *at == '\n' || *at == '\0'; }
+
+    // What is left of a wish for the next line.
+    void Refill() {
+        at = line;
+        *line = '\0';
+    }
+};
+
+// Digits as they mostly stand in an index list, 1 to 7 of them; false, and nothing done, for any other text.
+bool TakeIndex(const char*& p, std::uint32_t* value) {
+    const std::uint64_t word = real::LoadEight(p);
+    const unsigned count = real::LeadingDigits(word);
+    if (count == 0 || count == 8) {
+        return false;
+    }
+    *value = real::DigitsValue(word, count);
+    p += count;
+    return true;
+}
+
+// The numbers of a triple from `p`, the place of its "(", as they mostly stand: "(a,b,c)". Returns the place
+// behind the
+// ")", or null for any other form.
+char* TakeTriple(char* p, float* out) {
+    const char* q = p + 1;
+    out[0] = static_cast<float>(ParseReal(q, &q));
+    if (*q != ',') {
+        return nullptr;
+    }
+    out[1] = static_cast<float>(ParseReal(q + 1, &q));
+    if (*q != ',') {
+        return nullptr;
+    }
+    out[2] = static_cast<float>(ParseReal(q + 1, &q));
+    if (*q != ')') {
+        return nullptr;
+    }
+    return p + (q + 1 - p);
+}
+
+char* TakeTriple(char* p, std::uint32_t* out) {
+    const char* q = p + 1;
+    if (!TakeIndex(q, &out[0]) || *q != ',') {
+        return nullptr;
+    }
+    ++q;
+    if (!TakeIndex(q, &out[1]) || *q != ',') {
+        return nullptr;
+    }
+    ++q;
+    if (!TakeIndex(q, &out[2]) || *q != ')') {
+        return nullptr;
+    }
+    for (int i = 0; i < 3; ++i) {
+        --out[i];
+    }
+    return p + (q + 1 - p);
+}
+
+void Convert(const char* p, float* out) {
+    *out = static_cast<float>(ParseReal(p));
+}
+void Convert(const char* p, std::uint32_t* out) {
+    *out = static_cast<std::uint32_t>(StringToInteger(p)) - 1;
+}
+
+// The same by the plain moves: the next ")" closes the triple, wherever its two commas are. Null, with the
+// walk failed, when the text ends before them.
+template <class Number>
+char* FindTriple(FaceWalk* walk, Number* out) {
+    char* const start = walk->at;
+    walk->Step();
+    walk->GoTo(')');
+    char* const close = walk->at;
+    walk->at = std::min(start + 1, walk->end);
+    walk->GoTo(',');
+    char* const first = walk->at;
+    walk->Step();
+    walk->GoTo(',');
+    if (walk->Failed()) {
+        return nullptr;
+    }
+    Convert(start + 1, &out[0]);
+    Convert(first + 1, &out[1]);
+    Convert(walk->at + 1, &out[2]);
+    return close + 1;
+}
+
+// Reads a list of the form ((a,b,c),(a,b,c),...), "$" for none, into `out`. The walk is left at the ")" of
+// the list. A list that breaks off keeps what was read, says so, and returns false.
+template <class Array>
+bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
+    walk->SkipBlanks();
+    if (*walk->at == '$') {
+        return true;
+    }
+    walk->GoTo('(');
+    walk->Step();
+    walk->SkipBlanks();
+    if (walk->Failed()) {
+        return false;
+    }
+    for (;;) {
+        if (!out->Reserve(3)) {
+            walk->Fail(kNoMemory);
+            return false;
+        }
+        char* p = TakeTriple(walk->at, out->Next());
+        if (p == nullptr) {
+            p = FindTriple(walk, out->Next());
+            if (p == nullptr) {
+                return false;
+            }
+        }
+        out->Advance(3);
+        while (*p != '(' && *p != ')' && *p != '\n' && *p != '\0') {
+            ++p;
+        }
+        walk->at = p;
+        if (*p == ')') {
+            return true;
+        }
+        if (*p != '(') {
+            walk->Refill();
+            OutputPrint("%s", endOfFile);
+            return false;
+        }
+    }
+}
+
+template <class Array>
+bool TraiteCoords(FaceWalk* walk, Array* out) {
+    return ReadTriples(walk, out, "<E> StepFaceB::TraiteCoords: Fin de fichier\n");
+}
+
+void TraiteTriangle(FaceWalk* walk, TipArray<std::uint32_t>* out) {
+    ReadTriples(walk, out, "<E> StepFaceB::TraiteTriangle: Fin de fichier\n");
+}
+
+// Steps to the next argument, which is behind the next comma at any depth. False when the line ends first.
+bool ArgumentSuivant(FaceWalk* walk) {
+    const auto stepTo = [walk](auto goesOn) {
+        do {
+            walk->Step();
+            if (walk->AtLineEnd()) {
+                walk->Refill();
+                OutputPrint("<E> StepFaceB::ArgumentSuivant: Fin de fichier\n");
+                return false;
+            }
+        } while (goesOn(*walk->at));
+        return true;
+    };
+    if (*walk->at != ',' && !stepTo([](char c) { return c != ','; })) {
+        return false;
+    }
+    return stepTo([](char c) { return c == ' '; });
+}
+
+// The digits at the walk, at most 14; more end the process.
+std::int32_t TakeDigits(FaceWalk* walk) {
+    TextWalk digits{walk->at, walk->end};
+    const std::int32_t value = ReadDigits(&digits);
+    walk->at += digits.at - walk->at;
+    return value;
+}
+
+// The entity number of a reference; 0 when no digits follow the "#", -1 when a "," or ")" comes before it.
+std::int32_t LitReference(FaceWalk* walk) {
+    for (int steps = 0; *walk->at != '#' && steps < 100 && walk->at < walk->end; ++steps) {
+        if (*walk->at == ',' || *walk->at == ')') {
+            return -1;
+        }
+        ++walk->at;
+    }
+    walk->Step();
+    return TakeDigits(walk);
+}
+
+// Reads a flat list of the form (i,j,k,...), "(" or not, and appends the values minus 1. Returns their
+// number, 0 at a
+// ")", -1 where the line ends or the walk has failed; what was read stays. The walk is left behind the list
+// and its comma.
+template <class Array>
+std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
+    if (*walk->at == ')') {
+        return 0;
+    }
+    if (*walk->at == '(') {
+        ++walk->at;
+    }
+    std::int32_t count = 0;
+    for (;;) {
+        if (!list->Reserve(1)) {
+            walk->Fail(kNoMemory);
+            return -1;
+        }
+        const char* delimiter = walk->at;
+        std::uint32_t value;
+        if (!TakeIndex(delimiter, &value) || (*delimiter != ',' && *delimiter != ')')) {
+            delimiter = walk->at;
+            while (*delimiter != ',' && *delimiter != ')' && delimiter < walk->end) {
+                ++delimiter;
+            }
+            if (delimiter == walk->end) {
+                walk->Fail(kPastEnd);
+                return -1;
+            }
+            value = static_cast<std::uint32_t>(StringToInteger(walk->at));
+        }
+        *list->Next() = static_cast<std::int32_t>(value - 1);
+        list->Advance(1);
+        ++count;
+        walk->at += delimiter + 1 - walk->at;
+        if (*delimiter == ')') {
+            break;
+        }
+        if (walk->AtLineEnd()) {
+            walk->Refill();
+            return -1;
+        }
+    }
+    if (*walk->at == ',') {
+        ++walk->at;
+    }
+    if (walk->AtLineEnd()) {
+        walk->Refill();
+        return -1;
+    }
+    return count;
+}
+
+// A strip's triangles keep their winding: every other one is turned round.
+void AppendStrip(const std::uint32_t* s, std::size_t count, std::uint32_t* out) {
+    for (std::size_t i = 0; i + 2 < count; ++i, out += 3) {
+        const bool turned = i % 2 != 0;
+        out[0] = turned ? s[i + 2] : s[i];
+        out[1] = s[i + 1];
+        out[2] = turned ? s[i] : s[i + 2];
+    }
+}
+
+void AppendFan(const std::uint32_t* s, std::size_t count, std::uint32_t* out) {
+    for (std::size_t i = 1; i + 1 < count; ++i, out += 3) {
+        out[0] = s[0];
+        out[1] = s[i];
+        out[2] = s[i + 1];
+    }
+}
+
+// Reads strips or fans of the form ((i,j,k,...),(i,j,k,...),...), "$" or "()" for none; `append` turns the
+// values of one into triangles. Fewer than 3 values add nothing.
+template <class Append>
+void ReadTriangleLists(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipArray<std::uint32_t>* out,
+                       Append append) {
+    walk->SkipBlanks();
+    if (*walk->at == '$') {
+        return;
+    }
+    walk->GoTo('(');
+    walk->Step();
+    walk->SkipBlanks();
+    if (*walk->at == ')') {
+        return;
+    }
+    for (bool brokeOff = false; !walk->Failed();) {
+        values->Clear();
+        const std::int32_t read = LitEntiers(walk, values);
+        const std::size_t count = values->Count();
+        if (count == 0 || walk->Failed()) {
+            return;
+        }
+        if (read < 0) {
+            // After the first break the walk starts over from the line's first character. A second one would
+            // come again and again, and fill the memory with the same triangles.
+            if (brokeOff) {
+                walk->Fail("has a list of strips or fans that is broken over lines");
+                return;
+            }
+            brokeOff = true;
+        }
+        if (count < 3) {
+            continue;
+        }
+        if (!out->Reserve(3 * (count - 2))) {
+            walk->Fail(kNoMemory);
+            return;
+        }
+        append(reinterpret_cast<const std::uint32_t*>(values->Data()), count, out->Next());
+        out->Advance(3 * (count - 2));
+    }
+}
+
+void TraiteStrip(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipArray<std::uint32_t>* out) {
+    ReadTriangleLists(walk, values, out, AppendStrip);
+}
+
+void TraiteFan(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipArray<std::uint32_t>* out) {
+    ReadTriangleLists(walk, values, out, AppendFan);
+}
+
+// pnmax counts only as far as it stands within the first 100 characters of the line: it serves for sizing
+// alone.
+std::int32_t ReadPnmax(FaceWalk* walk) {
+    if (*walk->at == '$') {
+        return 0;
+    }
+    char* const limit = std::min(walk->line + 100, walk->end);
+    while (walk->at < limit && !real::IsDigit(*walk->at)) {
+        ++walk->at;
+    }
+    std::int64_t value = 0;
+    for (const char* const start = walk->at; walk->at < limit && real::IsDigit(*walk->at); ++walk->at) {
+        if (walk->at - start == 14) {
+            FailFast();
+        }
+        value = value * 10 + (*walk->at - '0');
+    }
+    return static_cast<std::int32_t>(std::min<std::int64_t>(value, INT32_MAX));
+}
+
+// A walk to the points of a COORDINATES_LIST, its third argument.
+FaceWalk WalkToPoints(const StepModel& model, const P42Ent* list) {
+    char* const line = model.text + list->offset;
+    FaceWalk walk{line, line, model.textEnd};
+    walk.GoTo('(');
+    walk.GoTo(',');
+    walk.Step();
+    walk.GoTo(',');
+    walk.Step();
+    return walk;
+}
+
+// The vertices of a face without pnindex: all points of the list. False when the walk fails.
+bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, Arena& arena,
+                   CoordCache* cache, const char** problem) {
+    if (cache->coordinatesId == list->id && cache->whole) {
+        TipArray<float> copy(arena);
+        if (!copy.Reserve(3 * static_cast<std::size_t>(cache->count))) {
+            *problem = kNoMemory;
+            return false;
+        }
+        std::copy_n(cache->points, 3 * static_cast<std::size_t>(cache->count), copy.Next());
+        copy.Advance(3 * static_cast<std::size_t>(cache->count));
+        face->vertices = copy.Close();
+        face->vertexCount = cache->count;
+        return true;
+    }
+    FaceWalk walk = WalkToPoints(model, list);
+    TipArray<float> points(arena);
+    const bool whole = !walk.Failed() && TraiteCoords(&walk, &points);
+    if (walk.Failed()) {
+        points.Drop();
+        *problem = walk.problem;
+        return false;
+    }
+    face->vertexCount = static_cast<std::int32_t>(points.Count() / 3);
+    face->vertices = points.Close();
+    cache->coordinatesId = list->id;
+    cache->count = face->vertexCount;
+    cache->points = face->vertices;
+    cache->whole = whole;
+    return true;
+}
+
+// Fills the cache from a list that it doesn't hold.
+bool FillCoordCache(CoordCache* cache, const StepModel& model, const P42Ent* list, const char** problem) {
+    cache->list.Clear();
+    FaceWalk walk = WalkToPoints(model, list);
+    cache->whole = !walk.Failed() && TraiteCoords(&walk, &cache->list);
+    if (walk.Failed()) {
+        cache->coordinatesId = 0;
+        *problem = walk.problem;
+        return false;
+    }
+    cache->coordinatesId = list->id;
+    cache->count = static_cast<std::int32_t>(cache->list.Count() / 3);
+    cache->points = cache->list.Data();
+    return true;
+}
+
+// The vertices of a face with pnindex: the points at those places of the list. False when one is not there.
+bool TraiteIndexCoords(StepFaceB* face, const StepModel& model, const P42Ent* list, Arena& arena,
+                       CoordCache* cache, const char** problem) {
+    if (cache->coordinatesId != list->id && !FillCoordCache(cache, model, list, problem)) {
+        return false;
+    }
+    const std::size_t count = static_cast<std::size_t>(face->pnindexCount);
+    TipArray<float> vertices(arena);
+    if (!vertices.Reserve(3 * count)) {
+        *problem = kNoMemory;
+        return false;
+    }
+    float* out = vertices.Next();
+    const std::uint32_t points = static_cast<std::uint32_t>(cache->count);
+    for (std::size_t i = 0; i < count; ++i, out += 3) {
+        const std::uint32_t place = static_cast<std::uint32_t>(face->pnindex[i]);
+        if (place >= points) {
+            vertices.Drop();
+            *problem = "names a point that its COORDINATES_LIST doesn't have";
+            return false;
+        }
+        const float* const point = cache->points + 3 * static_cast<std::size_t>(place);
+        out[0] = point[0];
+        out[1] = point[1];
+        out[2] = point[2];
+    }
+    vertices.Advance(3 * count);
+    face->vertices = vertices.Close();
+    face->vertexCount = face->pnindexCount;
+    return true;
+}
+
+void ComputeBox(StepFaceB* face) {
+    const float* v = face->vertices;
+    float low[3] = {v[0], v[1], v[2]};
+    float high[3] = {v[0], v[1], v[2]};
+    for (std::int32_t i = 1; i < face->vertexCount; ++i) {
+        v += 3;
+        for (int axis = 0; axis < 3; ++axis) {
+            low[axis] = v[axis] < low[axis] ? v[axis] : low[axis];
+            high[axis] = v[axis] > high[axis] ? v[axis] : high[axis];
+        }
+    }
+    for (int axis = 0; axis < 3; ++axis) {
+        face->box[2 * axis] = low[axis];
+        face->box[2 * axis + 1] = high[axis];
+    }
+}
+
+// The one normal of a face stands for each of its vertices.
+bool RepeatNormal(StepFaceB* face, const float normal[3], Arena& arena) {
+    const std::size_t count = static_cast<std::size_t>(face->vertexCount);
+    TipArray<float> normals(arena);
+    if (!normals.Reserve(3 * count)) {
+        return false;
+    }
+    float* out = normals.Next();
+    for (std::size_t i = 0; i < count; ++i, out += 3) {
+        std::copy_n(normal, 3, out);
+    }
+    normals.Advance(3 * count);
+    face->normals = normals.Close();
+    face->normalCount = face->vertexCount;
+    return true;
+}
+
+} // namespace
+
+int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& arena, FaceScratch* scratch,
+               FaceProblem* problem) {
+    const std::int32_t code = entity->code;
+    char* const line = model.text + entity->offset;
+    FaceWalk walk{line, line, model.textEnd};
+    const auto failed = [&walk, problem] {
+        problem->reason = walk.problem;
+        return -1;
+    };
+    face->faceId = entity->id;
+    walk.GoTo('(');
+    walk.GoTo(',');
+    walk.Step();
+    const std::int32_t coordinatesId = LitReference(&walk);
+    walk.GoTo(',');
+    walk.Step();
+    if (walk.Failed()) {
+        return failed();
+    }
+    face->pnmax = ReadPnmax(&walk);
+    if (!ArgumentSuivant(&walk)) {
+        return failed();
+    }
+
+    float oneNormal[3] = {};
+    {
+        TipArray<float> normals(arena);
+        if (walk.at[0] == '(' && walk.at[1] != ')') {
+            TraiteCoords(&walk, &normals);
+        }
+        face->normalCount = static_cast<std::int32_t>(normals.Count() / 3);
+        if (face->normalCount == 1) {
+            std::copy_n(normals.Data(), 3, oneNormal);
+            normals.Drop();
+        } else {
+            face->normals = normals.Close();
+        }
+        if (walk.Failed()) {
+            return failed();
+        }
+    }
+
+    if (code != code::kComplexTriangulatedSurfaceSet) {
+        ArgumentSuivant(&walk);
+        if (*walk.at == '#') {
+            face->exactFaceId = LitReference(&walk);
+        }
+    }
+
+    ArgumentSuivant(&walk);
+    walk.SkipBlanks();
+    if (*walk.at == '(') {
+        ++walk.at;
+        walk.SkipBlanks();
+        if (*walk.at != '$' && *walk.at != ')') {
+            TipArray<std::int32_t> pnindex(arena);
+            LitEntiers(&walk, &pnindex);
+            face->pnindexCount = static_cast<std::int32_t>(pnindex.Count());
+            face->pnindex = pnindex.Close();
+            if (walk.Failed()) {
+                return failed();
+            }
+            // Back to before the comma that the list's reader has passed.
+            if (face->pnindexCount != 0) {
+                walk.at -= 2;
+            }
+        }
+    }
+
+    ArgumentSuivant(&walk);
+    {
+        TipArray<std::uint32_t> triangles(arena);
+        if (code == code::kTriangulatedFace) {
+            TraiteTriangle(&walk, &triangles);
+        } else {
+            TraiteStrip(&walk, &scratch->strip, &triangles);
+            if (!walk.Failed()) {
+                ArgumentSuivant(&walk);
+                TraiteFan(&walk, &scratch->strip, &triangles);
+            }
+        }
+        face->triangleCount = static_cast<std::int32_t>(triangles.Count() / 3);
+        face->triangles = triangles.Close();
+        if (walk.Failed()) {
+            return failed();
+        }
+    }
+
+    const P42Ent* const list = model.Find(coordinatesId);
+    if (list == nullptr) {
+        problem->reason = "has no COORDINATES_LIST";
+        return -1;
+    }
+    CoordCache* const cache = &scratch->coordCache;
+    const bool read = face->pnindexCount != 0
+                          ? TraiteIndexCoords(face, model, list, arena, cache, &problem->reason)
+                          : ReadAllPoints(face, model, list, arena, cache, &problem->reason);
+    if (!read) {
+        return -1;
+    }
+    if (face->vertexCount == 0) {
+        problem->reason = "has no vertices";
+        return -1;
+    }
+    ComputeBox(face);
+    if (face->normalCount == 1 && !RepeatNormal(face, oneNormal, arena)) {
+        problem->reason = kNoMemory;
+        return -1;
+    }
+    return face->vertexCount < face->normalCount ? 1 : 0;
+}
+
+} // namespace tarnwick

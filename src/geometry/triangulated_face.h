@@ -1,0 +1,42 @@
+#pragma once
+
+#include "load/p21/step_model.h"
+#include "platform/arena.h"
+#include "platform/scratch_array.h"
+#include "product/scene_records.h"
+
+#include <cstdint>
+
+namespace tarnwick {
+
+// The points of the last COORDINATES_LIST that was read, so that a list which several faces share one after
+// another is parsed once.
+struct CoordCache {
+    std::int32_t coordinatesId = 0; // entity number of the list; 0 at first
+    std::int32_t count = 0;         // points
+    const float* points =
+        nullptr;       // x, y, z of each; in `list` below or in the vertices of the face that read them
+    bool whole = true; // false when the list broke off: each reading must then say so again
+    ScratchArray<float> list;
+};
+
+// What a reading thread keeps from face to face.
+struct FaceScratch {
+    CoordCache coordCache;
+    ScratchArray<std::int32_t> strip; // the values of one strip or fan
+};
+
+// Why TraiteFace gave a face up, where the outcome isn't one of the reader's own; null otherwise.
+struct FaceProblem {
+    const char* reason = nullptr;
+};
+
+// Reads one entity of code 17, 18 or 20 (TRIANGULATED_FACE, COMPLEX_TRIANGULATED_FACE,
+// COMPLEX_TRIANGULATED_SURFACE_SET of ISO 10303-42) straight out of the model's text into `face`, whose
+// arrays come from `arena` in the layout that vertex arrays want. The text is written to at places where a
+// list breaks off. Returns 0; 1 when the face has more normals than vertices (the record is complete all the
+// same); -1 when it can't be read, with *problem set if the console should name a reason.
+int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& arena, FaceScratch* scratch,
+               FaceProblem* problem);
+
+} // namespace tarnwick

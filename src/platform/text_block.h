@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+
+namespace tarnwick {
+
+// A writable block for the bytes of one file that its owner keeps and reuses for the next file, since fresh
+// pages for every file of an assembly would put half of the processor time into the kernel. Used by one
+// thread.
+class TextBlock {
+public:
+    // Readable bytes behind the asked size, so that a number may be taken eight characters at a time.
+    static constexpr std::size_t kPadding = 64;
+
+    TextBlock() = default;
+    TextBlock(const TextBlock&) = delete;
+    TextBlock& operator=(const TextBlock&) = delete;
+    ~TextBlock() { Release(); }
+
+    // A block of at least `bytes` and the padding, with arbitrary content; the former block's content is
+    // lost. Null when memory runs out.
+    char* Get(std::size_t bytes);
+
+    // Gives the memory back.
+    void Release();
+
+private:
+    char* block_ = nullptr;
+    std::size_t capacity_ = 0;
+};
+
+} // namespace tarnwick

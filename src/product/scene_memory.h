@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/arena.h"
+
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace tarnwick {
+
+// The owner of all records of one load. Each reading thread fills an arena of its own and hands it over at
+// its end; the load that replaces the scene drops them all in one step.
+class SceneMemory {
+public:
+    // The arena of the thread that runs the load.
+    Arena& Main() { return main_; }
+
+    // Takes over the arena of another thread. Any thread may call it.
+    void HandOver(Arena&& arena) {
+        const std::lock_guard guard(lock_);
+        others_.push_back(std::move(arena));
+    }
+
+private:
+    Arena main_;
+    std::mutex lock_;
+    std::vector<Arena> others_;
+};
+
+} // namespace tarnwick

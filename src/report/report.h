@@ -1,0 +1,21 @@
+#pragma once
+
+#include "load/p21/step_model.h"
+#include "load/scene_view.h"
+
+#include <string>
+
+namespace tarnwick {
+
+// The scene that a load left in the view as one JSON object ("tarnwick.scene/1"), with a line feed at its
+// end. `path` is the path as LoadFile got it; `status` the status text, or null when LoadFile refused the
+// path. With `arrays` the numbers of all meshes stand in it, else only their checksums.
+std::string SceneReport(const SceneView& view, const std::string& path, const std::string* status,
+                        bool arrays);
+
+// The entity index of a P21 file as one JSON object ("tarnwick.index/1"). `result` is what Read returned;
+// after another result than 0 all counters are 0. With `entities` the whole table stands in it, in file
+// order.
+std::string IndexReport(const StepModel& model, int result, bool entities);
+
+} // namespace tarnwick

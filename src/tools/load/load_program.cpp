@@ -1,0 +1,99 @@
+#include "tools/load/load_program.h"
+
+#include "load/load_commands.h"
+#include "load/load_file.h"
+#include "platform/console.h"
+#include "report/report.h"
+
+#include <cstdio>
+#include <optional>
+
+namespace tarnwick::tools {
+
+namespace {
+
+// A dialog of one control: the status text.
+class StatusOnly final : public LoadControls {
+public:
+    void SetStatusText(const std::string& text) override { status = text; }
+    void ShowDepthSlider(bool) override {}
+    void EnableDepthSlider(bool) override {}
+    void SetDepthRange(std::int32_t, std::int32_t) override {}
+    void SetDepthPosition(std::int32_t) override {}
+    void SetDepthLabel(std::int32_t) override {}
+    void UpdateData() override {}
+
+    std::optional<std::string> status;
+};
+
+constexpr LoadCommands kCommands{.loadStepFile = LoadStepFile};
+
+bool WriteReport(const std::string& report, const std::string& name) {
+    const bool toStandardOutput = name == "-";
+    std::FILE* const file = toStandardOutput ? stdout : std::fopen(name.c_str(), "wb");
+    bool written = file != nullptr && std::fwrite(report.data(), 1, report.size(), file) == report.size();
+    if (file != nullptr) {
+        written = (toStandardOutput ? std::fflush(file) : std::fclose(file)) == 0 && written;
+    }
+    if (!written) {
+        std::fprintf(stderr, "tarnwick-load: %s can't be written\n", name.c_str());
+    }
+    return written;
+}
+
+void SayUnread(const SceneView& view) {
+    for (const UnreadFile& file : view.unreadFiles) {
+        if (file.productName.empty()) {
+            std::fprintf(stderr, "tarnwick-load: %s %s\n", file.path.c_str(), file.reason);
+        } else {
+            std::fprintf(stderr, "tarnwick-load: %s, the file of product '%s', %s\n", file.path.c_str(),
+                         file.productName.c_str(), file.reason);
+        }
+    }
+}
+
+} // namespace
+
+int LoadAndReport(const LoadOptions& options) {
+    const bool jsonOnOutput = options.jsonFile == "-";
+    EnableOutput(!jsonOnOutput);
+    SceneView view;
+    StatusOnly controls;
+    LoadDispatch dispatch{view, controls, kCommands};
+    std::vector<std::string> words{options.path};
+    if (!options.product.empty()) {
+        words.push_back(options.product);
+    }
+    const std::vector<std::string> arguments = SplitArguments(JoinArguments(words));
+    const char* const rootName = arguments.size() > 1 ? arguments[1].c_str() : nullptr;
+    for (int i = 0; i < options.repeat; ++i) {
+        LoadFile(dispatch, arguments[0].c_str(), rootName, options.noThreads ? 0 : 1);
+    }
+    const std::string* const status = controls.status ? &*controls.status : nullptr;
+    bool written = true;
+    if (!options.jsonFile.empty()) {
+        written =
+            WriteReport(SceneReport(view, dispatch.currentPath, status, options.arrays), options.jsonFile);
+    }
+    if (status == nullptr) {
+        std::fprintf(stderr, "tarnwick-load: %s: not a kind of file that can be loaded, by its extension\n",
+                     dispatch.currentPath.c_str());
+    } else if (!jsonOnOutput) {
+        std::printf("%s\n", status->c_str());
+    }
+    SayUnread(view);
+    return written && view.drawnTriangles >= 1 ? 0 : 1;
+}
+
+int PrintIndex(const LoadOptions& options) {
+    ReaderWorkspace workspace;
+    StepModel model(workspace, options.path);
+    const int result = model.Read();
+    const bool written = WriteReport(IndexReport(model, result, options.entities), "-");
+    if (result == StepModel::kNotOpened) {
+        std::fprintf(stderr, "tarnwick-load: %s can't be opened\n", options.path.c_str());
+    }
+    return written && result == StepModel::kRead ? 0 : 1;
+}
+
+} // namespace tarnwick::tools

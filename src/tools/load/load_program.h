@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tools/load/options.h"
+
+namespace tarnwick::tools {
+
+// Loads the file, prints the status text, writes the report that was asked for and lists on standard error
+// what could not be read. Returns the exit status: 0 when the view has at least one triangle, else 1.
+int LoadAndReport(const LoadOptions& options);
+
+// Prints the entity index of the file. Returns 0 when it could be read, else 1.
+int PrintIndex(const LoadOptions& options);
+
+} // namespace tarnwick::tools

@@ -1,0 +1,42 @@
+#include "tools/load/options.h"
+
+#include <CLI/CLI.hpp>
+
+namespace tarnwick::tools {
+
+bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
+    CLI::App app("Loads a STEP file as the viewer does and prints the status text; what the load says goes "
+                 "to standard "
+                 "error.",
+                 "tarnwick-load");
+    app.set_version_flag("--version", std::string("tarnwick-load ") + TARNWICK_VERSION);
+    app.add_option("PATH", options->path, "the file to load")->required();
+    app.add_option("PRODUCT", options->product, "name of the product to show (STEP XML and archives)");
+    auto* const json =
+        app.add_option("--json", options->jsonFile, "write the scene report to FILE (- for standard output)")
+            ->type_name("FILE");
+    auto* const arrays =
+        app.add_flag("--arrays", options->arrays, "put the arrays of all meshes into the report");
+    auto* const noThreads = app.add_flag("--no-threads", options->noThreads, "read all files on one thread");
+    auto* const repeat = app.add_option("--repeat", options->repeat, "load N times in one process")
+                             ->type_name("N")
+                             ->check(CLI::PositiveNumber);
+    auto* const index =
+        app.add_flag("--index", options->index, "print the entity index of one P21 file instead");
+    auto* const entities =
+        app.add_flag("--entities", options->entities, "put the whole entity table into the index");
+    arrays->needs(json);
+    entities->needs(index);
+    for (CLI::Option* const other : {json, arrays, noThreads, repeat}) {
+        index->excludes(other);
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        *status = app.exit(error) == 0 ? 0 : 2;
+        return false;
+    }
+    return true;
+}
+
+} // namespace tarnwick::tools

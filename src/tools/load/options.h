@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace tarnwick::tools {
+
+struct LoadOptions {
+    std::string path;
+    std::string product;  // empty for none
+    std::string jsonFile; // where the scene report goes, "-" for standard output; empty for none
+    bool arrays = false;
+    bool noThreads = false;
+    int repeat = 1;
+    bool index = false;
+    bool entities = false;
+};
+
+// Reads the command line. Returns false when the program is to end at once, with *status as its exit status:
+// 0 after
+// --help and --version, 2 after a wrong command line, which it has explained on standard error.
+bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status);
+
+} // namespace tarnwick::tools
