@@ -44,8 +44,8 @@ struct FiniteElementReader {
     ResultMesh* resultMesh = nullptr; // in the reader's arena; null when memory runs out
 };
 
-// Reads the model into `resultMesh`. Reading stops where the first bad line stands; what was read is kept.
-// Returns 0.
+// Reads the model into `resultMesh`. Reading stops where the first bad line stands, and what was read is
+// kept; a file whose lines lead nowhere is given up, with a line on the console and no mesh. Returns 0.
 int ReadFiniteElements(FiniteElementReader& reader);
 
 // The colour of a node from its value: black, green to blue up to 7.8, to white up to 8, to red above.

@@ -27,12 +27,8 @@ void MergeBox(LoadSession& session, const float box[6]) {
     for (int axis = 0; axis < 3; ++axis) {
         const int low = 2 * axis;
         const int high = low + 1;
-        if (session.box[low] > box[low]) {
-            session.box[low] = box[low];
-        }
-        if (box[high] > session.box[high]) {
-            session.box[high] = box[high];
-        }
+        if (session.box[low] > box[low]) { session.box[low] = box[low]; }
+        if (box[high] > session.box[high]) { session.box[high] = box[high]; }
     }
 }
 
@@ -57,9 +53,7 @@ void ReadSinglePart(LoadSession& session, StepModel& model) {
     PartReader reader(model, nullptr, session.scene->Main(), scratch);
     reader.Run();
     TakeOver(session, reader);
-    if (session.root != nullptr) {
-        session.drawList = session.root->drawList;
-    }
+    if (session.root != nullptr) { session.drawList = session.root->drawList; }
     session.containers = reader.containers;
     session.containerCount = reader.containerCount;
 }
@@ -77,9 +71,7 @@ void ReadAssembly(LoadSession& session, StepModel& model, const char* path) {
         BuildDrawLists(arena, session.root, path, nullptr);
         session.drawList = session.root->drawList;
         MergeBox(session, session.root->box);
-        if (session.drawList != nullptr) {
-            session.triangleCount += CountTriangles(*session.drawList);
-        }
+        if (session.drawList != nullptr) { session.triangleCount += CountTriangles(*session.drawList); }
     } else {
         ConsolePrint("<E> Root not found\n");
     }

@@ -21,29 +21,21 @@ std::string FormPath(const LoadSession& session, const ProductNode& product) {
     std::string path = session.folder;
     path += product.fileName;
     std::replace(path.begin() + static_cast<std::ptrdiff_t>(session.folder.size()), path.end(), '\\', '/');
-    if (session.compression == StepModel::kTwoCharacterSuffix) {
-        path += ".Z";
-    }
-    if (session.compression == StepModel::kOneCharacterSuffix) {
-        path += 'z';
-    }
+    if (session.compression == StepModel::kTwoCharacterSuffix) { path += ".Z"; }
+    if (session.compression == StepModel::kOneCharacterSuffix) { path += 'z'; }
     return path;
 }
 
 // The next entry of the queue and its place in it; null when there is none at this moment.
 ProductNode* Claim(LoadSession& session, std::int32_t* entry) {
     const std::lock_guard guard(session.queueLock);
-    if (session.queueCursor >= session.queue.count) {
-        return nullptr;
-    }
+    if (session.queueCursor >= session.queue.count) { return nullptr; }
     *entry = session.queueCursor++;
     return session.queue[*entry];
 }
 
 void ShowProgress(LoadSession& session) {
-    if (session.progress == nullptr) {
-        return;
-    }
+    if (session.progress == nullptr) { return; }
     std::int32_t known = 0;
     std::int32_t claimed = 0;
     {
@@ -107,9 +99,7 @@ void RunPartQueue(LoadSession& session, ReadingOrder& order, bool isLoadThread) 
     std::int32_t entry = 0;
     while (ProductNode* const product = Claim(session, &entry)) {
         ReadEntry(session, order, thread, entry, product);
-        if (isLoadThread) {
-            ShowProgress(session);
-        }
+        if (isLoadThread) { ShowProgress(session); }
     }
     session.scene->HandOver(std::move(thread.arena));
 }
@@ -122,9 +112,7 @@ void ReadQueuedFiles(LoadSession& session) {
             try {
                 workers[static_cast<std::size_t>(k)] =
                     std::thread(RunWorker, std::ref(session), std::ref(order), k);
-            } catch (const std::system_error&) {
-                session.done[k] = 1;
-            }
+            } catch (const std::system_error&) { session.done[k] = 1; }
         }
     }
     RunPartQueue(session, order, true);
@@ -138,9 +126,7 @@ void ReadQueuedFiles(LoadSession& session) {
             ShowProgress(session);
         }
         for (std::thread& worker : workers) {
-            if (worker.joinable()) {
-                worker.join();
-            }
+            if (worker.joinable()) { worker.join(); }
         }
     }
     std::sort(session.unreadFiles.begin(), session.unreadFiles.end(),

@@ -22,9 +22,7 @@ public:
     void Settle(std::int32_t entry) {
         const std::lock_guard guard(lock_);
         const auto index = static_cast<std::size_t>(entry);
-        if (index >= settled_.size()) {
-            settled_.resize(index + 1, false);
-        }
+        if (index >= settled_.size()) { settled_.resize(index + 1, false); }
         settled_[index] = true;
         while (static_cast<std::size_t>(next_) < settled_.size() &&
                settled_[static_cast<std::size_t>(next_)]) {

@@ -20,9 +20,7 @@ namespace {
 // isn't there.
 bool OpenBehindCommas(const AssemblyReader& reader, std::int32_t id, int commas, TextWalk* walk) {
     const P42Ent* const entity = reader.model.Find(id);
-    if (entity == nullptr) {
-        return false;
-    }
+    if (entity == nullptr) { return false; }
     *walk = reader.model.WalkFrom(entity);
     walk->GoTo('(');
     for (int i = 0; i < commas; ++i) {
@@ -42,9 +40,7 @@ std::int32_t NextReference(TextWalk* walk) {
 // the line.
 bool ReadTriple(const AssemblyReader& reader, std::int32_t id, double values[3]) {
     TextWalk walk;
-    if (!OpenBehindCommas(reader, id, 1, &walk)) {
-        return false;
-    }
+    if (!OpenBehindCommas(reader, id, 1, &walk)) { return false; }
     walk.Step();
     values[0] = ParseReal(walk.at);
     for (int i = 1; i < 3; ++i) {
@@ -68,9 +64,7 @@ void ScanAssemblyEntities(AssemblyReader& reader) {
 
 // The session's list has room for all products of a file before the first of them is appended.
 void MakeRoom(ProductArray& products, std::int32_t more) {
-    if (products.count + more <= products.capacity) {
-        return;
-    }
+    if (products.count + more <= products.capacity) { return; }
     const std::int32_t capacity = products.capacity;
     products.Allocate(more > capacity ? capacity + more : 2 * capacity);
 }
@@ -82,9 +76,7 @@ bool Combine(const double a[9], const double b[9], double out[9]) {
     const double c01 = a[5] * a[6] - a[3] * a[8];
     const double c02 = a[3] * a[7] - a[4] * a[6];
     const double determinant = a[0] * c00 + a[1] * c01 + a[2] * c02;
-    if (determinant == 0.0) {
-        return false;
-    }
+    if (determinant == 0.0) { return false; }
     const double inverse[9] = {c00 / determinant,
                                (a[2] * a[7] - a[1] * a[8]) / determinant,
                                (a[1] * a[5] - a[2] * a[4]) / determinant,
@@ -124,12 +116,8 @@ int ReadAssemblyStructure(LoadSession& session, StepModel& model, bool isTopFile
     MakeRoom(session.products, static_cast<std::int32_t>(reader.products.size()));
     for (ProductNode* const product : reader.products) {
         session.products[session.products.count++] = product;
-        if (isTopFile && product->isRoot == 1) {
-            session.root = product;
-        }
-        if (product->fileName != nullptr) {
-            PushPartQueue(session, product);
-        }
+        if (isTopFile && product->isRoot == 1) { session.root = product; }
+        if (product->fileName != nullptr) { PushPartQueue(session, product); }
     }
     return 0;
 }
@@ -143,14 +131,10 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
         SayOverrun(reader, entity->id);
         return 1;
     }
-    if (!OpenBehindCommas(reader, shapeId, 0, &walk)) {
-        return 1;
-    }
+    if (!OpenBehindCommas(reader, shapeId, 0, &walk)) { return 1; }
     const std::int32_t usageId = ReadReference(&walk);
     if (walk.overrun || !OpenBehindCommas(reader, usageId, 2, &walk)) {
-        if (walk.overrun) {
-            SayOverrun(reader, shapeId);
-        }
+        if (walk.overrun) { SayOverrun(reader, shapeId); }
         return 1;
     }
     const std::int32_t parentId = ReadReference(&walk);
@@ -168,9 +152,7 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
         return 1;
     }
     // A complex instance: the transformation stands behind its third opening parenthesis.
-    if (!OpenBehindCommas(reader, relationshipId, 0, &walk)) {
-        return 1;
-    }
+    if (!OpenBehindCommas(reader, relationshipId, 0, &walk)) { return 1; }
     for (int i = 0; i < 2; ++i) {
         walk.Step();
         walk.GoTo('(');
@@ -178,17 +160,13 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
     const std::int32_t transformId = ReadReference(&walk);
     double rotation[9];
     double translation[3];
-    if (walk.overrun) {
-        SayOverrun(reader, relationshipId);
-    }
+    if (walk.overrun) { SayOverrun(reader, relationshipId); }
     ReadTransform(reader, walk.overrun ? 0 : transformId, rotation, translation);
 
     ProductNode* const parent = IdentifyProduct(reader, parentId, parentName, parentFormation);
     ProductNode* const child = IdentifyProduct(reader, childId, childName, childFormation);
     Occurrence* const occurrence = reader.arena.New<Occurrence>();
-    if (parent == nullptr || child == nullptr || occurrence == nullptr) {
-        return 1;
-    }
+    if (parent == nullptr || child == nullptr || occurrence == nullptr) { return 1; }
     child->isRoot = 0;
     std::copy_n(rotation, 9, occurrence->rotation);
     std::copy_n(translation, 3, occurrence->translation);
@@ -204,17 +182,11 @@ bool AddOccurrence(Arena& arena, ProductNode* product, Occurrence* occurrence) {
 int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::string_view* name,
                     std::int32_t* formationId) {
     TextWalk walk;
-    if (!OpenBehindCommas(reader, definitionId, 2, &walk)) {
-        return 1;
-    }
+    if (!OpenBehindCommas(reader, definitionId, 2, &walk)) { return 1; }
     *formationId = ReadReference(&walk);
-    if (walk.overrun || !OpenBehindCommas(reader, *formationId, 2, &walk)) {
-        return 1;
-    }
+    if (walk.overrun || !OpenBehindCommas(reader, *formationId, 2, &walk)) { return 1; }
     const std::int32_t productId = ReadReference(&walk);
-    if (walk.overrun || !OpenBehindCommas(reader, productId, 0, &walk)) {
-        return 1;
-    }
+    if (walk.overrun || !OpenBehindCommas(reader, productId, 0, &walk)) { return 1; }
     walk.GoTo('\'');
     walk.Step();
     *name = ReadQuoted(&walk, 300);
@@ -223,20 +195,14 @@ int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::stri
 
 int ReadPlacement(AssemblyReader& reader, std::int32_t placementId, double values[9]) {
     TextWalk walk;
-    if (!OpenBehindCommas(reader, placementId, 1, &walk)) {
-        return 1;
-    }
+    if (!OpenBehindCommas(reader, placementId, 1, &walk)) { return 1; }
     std::int32_t ids[3];
     ids[0] = ReadReference(&walk);
     ids[1] = NextReference(&walk);
     ids[2] = NextReference(&walk);
-    if (walk.overrun) {
-        return 1;
-    }
+    if (walk.overrun) { return 1; }
     for (int i = 0; i < 3; ++i) {
-        if (!ReadTriple(reader, ids[i], values + 3 * i)) {
-            return 1;
-        }
+        if (!ReadTriple(reader, ids[i], values + 3 * i)) { return 1; }
     }
     return 0;
 }
@@ -247,20 +213,15 @@ int ReadTransform(AssemblyReader& reader, std::int32_t transformId, double rotat
     std::copy_n(kIdentity, 9, rotation);
     std::fill_n(translation, 3, 0.0);
     TextWalk walk;
-    if (!OpenBehindCommas(reader, transformId, 2, &walk)) {
-        return 1;
-    }
+    if (!OpenBehindCommas(reader, transformId, 2, &walk)) { return 1; }
     const std::int32_t sourceId = ReadReference(&walk);
     const std::int32_t targetId = NextReference(&walk);
-    double source[9]; // location, axis, reference direction
-    double target[9];
-    if (walk.overrun || ReadPlacement(reader, sourceId, source) != 0 ||
-        ReadPlacement(reader, targetId, target) != 0) {
-        return 1;
-    }
-    for (int i = 0; i < 3; ++i) {
-        translation[i] = target[i] - source[i];
-    }
+    if (walk.overrun) { return 1; }
+    double source[9] = {}; // location, axis, reference direction; what a placement lacks is 0
+    double target[9] = {};
+    ReadPlacement(reader, sourceId, source);
+    ReadPlacement(reader, targetId, target);
+    for (int i = 0; i < 3; ++i) { translation[i] = target[i] - source[i]; }
     double a[9];
     double b[9];
     FrameRows(source + 3, source + 6, a);
@@ -270,12 +231,8 @@ int ReadTransform(AssemblyReader& reader, std::int32_t transformId, double rotat
 
 ProductNode* IdentifyProduct(AssemblyReader& reader, std::int32_t definitionId, std::string_view name,
                              std::int32_t formationId) {
-    if (ProductNode* const known = reader.productMap.Find(definitionId)) {
-        return known;
-    }
-    if (ProductNode* const queued = FindQueued(reader.session, name)) {
-        return queued;
-    }
+    if (ProductNode* const known = reader.productMap.Find(definitionId)) { return known; }
+    if (ProductNode* const queued = FindQueued(reader.session, name)) { return queued; }
     return MakeProduct(reader, definitionId, name, formationId);
 }
 
@@ -283,9 +240,7 @@ ProductNode* MakeProduct(AssemblyReader& reader, std::int32_t definitionId, std:
                          std::int32_t formationId) {
     ProductNode* const product = reader.arena.New<ProductNode>();
     const char* const copy = reader.arena.Copy(name.data(), name.size());
-    if (product == nullptr || copy == nullptr) {
-        return nullptr;
-    }
+    if (product == nullptr || copy == nullptr) { return nullptr; }
     product->isRoot = 1;
     product->name = copy;
     product->definitionId = definitionId;
@@ -295,9 +250,7 @@ ProductNode* MakeProduct(AssemblyReader& reader, std::int32_t definitionId, std:
 }
 
 void SayOverrun(AssemblyReader& reader, std::int32_t entityId) {
-    if (reader.overrunSaid) {
-        return;
-    }
+    if (reader.overrunSaid) { return; }
     reader.overrunSaid = true;
     ConsolePrint("<E> %s: #%d runs past the end of the file\n", reader.model.fileName.c_str(), entityId);
 }

@@ -17,9 +17,7 @@ constexpr std::int64_t kMostItems = std::int64_t{1} << 27;
 template <class Item>
 bool Regrow(Arena& arena, Item*** items, DrawList* list, std::int32_t capacity) {
     Item** const larger = arena.New<Item*>(static_cast<std::size_t>(capacity));
-    if (larger == nullptr) {
-        return false;
-    }
+    if (larger == nullptr) { return false; }
     std::copy_n(*items, list->count, larger);
     *items = larger;
     list->capacity = capacity;
@@ -32,9 +30,7 @@ std::int32_t Twice(std::int32_t capacity) {
 
 template <class Item>
 bool Append(Arena& arena, Item*** items, DrawList* list, Item* item) {
-    if (list->count >= list->capacity && !Regrow(arena, items, list, Twice(list->capacity))) {
-        return false;
-    }
+    if (list->count >= list->capacity && !Regrow(arena, items, list, Twice(list->capacity))) { return false; }
     (*items)[list->count++] = item;
     return true;
 }
@@ -46,19 +42,13 @@ void PlacementMatrix(const double* rotation, const double* translation, float m[
     std::fill_n(m, 16, 0.0f);
     m[0] = m[5] = m[10] = m[15] = 1.0f;
     if (translation != nullptr) {
-        for (int i = 0; i < 3; ++i) {
-            m[12 + i] = static_cast<float>(translation[i]);
-        }
+        for (int i = 0; i < 3; ++i) { m[12 + i] = static_cast<float>(translation[i]); }
     }
-    if (rotation == nullptr) {
-        return;
-    }
+    if (rotation == nullptr) { return; }
     const double* const r = rotation;
     const double columns[3][3] = {{r[0], r[1], r[2]}, {-r[3], r[4], -r[5]}, {r[6], r[7], r[8]}};
     for (int c = 0; c < 3; ++c) {
-        for (int i = 0; i < 3; ++i) {
-            m[4 * c + i] = static_cast<float>(columns[c][i]);
-        }
+        for (int i = 0; i < 3; ++i) { m[4 * c + i] = static_cast<float>(columns[c][i]); }
     }
 }
 
@@ -67,9 +57,7 @@ void PlacementMatrix(const double* rotation, const double* translation, float m[
 DrawList* MakeDrawList(Arena& arena, std::int32_t capacity) {
     DrawList* const list = arena.New<DrawList>();
     DrawItem** const items = arena.New<DrawItem*>(static_cast<std::size_t>(capacity));
-    if (list == nullptr || items == nullptr) {
-        return nullptr;
-    }
+    if (list == nullptr || items == nullptr) { return nullptr; }
     list->items = items;
     list->capacity = capacity;
     return list;
@@ -82,15 +70,11 @@ bool AppendItem(Arena& arena, DrawList* list, DrawItem* item) {
 bool AppendPlacedItems(Arena& arena, DrawList* list, std::int32_t count, DrawItem* const* items,
                        const double* rotation, const double* translation) {
     const std::int64_t wanted = static_cast<std::int64_t>(list->count) + count;
-    if (wanted > kMostItems) {
-        return false;
-    }
+    if (wanted > kMostItems) { return false; }
     if (wanted >= list->capacity) {
         const std::int32_t twice = Twice(list->capacity);
         const std::int32_t capacity = wanted >= twice ? list->capacity + count + 1 : twice;
-        if (!Regrow(arena, &list->items, list, capacity)) {
-            return false;
-        }
+        if (!Regrow(arena, &list->items, list, capacity)) { return false; }
     }
     float placement[16];
     PlacementMatrix(rotation, translation, placement);
@@ -100,9 +84,7 @@ bool AppendPlacedItems(Arena& arena, DrawList* list, std::int32_t count, DrawIte
     };
     for (std::int32_t i = 0; i < count; ++i) {
         PlacedItem* const placed = static_cast<PlacedItem*>(arena.Allocate(sizeof(PlacedItem)));
-        if (placed == nullptr) {
-            return false;
-        }
+        if (placed == nullptr) { return false; }
         placed->item = *items[i];
         placed->item.matrix = placed->matrix;
         if (items[i]->matrix != nullptr) {
@@ -131,9 +113,7 @@ void ComputeProductBox(ProductNode* product) {
     float high[3] = {};
     for (std::int32_t i = 0; i < product->occurrenceCount; ++i) {
         const Occurrence& occurrence = *product->occurrences[i];
-        if (occurrence.child->hasBox == 0) {
-            continue;
-        }
+        if (occurrence.child->hasBox == 0) { continue; }
         const float* const box = occurrence.child->box;
         const double* const r = occurrence.rotation;
         for (int corner = 0; corner < 8; ++corner) {
@@ -144,19 +124,13 @@ void ComputeProductBox(ProductNode* product) {
                 const float turned = static_cast<float>(x * r[axis] + y * r[3 + axis] + z * r[6 + axis]);
                 const float value =
                     static_cast<float>(static_cast<double>(turned) + occurrence.translation[axis]);
-                if (!found || value < low[axis]) {
-                    low[axis] = value;
-                }
-                if (!found || value > high[axis]) {
-                    high[axis] = value;
-                }
+                if (!found || value < low[axis]) { low[axis] = value; }
+                if (!found || value > high[axis]) { high[axis] = value; }
             }
             found = true;
         }
     }
-    if (!found) {
-        return;
-    }
+    if (!found) { return; }
     for (int axis = 0; axis < 3; ++axis) {
         product->box[2 * axis] = low[axis];
         product->box[2 * axis + 1] = high[axis];
@@ -165,9 +139,7 @@ void ComputeProductBox(ProductNode* product) {
 }
 
 int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, PrepareOccurrence prepare) {
-    if (product == nullptr) {
-        return 1;
-    }
+    if (product == nullptr) { return 1; }
     // A product without a list is given this one while its own is being made, so that a way back to it is
     // noticed.
     DrawList inWork{};
@@ -212,15 +184,11 @@ int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, Pre
             cycleSaid = true;
             continue;
         }
-        if (prepare != nullptr) {
-            prepare(occurrence);
-        }
+        if (prepare != nullptr) { prepare(occurrence); }
         enough = AppendPlacedItems(arena, frame.list, child->drawList->count, child->drawList->items,
                                    occurrence->rotation, occurrence->translation);
     }
-    if (!enough) {
-        ConsolePrint("<E> %s: no memory to place all of its parts\n", fileName);
-    }
+    if (!enough) { ConsolePrint("<E> %s: no memory to place all of its parts\n", fileName); }
     return enough ? 0 : 1;
 }
 
@@ -228,9 +196,7 @@ std::int32_t CountTriangles(const DrawList& list) {
     std::int64_t triangles = 0;
     for (std::int32_t i = 0; i < list.count; ++i) {
         const DrawItem& item = *list.items[i];
-        for (std::int32_t m = 0; m < item.meshCount; ++m) {
-            triangles += item.meshes[m]->triangleCount;
-        }
+        for (std::int32_t m = 0; m < item.meshCount; ++m) { triangles += item.meshes[m]->triangleCount; }
     }
     constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
     return static_cast<std::int32_t>(std::min(triangles, kMost));
@@ -262,13 +228,9 @@ struct BoxMemory {
 bool AddBoxItem(Arena& arena, DrawList* list, const double box[6], ProductNode* product,
                 const float* matrix) {
     auto* const memory = static_cast<BoxMemory*>(arena.Allocate(sizeof(BoxMemory)));
-    if (memory == nullptr) {
-        return false;
-    }
+    if (memory == nullptr) { return false; }
     float limits[6];
-    for (int i = 0; i < 6; ++i) {
-        limits[i] = static_cast<float>(box[i]);
-    }
+    for (int i = 0; i < 6; ++i) { limits[i] = static_cast<float>(box[i]); }
     for (int v = 0; v < kBoxVertices; ++v) {
         for (int axis = 0; axis < 3; ++axis) {
             memory->vertices[3 * v + axis] = limits[2 * axis + kBoxCorners[v][axis]];
@@ -280,9 +242,7 @@ bool AddBoxItem(Arena& arena, DrawList* list, const double box[6], ProductNode* 
         const std::uint32_t corners[6] = {first, first + 1, first + 2, first + 2, first + 3, first};
         std::copy_n(corners, 6, memory->indices + 6 * face);
     }
-    if (matrix != nullptr) {
-        std::copy_n(matrix, 16, memory->matrix);
-    }
+    if (matrix != nullptr) { std::copy_n(matrix, 16, memory->matrix); }
     memory->item = {memory->vertices, memory->normals, memory->indices,
                     kBoxVertices,     kBoxTriangles,   matrix != nullptr ? memory->matrix : nullptr,
                     product};
@@ -290,9 +250,7 @@ bool AddBoxItem(Arena& arena, DrawList* list, const double box[6], ProductNode* 
 }
 
 void FreeBoxList(Arena& arena, DrawList* list) {
-    if (list->boxes == nullptr) {
-        return;
-    }
+    if (list->boxes == nullptr) { return; }
     arena.Reset();
     list->boxes = nullptr;
     list->count = 0;

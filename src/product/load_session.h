@@ -30,9 +30,7 @@ struct ProductArray {
 
     void Allocate(std::int32_t newCapacity) {
         std::unique_ptr<ProductNode*[]> larger(new ProductNode*[static_cast<std::size_t>(newCapacity)]());
-        for (std::int32_t i = 0; i < count; ++i) {
-            larger[static_cast<std::size_t>(i)] = (*this)[i];
-        }
+        for (std::int32_t i = 0; i < count; ++i) { larger[static_cast<std::size_t>(i)] = (*this)[i]; }
         items = std::move(larger);
         capacity = newCapacity;
     }

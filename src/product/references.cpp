@@ -18,14 +18,10 @@ bool ReadFileName(const AssemblyReader& reader, const P42Ent* document, std::str
     walk.GoTo('(');
     walk.GoTo('\'');
     walk.Step();
-    if (walk.overrun) {
-        return false;
-    }
+    if (walk.overrun) { return false; }
     const std::string_view rest(walk.at, static_cast<std::size_t>(walk.end - walk.at));
     const std::size_t quote = rest.find('\'');
-    if (quote == std::string_view::npos && rest.size() < kLongestFileName) {
-        return false;
-    }
+    if (quote == std::string_view::npos && rest.size() < kLongestFileName) { return false; }
     name->assign(rest.substr(0, std::min(quote, kLongestFileName)));
     return true;
 }
@@ -49,37 +45,23 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
     if (product == nullptr) {
         std::string_view name;
         std::int32_t formationId = 0;
-        if (ReadProductName(reader, definitionId, &name, &formationId) != 0) {
-            return 1;
-        }
+        if (ReadProductName(reader, definitionId, &name, &formationId) != 0) { return 1; }
         // Queued by another file already: it keeps the file that it has.
-        if (FindQueued(reader.session, name) != nullptr) {
-            return 0;
-        }
+        if (FindQueued(reader.session, name) != nullptr) { return 0; }
         product = MakeProduct(reader, definitionId, name, formationId);
-        if (product == nullptr) {
-            return 1;
-        }
+        if (product == nullptr) { return 1; }
     }
     const P42Ent* const document = reader.model.Find(documentId);
-    if (document == nullptr) {
-        return 1;
-    }
+    if (document == nullptr) { return 1; }
     std::string fileName;
     if (!ReadFileName(reader, document, &fileName)) {
         SayOverrun(reader, documentId);
         return 1;
     }
-    if (fileName.ends_with(".cgr")) {
-        fileName.replace(fileName.size() - 3, 3, "stp");
-    }
-    if (fileName.find("...") != std::string::npos) {
-        return 2;
-    }
+    if (fileName.ends_with(".cgr")) { fileName.replace(fileName.size() - 3, 3, "stp"); }
+    if (fileName.find("...") != std::string::npos) { return 2; }
     const char* const copy = reader.arena.Copy(fileName.data(), fileName.size());
-    if (copy == nullptr) {
-        return 1;
-    }
+    if (copy == nullptr) { return 1; }
     product->fileName = copy;
     return 0;
 }
@@ -93,9 +75,7 @@ void PushPartQueue(LoadSession& session, ProductNode* product) {
     session.queuedNames.emplace(product->name, product);
     const std::lock_guard guard(session.queueLock);
     ProductArray& queue = session.queue;
-    if (queue.count == queue.capacity) {
-        queue.Allocate(2 * queue.capacity);
-    }
+    if (queue.count == queue.capacity) { queue.Allocate(2 * queue.capacity); }
     queue[queue.count++] = product;
 }
 
