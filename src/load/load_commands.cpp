@@ -10,9 +10,14 @@ namespace tarnwick {
 
 void ResetScene(SceneView& view) {
     view.selectedIndex = -1;
-    std::fill(std::begin(view.selectedIds), std::end(view.selectedIds), 0);
+    view.selectedFaceId = 0;
+    view.selectedExactFaceId = 0;
+    view.selectedContainerId = 0;
+    view.selectedExactContainerId = 0;
     view.drawList = nullptr;
     view.resultMesh = nullptr;
+    view.boxList = nullptr;
+    ++view.sceneNumber;
 }
 
 namespace {
@@ -32,9 +37,7 @@ void DropRecords(SceneView& view) {
 
 void SetUpView(SceneView& view) {
     const float* const box = view.box;
-    for (int axis = 0; axis < 3; ++axis) {
-        view.centre[axis] = (box[2 * axis] + box[2 * axis + 1]) * 0.5f;
-    }
+    for (int axis = 0; axis < 3; ++axis) { view.centre[axis] = (box[2 * axis] + box[2 * axis + 1]) * 0.5f; }
     view.modelSize = box[1] - box[0] + box[3] - box[2] + box[5] - box[4];
     if (view.modelSize == 0) {
         view.modelSize = 10;
@@ -57,11 +60,10 @@ void LoadStepFile(SceneView& view, const char* path, int useThreads) {
     ResetScene(view);
     DropRecords(view);
     LoadSession session;
+    session.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
     const int result = TraiteSTEPFile(session, path, useThreads);
     view.unreadFiles = std::move(session.unreadFiles);
-    if (result != 0) {
-        return;
-    }
+    if (result != 0) { return; }
     view.readSeconds = session.readSeconds;
     view.inflateSeconds = session.inflateSeconds;
     view.partSeconds = session.partSeconds;
