@@ -20,7 +20,7 @@ constexpr std::int32_t kFailed = -1;
 
 PartReader::PartReader(StepModel& partModel, ProductNode* part, Arena& sceneArena, PartScratch& partScratch)
     : model(partModel), product(part), arena(sceneArena), scratch(partScratch) {
-    scratch.face.coordCache.coordinatesId = 0;
+    scratch.face.Reset();
     scratch.faces.clear();
     scratch.itemIds.clear();
     scratch.colours.clear();
