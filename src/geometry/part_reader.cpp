@@ -13,7 +13,6 @@ namespace tarnwick {
 
 namespace {
 
-constexpr std::int32_t kColourBits = 12;
 constexpr std::int32_t kFailed = -1;
 
 } // namespace
@@ -36,7 +35,6 @@ int PartReader::Run() {
 }
 
 int PartReader::ReadPart() {
-    colourIndex = ColourIndex(model.IndexArena(), kColourBits);
     if (!ReadColours(*this)) { return GiveUp("a colour's line runs past the end of the file"); }
     if (product == nullptr && !MakeProduct()) { return GiveUp("it has no PRODUCT"); }
     if (!ReadItemIds()) {
