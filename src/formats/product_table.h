@@ -18,9 +18,7 @@ public:
 
     void Append(ProductNode* product) {
         products_[products_.count++] = product;
-        if (products_.count == products_.capacity) {
-            products_.Allocate(2 * products_.capacity);
-        }
+        if (products_.count == products_.capacity) { products_.Allocate(2 * products_.capacity); }
     }
     // Forgets all products but the first `count`.
     void Shrink(std::int32_t count) { products_.count = count; }
@@ -46,9 +44,7 @@ public:
     void Shrink(std::int32_t count) {
         for (std::int32_t i = count; i < table_.Count(); ++i) {
             const auto found = firstByName_.find(table_[i]->name);
-            if (found != firstByName_.end() && found->second >= count) {
-                firstByName_.erase(found);
-            }
+            if (found != firstByName_.end() && found->second >= count) { firstByName_.erase(found); }
         }
         table_.Shrink(count);
     }

@@ -59,46 +59,30 @@ int ReadSlowly(const char* p, const char* end, float* value) {
 template <class T>
 const char* ReadPlain(const char* p, const char* end, T* value) {
     const bool negative = *p == '-';
-    if (negative || *p == '+') {
-        ++p;
-    }
+    if (negative || *p == '+') { ++p; }
     const char* const number = p;
     std::uint64_t mantissa = 0;
     int digits = 0;
     int power = 0;
-    for (; IsDigit(*p); ++p, ++digits) {
-        mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
-    }
+    for (; IsDigit(*p); ++p, ++digits) { mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0'); }
     if (*p == '.') {
         const char* const fraction = ++p;
-        for (; IsDigit(*p); ++p) {
-            mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
-        }
+        for (; IsDigit(*p); ++p) { mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0'); }
         power = static_cast<int>(fraction - p);
         digits -= power;
     }
-    if (digits == 0) {
-        return nullptr;
-    }
+    if (digits == 0) { return nullptr; }
     if (*p == 'e' || *p == 'E') {
         ++p;
         const bool negativePower = *p == '-';
-        if (negativePower || *p == '+') {
-            ++p;
-        }
+        if (negativePower || *p == '+') { ++p; }
         const char* const first = p;
         int exponent = 0;
-        for (; IsDigit(*p) && p - first < 4; ++p) {
-            exponent = exponent * 10 + (*p - '0');
-        }
-        if (p == first || IsDigit(*p)) {
-            return nullptr;
-        }
+        for (; IsDigit(*p) && p - first < 4; ++p) { exponent = exponent * 10 + (*p - '0'); }
+        if (p == first || IsDigit(*p)) { return nullptr; }
         power += negativePower ? -exponent : exponent;
     }
-    if (p < end && !IsSpace(*p)) {
-        return nullptr;
-    }
+    if (p < end && !IsSpace(*p)) { return nullptr; }
     if constexpr (sizeof(T) == sizeof(double)) {
         if (digits <= kMostDigits && mantissa <= kExact && power >= -kExactPowers && power <= kExactPowers) {
             const double whole = static_cast<double>(mantissa);
@@ -109,9 +93,7 @@ const char* ReadPlain(const char* p, const char* end, T* value) {
     }
     T result;
     const std::from_chars_result read = std::from_chars(number, p, result);
-    if (read.ec != std::errc() || read.ptr != p) {
-        return nullptr;
-    }
+    if (read.ec != std::errc() || read.ptr != p) { return nullptr; }
     *value = negative ? -result : result;
     return p;
 }
@@ -123,18 +105,14 @@ int Scan(std::string_view text, T* values, int count) {
     const char* const end = p + text.size();
     for (int i = 0; i < count; ++i) {
         while (p < end && IsSpace(*p)) ++p;
-        if (p == end) {
-            return i;
-        }
+        if (p == end) { return i; }
         const char* const plain = ReadPlain(p, end, values + i);
         if (plain != nullptr) [[likely]] {
             p = plain;
             continue;
         }
         const int used = ReadSlowly(p, end, values + i);
-        if (used == 0) {
-            return i;
-        }
+        if (used == 0) { return i; }
         p += used;
     }
     return count;

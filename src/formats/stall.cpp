@@ -8,9 +8,7 @@ namespace tarnwick {
 
 void Stall(const char* name, const char* reason) {
     ConsolePrint("<E> %s: reading stands still, %s\n", name, reason);
-    for (;;) {
-        pause();
-    }
+    for (;;) { pause(); }
 }
 
 } // namespace tarnwick

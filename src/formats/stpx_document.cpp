@@ -72,8 +72,8 @@ public:
     DocumentReader(StpxDocument& document, int boxMode, NamedProductTable& assemblies, ProductTable& parts,
                    Arena& arena)
         : document_(document), boxMode_(boxMode), assemblies_(assemblies), parts_(parts), arena_(arena),
-          formerAssemblies_(assemblies.Count()), formerParts_(parts.Count()),
-          scan_{document.text, document.text + document.size, document.name} {}
+          formerAssemblies_(assemblies.Count()),
+          formerParts_(parts.Count()), scan_{document.text, document.text + document.size, document.name} {}
 
     const char* Read() {
         PrepareText(document_.text, document_.size);
@@ -81,9 +81,7 @@ public:
             Undo();
             return problem_ != nullptr ? problem_ : scan_.problem;
         }
-        if (resolvedDirectly_ < 1) {
-            ResolveFileNames();
-        }
+        if (resolvedDirectly_ < 1) { ResolveFileNames(); }
         return nullptr;
     }
 
@@ -156,9 +154,7 @@ bool DocumentReader::ScanAll() {
     while (!done_) {
         const bool scanned =
             state_ == State::kFindContainer ? ScanTagName(&scan_) : ScanTagWithAttributes(&scan_);
-        if (!scanned || !Step()) {
-            return false;
-        }
+        if (!scanned || !Step()) { return false; }
     }
     return true;
 }
@@ -167,9 +163,7 @@ bool DocumentReader::ScanAll() {
 bool DocumentReader::Step() {
     switch (state_) {
     case State::kFindContainer:
-        if (Tag() == "<DataContainer") {
-            state_ = State::kContainer;
-        }
+        if (Tag() == "<DataContainer") { state_ = State::kContainer; }
         return true;
     case State::kContainer:
         if (Tag() == "<Part") {
@@ -185,9 +179,7 @@ bool DocumentReader::Step() {
         }
         return true;
     case State::kInPart:
-        if (Tag() == "<Name") {
-            return ReadPartName();
-        }
+        if (Tag() == "<Name") { return ReadPartName(); }
         if (Tag() == "</Part") {
             document_.products.push_back(currentProduct_);
             state_ = State::kContainer;
@@ -224,8 +216,8 @@ bool DocumentReader::Step() {
         return StepContext();
     case State::kBoxProperty:
         if (Tag() == "</ShapeDependentProperty") {
-            const bool complete = propertyKind_ == PropertyKind::kBoundingBox && !pointRefA_.empty() &&
-                                  !pointRefB_.empty();
+            const bool complete =
+                propertyKind_ == PropertyKind::kBoundingBox && !pointRefA_.empty() && !pointRefB_.empty();
             resumePosition_ = scan_.at;
             state_ = complete ? State::kFindContext : State::kInPartView;
         } else if (Tag() == "<PointMin") {
@@ -235,9 +227,7 @@ bool DocumentReader::Step() {
         }
         return true;
     case State::kSkipProperty:
-        if (Tag() == "</ShapeDependentProperty") {
-            state_ = State::kInPartView;
-        }
+        if (Tag() == "</ShapeDependentProperty") { state_ = State::kInPartView; }
         return true;
     case State::kInRelation:
         if (Tag() == "</ViewOccurrenceRelationship") {
@@ -286,9 +276,7 @@ bool DocumentReader::Step() {
         }
         return true;
     case State::kInLocations:
-        if (Tag() == "</Locations") {
-            state_ = State::kInFile;
-        }
+        if (Tag() == "</Locations") { state_ = State::kInFile; }
         return true;
     case State::kInDocument:
         if (Tag() == "</Document") {
@@ -344,18 +332,13 @@ bool DocumentReader::StepPartView() {
         hasRelated_ = hasRotation_ = hasTranslation_ = false;
         state_ = State::kInRelation;
     } else if (Tag() == "<Occurrence") {
-        if (currentProduct_ == nullptr) {
-            return Fail(kNoProduct);
-        }
+        if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
         currentProduct_->isRoot = 0;
         // A copy: those of all occurrences lie close together when they are looked up.
         const string_view uid = Uid();
         const char* const copy = scratch_.Copy(uid.data(), uid.size());
-        if (copy == nullptr) {
-            return Fail(kNoMemory);
-        }
-        occurrenceUids_.push_back(
-            {currentProduct_, {copy, uid.size()}, StringMap<ProductNode*>::Hash(uid)});
+        if (copy == nullptr) { return Fail(kNoMemory); }
+        occurrenceUids_.push_back({currentProduct_, {copy, uid.size()}, StringMap<ProductNode*>::Hash(uid)});
         ++viewOccurrences_;
     } else if (Tag() == "<DocumentAssignment") {
         state_ = State::kInAssignment;
@@ -369,17 +352,11 @@ bool DocumentReader::StepContext() {
         state_ = State::kFindContext;
         return true;
     }
-    if (Tag() != "<RepresentationItem") {
-        return true;
-    }
+    if (Tag() != "<RepresentationItem") { return true; }
     // An item without a uid is equal to an empty reference.
     const bool isA = Uid() == pointRefA_;
-    if (!isA && Uid() != pointRefB_) {
-        return true;
-    }
-    if (!ReadPoint()) {
-        return false;
-    }
+    if (!isA && Uid() != pointRefB_) { return true; }
+    if (!ReadPoint()) { return false; }
     const bool found = propertyKind_ == PropertyKind::kCornerPoint
                            ? isA
                            : propertyKind_ == PropertyKind::kBoundingBox && pointCount_ == 2;
@@ -394,18 +371,12 @@ bool DocumentReader::StepContext() {
 // document is the product that asked for the document, found by its name.
 bool DocumentReader::ReadPartName() {
     currentProduct_ = nullptr;
-    if (!ScanTagName(&scan_)) {
-        return false;
-    }
-    if (Tag() != "<CharacterString") {
-        return true;
-    }
+    if (!ScanTagName(&scan_)) { return false; }
+    if (Tag() != "<CharacterString") { return true; }
     ++scan_.at;
     char buffer[kTagRoom];
     string_view name;
-    if (!ReadElementText(&scan_, buffer, sizeof buffer, &name)) {
-        return false;
-    }
+    if (!ReadElementText(&scan_, buffer, sizeof buffer, &name)) { return false; }
     name = find::CutAtNul(name);
     ProductNode* const known = assemblies_.FindByName(name);
     if (known != nullptr) {
@@ -415,9 +386,7 @@ bool DocumentReader::ReadPartName() {
     }
     ProductNode* const made = arena_.New<ProductNode>();
     const char* const copy = arena_.Copy(name.data(), name.size());
-    if (made == nullptr || copy == nullptr) {
-        return Fail(kNoMemory);
-    }
+    if (made == nullptr || copy == nullptr) { return Fail(kNoMemory); }
     made->isRoot = 1;
     made->name = copy;
     currentProduct_ = made;
@@ -429,9 +398,7 @@ bool DocumentReader::ReadPartName() {
 bool DocumentReader::ReadNumbers(double* values, int count) {
     ++scan_.at;
     string_view text;
-    if (!ReadElementText(&scan_, textBuffer_, sizeof textBuffer_, &text)) {
-        return false;
-    }
+    if (!ReadElementText(&scan_, textBuffer_, sizeof textBuffer_, &text)) { return false; }
     ScanReals(text, values, count);
     return true;
 }
@@ -439,39 +406,25 @@ bool DocumentReader::ReadNumbers(double* values, int count) {
 // One point of a box, from the first child of the current item, whatever it is called. The points' order in
 // the text decides which limits they are.
 bool DocumentReader::ReadPoint() {
-    if (!ScanTagName(&scan_)) {
-        return false;
-    }
+    if (!ScanTagName(&scan_)) { return false; }
     ++scan_.at;
     string_view text;
-    if (!ReadElementText(&scan_, textBuffer_, sizeof textBuffer_, &text)) {
-        return false;
-    }
-    if (pointCount_ >= 2) {
-        return Fail(kManyPoints);
-    }
+    if (!ReadElementText(&scan_, textBuffer_, sizeof textBuffer_, &text)) { return false; }
+    if (pointCount_ >= 2) { return Fail(kManyPoints); }
     float point[3] = {box_[pointCount_], box_[pointCount_ + 2], box_[pointCount_ + 4]};
     ScanReals(text, point, 3);
-    for (int axis = 0; axis < 3; ++axis) {
-        box_[pointCount_ + 2 * axis] = point[axis];
-    }
+    for (int axis = 0; axis < 3; ++axis) { box_[pointCount_ + 2 * axis] = point[axis]; }
     ++pointCount_;
     return true;
 }
 
 bool DocumentReader::AddOccurrence() {
-    if (!hasRelated_ || !hasRotation_ || !hasTranslation_) {
-        return true;
-    }
-    if (currentProduct_ == nullptr) {
-        return Fail(kNoProduct);
-    }
+    if (!hasRelated_ || !hasRotation_ || !hasTranslation_) { return true; }
+    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
     const string_view related = find::CutAtNul(relatedUid_);
     Occurrence* const occurrence = arena_.New<Occurrence>();
     const char* const uid = arena_.Copy(related.data(), related.size());
-    if (occurrence == nullptr || uid == nullptr) {
-        return Fail(kNoMemory);
-    }
+    if (occurrence == nullptr || uid == nullptr) { return Fail(kNoMemory); }
     std::copy_n(rotationValues_, 9, occurrence->rotation);
     std::copy_n(translationValues_, 3, occurrence->translation);
     occurrence->relatedUid = uid;
@@ -485,9 +438,7 @@ bool DocumentReader::AddOccurrence() {
 
 // A view with two points has a box; but not that of an assembly which is itself a component.
 bool DocumentReader::StoreBox() {
-    if (currentProduct_ == nullptr) {
-        return Fail(kNoProduct);
-    }
+    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
     if (pointCount_ == 2 && (currentProduct_->occurrenceCount == 0 || viewOccurrences_ == 0)) {
         std::copy_n(box_, 6, currentProduct_->box);
         currentProduct_->hasBox = 1;
@@ -533,30 +484,20 @@ bool DocumentReader::ResolveOccurrences() {
     }
     const ProductNode* former = nullptr;
     for (ProductNode* const product : document_.products) {
-        if (product == nullptr) {
-            break;
-        }
-        if (product->isRoot != 0) {
-            document_.root = product;
-        }
+        if (product == nullptr) { break; }
+        if (product->isRoot != 0) { document_.root = product; }
         // Where a product is listed again, its occurrences are what they are already.
-        if (product == former) {
-            continue;
-        }
+        if (product == former) { continue; }
         former = product;
         const auto joined = joined_.empty() ? joined_.end() : joined_.find(product);
         if (joined != joined_.end()) {
-            if (joined->second.resolved) {
-                continue;
-            }
+            if (joined->second.resolved) { continue; }
             joined->second.resolved = true;
         }
         for (std::int32_t i = 0; i < product->occurrenceCount; ++i) {
             Occurrence& occurrence = *product->occurrences[i];
             ProductNode* const* const child = products.Find(occurrence.relatedUid);
-            if (child != nullptr) {
-                occurrence.child = *child;
-            }
+            if (child != nullptr) { occurrence.child = *child; }
         }
     }
     return true;
@@ -566,20 +507,16 @@ bool DocumentReader::ResolveOccurrences() {
 // part.
 void DocumentReader::ResolveFileNames() {
     // The byte 0xE9 is the last letter of the second-last word in Latin-1, as it always was on this channel.
-    constexpr const char* kNotInFiles = "<E> Chaine %.*s non trouv\xE9" "e dans mapDF_Filename\n";
-    constexpr const char* kNotInVersions = "<E> Chaine %.*s non trouv\xE9" "e dans mapDV_DF\n";
+    constexpr const char* kNotInFiles = "<E> Chaine %.*s non trouv\xE9"
+                                        "e dans mapDF_Filename\n";
+    constexpr const char* kNotInVersions = "<E> Chaine %.*s non trouv\xE9"
+                                           "e dans mapDV_DF\n";
     StringMap<string_view> mapDV_DF(versionFiles_.size());
-    for (const UidPair& pair : versionFiles_) {
-        mapDV_DF.Insert(pair.first, pair.second);
-    }
+    for (const UidPair& pair : versionFiles_) { mapDV_DF.Insert(pair.first, pair.second); }
     StringMap<string_view> mapDF_Filename(fileNames_.size());
-    for (const UidPair& pair : fileNames_) {
-        mapDF_Filename.Insert(pair.first, pair.second);
-    }
+    for (const UidPair& pair : fileNames_) { mapDF_Filename.Insert(pair.first, pair.second); }
     for (const AssignedDocument& assigned : assignedDocuments_) {
-        if (assigned.product == nullptr) {
-            break;
-        }
+        if (assigned.product == nullptr) { break; }
         string_view file = assigned.uid;
         if (digitalFileSeen_) {
             const string_view* const found = mapDV_DF.Find(assigned.uid);
@@ -603,9 +540,7 @@ void DocumentReader::ResolveFileNames() {
 }
 
 void DocumentReader::Undo() {
-    for (const auto& [product, joined] : joined_) {
-        *product = joined.former;
-    }
+    for (const auto& [product, joined] : joined_) { *product = joined.former; }
     assemblies_.Shrink(formerAssemblies_);
     parts_.Shrink(formerParts_);
     document_.products.clear();
@@ -619,12 +554,8 @@ int IsXmlByLastLetters(string_view name) {
         const char c = name[name.size() - fromEnd];
         return c == lower || c == upper;
     };
-    if (name.empty()) {
-        return 0;
-    }
-    if (isOne(1, 'x', 'X')) {
-        return 1;
-    }
+    if (name.empty()) { return 0; }
+    if (isOne(1, 'x', 'X')) { return 1; }
     return name.size() >= 2 && isOne(2, 'x', 'X') && isOne(1, 'z', 'Z') ? 1 : 0;
 }
 

@@ -28,9 +28,7 @@ bool GiveUp(StpxScan* scan, const char* problem) {
 
 // The "<" of the next tag, or null.
 const char* FindTag(const StpxScan* scan) {
-    if (scan->at >= scan->end) {
-        return nullptr;
-    }
+    if (scan->at >= scan->end) { return nullptr; }
     return static_cast<const char*>(
         std::memchr(scan->at, '<', static_cast<std::size_t>(scan->end - scan->at)));
 }
@@ -40,8 +38,8 @@ const char* FindNameEnd(const char* tag, const char** nul) {
     const char* p = find::First<' ', '\n', '>', '\0'>(tag);
     *nul = p;
     while (*p == '\0') [[unlikely]] {
-        p = find::First<' ', '\n', '>', '\0'>(p + 1);
-    }
+            p = find::First<' ', '\n', '>', '\0'>(p + 1);
+        }
     return p;
 }
 
@@ -61,14 +59,10 @@ void PrepareText(char* text, std::size_t size) {
 
 bool ScanTagName(StpxScan* scan) {
     const char* const tag = FindTag(scan);
-    if (tag == nullptr) {
-        return GiveUp(scan, kEndOfText);
-    }
+    if (tag == nullptr) { return GiveUp(scan, kEndOfText); }
     const char* nul;
     const char* const stop = FindNameEnd(tag, &nul);
-    if (stop >= scan->end) {
-        return GiveUp(scan, kEndOfText);
-    }
+    if (stop >= scan->end) { return GiveUp(scan, kEndOfText); }
     scan->tag = Between(tag, nul).substr(0, kLongestTagName);
     scan->at = stop;
     return true;
@@ -76,17 +70,11 @@ bool ScanTagName(StpxScan* scan) {
 
 bool ScanTagWithAttributes(StpxScan* scan) {
     const char* const tag = FindTag(scan);
-    if (tag == nullptr) {
-        return GiveUp(scan, kEndOfText);
-    }
+    if (tag == nullptr) { return GiveUp(scan, kEndOfText); }
     const char* nul;
     const char* p = FindNameEnd(tag, &nul);
-    if (p >= scan->end) {
-        return GiveUp(scan, kEndOfText);
-    }
-    if (static_cast<std::size_t>(p - tag) >= kTagRoom) {
-        return GiveUp(scan, kLongTag);
-    }
+    if (p >= scan->end) { return GiveUp(scan, kEndOfText); }
+    if (static_cast<std::size_t>(p - tag) >= kTagRoom) { return GiveUp(scan, kLongTag); }
     scan->tag = Between(tag, nul);
     scan->id = scan->uid = scan->xsiType = {};
     if (*p != '>') {
@@ -96,9 +84,7 @@ bool ScanTagWithAttributes(StpxScan* scan) {
             const char* const name = p;
             const char* const value = find::First<'"'>(find::First<'='>(name)) + 1;
             p = find::First<'"'>(value);
-            if (p >= scan->end) {
-                return GiveUp(scan, kEndOfText);
-            }
+            if (p >= scan->end) { return GiveUp(scan, kEndOfText); }
             std::string_view* field = nullptr;
             if (StartsWith(name, "uid")) {
                 field = &scan->uid;
@@ -109,9 +95,7 @@ bool ScanTagWithAttributes(StpxScan* scan) {
             }
             if (field != nullptr) {
                 *field = Between(value, p);
-                if (field->size() >= kTagRoom) {
-                    return GiveUp(scan, kLongAttribute);
-                }
+                if (field->size() >= kTagRoom) { return GiveUp(scan, kLongAttribute); }
             }
             ++p;
             while (*p == ' ') ++p;
@@ -126,9 +110,7 @@ bool ReadElementText(StpxScan* scan, char* buffer, std::size_t room, std::string
     const char* const stop = find::First<'<', '&'>(start);
     if (*stop == '<' && stop < scan->end) [[likely]] {
         *text = Between(start, stop);
-        if (text->size() >= room) {
-            return GiveUp(scan, kLongText);
-        }
+        if (text->size() >= room) { return GiveUp(scan, kLongText); }
         scan->at = stop;
         return true;
     }
@@ -136,26 +118,20 @@ bool ReadElementText(StpxScan* scan, char* buffer, std::size_t room, std::string
     std::size_t length = 0;
     const char* p = start;
     for (; p < scan->end && *p != '<'; ++p) {
-        if (length + 1 >= room) {
-            return GiveUp(scan, kLongText);
-        }
+        if (length + 1 >= room) { return GiveUp(scan, kLongText); }
         if (*p == '&') {
             const std::size_t left = std::min(static_cast<std::size_t>(scan->end - p), kAmpersand.size());
             if (std::memcmp(p, kAmpersand.data(), left) != 0) {
                 Stall(scan->name, "an \"&\" in the text of an element isn't \"&amp;\"");
             }
-            if (left < kAmpersand.size()) {
-                break;
-            }
+            if (left < kAmpersand.size()) { break; }
             p += kAmpersand.size() - 1;
             buffer[length++] = '&';
         } else {
             buffer[length++] = *p;
         }
     }
-    if (p >= scan->end || *p != '<') {
-        return GiveUp(scan, kEndOfText);
-    }
+    if (p >= scan->end || *p != '<') { return GiveUp(scan, kEndOfText); }
     buffer[length] = '\0';
     *text = {buffer, length};
     scan->at = p;

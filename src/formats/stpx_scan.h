@@ -14,8 +14,8 @@ inline constexpr std::size_t kTextRoom = 208;
 // A scan over one text. The views point into the text, or into a buffer of the caller.
 struct StpxScan {
     const char* at;
-    const char* end; // the sentinel of PrepareText stands here
-    const char* name; // of the document, for messages
+    const char* end;               // the sentinel of PrepareText stands here
+    const char* name;              // of the document, for messages
     std::string_view tag = {};     // the current tag with its "<" or "</", without attributes
     std::string_view id = {};      // value of its attribute "id"
     std::string_view uid = {};     // value of its last attribute whose name begins with "uid"

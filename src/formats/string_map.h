@@ -14,9 +14,7 @@ class StringMap {
 public:
     // 4 buckets for up to 5 entries, and twice as many for each doubling beyond.
     explicit StringMap(std::size_t entries) {
-        for (std::size_t n = entries; n > 5; n >>= 1) {
-            ++bits;
-        }
+        for (std::size_t n = entries; n > 5; n >>= 1) { ++bits; }
         size = std::int32_t{1} << bits;
         mask = size - 1;
         buckets_.resize(static_cast<std::size_t>(size));
@@ -27,9 +25,7 @@ public:
     // give the same bits, since all that is cut off lies above them.
     static std::uint32_t Hash(std::string_view key) {
         std::uint32_t h = 0;
-        for (const char c : key) {
-            h = h * 31 + static_cast<std::uint32_t>(static_cast<signed char>(c));
-        }
+        for (const char c : key) { h = h * 31 + static_cast<std::uint32_t>(static_cast<signed char>(c)); }
         return h;
     }
 
@@ -53,9 +49,7 @@ public:
         std::int32_t place = buckets_[hash & static_cast<std::uint32_t>(mask)].head;
         while (place >= 0) {
             const Node& node = nodes_[static_cast<std::size_t>(place)];
-            if (node.hash == hash && node.key == key) {
-                return &node.value;
-            }
+            if (node.hash == hash && node.key == key) { return &node.value; }
             place = node.next;
         }
         return nullptr;

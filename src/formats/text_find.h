@@ -17,9 +17,7 @@ inline constexpr std::uint64_t kHighs = 0x8080808080808080u;
 inline std::uint64_t LoadEight(const char* p) {
     std::uint64_t word;
     std::memcpy(&word, p, sizeof word);
-    if constexpr (std::endian::native == std::endian::big) {
-        word = __builtin_bswap64(word);
-    }
+    if constexpr (std::endian::native == std::endian::big) { word = __builtin_bswap64(word); }
     return word;
 }
 
@@ -39,17 +37,13 @@ inline const char* First(const char* p) {
     for (;; p += 8) {
         const std::uint64_t word = LoadEight(p);
         const std::uint64_t marks = (Marks(word, c) | ...);
-        if (marks != 0) {
-            return AtMark(p, marks);
-        }
+        if (marks != 0) { return AtMark(p, marks); }
     }
 }
 
 // What a string comparison sees of a value: it ends at a NUL that the file has put into it.
 inline std::string_view CutAtNul(std::string_view value) {
-    if (value.empty()) {
-        return value;
-    }
+    if (value.empty()) { return value; }
     const void* const nul = std::memchr(value.data(), '\0', value.size());
     return nul == nullptr
                ? value

@@ -13,6 +13,11 @@ void ResetScene(SceneView& view) {
     std::fill(std::begin(view.selectedIds), std::end(view.selectedIds), 0);
     view.drawList = nullptr;
     view.resultMesh = nullptr;
+    view.boxList = nullptr;
+    view.boxMemory.reset();
+    view.stpjFile = nullptr;
+    view.summaryProducts = nullptr;
+    view.summaryProductCount = 0;
 }
 
 namespace {
