@@ -81,6 +81,7 @@ std::int32_t BoxTriangles(const DrawList& boxes) {
 
 void LoadStpxFile(SceneView& view, const char* path, const char* rootName, int useThreads) {
     StpxSession session;
+    session.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
     session.scene = ReplaceScene(view);
     const double start = ClockSeconds();
     view.boxMode = 0;
@@ -129,6 +130,7 @@ void LoadZIPFile(SceneView& view, const char* path, const char* rootName, int us
     const double start = ClockSeconds();
     view.pickMode = 0;
     ZIPReader reader;
+    reader.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
     reader.scene = ReplaceScene(view);
     ConsolePrint("LoadZIPFile : ZIPReader::TraiteZIPFile %s\n", path);
     const int result = TraiteSTPA(reader, path, rootName, useThreads);
@@ -146,15 +148,15 @@ void LoadZIPFile(SceneView& view, const char* path, const char* rootName, int us
     EndLoad(view, start);
 }
 
-void ShowDepth(SceneView& view, std::int32_t depth) {
+void SelectShownDepth(SceneView& view, std::int32_t depth) {
     if (view.stpjFile != nullptr) {
         FreeBoxList(*view.boxMemory, view.boxList);
         if (!SelectDepth(*view.stpjFile, depth, view.boxList, *view.boxMemory)) {
             ConsolePrint("<E> %s: no memory for all of its boxes\n", view.stpjFile->path);
         }
         view.drawnTriangles = BoxTriangles(*view.boxList);
+        ++view.sceneNumber; // other boxes may stand where these did
     }
-    view.selectedIndex = -1;
 }
 
 } // namespace tarnwick

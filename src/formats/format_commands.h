@@ -16,7 +16,8 @@ void LoadStpjFile(SceneView& view, const char* path);
 // Shows an archive of STEP XML documents and parts. With `useThreads` 0 nothing in it is read.
 void LoadZIPFile(SceneView& view, const char* path, const char* rootName, int useThreads);
 
-// Shows another depth of the summary file in the view; where it holds none, only the pick is dropped.
-void ShowDepth(SceneView& view, std::int32_t depth);
+// Replaces the boxes of the summary file in the view by those of a depth. Does nothing when it holds no such
+// file.
+void SelectShownDepth(SceneView& view, std::int32_t depth);
 
 } // namespace tarnwick

@@ -52,13 +52,13 @@ const StpxSession::Part* Claim(StpxSession& session, std::int32_t* place) {
 }
 
 void ShowProgress(StpxSession& session) {
-    if (session.progress == nullptr) { return; }
+    if (!session.progress) { return; }
     std::int32_t claimed = 0;
     {
         const std::lock_guard guard(session.queueLock);
         claimed = session.nextPart;
     }
-    session.progress(session.progressContext, claimed, static_cast<std::int32_t>(session.queue.size()));
+    session.progress(claimed, static_cast<std::int32_t>(session.queue.size()));
 }
 
 void NoteUnread(StpxSession& session, std::int32_t place, const std::string& path, const ProductNode& product,

@@ -59,8 +59,7 @@ int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, int th
     }
     StpxSession session;
     session.zip = &archive;
-    session.progress = reader.progress;
-    session.progressContext = reader.progressContext;
+    session.progress = std::move(reader.progress);
     session.scene = std::move(reader.scene);
     if (threads != 0) { TraiteSTEPXFileNewMT(session, root.c_str(), rootName, 0, threads); }
     TakeOver(reader, session);

@@ -5,6 +5,7 @@
 #include "product/scene_records.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,8 +30,7 @@ struct ZIPReader {
     std::int32_t threads = 0;
     ProductNode* root = nullptr;
 
-    void (*progress)(void* context, std::int32_t filesRead, std::int32_t filesKnown) = nullptr;
-    void* progressContext = nullptr;
+    std::function<void(std::int32_t filesRead, std::int32_t filesKnown)> progress; // see StpxSession
     std::vector<UnreadFile> unreadFiles;
     std::unique_ptr<SceneMemory> scene = std::make_unique<SceneMemory>();
 };

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -51,10 +52,9 @@ struct StpxSession {
     std::mutex zipLock;                                  // guards the archive
     std::atomic<std::int32_t> threadDone[kWorkers] = {}; // set to 1 by worker k as it ends
 
-    // Called now and then on the thread that runs the load, with the files read so far and those known of;
-    // may be null.
-    void (*progress)(void* context, std::int32_t filesRead, std::int32_t filesKnown) = nullptr;
-    void* progressContext = nullptr;
+    // Told, on the thread that runs the load and on no other, how many of the parts have been read. May be
+    // empty.
+    std::function<void(std::int32_t filesRead, std::int32_t filesKnown)> progress;
 
     std::mutex unreadLock;
     std::vector<UnreadFile> unreadFiles; // guarded by unreadLock

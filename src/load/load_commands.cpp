@@ -10,7 +10,10 @@ namespace tarnwick {
 
 void ResetScene(SceneView& view) {
     view.selectedIndex = -1;
-    std::fill(std::begin(view.selectedIds), std::end(view.selectedIds), 0);
+    view.selectedFaceId = 0;
+    view.selectedExactFaceId = 0;
+    view.selectedContainerId = 0;
+    view.selectedExactContainerId = 0;
     view.drawList = nullptr;
     view.resultMesh = nullptr;
     view.boxList = nullptr;
@@ -18,6 +21,7 @@ void ResetScene(SceneView& view) {
     view.stpjFile = nullptr;
     view.summaryProducts = nullptr;
     view.summaryProductCount = 0;
+    ++view.sceneNumber;
 }
 
 namespace {
@@ -60,6 +64,7 @@ void LoadStepFile(SceneView& view, const char* path, int useThreads) {
     ResetScene(view);
     DropRecords(view);
     LoadSession session;
+    session.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
     const int result = TraiteSTEPFile(session, path, useThreads);
     view.unreadFiles = std::move(session.unreadFiles);
     if (result != 0) { return; }

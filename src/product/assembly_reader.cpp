@@ -38,7 +38,7 @@ std::int32_t NextReference(TextWalk* walk) {
 
 // Three numbers of a CARTESIAN_POINT or DIRECTION: the list is taken to begin right behind the first comma of
 // the line.
-bool ReadTriple(const AssemblyReader& reader, std::int32_t id, double values[3]) {
+bool ReadTriple(AssemblyReader& reader, std::int32_t id, double values[3]) {
     TextWalk walk;
     if (!OpenBehindCommas(reader, id, 1, &walk)) { return false; }
     walk.Step();
@@ -48,12 +48,13 @@ bool ReadTriple(const AssemblyReader& reader, std::int32_t id, double values[3])
         walk.Step();
         values[i] = ParseReal(walk.at);
     }
-    return !walk.overrun;
+    return !NoteOverrun(reader, walk, id);
 }
 
 void ScanAssemblyEntities(AssemblyReader& reader) {
     MapP42Ent& entities = *reader.model.entityMap;
-    for (const P42Ent* entity = entities.First(); entity != nullptr; entity = entities.Next()) {
+    for (const P42Ent* entity = entities.First(); entity != nullptr && !reader.overrun;
+         entity = entities.Next()) {
         if (entity->code == code::kContextDependentShapeRepresentation) {
             ReadOccurrence(reader, entity);
         } else if (entity->code == code::kAppliedDocumentReference) {
@@ -113,6 +114,7 @@ int ReadAssemblyStructure(LoadSession& session, StepModel& model, bool isTopFile
         model, session, arena, ProductMap(model.IndexArena(), HashBits(model.productCount / 10)), {}};
     reader.products.reserve(static_cast<std::size_t>(model.productCount) + 5);
     ScanAssemblyEntities(reader);
+    if (reader.overrun) { return 1; }
     MakeRoom(session.products, static_cast<std::int32_t>(reader.products.size()));
     for (ProductNode* const product : reader.products) {
         session.products[session.products.count++] = product;
@@ -127,22 +129,12 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
     walk.GoTo('(');
     const std::int32_t relationshipId = ReadReference(&walk);
     const std::int32_t shapeId = NextReference(&walk);
-    if (walk.overrun) {
-        SayOverrun(reader, entity->id);
-        return 1;
-    }
-    if (!OpenBehindCommas(reader, shapeId, 0, &walk)) { return 1; }
+    if (NoteOverrun(reader, walk, entity->id) || !OpenBehindCommas(reader, shapeId, 0, &walk)) { return 1; }
     const std::int32_t usageId = ReadReference(&walk);
-    if (walk.overrun || !OpenBehindCommas(reader, usageId, 2, &walk)) {
-        if (walk.overrun) { SayOverrun(reader, shapeId); }
-        return 1;
-    }
+    if (NoteOverrun(reader, walk, shapeId) || !OpenBehindCommas(reader, usageId, 2, &walk)) { return 1; }
     const std::int32_t parentId = ReadReference(&walk);
     const std::int32_t childId = NextReference(&walk);
-    if (walk.overrun) {
-        SayOverrun(reader, usageId);
-        return 1;
-    }
+    if (NoteOverrun(reader, walk, usageId)) { return 1; }
     std::string_view parentName;
     std::string_view childName;
     std::int32_t parentFormation = 0;
@@ -158,10 +150,11 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
         walk.GoTo('(');
     }
     const std::int32_t transformId = ReadReference(&walk);
+    if (NoteOverrun(reader, walk, relationshipId)) { return 1; }
     double rotation[9];
     double translation[3];
-    if (walk.overrun) { SayOverrun(reader, relationshipId); }
-    ReadTransform(reader, walk.overrun ? 0 : transformId, rotation, translation);
+    ReadTransform(reader, transformId, rotation, translation);
+    if (reader.overrun) { return 1; }
 
     ProductNode* const parent = IdentifyProduct(reader, parentId, parentName, parentFormation);
     ProductNode* const child = IdentifyProduct(reader, childId, childName, childFormation);
@@ -184,13 +177,17 @@ int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::stri
     TextWalk walk;
     if (!OpenBehindCommas(reader, definitionId, 2, &walk)) { return 1; }
     *formationId = ReadReference(&walk);
-    if (walk.overrun || !OpenBehindCommas(reader, *formationId, 2, &walk)) { return 1; }
+    if (NoteOverrun(reader, walk, definitionId) || !OpenBehindCommas(reader, *formationId, 2, &walk)) {
+        return 1;
+    }
     const std::int32_t productId = ReadReference(&walk);
-    if (walk.overrun || !OpenBehindCommas(reader, productId, 0, &walk)) { return 1; }
+    if (NoteOverrun(reader, walk, *formationId) || !OpenBehindCommas(reader, productId, 0, &walk)) {
+        return 1;
+    }
     walk.GoTo('\'');
     walk.Step();
     *name = ReadQuoted(&walk, 300);
-    return walk.overrun ? 1 : 0;
+    return NoteOverrun(reader, walk, productId) ? 1 : 0;
 }
 
 int ReadPlacement(AssemblyReader& reader, std::int32_t placementId, double values[9]) {
@@ -200,7 +197,7 @@ int ReadPlacement(AssemblyReader& reader, std::int32_t placementId, double value
     ids[0] = ReadReference(&walk);
     ids[1] = NextReference(&walk);
     ids[2] = NextReference(&walk);
-    if (walk.overrun) { return 1; }
+    if (NoteOverrun(reader, walk, placementId)) { return 1; }
     for (int i = 0; i < 3; ++i) {
         if (!ReadTriple(reader, ids[i], values + 3 * i)) { return 1; }
     }
@@ -216,7 +213,7 @@ int ReadTransform(AssemblyReader& reader, std::int32_t transformId, double rotat
     if (!OpenBehindCommas(reader, transformId, 2, &walk)) { return 1; }
     const std::int32_t sourceId = ReadReference(&walk);
     const std::int32_t targetId = NextReference(&walk);
-    if (walk.overrun) { return 1; }
+    if (NoteOverrun(reader, walk, transformId)) { return 1; }
     double source[9] = {}; // location, axis, reference direction; what a placement lacks is 0
     double target[9] = {};
     ReadPlacement(reader, sourceId, source);
@@ -249,10 +246,13 @@ ProductNode* MakeProduct(AssemblyReader& reader, std::int32_t definitionId, std:
     return reader.productMap.Add(product) ? product : nullptr;
 }
 
-void SayOverrun(AssemblyReader& reader, std::int32_t entityId) {
-    if (reader.overrunSaid) { return; }
-    reader.overrunSaid = true;
-    ConsolePrint("<E> %s: #%d runs past the end of the file\n", reader.model.fileName.c_str(), entityId);
+bool NoteOverrun(AssemblyReader& reader, const TextWalk& walk, std::int32_t entityId) {
+    if (walk.overrun && !reader.overrun) {
+        reader.overrun = true;
+        ConsolePrint("<E> %s: its structure is given up, #%d runs past the end of the file\n",
+                     reader.model.fileName.c_str(), entityId);
+    }
+    return walk.overrun;
 }
 
 } // namespace tarnwick

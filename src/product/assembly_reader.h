@@ -20,14 +20,15 @@ struct AssemblyReader {
     Arena& arena;         // where the records of the tree go
     ProductMap productMap;
     std::vector<ProductNode*> products; // made while reading this file, in that order
-    bool overrunSaid = false;           // one line for each file is enough
+    bool overrun = false;               // a line ran past the end of the text: the file is given up
 };
 
 // Reads the assembly lines of one file and merges the outcome into the session: products and occurrences by a
 // fixed chain of lines from each CONTEXT_DEPENDENT_SHAPE_REPRESENTATION, files by each
 // APPLIED_DOCUMENT_REFERENCE. Products of other files are joined by equal `name`. With `isTopFile` the last
-// product that is nobody's child becomes the session's root. A line that leads nowhere is dropped. One thread
-// at a time may run it in a session. Returns 1 when memory runs out, else 0.
+// product that is nobody's child becomes the session's root. A line that leads nowhere is dropped; a file
+// with a line that runs past its end is given up, and adds no product. One thread at a time may run it in a
+// session. Returns 1 for such a file, else 0.
 int ReadAssemblyStructure(LoadSession& session, StepModel& model, bool isTopFile, Arena& arena);
 
 // Reads an occurrence from its CONTEXT_DEPENDENT_SHAPE_REPRESENTATION. 0 when it was added, 1 when not.
@@ -71,7 +72,7 @@ ProductNode* FindQueued(const LoadSession& session, std::string_view name);
 // Puts a product whose file is to be read on the session's queue.
 void PushPartQueue(LoadSession& session, ProductNode* product);
 
-// Says once for each file that one of its lines runs past the end of the text.
-void SayOverrun(AssemblyReader& reader, std::int32_t entityId);
+// Gives the file up if the walk, in the line of an entity, has run past the end of the text; whether it has.
+bool NoteOverrun(AssemblyReader& reader, const TextWalk& walk, std::int32_t entityId);
 
 } // namespace tarnwick

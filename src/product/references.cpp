@@ -13,15 +13,15 @@ namespace {
 constexpr std::size_t kLongestFileName = 299;
 
 // The first string of the document's line, cut at the longest name.
-bool ReadFileName(const AssemblyReader& reader, const P42Ent* document, std::string* name) {
+bool ReadFileName(AssemblyReader& reader, const P42Ent* document, std::string* name) {
     TextWalk walk = reader.model.WalkFrom(document);
     walk.GoTo('(');
     walk.GoTo('\'');
     walk.Step();
-    if (walk.overrun) { return false; }
     const std::string_view rest(walk.at, static_cast<std::size_t>(walk.end - walk.at));
     const std::size_t quote = rest.find('\'');
-    if (quote == std::string_view::npos && rest.size() < kLongestFileName) { return false; }
+    if (quote == std::string_view::npos && rest.size() < kLongestFileName) { walk.overrun = true; }
+    if (NoteOverrun(reader, walk, document->id)) { return false; }
     name->assign(rest.substr(0, std::min(quote, kLongestFileName)));
     return true;
 }
@@ -37,10 +37,7 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
     walk.GoTo(',');
     walk.GoTo('(');
     const std::int32_t definitionId = ReadReference(&walk);
-    if (walk.overrun) {
-        SayOverrun(reader, entity->id);
-        return 1;
-    }
+    if (NoteOverrun(reader, walk, entity->id)) { return 1; }
     ProductNode* product = reader.productMap.Find(definitionId);
     if (product == nullptr) {
         std::string_view name;
@@ -54,10 +51,7 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
     const P42Ent* const document = reader.model.Find(documentId);
     if (document == nullptr) { return 1; }
     std::string fileName;
-    if (!ReadFileName(reader, document, &fileName)) {
-        SayOverrun(reader, documentId);
-        return 1;
-    }
+    if (!ReadFileName(reader, document, &fileName)) { return 1; }
     if (fileName.ends_with(".cgr")) { fileName.replace(fileName.size() - 3, 3, "stp"); }
     if (fileName.find("...") != std::string::npos) { return 2; }
     const char* const copy = reader.arena.Copy(fileName.data(), fileName.size());

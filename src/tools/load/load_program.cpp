@@ -31,12 +31,12 @@ public:
 constexpr LoadCommands kCommands{.loadStepFile = LoadStepFile,
                                  .loadStpxFile = LoadStpxFile,
                                  .loadStpjFile = LoadStpjFile,
-                                 .loadZipFile = LoadZIPFile};
+                                 .loadZipFile = LoadZIPFile,
+                                 .selectDepth = SelectShownDepth};
 
 // Moves the Depth slider as far as its range goes, with all that follows from it.
-void MoveSlider(SceneView& view, StatusOnly& controls, std::int32_t position) {
-    ShowDepth(view, std::clamp(position, 0, std::max(view.maxDepth, 0)));
-    controls.SetStatusText(StatusText(view, true));
+void MoveSlider(LoadDispatch& dispatch, std::int32_t position) {
+    ChangeDepth(dispatch, std::clamp(position, 0, std::max(dispatch.view.maxDepth, 0)));
 }
 
 bool WriteReport(const std::string& report, const std::string& name) {
@@ -76,7 +76,7 @@ int LoadAndReport(const LoadOptions& options) {
     for (int i = 0; i < options.repeat; ++i) {
         LoadFile(dispatch, arguments[0].c_str(), rootName, options.noThreads ? 0 : 1);
     }
-    if (options.depth && controls.status) { MoveSlider(view, controls, *options.depth); }
+    if (options.depth && controls.status) { MoveSlider(dispatch, *options.depth); }
     const std::string* const status = controls.status ? &*controls.status : nullptr;
     bool written = true;
     if (!options.jsonFile.empty()) {
