@@ -1,6 +1,7 @@
 #include "formats/scan_reals.h"
 
 #include "formats/text_find.h"
+#include "load/p21/parse_real.h"
 
 #include <charconv>
 #include <clocale>
@@ -25,9 +26,7 @@ bool IsSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-bool IsDigit(char c) {
-    return static_cast<unsigned char>(c - '0') < 10;
-}
+using real::IsDigit;
 
 // A locale in which a real has a point, whatever the program's own says.
 locale_t PlainLocale() {
@@ -67,7 +66,14 @@ const char* ReadPlain(const char* p, const char* end, T* value) {
     for (; IsDigit(*p); ++p, ++digits) { mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0'); }
     if (*p == '.') {
         const char* const fraction = ++p;
-        for (; IsDigit(*p); ++p) { mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0'); }
+        for (;;) {
+            const std::uint64_t word = real::LoadEight(p);
+            const unsigned count = real::LeadingDigits(word);
+            if (count == 0) { break; }
+            mantissa = mantissa * real::kTables.ten[count] + real::DigitsValue(word, count);
+            p += count;
+            if (count < 8) { break; }
+        }
         power = static_cast<int>(fraction - p);
         digits -= power;
     }

@@ -122,7 +122,7 @@ private:
     StpxScan scan_;
     State state_ = State::kFindContainer;
     bool done_ = false;
-    char textBuffer_[kTextRoom];
+    char textBuffer_[kTextRoom + 8]; // with what may be read behind a number
     string_view pointRefA_;
     string_view pointRefB_;
     string_view fileUid_;
@@ -398,7 +398,7 @@ bool DocumentReader::ReadPartName() {
 bool DocumentReader::ReadNumbers(double* values, int count) {
     ++scan_.at;
     string_view text;
-    if (!ReadElementText(&scan_, textBuffer_, sizeof textBuffer_, &text)) { return false; }
+    if (!ReadElementText(&scan_, textBuffer_, kTextRoom, &text)) { return false; }
     ScanReals(text, values, count);
     return true;
 }
@@ -409,7 +409,7 @@ bool DocumentReader::ReadPoint() {
     if (!ScanTagName(&scan_)) { return false; }
     ++scan_.at;
     string_view text;
-    if (!ReadElementText(&scan_, textBuffer_, sizeof textBuffer_, &text)) { return false; }
+    if (!ReadElementText(&scan_, textBuffer_, kTextRoom, &text)) { return false; }
     if (pointCount_ >= 2) { return Fail(kManyPoints); }
     float point[3] = {box_[pointCount_], box_[pointCount_ + 2], box_[pointCount_ + 4]};
     ScanReals(text, point, 3);
