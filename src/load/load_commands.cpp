@@ -10,9 +10,14 @@ namespace tarnwick {
 
 void ResetScene(SceneView& view) {
     view.selectedIndex = -1;
-    std::fill(std::begin(view.selectedIds), std::end(view.selectedIds), 0);
+    view.selectedFaceId = 0;
+    view.selectedExactFaceId = 0;
+    view.selectedContainerId = 0;
+    view.selectedExactContainerId = 0;
     view.drawList = nullptr;
     view.resultMesh = nullptr;
+    view.boxList = nullptr;
+    ++view.sceneNumber;
 }
 
 namespace {
@@ -57,6 +62,7 @@ void LoadStepFile(SceneView& view, const char* path, int useThreads) {
     ResetScene(view);
     DropRecords(view);
     LoadSession session;
+    session.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
     const int result = TraiteSTEPFile(session, path, useThreads);
     view.unreadFiles = std::move(session.unreadFiles);
     if (result != 0) {

@@ -32,6 +32,8 @@ struct LoadCommands {
     void (*loadStpxFile)(SceneView& view, const char* path, const char* rootName, int useThreads) = nullptr;
     void (*loadStpjFile)(SceneView& view, const char* path) = nullptr;
     void (*loadZipFile)(SceneView& view, const char* path, const char* rootName, int useThreads) = nullptr;
+    // Rebuilds the boxes of a summary file for a depth; does nothing when the view holds no such file.
+    void (*selectDepth)(SceneView& view, std::int32_t depth) = nullptr;
 };
 
 // Where a request to show a file comes in.
@@ -56,6 +58,10 @@ std::wstring JoinArguments(const std::vector<std::string>& arguments);
 // `rootName` names a product for the STEP XML and archive loads, or is null. A path without a known extension
 // does nothing.
 void LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, int useThreads);
+
+// What a move of the Depth slider to `depth` does: other boxes for a summary file, no pick, and the status text
+// anew. The caller has the view drawn.
+void ChangeDepth(LoadDispatch& dispatch, std::int32_t depth);
 
 // The status text for what the view holds, "Nb Triangles: 1024  CPU tot: 0.125s "; with `withWords` false
 // (summary files) the number stands alone. Numbers have points in every locale.

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -67,6 +68,10 @@ struct LoadSession {
     std::mutex queueLock;                          // guards the queue, its growth and its cursor
     std::mutex structureLock;                      // one structure reader at a time
     std::atomic<std::int32_t> done[kWorkers] = {}; // set to 1 by worker k as it leaves its loop
+
+    // Told, on the thread that runs the load and on no other, how many of the files known so far have been
+    // read. May be empty.
+    std::function<void(std::int32_t filesRead, std::int32_t filesKnown)> progress;
 
     std::mutex unreadLock;
     std::vector<UnreadFile> unreadFiles; // guarded by unreadLock
