@@ -30,9 +30,7 @@ void AddRgbRow(TextWalk* walk, std::int32_t id, std::vector<ColourEntry>* rows) 
         walk->Step();
         value = static_cast<float>(ParseReal(walk->at));
     }
-    if (!walk->overrun) {
-        rows->push_back({id, values[0], values[1], values[2], kUnused});
-    }
+    if (!walk->overrun) { rows->push_back({id, values[0], values[1], values[2], kUnused}); }
 }
 
 // DRAUGHTING_PRE_DEFINED_COLOUR(name), by the first three characters of the name. Any other name makes no
@@ -53,18 +51,14 @@ void AddNamedRow(TextWalk* walk, std::int32_t id, std::vector<ColourEntry>* rows
 bool ReadColourRows(PartReader& reader) {
     for (const std::int32_t id : reader.model.colourIds) {
         const P42Ent* const entity = reader.model.Find(id);
-        if (entity == nullptr) {
-            break;
-        }
+        if (entity == nullptr) { break; }
         TextWalk walk = reader.model.WalkFrom(entity);
         if (entity->code == code::kColourRgb) {
             AddRgbRow(&walk, id, &reader.scratch.colours);
         } else if (entity->code == code::kDraughtingPreDefinedColour) {
             AddNamedRow(&walk, id, &reader.scratch.colours);
         }
-        if (walk.overrun) {
-            return false;
-        }
+        if (walk.overrun) { return false; }
     }
     return true;
 }
@@ -75,17 +69,11 @@ std::int32_t RowOf(std::int32_t colourId, float alpha, std::vector<ColourEntry>*
     std::int32_t candidate = kNoRow;
     for (std::size_t i = 0; i < rows->size(); ++i) {
         const ColourEntry& row = (*rows)[i];
-        if (row.colourId != colourId) {
-            continue;
-        }
+        if (row.colourId != colourId) { continue; }
         candidate = static_cast<std::int32_t>(i);
-        if (row.alpha == kUnused || row.alpha == alpha) {
-            break;
-        }
+        if (row.alpha == kUnused || row.alpha == alpha) { break; }
     }
-    if (candidate == kNoRow) {
-        return kNoRow;
-    }
+    if (candidate == kNoRow) { return kNoRow; }
     ColourEntry& row = (*rows)[static_cast<std::size_t>(candidate)];
     if (row.alpha == kUnused || row.alpha == alpha) {
         row.alpha = alpha;
@@ -102,7 +90,7 @@ void SkipFirstArgument(TextWalk* walk) {
     walk->GoTo('(');
     walk->Step();
     walk->SkipBlanksAndLineFeeds();
-    walk->GoToCommaAtDepthZero();
+    walk->GoToArgumentComma();
     walk->Step();
     walk->SkipBlanksAndLineFeeds();
 }
@@ -114,23 +102,6 @@ std::int32_t FirstReference(TextWalk* walk) {
     return ReadReference(walk);
 }
 
-// From behind the colour's digits to the next "," of the same depth. In a SURFACE_STYLE_RENDERING without
-// properties that is a comma of an entity further on, since the closing parenthesis counts down and the next
-// opening one up again.
-void GoToPropertiesComma(TextWalk* walk) {
-    std::int32_t depth = 0;
-    for (; walk->at < walk->end; ++walk->at) {
-        if (*walk->at == '(') {
-            ++depth;
-        } else if (*walk->at == ')') {
-            --depth;
-        } else if (*walk->at == ',' && depth == 0) {
-            return;
-        }
-    }
-    walk->overrun = true;
-}
-
 constexpr int kResolved = 0;
 constexpr int kOtherShape = 1; // also of a chain that leads past the end of the text
 
@@ -138,13 +109,9 @@ constexpr int kOtherShape = 1; // also of a chain that leads past the end of the
 int ResolveFillArea(const StepModel& model, TextWalk walk, std::int32_t* colourId) {
     for (int hop = 0; hop < 2; ++hop) {
         const std::int32_t next = FirstReference(&walk);
-        if (walk.overrun) {
-            return kOtherShape;
-        }
+        if (walk.overrun) { return kOtherShape; }
         const P42Ent* const entity = model.Find(next);
-        if (entity == nullptr) {
-            return kOtherShape;
-        }
+        if (entity == nullptr) { return kOtherShape; }
         walk = model.WalkFrom(entity);
     }
     SkipFirstArgument(&walk);
@@ -156,25 +123,20 @@ int ResolveFillArea(const StepModel& model, TextWalk walk, std::int32_t* colourI
 int ResolveRendering(const StepModel& model, TextWalk walk, std::int32_t* colourId, float* alpha) {
     SkipFirstArgument(&walk);
     *colourId = ReadReference(&walk);
-    GoToPropertiesComma(&walk);
+    // Without properties this is a comma of an entity further on, and what stands there becomes the alpha.
+    walk.GoToArgumentComma();
     walk.Step();
     walk.SkipBlanksAndLineFeeds();
     walk.Step();
     const std::int32_t property = ReadReference(&walk);
-    if (walk.overrun) {
-        return kOtherShape;
-    }
+    if (walk.overrun) { return kOtherShape; }
     const P42Ent* const entity = model.Find(property);
-    if (entity == nullptr) {
-        return kOtherShape;
-    }
+    if (entity == nullptr) { return kOtherShape; }
     walk = model.WalkFrom(entity);
     walk.GoTo('(');
     walk.Step();
     walk.SkipBlanksAndLineFeeds();
-    if (walk.overrun) {
-        return kOtherShape;
-    }
+    if (walk.overrun) { return kOtherShape; }
     *alpha = static_cast<float>(ParseReal(walk.at));
     return kResolved;
 }
@@ -183,60 +145,38 @@ int ResolveRendering(const StepModel& model, TextWalk walk, std::int32_t* colour
 
 int ResolveStyle(const StepModel& model, std::int32_t styleId, std::int32_t* colourId, float* alpha) {
     const P42Ent* entity = model.Find(styleId);
-    if (entity == nullptr) {
-        return kOtherShape;
-    }
+    if (entity == nullptr) { return kOtherShape; }
     TextWalk walk = model.WalkFrom(entity);
     walk.GoTo('(');
     walk.Step();
     walk.SkipBlanksAndLineFeeds();
-    if (walk.overrun || walk.Current() != '(') {
-        return kOtherShape;
-    }
+    if (walk.overrun || walk.Current() != '(') { return kOtherShape; }
     const std::int32_t usageId = ReadReference(&walk);
-    if (walk.overrun) {
-        return kOtherShape;
-    }
+    if (walk.overrun) { return kOtherShape; }
 
     entity = model.Find(usageId);
-    if (entity == nullptr) {
-        return kOtherShape;
-    }
+    if (entity == nullptr) { return kOtherShape; }
     walk = model.WalkFrom(entity);
     SkipFirstArgument(&walk);
-    if (walk.overrun || walk.Current() != '#') {
-        return kOtherShape;
-    }
+    if (walk.overrun || walk.Current() != '#') { return kOtherShape; }
     const std::int32_t sideId = ReadReference(&walk);
 
     entity = model.Find(sideId);
-    if (entity == nullptr) {
-        return kOtherShape;
-    }
+    if (entity == nullptr) { return kOtherShape; }
     walk = model.WalkFrom(entity);
     SkipFirstArgument(&walk);
-    if (walk.overrun || walk.Current() != '(') {
-        return kOtherShape;
-    }
+    if (walk.overrun || walk.Current() != '(') { return kOtherShape; }
     const std::int32_t first = ReadReference(&walk);
     walk.SkipBlanks();
     const std::int32_t second = walk.Current() == ',' ? ReadReference(&walk) : 0;
-    if (walk.overrun) {
-        return kOtherShape;
-    }
+    if (walk.overrun) { return kOtherShape; }
 
     const P42Ent* chosen = model.Find(first);
-    if (chosen == nullptr) {
-        return kOtherShape;
-    }
+    if (chosen == nullptr) { return kOtherShape; }
     if (chosen->code != code::kSurfaceStyleRendering && second != 0) {
         const P42Ent* const other = model.Find(second);
-        if (other == nullptr) {
-            return kOtherShape;
-        }
-        if (other->code == code::kSurfaceStyleRendering) {
-            chosen = other;
-        }
+        if (other == nullptr) { return kOtherShape; }
+        if (other->code == code::kSurfaceStyleRendering) { chosen = other; }
     }
     *alpha = 1.0f;
     return chosen->code == code::kSurfaceStyleFillArea
@@ -246,42 +186,30 @@ int ResolveStyle(const StepModel& model, std::int32_t styleId, std::int32_t* col
 
 bool ReadColours(PartReader& reader) {
     StepModel& model = reader.model;
-    if (model.presentationId < 1) {
-        return true;
-    }
-    if (!ReadColourRows(reader)) {
-        return false;
-    }
+    if (model.presentationId < 1) { return true; }
+    if (!ReadColourRows(reader)) { return false; }
     const P42Ent* const presentation = model.Find(model.presentationId);
-    if (presentation == nullptr) {
-        return true;
-    }
+    if (presentation == nullptr) { return true; }
     TextWalk walk = model.WalkFrom(presentation);
     walk.GoTo('(');
     walk.GoTo(',');
     walk.GoTo('(');
     std::vector<std::int32_t> itemIds;
     ParseIdList(&walk, &itemIds);
-    if (walk.overrun) {
-        return false;
-    }
+    if (walk.overrun) { return false; }
 
     Arena* const arena = model.IndexArena();
     ColourIndex styleRows(arena, kStyleBits);
     const auto add = [arena](ColourIndex& index, std::int32_t id, std::int32_t row) {
         ColourRow* const entry = arena->New<ColourRow>();
-        if (entry == nullptr) {
-            return false;
-        }
+        if (entry == nullptr) { return false; }
         *entry = {id, row};
         return index.Add(entry);
     };
     for (const std::int32_t id : itemIds) {
         // STYLED_ITEM(name, (#style), #item), by position: whatever stands in the list is read like one.
         const P42Ent* const styled = model.Find(id);
-        if (styled == nullptr) {
-            break;
-        }
+        if (styled == nullptr) { break; }
         walk = model.WalkFrom(styled);
         walk.Step();
         walk.GoTo('=');
@@ -291,9 +219,7 @@ bool ReadColours(PartReader& reader) {
         walk.GoTo(',');
         walk.Step();
         walk.Step();
-        if (walk.overrun) {
-            return false;
-        }
+        if (walk.overrun) { return false; }
         const std::int32_t itemId = StringToInteger(walk.at);
         const ColourRow* const known = styleRows.Find(styleId);
         std::int32_t row = known != nullptr ? known->row : kNoRow;
@@ -303,13 +229,9 @@ bool ReadColours(PartReader& reader) {
             if (ResolveStyle(model, styleId, &colourId, &alpha) == kResolved) {
                 row = RowOf(colourId, alpha, &reader.scratch.colours);
             }
-            if (!add(styleRows, styleId, row)) {
-                return false;
-            }
+            if (!add(styleRows, styleId, row)) { return false; }
         }
-        if (row != kNoRow && !add(reader.colourIndex, itemId, row)) {
-            return false;
-        }
+        if (row != kNoRow && !add(reader.colourIndex, itemId, row)) { return false; }
     }
     return true;
 }

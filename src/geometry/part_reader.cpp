@@ -37,19 +37,13 @@ int PartReader::Run() {
 
 int PartReader::ReadPart() {
     colourIndex = ColourIndex(model.IndexArena(), kColourBits);
-    if (!ReadColours(*this)) {
-        return GiveUp("a colour's line runs past the end of the file");
-    }
-    if (product == nullptr && !MakeProduct()) {
-        return GiveUp("it has no PRODUCT");
-    }
+    if (!ReadColours(*this)) { return GiveUp("a colour's line runs past the end of the file"); }
+    if (product == nullptr && !MakeProduct()) { return GiveUp("it has no PRODUCT"); }
     if (!ReadItemIds()) {
         return GiveUp("its TESSELLATED_SHAPE_REPRESENTATION runs past the end of the file");
     }
     containers = arena.New<FaceContainer*>(scratch.itemIds.size());
-    if (containers == nullptr) {
-        return GiveUp("no memory");
-    }
+    if (containers == nullptr) { return GiveUp("no memory"); }
     std::int32_t makeFromCount = 0;
     std::int32_t shapeDefinitionCount = 0;
     bool isRawMaterial = false;
@@ -70,43 +64,31 @@ int PartReader::ReadPart() {
             // container.
             result = ReadFace(item, nullptr);
         }
-        if (result != 0) {
-            return result;
-        }
+        if (result != 0) { return result; }
     }
     if (isRawMaterial && !LinkRawMaterial(*this, makeFromCount, shapeDefinitionCount)) {
         return GiveUp("a raw material's line runs past the end of the file");
     }
     triangleSum += static_cast<std::uint32_t>(triangleTotal);
     faceSum += static_cast<std::uint32_t>(faceTotal);
-    if (!HandOver()) {
-        return GiveUp("no memory");
-    }
+    if (!HandOver()) { return GiveUp("no memory"); }
     return 0;
 }
 
 bool PartReader::MakeProduct() {
     const P42Ent* const entity = model.Find(model.rootProductId);
-    if (entity == nullptr) {
-        return false;
-    }
+    if (entity == nullptr) { return false; }
     TextWalk walk = model.WalkFrom(entity);
     walk.GoTo('(');
     walk.GoTo('\'');
     walk.Step();
     const std::string_view name = ReadQuoted(&walk, 300);
-    if (walk.overrun) {
-        return false;
-    }
+    if (walk.overrun) { return false; }
     ProductNode* const made = arena.New<ProductNode>();
-    if (made == nullptr) {
-        return false;
-    }
+    if (made == nullptr) { return false; }
     made->isRoot = 1;
     made->name = arena.Copy(name.data(), name.size());
-    if (made->name == nullptr) {
-        return false;
-    }
+    if (made->name == nullptr) { return false; }
     product = made;
     return true;
 }
@@ -115,9 +97,7 @@ bool PartReader::MakeProduct() {
 // entity.
 bool PartReader::ReadItemIds() {
     const P42Ent* const representation = model.Find(model.shapeRepresentationId);
-    if (representation == nullptr) {
-        return true;
-    }
+    if (representation == nullptr) { return true; }
     TextWalk walk = model.WalkFrom(representation);
     walk.GoTo('(');
     walk.GoTo(',');
@@ -138,12 +118,8 @@ bool PartReader::FindRawMaterial(bool* isRawMaterial, std::int32_t* makeFromCoun
             walk.GoTo('(');
             walk.GoTo('\'');
             walk.Step();
-            if (walk.overrun) {
-                return false;
-            }
-            if (std::memcmp(walk.at, kCategory.data(), kCategory.size()) == 0) {
-                *isRawMaterial = true;
-            }
+            if (walk.overrun) { return false; }
+            if (std::memcmp(walk.at, kCategory.data(), kCategory.size()) == 0) { *isRawMaterial = true; }
         } else if (record->code == code::kMakeFromUsageOption) {
             ++*makeFromCount;
         } else if (record->code == code::kShapeDefinitionRepresentation) {
@@ -155,9 +131,7 @@ bool PartReader::FindRawMaterial(bool* isRawMaterial, std::int32_t* makeFromCoun
 
 int PartReader::ReadContainer(const P42Ent* entity) {
     FaceContainer* const container = arena.New<FaceContainer>();
-    if (container == nullptr) {
-        return GiveUp("no memory");
-    }
+    if (container == nullptr) { return GiveUp("no memory"); }
     container->containerId = entity->id;
     container->kind = entity->code == code::kTessellatedSolid ? 1 : 2;
     containers[containerCount++] = container;
@@ -176,9 +150,7 @@ int PartReader::ReadContainer(const P42Ent* entity) {
             continue;
         }
         const int result = ReadFace(face, container);
-        if (result != 0) {
-            return result;
-        }
+        if (result != 0) { return result; }
     }
     return 0;
 }
@@ -194,12 +166,8 @@ bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactCon
     // The comma behind the list, and the link behind it.
     walk.GoTo(',');
     walk.Step();
-    while (*walk.at != '#' && *walk.at != ')' && *walk.at != '$' && walk.at < walk.end) {
-        ++walk.at;
-    }
-    if (walk.overrun || walk.at == walk.end) {
-        return false;
-    }
+    while (*walk.at != '#' && *walk.at != ')' && *walk.at != '$' && walk.at < walk.end) { ++walk.at; }
+    if (walk.overrun || walk.at == walk.end) { return false; }
     // Marks where the link was looked for, also where there is none: a container that is listed twice finds
     // it again.
     model.text[walk.at - model.text] = '#';
@@ -210,16 +178,12 @@ bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactCon
 
 int PartReader::ReadFace(const P42Ent* entity, const FaceContainer* container) {
     StepFaceB* const face = arena.New<StepFaceB>();
-    if (face == nullptr) {
-        return GiveUp("no memory");
-    }
+    if (face == nullptr) { return GiveUp("no memory"); }
     face->colour[0] = face->colour[1] = face->colour[2] = 0.3f;
     face->colour[3] = 1.0f;
     FaceProblem problem;
     const int result = TraiteFace(face, entity, model, arena, &scratch.face, &problem);
-    if (result != 0) {
-        return problem.reason != nullptr ? GiveUpFace(entity, problem) : result;
-    }
+    if (result != 0) { return problem.reason != nullptr ? GiveUpFace(entity, problem) : result; }
     if (container != nullptr) {
         face->containerId = container->containerId;
         face->exactContainerId = container->exactContainerId;
@@ -249,12 +213,8 @@ void PartReader::MergeBox(const float faceBox[6]) {
     for (int axis = 0; axis < 3; ++axis) {
         const int low = 2 * axis;
         const int high = low + 1;
-        if (faceBox[low] < box[low]) {
-            box[low] = faceBox[low];
-        }
-        if (faceBox[high] > box[high]) {
-            box[high] = faceBox[high];
-        }
+        if (faceBox[low] < box[low]) { box[low] = faceBox[low]; }
+        if (faceBox[high] > box[high]) { box[high] = faceBox[high]; }
     }
 }
 
@@ -264,9 +224,7 @@ bool PartReader::HandOver() {
     DrawItem* const item = arena.New<DrawItem>();
     StepFaceB** const meshes = arena.New<StepFaceB*>(count);
     DrawList* const list = MakeDrawList(arena, 1);
-    if (item == nullptr || meshes == nullptr || list == nullptr) {
-        return false;
-    }
+    if (item == nullptr || meshes == nullptr || list == nullptr) { return false; }
     std::copy_n(scratch.faces.data(), count, meshes);
     item->meshes = meshes;
     item->meshCount = static_cast<std::int32_t>(count);
@@ -281,9 +239,7 @@ bool PartReader::HandOver() {
 }
 
 void PartReader::SayMissing(std::int32_t id) {
-    if (missingSaid_) {
-        return;
-    }
+    if (missingSaid_) { return; }
     missingSaid_ = true;
     ConsolePrint("<E> %s: #%d is listed but not there\n", model.fileName.c_str(), id);
 }

@@ -12,15 +12,13 @@ namespace {
 // further on.
 void SkipArgument(TextWalk* walk) {
     walk->SkipBlanksAndLineFeeds();
-    walk->GoToCommaAtDepthZero();
+    walk->GoToArgumentComma();
     walk->Step();
 }
 
 // The walk behind the first "(" of an entity's line; null for a number that isn't there.
 bool OpenLine(const StepModel& model, const P42Ent* entity, TextWalk* walk) {
-    if (entity == nullptr) {
-        return false;
-    }
+    if (entity == nullptr) { return false; }
     *walk = model.WalkFrom(entity);
     walk->GoTo('(');
     walk->Step();
@@ -29,30 +27,20 @@ bool OpenLine(const StepModel& model, const P42Ent* entity, TextWalk* walk) {
 
 // The reference that stands behind `skipped` arguments of an entity.
 std::int32_t ReferenceBehind(TextWalk* walk, int skipped) {
-    for (int i = 0; i < skipped; ++i) {
-        SkipArgument(walk);
-    }
+    for (int i = 0; i < skipped; ++i) { SkipArgument(walk); }
     return ReadReference(walk);
 }
 
 // The name of the raw material behind a MAKE_FROM_USAGE_OPTION: its related product definition, the
 // formation, the product, whose second argument it is. False when a number on the way isn't there.
 bool MaterialName(const StepModel& model, const P42Ent* option, TextWalk* walk, std::string_view* name) {
-    if (!OpenLine(model, option, walk)) {
-        return false;
-    }
+    if (!OpenLine(model, option, walk)) { return false; }
     const std::int32_t definition = ReferenceBehind(walk, 4);
-    if (walk->overrun || !OpenLine(model, model.Find(definition), walk)) {
-        return false;
-    }
+    if (walk->overrun || !OpenLine(model, model.Find(definition), walk)) { return false; }
     const std::int32_t formation = ReferenceBehind(walk, 2);
-    if (walk->overrun || !OpenLine(model, model.Find(formation), walk)) {
-        return false;
-    }
+    if (walk->overrun || !OpenLine(model, model.Find(formation), walk)) { return false; }
     const std::int32_t product = ReferenceBehind(walk, 2);
-    if (walk->overrun || !OpenLine(model, model.Find(product), walk)) {
-        return false;
-    }
+    if (walk->overrun || !OpenLine(model, model.Find(product), walk)) { return false; }
     SkipArgument(walk);
     walk->SkipBlanksAndLineFeeds();
     walk->Step();
@@ -67,19 +55,13 @@ bool MaterialItems(const StepModel& model, const P42Ent* shapeDefinition, const 
     items->clear();
     OpenLine(model, shapeDefinition, walk);
     const std::int32_t definitionShape = ReadReference(walk);
-    walk->GoToCommaAtDepthZero();
+    walk->GoToArgumentComma();
     walk->Step();
     const std::int32_t representation = ReadReference(walk);
-    if (walk->overrun || !OpenLine(model, model.Find(definitionShape), walk)) {
-        return false;
-    }
+    if (walk->overrun || !OpenLine(model, model.Find(definitionShape), walk)) { return false; }
     const std::int32_t definition = ReferenceBehind(walk, 2);
-    if (walk->overrun || model.Find(definition) != option) {
-        return false;
-    }
-    if (!OpenLine(model, model.Find(representation), walk)) {
-        return false;
-    }
+    if (walk->overrun || model.Find(definition) != option) { return false; }
+    if (!OpenLine(model, model.Find(representation), walk)) { return false; }
     SkipArgument(walk);
     walk->SkipBlanksAndLineFeeds();
     ParseIdList(walk, items);
@@ -89,50 +71,32 @@ bool MaterialItems(const StepModel& model, const P42Ent* shapeDefinition, const 
 } // namespace
 
 bool LinkRawMaterial(PartReader& reader, std::int32_t makeFromCount, std::int32_t shapeDefinitionCount) {
-    if (makeFromCount == 0 || shapeDefinitionCount == 0) {
-        return true;
-    }
+    if (makeFromCount == 0 || shapeDefinitionCount == 0) { return true; }
     const StepModel& model = reader.model;
     std::vector<const P42Ent*> options;
     std::vector<const P42Ent*> shapeDefinitions;
     ListP42Ent& list = *model.structureList;
     for (const P42Ent* record = list.First(); record != nullptr; record = list.Next()) {
-        if (record->code == code::kMakeFromUsageOption) {
-            options.push_back(record);
-        }
-        if (record->code == code::kShapeDefinitionRepresentation) {
-            shapeDefinitions.push_back(record);
-        }
+        if (record->code == code::kMakeFromUsageOption) { options.push_back(record); }
+        if (record->code == code::kShapeDefinitionRepresentation) { shapeDefinitions.push_back(record); }
     }
     std::vector<std::int32_t> items;
     TextWalk walk{};
     for (const P42Ent* const option : options) {
         std::string_view name;
         const bool named = MaterialName(model, option, &walk, &name);
-        if (walk.overrun) {
-            return false;
-        }
-        if (!named) {
-            continue;
-        }
+        if (walk.overrun) { return false; }
+        if (!named) { continue; }
         for (const P42Ent* const shapeDefinition : shapeDefinitions) {
             const bool attached = MaterialItems(model, shapeDefinition, option, &walk, &items);
-            if (walk.overrun) {
-                return false;
-            }
-            if (!attached) {
-                continue;
-            }
+            if (walk.overrun) { return false; }
+            if (!attached) { continue; }
             const char* copy = nullptr;
             for (const std::int32_t id : items) {
                 for (std::int32_t i = 0; i < reader.containerCount; ++i) {
                     FaceContainer* const container = reader.containers[i];
-                    if (container->exactContainerId != id && container->containerId != id) {
-                        continue;
-                    }
-                    if (copy == nullptr) {
-                        copy = reader.arena.Copy(name.data(), name.size());
-                    }
+                    if (container->exactContainerId != id && container->containerId != id) { continue; }
+                    if (copy == nullptr) { copy = reader.arena.Copy(name.data(), name.size()); }
                     container->materialName = copy;
                 }
             }

@@ -46,14 +46,10 @@ struct FaceWalk {
         }
     }
     void Step() {
-        if (at < end) {
-            ++at;
-        }
+        if (at < end) { ++at; }
     }
     void SkipBlanks() {
-        while (*at == ' ') {
-            ++at;
-        }
+        while (*at == ' ') { ++at; }
     }
     bool AtLineEnd() const { return *at == '\n' || *at == '\0'; }
 
@@ -68,9 +64,7 @@ struct FaceWalk {
 bool TakeIndex(const char*& p, std::uint32_t* value) {
     const std::uint64_t word = real::LoadEight(p);
     const unsigned count = real::LeadingDigits(word);
-    if (count == 0 || count == 8) {
-        return false;
-    }
+    if (count == 0 || count == 8) { return false; }
     *value = real::DigitsValue(word, count);
     p += count;
     return true;
@@ -82,36 +76,22 @@ bool TakeIndex(const char*& p, std::uint32_t* value) {
 char* TakeTriple(char* p, float* out) {
     const char* q = p + 1;
     out[0] = static_cast<float>(ParseReal(q, &q));
-    if (*q != ',') {
-        return nullptr;
-    }
+    if (*q != ',') { return nullptr; }
     out[1] = static_cast<float>(ParseReal(q + 1, &q));
-    if (*q != ',') {
-        return nullptr;
-    }
+    if (*q != ',') { return nullptr; }
     out[2] = static_cast<float>(ParseReal(q + 1, &q));
-    if (*q != ')') {
-        return nullptr;
-    }
+    if (*q != ')') { return nullptr; }
     return p + (q + 1 - p);
 }
 
 char* TakeTriple(char* p, std::uint32_t* out) {
     const char* q = p + 1;
-    if (!TakeIndex(q, &out[0]) || *q != ',') {
-        return nullptr;
-    }
+    if (!TakeIndex(q, &out[0]) || *q != ',') { return nullptr; }
     ++q;
-    if (!TakeIndex(q, &out[1]) || *q != ',') {
-        return nullptr;
-    }
+    if (!TakeIndex(q, &out[1]) || *q != ',') { return nullptr; }
     ++q;
-    if (!TakeIndex(q, &out[2]) || *q != ')') {
-        return nullptr;
-    }
-    for (int i = 0; i < 3; ++i) {
-        --out[i];
-    }
+    if (!TakeIndex(q, &out[2]) || *q != ')') { return nullptr; }
+    for (int i = 0; i < 3; ++i) { --out[i]; }
     return p + (q + 1 - p);
 }
 
@@ -135,9 +115,7 @@ char* FindTriple(FaceWalk* walk, Number* out) {
     char* const first = walk->at;
     walk->Step();
     walk->GoTo(',');
-    if (walk->Failed()) {
-        return nullptr;
-    }
+    if (walk->Failed()) { return nullptr; }
     Convert(start + 1, &out[0]);
     Convert(first + 1, &out[1]);
     Convert(walk->at + 1, &out[2]);
@@ -149,15 +127,11 @@ char* FindTriple(FaceWalk* walk, Number* out) {
 template <class Array>
 bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
     walk->SkipBlanks();
-    if (*walk->at == '$') {
-        return true;
-    }
+    if (*walk->at == '$') { return true; }
     walk->GoTo('(');
     walk->Step();
     walk->SkipBlanks();
-    if (walk->Failed()) {
-        return false;
-    }
+    if (walk->Failed()) { return false; }
     for (;;) {
         if (!out->Reserve(3)) {
             walk->Fail(kNoMemory);
@@ -166,18 +140,12 @@ bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
         char* p = TakeTriple(walk->at, out->Next());
         if (p == nullptr) {
             p = FindTriple(walk, out->Next());
-            if (p == nullptr) {
-                return false;
-            }
+            if (p == nullptr) { return false; }
         }
         out->Advance(3);
-        while (*p != '(' && *p != ')' && *p != '\n' && *p != '\0') {
-            ++p;
-        }
+        while (*p != '(' && *p != ')' && *p != '\n' && *p != '\0') { ++p; }
         walk->at = p;
-        if (*p == ')') {
-            return true;
-        }
+        if (*p == ')') { return true; }
         if (*p != '(') {
             walk->Refill();
             OutputPrint("%s", endOfFile);
@@ -208,9 +176,7 @@ bool ArgumentSuivant(FaceWalk* walk) {
         } while (goesOn(*walk->at));
         return true;
     };
-    if (*walk->at != ',' && !stepTo([](char c) { return c != ','; })) {
-        return false;
-    }
+    if (*walk->at != ',' && !stepTo([](char c) { return c != ','; })) { return false; }
     return stepTo([](char c) { return c == ' '; });
 }
 
@@ -225,9 +191,7 @@ std::int32_t TakeDigits(FaceWalk* walk) {
 // The entity number of a reference; 0 when no digits follow the "#", -1 when a "," or ")" comes before it.
 std::int32_t LitReference(FaceWalk* walk) {
     for (int steps = 0; *walk->at != '#' && steps < 100 && walk->at < walk->end; ++steps) {
-        if (*walk->at == ',' || *walk->at == ')') {
-            return -1;
-        }
+        if (*walk->at == ',' || *walk->at == ')') { return -1; }
         ++walk->at;
     }
     walk->Step();
@@ -240,12 +204,8 @@ std::int32_t LitReference(FaceWalk* walk) {
 // and its comma.
 template <class Array>
 std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
-    if (*walk->at == ')') {
-        return 0;
-    }
-    if (*walk->at == '(') {
-        ++walk->at;
-    }
+    if (*walk->at == ')') { return 0; }
+    if (*walk->at == '(') { ++walk->at; }
     std::int32_t count = 0;
     for (;;) {
         if (!list->Reserve(1)) {
@@ -256,9 +216,7 @@ std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
         std::uint32_t value;
         if (!TakeIndex(delimiter, &value) || (*delimiter != ',' && *delimiter != ')')) {
             delimiter = walk->at;
-            while (*delimiter != ',' && *delimiter != ')' && delimiter < walk->end) {
-                ++delimiter;
-            }
+            while (*delimiter != ',' && *delimiter != ')' && delimiter < walk->end) { ++delimiter; }
             if (delimiter == walk->end) {
                 walk->Fail(kPastEnd);
                 return -1;
@@ -269,17 +227,13 @@ std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
         list->Advance(1);
         ++count;
         walk->at += delimiter + 1 - walk->at;
-        if (*delimiter == ')') {
-            break;
-        }
+        if (*delimiter == ')') { break; }
         if (walk->AtLineEnd()) {
             walk->Refill();
             return -1;
         }
     }
-    if (*walk->at == ',') {
-        ++walk->at;
-    }
+    if (*walk->at == ',') { ++walk->at; }
     if (walk->AtLineEnd()) {
         walk->Refill();
         return -1;
@@ -311,22 +265,16 @@ template <class Append>
 void ReadTriangleLists(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipArray<std::uint32_t>* out,
                        Append append) {
     walk->SkipBlanks();
-    if (*walk->at == '$') {
-        return;
-    }
+    if (*walk->at == '$') { return; }
     walk->GoTo('(');
     walk->Step();
     walk->SkipBlanks();
-    if (*walk->at == ')') {
-        return;
-    }
+    if (*walk->at == ')') { return; }
     for (bool brokeOff = false; !walk->Failed();) {
         values->Clear();
         const std::int32_t read = LitEntiers(walk, values);
         const std::size_t count = values->Count();
-        if (count == 0 || walk->Failed()) {
-            return;
-        }
+        if (count == 0 || walk->Failed()) { return; }
         if (read < 0) {
             // After the first break the walk starts over from the line's first character. A second one would
             // come again and again, and fill the memory with the same triangles.
@@ -336,9 +284,7 @@ void ReadTriangleLists(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipAr
             }
             brokeOff = true;
         }
-        if (count < 3) {
-            continue;
-        }
+        if (count < 3) { continue; }
         if (!out->Reserve(3 * (count - 2))) {
             walk->Fail(kNoMemory);
             return;
@@ -359,18 +305,12 @@ void TraiteFan(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipArray<std:
 // pnmax counts only as far as it stands within the first 100 characters of the line: it serves for sizing
 // alone.
 std::int32_t ReadPnmax(FaceWalk* walk) {
-    if (*walk->at == '$') {
-        return 0;
-    }
+    if (*walk->at == '$') { return 0; }
     char* const limit = std::min(walk->line + 100, walk->end);
-    while (walk->at < limit && !real::IsDigit(*walk->at)) {
-        ++walk->at;
-    }
+    while (walk->at < limit && !real::IsDigit(*walk->at)) { ++walk->at; }
     std::int64_t value = 0;
     for (const char* const start = walk->at; walk->at < limit && real::IsDigit(*walk->at); ++walk->at) {
-        if (walk->at - start == 14) {
-            FailFast();
-        }
+        if (walk->at - start == 14) { FailFast(); }
         value = value * 10 + (*walk->at - '0');
     }
     return static_cast<std::int32_t>(std::min<std::int64_t>(value, INT32_MAX));
@@ -439,9 +379,7 @@ bool FillCoordCache(CoordCache* cache, const StepModel& model, const P42Ent* lis
 // The vertices of a face with pnindex: the points at those places of the list. False when one is not there.
 bool TraiteIndexCoords(StepFaceB* face, const StepModel& model, const P42Ent* list, Arena& arena,
                        CoordCache* cache, const char** problem) {
-    if (cache->coordinatesId != list->id && !FillCoordCache(cache, model, list, problem)) {
-        return false;
-    }
+    if (cache->coordinatesId != list->id && !FillCoordCache(cache, model, list, problem)) { return false; }
     const std::size_t count = static_cast<std::size_t>(face->pnindexCount);
     TipArray<float> vertices(arena);
     if (!vertices.Reserve(3 * count)) {
@@ -489,13 +427,9 @@ void ComputeBox(StepFaceB* face) {
 bool RepeatNormal(StepFaceB* face, const float normal[3], Arena& arena) {
     const std::size_t count = static_cast<std::size_t>(face->vertexCount);
     TipArray<float> normals(arena);
-    if (!normals.Reserve(3 * count)) {
-        return false;
-    }
+    if (!normals.Reserve(3 * count)) { return false; }
     float* out = normals.Next();
-    for (std::size_t i = 0; i < count; ++i, out += 3) {
-        std::copy_n(normal, 3, out);
-    }
+    for (std::size_t i = 0; i < count; ++i, out += 3) { std::copy_n(normal, 3, out); }
     normals.Advance(3 * count);
     face->normals = normals.Close();
     face->normalCount = face->vertexCount;
@@ -520,20 +454,14 @@ int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& a
     const std::int32_t coordinatesId = LitReference(&walk);
     walk.GoTo(',');
     walk.Step();
-    if (walk.Failed()) {
-        return failed();
-    }
+    if (walk.Failed()) { return failed(); }
     face->pnmax = ReadPnmax(&walk);
-    if (!ArgumentSuivant(&walk)) {
-        return failed();
-    }
+    if (!ArgumentSuivant(&walk)) { return failed(); }
 
     float oneNormal[3] = {};
     {
         TipArray<float> normals(arena);
-        if (walk.at[0] == '(' && walk.at[1] != ')') {
-            TraiteCoords(&walk, &normals);
-        }
+        if (walk.at[0] == '(' && walk.at[1] != ')') { TraiteCoords(&walk, &normals); }
         face->normalCount = static_cast<std::int32_t>(normals.Count() / 3);
         if (face->normalCount == 1) {
             std::copy_n(normals.Data(), 3, oneNormal);
@@ -541,16 +469,12 @@ int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& a
         } else {
             face->normals = normals.Close();
         }
-        if (walk.Failed()) {
-            return failed();
-        }
+        if (walk.Failed()) { return failed(); }
     }
 
     if (code != code::kComplexTriangulatedSurfaceSet) {
         ArgumentSuivant(&walk);
-        if (*walk.at == '#') {
-            face->exactFaceId = LitReference(&walk);
-        }
+        if (*walk.at == '#') { face->exactFaceId = LitReference(&walk); }
     }
 
     ArgumentSuivant(&walk);
@@ -563,33 +487,26 @@ int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& a
             LitEntiers(&walk, &pnindex);
             face->pnindexCount = static_cast<std::int32_t>(pnindex.Count());
             face->pnindex = pnindex.Close();
-            if (walk.Failed()) {
-                return failed();
-            }
+            if (walk.Failed()) { return failed(); }
             // Back to before the comma that the list's reader has passed.
-            if (face->pnindexCount != 0) {
-                walk.at -= 2;
-            }
+            if (face->pnindexCount != 0) { walk.at -= 2; }
         }
     }
 
-    ArgumentSuivant(&walk);
+    if (!ArgumentSuivant(&walk)) { return failed(); }
     {
         TipArray<std::uint32_t> triangles(arena);
+        bool read = true;
         if (code == code::kTriangulatedFace) {
             TraiteTriangle(&walk, &triangles);
         } else {
             TraiteStrip(&walk, &scratch->strip, &triangles);
-            if (!walk.Failed()) {
-                ArgumentSuivant(&walk);
-                TraiteFan(&walk, &scratch->strip, &triangles);
-            }
+            read = !walk.Failed() && ArgumentSuivant(&walk);
+            if (read) { TraiteFan(&walk, &scratch->strip, &triangles); }
         }
         face->triangleCount = static_cast<std::int32_t>(triangles.Count() / 3);
         face->triangles = triangles.Close();
-        if (walk.Failed()) {
-            return failed();
-        }
+        if (!read || walk.Failed()) { return failed(); }
     }
 
     const P42Ent* const list = model.Find(coordinatesId);
@@ -601,9 +518,7 @@ int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& a
     const bool read = face->pnindexCount != 0
                           ? TraiteIndexCoords(face, model, list, arena, cache, &problem->reason)
                           : ReadAllPoints(face, model, list, arena, cache, &problem->reason);
-    if (!read) {
-        return -1;
-    }
+    if (!read) { return -1; }
     if (face->vertexCount == 0) {
         problem->reason = "has no vertices";
         return -1;

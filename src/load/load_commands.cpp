@@ -37,9 +37,7 @@ void DropRecords(SceneView& view) {
 
 void SetUpView(SceneView& view) {
     const float* const box = view.box;
-    for (int axis = 0; axis < 3; ++axis) {
-        view.centre[axis] = (box[2 * axis] + box[2 * axis + 1]) * 0.5f;
-    }
+    for (int axis = 0; axis < 3; ++axis) { view.centre[axis] = (box[2 * axis] + box[2 * axis + 1]) * 0.5f; }
     view.modelSize = box[1] - box[0] + box[3] - box[2] + box[5] - box[4];
     if (view.modelSize == 0) {
         view.modelSize = 10;
@@ -62,12 +60,13 @@ void LoadStepFile(SceneView& view, const char* path, int useThreads) {
     ResetScene(view);
     DropRecords(view);
     LoadSession session;
-    session.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
+    session.progressContext = &view;
+    session.progress = [](void* context, std::int32_t filesRead, std::int32_t filesKnown) {
+        static_cast<SceneView*>(context)->ShowProgress(filesRead, filesKnown);
+    };
     const int result = TraiteSTEPFile(session, path, useThreads);
     view.unreadFiles = std::move(session.unreadFiles);
-    if (result != 0) {
-        return;
-    }
+    if (result != 0) { return; }
     view.readSeconds = session.readSeconds;
     view.inflateSeconds = session.inflateSeconds;
     view.partSeconds = session.partSeconds;

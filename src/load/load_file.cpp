@@ -12,17 +12,11 @@ namespace {
 // with 9 characters and more.
 std::string ExtensionOf(std::string_view path) {
     const std::size_t dot = path.rfind('.');
-    if (dot == std::string_view::npos || dot == 0) {
-        return {};
-    }
+    if (dot == std::string_view::npos || dot == 0) { return {}; }
     std::string extension(path.substr(dot + 1));
-    if (extension.size() >= 9) {
-        return {};
-    }
+    if (extension.size() >= 9) { return {}; }
     for (char& c : extension) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
+        if (c >= 'A' && c <= 'Z') { c = static_cast<char>(c - 'A' + 'a'); }
     }
     return extension;
 }
@@ -37,9 +31,7 @@ std::string StatusText(const SceneView& view, bool withWords) {
     std::string text = withWords ? "Nb Triangles: " : "";
     text += std::to_string(view.drawnTriangles);
     text += "  CPU tot: ";
-    if (digits.size() < 5) {
-        text.append(5 - digits.size(), ' ');
-    }
+    if (digits.size() < 5) { text.append(5 - digits.size(), ' '); }
     text += digits;
     text += "s ";
     return text;

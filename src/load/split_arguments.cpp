@@ -8,9 +8,7 @@ std::vector<std::string> SplitArguments(const std::wstring& text) {
     std::vector<std::string> arguments;
     std::size_t position = 0;
     const auto skipBlanks = [&] {
-        while (position < line.size() && line[position] == ' ') {
-            ++position;
-        }
+        while (position < line.size() && line[position] == ' ') { ++position; }
     };
     const auto find = [&](char c, std::size_t from) {
         const std::size_t found = line.find(c, from);
@@ -38,9 +36,7 @@ std::vector<std::string> SplitArguments(const std::wstring& text) {
 std::wstring JoinArguments(const std::vector<std::string>& arguments) {
     std::string line;
     for (const std::string& argument : arguments) {
-        if (!line.empty()) {
-            line += ' ';
-        }
+        if (!line.empty()) { line += ' '; }
         line += '"' + argument + '"';
     }
     return WideFromNarrow(line);

@@ -31,9 +31,7 @@ bool Arena::AddChunk(std::size_t atLeast) {
     nextChunk_ = std::clamp(nextChunk_ * 2, kFirstChunk, kLargestChunk);
     const std::size_t bytes = std::max(nextChunk_, RoundUp(atLeast));
     char* const start = static_cast<char*>(AllocatePages(bytes));
-    if (start == nullptr) {
-        return false;
-    }
+    if (start == nullptr) { return false; }
     chunks_.push_back({start, bytes});
     next_ = start;
     limit_ = start + bytes;
@@ -42,13 +40,9 @@ bool Arena::AddChunk(std::size_t atLeast) {
 }
 
 void* Arena::Allocate(std::size_t bytes) {
-    if (bytes > SIZE_MAX / 4) {
-        return nullptr;
-    }
+    if (bytes > SIZE_MAX / 4) { return nullptr; }
     const std::size_t rounded = RoundUp(std::max<std::size_t>(bytes, 1));
-    if (rounded > static_cast<std::size_t>(limit_ - next_) && !AddChunk(rounded)) {
-        return nullptr;
-    }
+    if (rounded > static_cast<std::size_t>(limit_ - next_) && !AddChunk(rounded)) { return nullptr; }
     char* const memory = next_;
     next_ += rounded;
     ASAN_UNPOISON_MEMORY_REGION(memory, bytes);
@@ -57,18 +51,14 @@ void* Arena::Allocate(std::size_t bytes) {
 
 char* Arena::Copy(const char* text, std::size_t length) {
     char* const copy = static_cast<char*>(Allocate(length + 1));
-    if (copy == nullptr) {
-        return nullptr;
-    }
+    if (copy == nullptr) { return nullptr; }
     std::memcpy(copy, text, length);
     copy[length] = '\0';
     return copy;
 }
 
 char* Arena::OpenTip(std::size_t bytes, char** limit) {
-    if (bytes > static_cast<std::size_t>(limit_ - next_) && !AddChunk(bytes)) {
-        return nullptr;
-    }
+    if (bytes > static_cast<std::size_t>(limit_ - next_) && !AddChunk(bytes)) { return nullptr; }
     ASAN_UNPOISON_MEMORY_REGION(next_, static_cast<std::size_t>(limit_ - next_));
     *limit = limit_;
     return next_;
@@ -77,12 +67,8 @@ char* Arena::OpenTip(std::size_t bytes, char** limit) {
 char* Arena::GrowTip(char* start, std::size_t used, std::size_t bytes, char** limit) {
     char* const formerNext = next_;
     char* const formerLimit = limit_;
-    if (!AddChunk(bytes)) {
-        return nullptr;
-    }
-    if (used > 0) {
-        std::memcpy(next_, start, used);
-    }
+    if (!AddChunk(bytes)) { return nullptr; }
+    if (used > 0) { std::memcpy(next_, start, used); }
     ASAN_POISON_MEMORY_REGION(formerNext, static_cast<std::size_t>(formerLimit - formerNext));
     *limit = limit_;
     ASAN_UNPOISON_MEMORY_REGION(next_, static_cast<std::size_t>(limit_ - next_));
@@ -90,9 +76,7 @@ char* Arena::GrowTip(char* start, std::size_t used, std::size_t bytes, char** li
 }
 
 void Arena::CloseTip(char* start, std::size_t used) {
-    if (start == nullptr) {
-        return;
-    }
+    if (start == nullptr) { return; }
     next_ = start + RoundUp(used);
     ASAN_POISON_MEMORY_REGION(start + used, static_cast<std::size_t>(limit_ - start) - used);
 }
@@ -103,15 +87,11 @@ void Arena::FreeChunk(const Chunk& chunk) {
 }
 
 void Arena::Reset() {
-    if (chunks_.empty()) {
-        return;
-    }
+    if (chunks_.empty()) { return; }
     const auto largest = std::max_element(chunks_.begin(), chunks_.end(),
                                           [](const Chunk& a, const Chunk& b) { return a.bytes < b.bytes; });
     std::iter_swap(chunks_.begin(), largest);
-    for (std::size_t i = 1; i < chunks_.size(); ++i) {
-        FreeChunk(chunks_[i]);
-    }
+    for (std::size_t i = 1; i < chunks_.size(); ++i) { FreeChunk(chunks_[i]); }
     chunks_.resize(1);
     next_ = chunks_[0].start;
     limit_ = next_ + chunks_[0].bytes;
@@ -119,9 +99,7 @@ void Arena::Reset() {
 }
 
 void Arena::Free() {
-    for (const Chunk& chunk : chunks_) {
-        FreeChunk(chunk);
-    }
+    for (const Chunk& chunk : chunks_) { FreeChunk(chunk); }
     chunks_.clear();
     next_ = nullptr;
     limit_ = nullptr;
@@ -130,9 +108,7 @@ void Arena::Free() {
 
 std::size_t Arena::Held() const {
     std::size_t bytes = 0;
-    for (const Chunk& chunk : chunks_) {
-        bytes += chunk.bytes;
-    }
+    for (const Chunk& chunk : chunks_) { bytes += chunk.bytes; }
     return bytes;
 }
 

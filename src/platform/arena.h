@@ -68,17 +68,11 @@ private:
 template <class T>
 T* Arena::New(std::size_t count) {
     static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= 8);
-    if (count > SIZE_MAX / sizeof(T)) {
-        return nullptr;
-    }
+    if (count > SIZE_MAX / sizeof(T)) { return nullptr; }
     void* const memory = Allocate(count * sizeof(T));
-    if (memory == nullptr) {
-        return nullptr;
-    }
+    if (memory == nullptr) { return nullptr; }
     T* const records = static_cast<T*>(memory);
-    for (std::size_t i = 0; i < count; ++i) {
-        ::new (static_cast<void*>(records + i)) T{};
-    }
+    for (std::size_t i = 0; i < count; ++i) { ::new (static_cast<void*>(records + i)) T{}; }
     return records;
 }
 
@@ -120,9 +114,7 @@ private:
         char* limit = nullptr;
         char* const moved = arena_.GrowTip(reinterpret_cast<char*>(start_), used * sizeof(T),
                                            (2 * used + count) * sizeof(T), &limit);
-        if (moved == nullptr) {
-            return false;
-        }
+        if (moved == nullptr) { return false; }
         start_ = reinterpret_cast<T*>(moved);
         next_ = start_ + used;
         limit_ = start_ + (limit - moved) / static_cast<std::ptrdiff_t>(sizeof(T));

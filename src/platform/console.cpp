@@ -48,9 +48,7 @@ void ConsolePrint(const char* format, ...) {
     Channels& channels = TheChannels();
     const std::lock_guard guard(channels.lock);
     std::fwrite(text.data(), 1, text.size(), stderr);
-    if (channels.sink != nullptr) {
-        channels.sink(channels.sinkContext, text.data(), text.size());
-    }
+    if (channels.sink != nullptr) { channels.sink(channels.sinkContext, text.data(), text.size()); }
 }
 
 void OutputPrint(const char* format, ...) {
@@ -60,9 +58,7 @@ void OutputPrint(const char* format, ...) {
     va_end(arguments);
     Channels& channels = TheChannels();
     const std::lock_guard guard(channels.lock);
-    if (channels.outputEnabled) {
-        std::fwrite(text.data(), 1, text.size(), stdout);
-    }
+    if (channels.outputEnabled) { std::fwrite(text.data(), 1, text.size(), stdout); }
 }
 
 void SetConsoleSink(ConsoleSink sink, void* context) {

@@ -21,38 +21,26 @@ void* Map(std::size_t bytes) {
 } // namespace
 
 void* AllocatePages(std::size_t bytes) {
-    if (bytes < kHugeBlock) {
-        return Map(bytes);
-    }
+    if (bytes < kHugeBlock) { return Map(bytes); }
     // Mapped with room to spare and cut to a multiple of the huge page, or the system could not use one at
     // the start.
     const std::size_t room = bytes + kHugePage;
-    if (room < bytes) {
-        return nullptr;
-    }
+    if (room < bytes) { return nullptr; }
     char* const base = static_cast<char*>(Map(room));
-    if (base == nullptr) {
-        return nullptr;
-    }
+    if (base == nullptr) { return nullptr; }
     const std::size_t lead = (kHugePage - reinterpret_cast<std::uintptr_t>(base) % kHugePage) % kHugePage;
     char* const pages = base + lead;
-    if (lead > 0) {
-        munmap(base, lead);
-    }
+    if (lead > 0) { munmap(base, lead); }
     const std::size_t tail = room - lead - bytes;
     const std::size_t page = 4096;
     const std::size_t kept = (bytes + page - 1) / page * page;
-    if (tail > kept - bytes) {
-        munmap(pages + kept, tail - (kept - bytes));
-    }
+    if (tail > kept - bytes) { munmap(pages + kept, tail - (kept - bytes)); }
     madvise(pages, bytes, MADV_HUGEPAGE);
     return pages;
 }
 
 void FreePages(void* pages, std::size_t bytes) {
-    if (pages != nullptr) {
-        munmap(pages, bytes);
-    }
+    if (pages != nullptr) { munmap(pages, bytes); }
 }
 
 } // namespace tarnwick

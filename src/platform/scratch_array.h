@@ -30,14 +30,10 @@ public:
 
 private:
     [[gnu::noinline]] bool Grow(std::size_t count) {
-        if (count > SIZE_MAX / sizeof(T) / 4 - count_) {
-            return false;
-        }
+        if (count > SIZE_MAX / sizeof(T) / 4 - count_) { return false; }
         const std::size_t capacity = 2 * (count_ + count) + 100;
         void* const data = std::realloc(data_, capacity * sizeof(T));
-        if (data == nullptr) {
-            return false;
-        }
+        if (data == nullptr) { return false; }
         data_ = static_cast<T*>(data);
         capacity_ = capacity;
         return true;

@@ -27,9 +27,7 @@ void TextBlock::Release() {
 
 char* TextBlock::Get(std::size_t bytes) {
     const std::size_t wanted = bytes + kPadding;
-    if (wanted <= capacity_) {
-        return block_;
-    }
+    if (wanted <= capacity_) { return block_; }
     Release();
     // A quarter more than asked, so that files of slowly growing size do not each ask for fresh pages.
     const std::size_t capacity = wanted + wanted / 4;

@@ -16,14 +16,10 @@ std::size_t Decode(const unsigned char* p, std::size_t left, std::uint32_t* code
     }
     const std::size_t length = p[0] >= 0xF0 ? 4 : p[0] >= 0xE0 ? 3 : 2;
     constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (p[0] < 0xC2 || p[0] > 0xF4 || length > left) {
-        return 0;
-    }
+    if (p[0] < 0xC2 || p[0] > 0xF4 || length > left) { return 0; }
     *code = p[0] & (0x7Fu >> length);
     for (std::size_t i = 1; i < length; ++i) {
-        if ((p[i] & 0xC0) != 0x80) {
-            return 0;
-        }
+        if ((p[i] & 0xC0) != 0x80) { return 0; }
         *code = *code << 6 | (p[i] & 0x3F);
     }
     const bool surrogate = *code >= 0xD800 && *code < 0xE000;
@@ -39,9 +35,7 @@ std::wstring WideFromNarrow(std::string_view text) {
         std::uint32_t code = 0;
         const auto* const p = reinterpret_cast<const unsigned char*>(text.data()) + i;
         const std::size_t length = Decode(p, text.size() - i, &code);
-        if (length == 0) {
-            code = kEscape + p[0];
-        }
+        if (length == 0) { code = kEscape + p[0]; }
         wide.push_back(static_cast<wchar_t>(code));
         i += length == 0 ? 1 : length;
     }

@@ -1,34 +1,260 @@
 #include "product/draw_list.h"
 
+#include "platform/console.h"
+
 #include <algorithm>
+#include <limits>
+#include <vector>
 
 namespace tarnwick {
+
+namespace {
+
+constexpr std::int32_t kFirstCapacity = 100;
+// Beyond this a list is no assembly any more but a few lines that multiply each other without end.
+constexpr std::int64_t kMostItems = std::int64_t{1} << 27;
+
+template <class Item>
+bool Regrow(Arena& arena, Item*** items, DrawList* list, std::int32_t capacity) {
+    Item** const larger = arena.New<Item*>(static_cast<std::size_t>(capacity));
+    if (larger == nullptr) { return false; }
+    std::copy_n(*items, list->count, larger);
+    *items = larger;
+    list->capacity = capacity;
+    return true;
+}
+
+std::int32_t Twice(std::int32_t capacity) {
+    return 2 * capacity < 10 ? 12 : 2 * capacity;
+}
+
+template <class Item>
+bool Append(Arena& arena, Item*** items, DrawList* list, Item* item) {
+    if (list->count >= list->capacity && !Regrow(arena, items, list, Twice(list->capacity))) { return false; }
+    (*items)[list->count++] = item;
+    return true;
+}
+
+// The matrix of an occurrence. The two minus signs stand against the sign of the y component of W in the
+// placement of a P21 occurrence, so that with a world-aligned source frame the columns are the target frame's
+// X, Z by X, and Z.
+void PlacementMatrix(const double* rotation, const double* translation, float m[16]) {
+    std::fill_n(m, 16, 0.0f);
+    m[0] = m[5] = m[10] = m[15] = 1.0f;
+    if (translation != nullptr) {
+        for (int i = 0; i < 3; ++i) { m[12 + i] = static_cast<float>(translation[i]); }
+    }
+    if (rotation == nullptr) { return; }
+    const double* const r = rotation;
+    const double columns[3][3] = {{r[0], r[1], r[2]}, {-r[3], r[4], -r[5]}, {r[6], r[7], r[8]}};
+    for (int c = 0; c < 3; ++c) {
+        for (int i = 0; i < 3; ++i) { m[4 * c + i] = static_cast<float>(columns[c][i]); }
+    }
+}
+
+} // namespace
 
 DrawList* MakeDrawList(Arena& arena, std::int32_t capacity) {
     DrawList* const list = arena.New<DrawList>();
     DrawItem** const items = arena.New<DrawItem*>(static_cast<std::size_t>(capacity));
-    if (list == nullptr || items == nullptr) {
-        return nullptr;
-    }
+    if (list == nullptr || items == nullptr) { return nullptr; }
     list->items = items;
     list->capacity = capacity;
     return list;
 }
 
 bool AppendItem(Arena& arena, DrawList* list, DrawItem* item) {
-    if (list->count >= list->capacity) {
-        const std::int32_t twice = 2 * list->capacity;
-        const std::int32_t capacity = twice < 10 ? 12 : twice;
-        DrawItem** const larger = arena.New<DrawItem*>(static_cast<std::size_t>(capacity));
-        if (larger == nullptr) {
-            return false;
-        }
-        std::copy_n(list->items, list->count, larger);
-        list->items = larger;
-        list->capacity = capacity;
+    return Append(arena, &list->items, list, item);
+}
+
+bool AppendPlacedItems(Arena& arena, DrawList* list, std::int32_t count, DrawItem* const* items,
+                       const double* rotation, const double* translation) {
+    const std::int64_t wanted = static_cast<std::int64_t>(list->count) + count;
+    if (wanted > kMostItems) { return false; }
+    if (wanted >= list->capacity) {
+        const std::int32_t twice = Twice(list->capacity);
+        const std::int32_t capacity = wanted >= twice ? list->capacity + count + 1 : twice;
+        if (!Regrow(arena, &list->items, list, capacity)) { return false; }
     }
-    list->items[list->count++] = item;
+    float placement[16];
+    PlacementMatrix(rotation, translation, placement);
+    struct PlacedItem {
+        DrawItem item;
+        float matrix[16];
+    };
+    for (std::int32_t i = 0; i < count; ++i) {
+        PlacedItem* const placed = static_cast<PlacedItem*>(arena.Allocate(sizeof(PlacedItem)));
+        if (placed == nullptr) { return false; }
+        placed->item = *items[i];
+        placed->item.matrix = placed->matrix;
+        if (items[i]->matrix != nullptr) {
+            MultiplyMatrix(placement, items[i]->matrix, placed->matrix);
+        } else {
+            std::copy_n(placement, 16, placed->matrix);
+        }
+        list->items[list->count++] = &placed->item;
+    }
     return true;
+}
+
+void MultiplyMatrix(const float a[16], const float b[16], float out[16]) {
+    for (int c = 0; c < 4; ++c) {
+        const float* const column = b + 4 * c;
+        for (int r = 0; r < 4; ++r) {
+            out[4 * c + r] =
+                a[r] * column[0] + a[4 + r] * column[1] + a[8 + r] * column[2] + a[12 + r] * column[3];
+        }
+    }
+}
+
+void ComputeProductBox(ProductNode* product) {
+    bool found = false;
+    float low[3] = {};
+    float high[3] = {};
+    for (std::int32_t i = 0; i < product->occurrenceCount; ++i) {
+        const Occurrence& occurrence = *product->occurrences[i];
+        if (occurrence.child->hasBox == 0) { continue; }
+        const float* const box = occurrence.child->box;
+        const double* const r = occurrence.rotation;
+        for (int corner = 0; corner < 8; ++corner) {
+            const double x = static_cast<double>(box[corner & 1]);
+            const double y = static_cast<double>(box[2 + (corner >> 1 & 1)]);
+            const double z = static_cast<double>(box[4 + (corner >> 2)]);
+            for (int axis = 0; axis < 3; ++axis) {
+                const float turned = static_cast<float>(x * r[axis] + y * r[3 + axis] + z * r[6 + axis]);
+                const float value =
+                    static_cast<float>(static_cast<double>(turned) + occurrence.translation[axis]);
+                if (!found || value < low[axis]) { low[axis] = value; }
+                if (!found || value > high[axis]) { high[axis] = value; }
+            }
+            found = true;
+        }
+    }
+    if (!found) { return; }
+    for (int axis = 0; axis < 3; ++axis) {
+        product->box[2 * axis] = low[axis];
+        product->box[2 * axis + 1] = high[axis];
+    }
+    product->hasBox = 1;
+}
+
+int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, PrepareOccurrence prepare) {
+    if (product == nullptr) { return 1; }
+    // A product without a list is given this one while its own is being made, so that a way back to it is
+    // noticed.
+    DrawList inWork{};
+    struct Frame {
+        ProductNode* product;
+        DrawList* list;
+        std::int32_t next; // occurrence
+    };
+    // A stack of our own: a tree may be deeper than that of the thread.
+    std::vector<Frame> stack;
+    const auto enter = [&](ProductNode* entered) {
+        DrawList* list = entered->drawList;
+        if (list == nullptr) {
+            list = MakeDrawList(arena, kFirstCapacity);
+            entered->drawList = &inWork;
+        }
+        stack.push_back({entered, list, 0});
+        return list != nullptr;
+    };
+    bool cycleSaid = false;
+    bool enough = enter(product);
+    while (!stack.empty()) {
+        Frame& frame = stack.back();
+        if (!enough || frame.next == frame.product->occurrenceCount) {
+            frame.product->drawList = frame.list;
+            ComputeProductBox(frame.product);
+            stack.pop_back();
+            continue;
+        }
+        Occurrence* const occurrence = frame.product->occurrences[frame.next];
+        ProductNode* const child = occurrence->child;
+        if (child->drawList == nullptr) {
+            enough = enter(child);
+            continue;
+        }
+        ++frame.next;
+        if (child->drawList == &inWork) {
+            if (!cycleSaid) {
+                ConsolePrint("<E> %s: product '%s' is part of itself; that use of it is left out\n", fileName,
+                             child->name);
+            }
+            cycleSaid = true;
+            continue;
+        }
+        if (prepare != nullptr) { prepare(occurrence); }
+        enough = AppendPlacedItems(arena, frame.list, child->drawList->count, child->drawList->items,
+                                   occurrence->rotation, occurrence->translation);
+    }
+    if (!enough) { ConsolePrint("<E> %s: no memory to place all of its parts\n", fileName); }
+    return enough ? 0 : 1;
+}
+
+std::int32_t CountTriangles(const DrawList& list) {
+    std::int64_t triangles = 0;
+    for (std::int32_t i = 0; i < list.count; ++i) {
+        const DrawItem& item = *list.items[i];
+        for (std::int32_t m = 0; m < item.meshCount; ++m) { triangles += item.meshes[m]->triangleCount; }
+    }
+    constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(triangles, kMost));
+}
+
+namespace {
+
+constexpr int kBoxVertices = 24;
+constexpr int kBoxTriangles = 12;
+
+// The corners of the six faces, four each: for x, y, z whether it is the maximum.
+constexpr std::uint8_t kBoxCorners[kBoxVertices][3] = {
+    {1, 1, 0}, {1, 1, 1}, {1, 0, 1}, {1, 0, 0}, {0, 1, 0}, {0, 1, 1}, {1, 1, 1}, {1, 1, 0},
+    {0, 1, 1}, {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 0, 0}, {0, 0, 1}, {0, 1, 1}, {0, 1, 0},
+    {1, 0, 0}, {1, 0, 1}, {0, 0, 1}, {0, 0, 0}, {0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0},
+};
+constexpr float kBoxNormals[6][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {-1, 0, 0}, {0, -1, 0}, {0, 0, -1}};
+
+struct BoxMemory {
+    BoxItem item;
+    float vertices[3 * kBoxVertices];
+    float normals[3 * kBoxVertices];
+    std::uint32_t indices[3 * kBoxTriangles];
+    float matrix[16];
+};
+
+} // namespace
+
+bool AddBoxItem(Arena& arena, DrawList* list, const double box[6], ProductNode* product,
+                const float* matrix) {
+    auto* const memory = static_cast<BoxMemory*>(arena.Allocate(sizeof(BoxMemory)));
+    if (memory == nullptr) { return false; }
+    float limits[6];
+    for (int i = 0; i < 6; ++i) { limits[i] = static_cast<float>(box[i]); }
+    for (int v = 0; v < kBoxVertices; ++v) {
+        for (int axis = 0; axis < 3; ++axis) {
+            memory->vertices[3 * v + axis] = limits[2 * axis + kBoxCorners[v][axis]];
+            memory->normals[3 * v + axis] = kBoxNormals[v / 4][axis];
+        }
+    }
+    for (std::uint32_t face = 0; face < 6; ++face) {
+        const std::uint32_t first = 4 * face;
+        const std::uint32_t corners[6] = {first, first + 1, first + 2, first + 2, first + 3, first};
+        std::copy_n(corners, 6, memory->indices + 6 * face);
+    }
+    if (matrix != nullptr) { std::copy_n(matrix, 16, memory->matrix); }
+    memory->item = {memory->vertices, memory->normals, memory->indices,
+                    kBoxVertices,     kBoxTriangles,   matrix != nullptr ? memory->matrix : nullptr,
+                    product};
+    return Append(arena, &list->boxes, list, &memory->item);
+}
+
+void FreeBoxList(Arena& arena, DrawList* list) {
+    if (list->boxes == nullptr) { return; }
+    arena.Reset();
+    list->boxes = nullptr;
+    list->count = 0;
+    list->capacity = 0;
 }
 
 } // namespace tarnwick

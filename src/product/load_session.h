@@ -5,16 +5,18 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace tarnwick {
 
 // A file that a load wanted and could not read, for the people who wonder what is absent.
 struct UnreadFile {
+    std::int32_t place;      // in the order in which the load wanted them
     std::string path;        // as it was tried first
     std::string productName; // the product that asked for it; empty for the file that was to be shown
     const char* reason;      // a phrase, in static memory
@@ -28,9 +30,7 @@ struct ProductArray {
 
     void Allocate(std::int32_t newCapacity) {
         std::unique_ptr<ProductNode*[]> larger(new ProductNode*[static_cast<std::size_t>(newCapacity)]());
-        for (std::int32_t i = 0; i < count; ++i) {
-            larger[static_cast<std::size_t>(i)] = (*this)[i];
-        }
+        for (std::int32_t i = 0; i < count; ++i) { larger[static_cast<std::size_t>(i)] = (*this)[i]; }
         items = std::move(larger);
         capacity = newCapacity;
     }
@@ -65,13 +65,16 @@ struct LoadSession {
     ProductArray queue;           // products whose file is to be read
     std::int32_t queueCursor = 0; // the next entry to be claimed
     std::uint32_t useThreads = 0;
-    std::mutex queueLock;                          // guards the queue, its growth and its cursor
-    std::mutex structureLock;                      // one structure reader at a time
+    std::mutex queueLock;     // guards the queue, its growth and its cursor
+    std::mutex structureLock; // one structure reader at a time
+    // The first queued product of each name; guarded by structureLock.
+    std::unordered_map<std::string_view, ProductNode*> queuedNames;
     std::atomic<std::int32_t> done[kWorkers] = {}; // set to 1 by worker k as it leaves its loop
 
-    // Told, on the thread that runs the load and on no other, how many of the files known so far have been
-    // read. May be empty.
-    std::function<void(std::int32_t filesRead, std::int32_t filesKnown)> progress;
+    // Called now and then on the thread that runs the load, with the files read so far and those known of;
+    // may be null.
+    void (*progress)(void* context, std::int32_t filesRead, std::int32_t filesKnown) = nullptr;
+    void* progressContext = nullptr;
 
     std::mutex unreadLock;
     std::vector<UnreadFile> unreadFiles; // guarded by unreadLock

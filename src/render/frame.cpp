@@ -50,19 +50,13 @@ void OpenGLControl::Redraw() {
 }
 
 void OpenGLControl::ShowProgress(std::int32_t filesRead, std::int32_t filesKnown) {
-    if (dialog != nullptr) {
-        dialog->ShowLoadProgress(filesRead, filesKnown);
-    }
+    if (dialog != nullptr) { dialog->ShowLoadProgress(filesRead, filesKnown); }
 }
 
 void OpenGLControl::DrawFrame(Pass pass) {
-    if (!hasContext_) {
-        return;
-    }
+    if (!hasContext_) { return; }
     DrawScene(pass);
-    if (pass == kDisplay) {
-        window_.SwapBuffers();
-    }
+    if (pass == kDisplay) { window_.SwapBuffers(); }
     glPopMatrix(); // the one that DrawScene pushed
 }
 
@@ -118,13 +112,9 @@ void OpenGLControl::DrawFaces(Pass pass) {
     for (std::int32_t i = 0; i < drawList->count; ++i) {
         const DrawItem& item = *drawList->items[i];
         glPushMatrix();
-        if (item.matrix != nullptr) {
-            glMultMatrixf(item.matrix);
-        }
+        if (item.matrix != nullptr) { glMultMatrixf(item.matrix); }
         for (std::int32_t j = 0; j < item.meshCount; ++j) {
-            if (item.meshes[j] == nullptr) {
-                continue;
-            }
+            if (item.meshes[j] == nullptr) { continue; }
             const StepFaceB& mesh = *item.meshes[j];
             const std::int32_t index = byFace ? j : i;
             if (pass == kPick) {
@@ -160,9 +150,7 @@ void OpenGLControl::DrawMesh(const StepFaceB& mesh) const {
         glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(safe->indices.size()), GL_UNSIGNED_INT,
                        safe->indices.data());
     }
-    if (!safe->hasNormals) {
-        glEnableClientState(GL_NORMAL_ARRAY);
-    }
+    if (!safe->hasNormals) { glEnableClientState(GL_NORMAL_ARRAY); }
 }
 
 void OpenGLControl::DrawResultMesh() const {
@@ -181,9 +169,7 @@ void OpenGLControl::DrawBoxes(Pass pass) const {
     for (std::int32_t i = 0; i < boxList->count; ++i) {
         const BoxItem& item = *boxList->boxes[i];
         glPushMatrix();
-        if (item.matrix != nullptr) {
-            glMultMatrixf(item.matrix);
-        }
+        if (item.matrix != nullptr) { glMultMatrixf(item.matrix); }
         if (pass == kPick) {
             SetPickColour(static_cast<std::uint32_t>(i));
         } else if (i == selectedIndex) {
@@ -213,17 +199,11 @@ void OpenGLControl::DrawCube(Pass pass) const {
         {{-1, 0, 0}, {{-1, -1, -1}, {-1, -1, 1}, {-1, 1, 1}, {-1, 1, -1}}, {1, 0, 1}},
     };
     glBegin(GL_QUADS);
-    if (pass == kDisplay) {
-        glColor3f(cubeShade, cubeShade, 1.0f);
-    }
+    if (pass == kDisplay) { glColor3f(cubeShade, cubeShade, 1.0f); }
     for (const Side& side : kSides) {
-        if (pass == kPick) {
-            glColor3f(side.pickColour[0], side.pickColour[1], side.pickColour[2]);
-        }
+        if (pass == kPick) { glColor3f(side.pickColour[0], side.pickColour[1], side.pickColour[2]); }
         glNormal3f(side.normal[0], side.normal[1], side.normal[2]);
-        for (const GLfloat* corner : side.corners) {
-            glVertex3f(corner[0], corner[1], corner[2]);
-        }
+        for (const GLfloat* corner : side.corners) { glVertex3f(corner[0], corner[1], corner[2]); }
     }
     glEnd();
     glFinish();

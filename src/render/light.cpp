@@ -10,9 +10,7 @@ namespace tarnwick {
 void OpenGLControl::OnCreate() {
     dragMode = kNoDrag;
     hasContext_ = window_.CreateContext();
-    if (!hasContext_) {
-        return;
-    }
+    if (!hasContext_) { return; }
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
 
@@ -77,9 +75,7 @@ void OpenGLControl::InitLights() {
 void OpenGLControl::OnSize(int type, int width, int height) {
     viewWidth = width;
     viewHeight = height;
-    if (!hasContext_ || width < 1 || height < 1 || type == kMinimised) {
-        return;
-    }
+    if (!hasContext_ || width < 1 || height < 1 || type == kMinimised) { return; }
     glViewport(0, 0, width, height);
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();

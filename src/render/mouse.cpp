@@ -24,9 +24,7 @@ OpenGLControl::TrackballPoint OpenGLControl::TrackballVector(WindowPoint point) 
     const double x = (2.0 * point.x - width) / width;
     const double y = (height - 2.0 * point.y) / height;
     float d = static_cast<float>(std::sqrt(x * x + y * y));
-    if (!(d < 1.0f)) {
-        d = 1.0f;
-    }
+    if (!(d < 1.0f)) { d = 1.0f; }
     // A little more than 1, to keep z above 0 on the rim.
     const float z = static_cast<float>(std::sqrt(1.001 - d * d));
     const double length = std::sqrt(x * x + y * y + static_cast<double>(z) * z);
@@ -41,15 +39,11 @@ void OpenGLControl::StartVector(WindowPoint point) {
 }
 
 void OpenGLControl::OnLButtonDown(WindowPoint point) {
-    if (window_.IsControlKeyDown()) {
-        ConsolePrint("Control clic\n");
-    }
+    if (window_.IsControlKeyDown()) { ConsolePrint("Control clic\n"); }
     dragMode = kRotate;
     StartVector(point);
     pressPoint = point;
-    if (hasContext_) {
-        glMatrixMode(GL_MODELVIEW);
-    }
+    if (hasContext_) { glMatrixMode(GL_MODELVIEW); }
 }
 
 void OpenGLControl::OnMButtonDown(WindowPoint point) {
@@ -61,16 +55,12 @@ void OpenGLControl::OnRButtonDown(WindowPoint point) {
     dragMode = kZoom;
     lastVector[0] = point.x;
     lastVector[1] = point.y;
-    if (hasContext_) {
-        glMatrixMode(GL_PROJECTION);
-    }
+    if (hasContext_) { glMatrixMode(GL_PROJECTION); }
 }
 
 void OpenGLControl::OnLButtonUp(WindowPoint point) {
     EndDrag();
-    if (point.x == pressPoint.x && point.y == pressPoint.y) {
-        PickAt(point);
-    }
+    if (point.x == pressPoint.x && point.y == pressPoint.y) { PickAt(point); }
 }
 
 void OpenGLControl::OnMButtonUp(WindowPoint) {
@@ -82,9 +72,7 @@ void OpenGLControl::OnRButtonUp(WindowPoint) {
 }
 
 void OpenGLControl::OnMouseMove(WindowPoint point) {
-    if (!hasContext_) {
-        return;
-    }
+    if (!hasContext_) { return; }
     double* const last = lastVector;
     switch (dragMode) {
     case kRotate: {

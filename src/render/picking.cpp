@@ -21,9 +21,7 @@ const char* OrNull(const char* text) {
 } // namespace
 
 void OpenGLControl::PickAt(WindowPoint point) {
-    if (!hasContext_ || (drawList == nullptr && boxList == nullptr)) {
-        return;
-    }
+    if (!hasContext_ || (drawList == nullptr && boxList == nullptr)) { return; }
     const std::int32_t before = selectedIndex;
     glDisable(GL_LIGHT1);
     glDisable(GL_LIGHT2);
@@ -61,17 +59,13 @@ void OpenGLControl::PickAt(WindowPoint point) {
     glEnable(GL_LIGHT1);
     glEnable(GL_LIGHT2);
     glDisable(GL_LIGHT3);
-    if (selectedIndex != before) {
-        DrawFrame(kDisplay);
-    }
+    if (selectedIndex != before) { DrawFrame(kDisplay); }
 }
 
 void OpenGLControl::TellPickedFace() {
     const DrawItem& part = *drawList->items[0];
     const StepFaceB* const face = selectedIndex < part.meshCount ? part.meshes[selectedIndex] : nullptr;
-    if (face == nullptr) {
-        return;
-    }
+    if (face == nullptr) { return; }
     selectedFaceId = face->faceId;
     selectedExactFaceId = face->exactFaceId;
     selectedContainerId = face->containerId;
@@ -94,17 +88,11 @@ void OpenGLControl::TellPickedFace() {
 }
 
 void OpenGLControl::TellMaterial() const {
-    if (containers == nullptr) {
-        return;
-    }
+    if (containers == nullptr) { return; }
     for (std::int32_t i = 0; i < containerCount; ++i) {
         const FaceContainer& container = *containers[i];
-        if (container.containerId != selectedContainerId) {
-            continue;
-        }
-        if (container.materialName != nullptr) {
-            ConsolePrint("Material: %s\n", container.materialName);
-        }
+        if (container.containerId != selectedContainerId) { continue; }
+        if (container.materialName != nullptr) { ConsolePrint("Material: %s\n", container.materialName); }
         if (dialog != nullptr) {
             dialog->SetPickText(container.materialName != nullptr
                                     ? "Material: " + std::string(container.materialName) + "  "
@@ -114,9 +102,7 @@ void OpenGLControl::TellMaterial() const {
 }
 
 void OpenGLControl::TellPickedProduct(const ProductNode* product) {
-    if (product == nullptr) {
-        return;
-    }
+    if (product == nullptr) { return; }
     selectedText = product->name != nullptr ? product->name : "";
     ConsolePrint("Product selected: %s   File: %s\n", OrNull(product->name), OrNull(product->fileName));
 }

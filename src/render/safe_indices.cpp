@@ -11,9 +11,7 @@ namespace {
 // True when all `count` indices are below `limit`. Without a way out, so that it runs eight at a time.
 bool AllBelow(const std::uint32_t* indices, std::size_t count, std::uint32_t limit) {
     std::uint32_t highest = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        highest = std::max(highest, indices[i]);
-    }
+    for (std::size_t i = 0; i < count; ++i) { highest = std::max(highest, indices[i]); }
     return count == 0 || highest < limit;
 }
 
@@ -41,12 +39,8 @@ void SafeIndices::CheckMesh(const StepFaceB& mesh) {
     Mesh safe;
     safe.hasNormals = mesh.normalCount >= mesh.vertexCount;
     safe.hasIndices = AllBelow(mesh.triangles, count, limit);
-    if (safe.hasNormals && safe.hasIndices) {
-        return;
-    }
-    if (!safe.hasIndices) {
-        safe.indices = SoundPolygons(mesh.triangles, count, 3, limit);
-    }
+    if (safe.hasNormals && safe.hasIndices) { return; }
+    if (!safe.hasIndices) { safe.indices = SoundPolygons(mesh.triangles, count, 3, limit); }
     replaced_.emplace(&mesh, std::move(safe));
 }
 
@@ -56,13 +50,9 @@ void SafeIndices::Check(const DrawList* drawList, const ResultMesh* resultMesh) 
         std::unordered_set<StepFaceB* const*> seen; // placed copies of a part share its array of meshes
         for (std::int32_t i = 0; i < drawList->count; ++i) {
             const DrawItem& item = *drawList->items[i];
-            if (!seen.insert(item.meshes).second) {
-                continue;
-            }
+            if (!seen.insert(item.meshes).second) { continue; }
             for (std::int32_t j = 0; j < item.meshCount; ++j) {
-                if (item.meshes[j] != nullptr) {
-                    CheckMesh(*item.meshes[j]);
-                }
+                if (item.meshes[j] != nullptr) { CheckMesh(*item.meshes[j]); }
             }
         }
     }

@@ -25,9 +25,7 @@ public:
 
     // What stands in for the mesh, or null when it can be drawn as it is.
     const Mesh* Find(const void* mesh) const {
-        if (replaced_.empty()) {
-            return nullptr;
-        }
+        if (replaced_.empty()) { return nullptr; }
         const auto found = replaced_.find(mesh);
         return found == replaced_.end() ? nullptr : &found->second;
     }

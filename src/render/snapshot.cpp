@@ -56,17 +56,13 @@ bool AllZero(const unsigned char* bytes, std::size_t count) {
 
 std::string SnapshotPath(const std::string& folder, const std::string& loadedPath) {
     std::string name = loadedPath.substr(loadedPath.rfind('/') + 1); // all of it without a separator
-    if (name.empty()) {
-        name = "toto.bmp";
-    }
+    if (name.empty()) { name = "toto.bmp"; }
     const std::size_t dot = name.rfind('.');
     return folder + '/' + name.substr(0, dot) + ".bmp";
 }
 
 int OpenGLControl::grab_GL(const char* path) {
-    if (!hasContext_) {
-        return 0;
-    }
+    if (!hasContext_) { return 0; }
     GLint viewport[4] = {};
     glGetIntegerv(GL_VIEWPORT, viewport);
     const int width = viewport[2];

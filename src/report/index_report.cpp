@@ -45,9 +45,7 @@ std::string IndexReport(const StepModel& model, int result, bool entities) {
     report["productCount"] = counted(model.productCount);
     report["structureList"] = read ? StructureIds(model) : Json::array();
     report["bucketCount"] = read ? model.entityMap->BucketCount() : 0;
-    if (entities) {
-        report["entities"] = read ? Entities(model) : Json::array();
-    }
+    if (entities) { report["entities"] = read ? Entities(model) : Json::array(); }
     return report.dump() + "\n";
 }
 

@@ -13,18 +13,14 @@ static_assert(std::endian::native == std::endian::little, "checksums are those o
 namespace {
 
 const char* NotFinite(double value) {
-    if (std::isnan(value)) {
-        return "nan";
-    }
+    if (std::isnan(value)) { return "nan"; }
     return value > 0 ? "inf" : "-inf";
 }
 
 } // namespace
 
 nlohmann::ordered_json JsonFloat(float value) {
-    if (!std::isfinite(value)) {
-        return NotFinite(static_cast<double>(value));
-    }
+    if (!std::isfinite(value)) { return NotFinite(static_cast<double>(value)); }
     // The f64 next to the 9 digits is written with just these digits.
     char text[64];
     const auto end =
@@ -35,9 +31,7 @@ nlohmann::ordered_json JsonFloat(float value) {
 }
 
 nlohmann::ordered_json JsonDouble(double value) {
-    if (!std::isfinite(value)) {
-        return NotFinite(value);
-    }
+    if (!std::isfinite(value)) { return NotFinite(value); }
     return value;
 }
 
@@ -58,13 +52,9 @@ std::string JsonText(std::string_view bytes) {
 
 std::string Crc(const void* data, std::size_t bytes) {
     uLong crc = crc32(0, nullptr, 0);
-    if (bytes > 0) {
-        crc = crc32_z(crc, static_cast<const unsigned char*>(data), bytes);
-    }
+    if (bytes > 0) { crc = crc32_z(crc, static_cast<const unsigned char*>(data), bytes); }
     char digits[9];
-    for (int i = 0; i < 8; ++i) {
-        digits[i] = "0123456789abcdef"[crc >> (28 - 4 * i) & 15];
-    }
+    for (int i = 0; i < 8; ++i) { digits[i] = "0123456789abcdef"[crc >> (28 - 4 * i) & 15]; }
     return std::string(digits, 8);
 }
 

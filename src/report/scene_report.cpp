@@ -12,26 +12,20 @@ namespace {
 
 Json Floats(const float* values, std::size_t count) {
     Json array = Json::array();
-    for (std::size_t i = 0; i < count; ++i) {
-        array.push_back(JsonFloat(values[i]));
-    }
+    for (std::size_t i = 0; i < count; ++i) { array.push_back(JsonFloat(values[i])); }
     return array;
 }
 
 Json Doubles(const double* values, std::size_t count) {
     Json array = Json::array();
-    for (std::size_t i = 0; i < count; ++i) {
-        array.push_back(JsonDouble(values[i]));
-    }
+    for (std::size_t i = 0; i < count; ++i) { array.push_back(JsonDouble(values[i])); }
     return array;
 }
 
 template <class T>
 Json Integers(const T* values, std::size_t count) {
     Json array = Json::array();
-    for (std::size_t i = 0; i < count; ++i) {
-        array.push_back(values[i]);
-    }
+    for (std::size_t i = 0; i < count; ++i) { array.push_back(values[i]); }
     return array;
 }
 
@@ -50,9 +44,7 @@ public:
     // The number of a record; *isNew tells whether it got it just now.
     std::size_t NumberOf(const Record* record, bool* isNew) {
         const auto [place, added] = numbers_.emplace(record, records_.size());
-        if (added) {
-            records_.push_back(record);
-        }
+        if (added) { records_.push_back(record); }
         *isNew = added;
         return place->second;
     }
@@ -94,9 +86,7 @@ void NumberTree(const ProductNode* root, Products* products) {
         const ProductNode* const child = visit.product->occurrences[visit.next++]->child;
         bool isNew;
         products->NumberOf(child, &isNew);
-        if (isNew) {
-            stack.push_back({child, 0});
-        }
+        if (isNew) { stack.push_back({child, 0}); }
     }
 }
 
@@ -132,9 +122,7 @@ Json Mesh(const StepFaceB& face, bool arrays) {
 }
 
 Json Items(const DrawList* list, const Products& products, Meshes* meshes) {
-    if (list == nullptr) {
-        return nullptr;
-    }
+    if (list == nullptr) { return nullptr; }
     Json items = Json::array();
     for (std::int32_t i = 0; i < list->count; ++i) {
         const DrawItem& item = *list->items[i];
@@ -168,9 +156,7 @@ Json Product(const ProductNode& product, const Products& products) {
 }
 
 Json Result(const ResultMesh* mesh, bool arrays) {
-    if (mesh == nullptr) {
-        return nullptr;
-    }
+    if (mesh == nullptr) { return nullptr; }
     const auto nodes = static_cast<std::size_t>(mesh->nodeCount);
     const auto quads = static_cast<std::size_t>(mesh->quadCount);
     Json result = {{"nodeCount", mesh->nodeCount},
@@ -203,15 +189,11 @@ Json Containers(const SceneView& view) {
 std::string SceneReport(const SceneView& view, const std::string& path, const std::string* status,
                         bool arrays) {
     Products products;
-    if (view.root != nullptr) {
-        NumberTree(view.root, &products);
-    }
+    if (view.root != nullptr) { NumberTree(view.root, &products); }
     Meshes meshes;
     Json items = Items(view.drawList, products, &meshes);
     Json meshRecords = Json::array();
-    for (const StepFaceB* const face : meshes.Records()) {
-        meshRecords.push_back(Mesh(*face, arrays));
-    }
+    for (const StepFaceB* const face : meshes.Records()) { meshRecords.push_back(Mesh(*face, arrays)); }
     Json productRecords = Json::array();
     for (const ProductNode* const product : products.Records()) {
         productRecords.push_back(Product(*product, products));

@@ -19,9 +19,7 @@ class FrameTest : public ViewTest {
 protected:
     static Calls Joined(std::initializer_list<Calls> parts) {
         Calls calls;
-        for (const Calls& part : parts) {
-            calls.insert(calls.end(), part.begin(), part.end());
-        }
+        for (const Calls& part : parts) { calls.insert(calls.end(), part.begin(), part.end()); }
         return calls;
     }
 
@@ -134,9 +132,7 @@ TEST_F(FrameTest, ThePickPassOfTheCubeGivesEachSideAColourOfItsOwn) {
     const Calls calls = PickPass();
     Calls colours;
     for (const std::string& call : calls) {
-        if (call.starts_with("glColor3f")) {
-            colours.push_back(call);
-        }
+        if (call.starts_with("glColor3f")) { colours.push_back(call); }
     }
     EXPECT_THAT(colours, ElementsAre("glColor3f(1, 0, 0)", "glColor3f(1, 1, 0)", "glColor3f(0, 1, 0)",
                                      "glColor3f(0, 1, 1)", "glColor3f(0, 0, 1)", "glColor3f(1, 0, 1)"));
@@ -206,9 +202,7 @@ TEST_F(FrameTest, ACodeFillsBlueThenGreenThenRed) {
     Show({NewItem(faces)}, 1);
     Calls colours;
     for (const std::string& call : PickPass()) {
-        if (call.starts_with("glColor4f")) {
-            colours.push_back(call);
-        }
+        if (call.starts_with("glColor4f")) { colours.push_back(call); }
     }
     ASSERT_EQ(colours.size(), 65538u);
     EXPECT_EQ(colours[255], "glColor4f(0, 0, 1, 1)");

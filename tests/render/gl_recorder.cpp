@@ -104,9 +104,7 @@ std::string ArrayName(const void* array) {
 
 std::string Floats(const GLfloat* values, int count) {
     std::ostringstream text;
-    for (int i = 0; i < count; ++i) {
-        text << (i == 0 ? "" : " ") << values[i];
-    }
+    for (int i = 0; i < count; ++i) { text << (i == 0 ? "" : " ") << values[i]; }
     return text.str();
 }
 
@@ -219,9 +217,7 @@ void glRotatef(GLfloat degrees, GLfloat x, GLfloat y, GLfloat z) {
     Record("glRotatef", degrees, x, y, z);
     const double length =
         std::sqrt(static_cast<double>(x) * x + static_cast<double>(y) * y + static_cast<double>(z) * z);
-    if (length == 0) {
-        return;
-    }
+    if (length == 0) { return; }
     const double u = x / length;
     const double v = y / length;
     const double w = z / length;
@@ -244,9 +240,7 @@ void glRotatef(GLfloat degrees, GLfloat x, GLfloat y, GLfloat z) {
                                  0,
                                  1};
     Matrix matrix;
-    for (std::size_t i = 0; i < 16; ++i) {
-        matrix[i] = static_cast<float>(rotation[i]);
-    }
+    for (std::size_t i = 0; i < 16; ++i) { matrix[i] = static_cast<float>(rotation[i]); }
     Multiply(matrix);
 }
 void glMultMatrixf(const GLfloat* matrix) {
@@ -375,9 +369,7 @@ void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format
                   GLvoid* pixels) {
     Record("glReadPixels", x, y, width, height, Enum{format}, Enum{type});
     if (width == 1 && height == 1 && format == GL_RGBA) {
-        if (type == GL_UNSIGNED_BYTE && state.writesPixel) {
-            std::memcpy(pixels, state.pixel, 4);
-        }
+        if (type == GL_UNSIGNED_BYTE && state.writesPixel) { std::memcpy(pixels, state.pixel, 4); }
         return;
     }
     // As with an alignment of four: the rows of three bytes a pixel are filled up to a multiple of it.

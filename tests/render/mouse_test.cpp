@@ -75,9 +75,7 @@ TEST_F(MouseTest, AWindowWithoutSizePutsNothingInfiniteIntoTheView) {
     view.OnSize(OpenGLControl::kRestored, 0, 0);
     view.OnMButtonDown({0, 0});
     view.OnMouseMove({1, 1});
-    for (const float element : gl_recorder::ModelView()) {
-        EXPECT_TRUE(std::isfinite(element));
-    }
+    for (const float element : gl_recorder::ModelView()) { EXPECT_TRUE(std::isfinite(element)); }
 }
 
 TEST_F(MouseTest, TheLeftButtonStartsARotation) {

@@ -44,9 +44,7 @@ protected:
     void ShowContainers(std::vector<FaceContainer> records) {
         containers_ = std::move(records);
         pointers_.clear();
-        for (FaceContainer& container : containers_) {
-            pointers_.push_back(&container);
-        }
+        for (FaceContainer& container : containers_) { pointers_.push_back(&container); }
         view.containers = pointers_.data();
         view.containerCount = static_cast<std::int32_t>(pointers_.size());
     }

@@ -40,9 +40,7 @@ protected:
 
     static std::uint32_t Number(const std::vector<unsigned char>& bytes, std::size_t offset, int width = 4) {
         std::uint32_t number = 0;
-        for (int i = width; i-- > 0;) {
-            number = number << 8 | bytes[offset + static_cast<std::size_t>(i)];
-        }
+        for (int i = width; i-- > 0;) { number = number << 8 | bytes[offset + static_cast<std::size_t>(i)]; }
         return number;
     }
 
@@ -85,9 +83,7 @@ TEST_F(SnapshotTest, AnOddWidthIsPaddedByPixelsAndTheRestIsZero) {
     EXPECT_EQ(Number(bytes, 34), 3u * 644 * 3 + 2);
     // Rows of 1924 bytes: 3 * 641 = 1923, filled up to a multiple of four.
     EXPECT_EQ(bytes[54 + 3 * 1924 - 1], 7);
-    for (std::size_t i = 54 + 3 * 1924; i < bytes.size(); ++i) {
-        ASSERT_EQ(bytes[i], 0) << i;
-    }
+    for (std::size_t i = 54 + 3 * 1924; i < bytes.size(); ++i) { ASSERT_EQ(bytes[i], 0) << i; }
     EXPECT_EQ(Grab(642, 2).size(), 54u + 3 * 644 * 2 + 2);
     EXPECT_EQ(Grab(643, 2).size(), 54u + 3 * 644 * 2 + 2);
     EXPECT_EQ(Grab(1, 1).size(), 54u + 3 * 4 * 1 + 2);

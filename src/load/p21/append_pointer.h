@@ -14,9 +14,7 @@ template <class T>
 bool AppendPointer(Arena& arena, T*** array, std::int32_t* capacity, std::int32_t* count, T* pointer) {
     if (*capacity == 0) {
         T** const first = arena.New<T*>(10);
-        if (first == nullptr) {
-            return false;
-        }
+        if (first == nullptr) { return false; }
         *array = first;
         *capacity = 10;
     }

@@ -24,9 +24,7 @@ public:
     // False when memory runs out.
     bool Add(Item* item) {
         Node* const node = buckets_ != nullptr ? arena_->New<Node>() : nullptr;
-        if (node == nullptr) {
-            return false;
-        }
+        if (node == nullptr) { return false; }
         node->item = item;
         Bucket& bucket = buckets_[BucketOf(item->*Key, bits_, mask_)];
         if (bucket.tail == nullptr) {
@@ -41,14 +39,10 @@ public:
 
     // The item of `key`, or null.
     Item* Find(std::int32_t key) const {
-        if (buckets_ == nullptr) {
-            return nullptr;
-        }
+        if (buckets_ == nullptr) { return nullptr; }
         for (const Node* node = buckets_[BucketOf(key, bits_, mask_)].head; node != nullptr;
              node = node->next) {
-            if (node->item->*Key == key) {
-                return node->item;
-            }
+            if (node->item->*Key == key) { return node->item; }
         }
         return nullptr;
     }

@@ -15,43 +15,33 @@ void ListP42Ent::Clear() {
 
 std::int32_t ListP42Ent::Add(P42Ent* record) {
     P42Node* const node = arena_->New<P42Node>();
-    if (node == nullptr) {
-        return 0;
-    }
+    if (node == nullptr) { return 0; }
     node->record = record;
     return AddNode(node);
 }
 
 std::int32_t ListP42Ent::Contains(const P42Ent* record) {
     for (const P42Node* node = head_; node != nullptr; node = node->next) {
-        if (node->record == record) {
-            return 1;
-        }
+        if (node->record == record) { return 1; }
     }
     return 0;
 }
 
 P42Ent* ListP42Ent::Find(std::int32_t id) {
     for (const P42Node* node = head_; node != nullptr; node = node->next) {
-        if (node->record->id == id) {
-            return node->record;
-        }
+        if (node->record->id == id) { return node->record; }
     }
     return nullptr;
 }
 
 P42Ent* ListP42Ent::First() {
-    if (count_ == 0) {
-        return nullptr;
-    }
+    if (count_ == 0) { return nullptr; }
     cursor_ = head_;
     return cursor_->record;
 }
 
 P42Ent* ListP42Ent::Next() {
-    if (cursor_ == nullptr) {
-        return nullptr;
-    }
+    if (cursor_ == nullptr) { return nullptr; }
     cursor_ = cursor_->next;
     return cursor_ != nullptr ? cursor_->record : nullptr;
 }
@@ -70,18 +60,14 @@ MapP42Ent::MapP42Ent(Arena* arena, std::int32_t bits)
 }
 
 void MapP42Ent::Clear() {
-    for (std::int32_t i = 0; i < bucketCount_; ++i) {
-        buckets_[i].Clear();
-    }
+    for (std::int32_t i = 0; i < bucketCount_; ++i) { buckets_[i].Clear(); }
     count_ = 0;
     cursorBucket_ = 0;
 }
 
 std::int32_t MapP42Ent::Add(P42Ent* record) {
     const std::int32_t inBucket = buckets_[BucketOf(record->id, bits_, mask_)].Add(record);
-    if (inBucket > 0) {
-        ++count_;
-    }
+    if (inBucket > 0) { ++count_; }
     return inBucket;
 }
 
@@ -94,9 +80,7 @@ P42Ent* MapP42Ent::Find(std::int32_t id) {
 }
 
 P42Ent* MapP42Ent::First() {
-    if (count_ == 0) {
-        return nullptr;
-    }
+    if (count_ == 0) { return nullptr; }
     for (std::int32_t i = 0; i < bucketCount_; ++i) {
         if (buckets_[i].Count() > 0) {
             cursorBucket_ = i;
@@ -107,12 +91,8 @@ P42Ent* MapP42Ent::First() {
 }
 
 P42Ent* MapP42Ent::Next() {
-    if (count_ == 0) {
-        return nullptr;
-    }
-    if (P42Ent* const record = buckets_[cursorBucket_].Next()) {
-        return record;
-    }
+    if (count_ == 0) { return nullptr; }
+    if (P42Ent* const record = buckets_[cursorBucket_].Next()) { return record; }
     for (std::int32_t i = cursorBucket_ + 1; i < bucketCount_; ++i) {
         if (buckets_[i].Count() > 0) {
             cursorBucket_ = i;

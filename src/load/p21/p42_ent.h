@@ -98,9 +98,7 @@ inline std::int32_t BucketOf(std::int32_t key, std::int32_t bits, std::int32_t m
 // are left.
 inline std::int32_t HashBits(std::int32_t count) {
     std::int32_t bits = 2;
-    for (; count > 5; count /= 2) {
-        ++bits;
-    }
+    for (; count > 5; count /= 2) { ++bits; }
     return bits;
 }
 

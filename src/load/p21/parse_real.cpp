@@ -6,15 +6,9 @@ namespace {
 
 double Factor(std::uint32_t exponent) {
     double factor = 1.0;
-    for (; exponent >= 50; exponent -= 50) {
-        factor = factor * 1e50;
-    }
-    for (; exponent >= 8; exponent -= 8) {
-        factor = factor * 1e8;
-    }
-    for (; exponent > 0; --exponent) {
-        factor = factor * 10.0;
-    }
+    for (; exponent >= 50; exponent -= 50) { factor = factor * 1e50; }
+    for (; exponent >= 8; exponent -= 8) { factor = factor * 1e8; }
+    for (; exponent > 0; --exponent) { factor = factor * 10.0; }
     return factor;
 }
 
@@ -25,9 +19,7 @@ Tables MakeTables() {
         entry = scale;
         scale = scale * 0.1;
     }
-    for (std::uint32_t i = 0; i < 309; ++i) {
-        tables.factor[i] = Factor(i);
-    }
+    for (std::uint32_t i = 0; i < 309; ++i) { tables.factor[i] = Factor(i); }
     std::uint64_t ten = 1;
     for (std::uint64_t& entry : tables.ten) {
         entry = ten;
@@ -49,22 +41,16 @@ const char* TakeLongRun(const char* p, Run* run) {
             run->mantissa = run->mantissa * 10 + static_cast<std::uint64_t>(*p++ - '0');
         }
     }
-    for (; IsDigit(*p); ++p) {
-        run->value = run->value * 10.0 + (*p - '0');
-    }
+    for (; IsDigit(*p); ++p) { run->value = run->value * 10.0 + (*p - '0'); }
     return p;
 }
 
 const char* TakeExponent(const char* p, double value, double sign, double* result) {
     ++p;
     const bool negative = *p == '-';
-    if (negative || *p == '+') {
-        ++p;
-    }
+    if (negative || *p == '+') { ++p; }
     std::uint32_t exponent = 0;
-    for (; IsDigit(*p); ++p) {
-        exponent = exponent * 10 + static_cast<std::uint32_t>(*p - '0');
-    }
+    for (; IsDigit(*p); ++p) { exponent = exponent * 10 + static_cast<std::uint32_t>(*p - '0'); }
     if (negative && exponent > 8) {
         *result = 0.0;
         return p;

@@ -76,38 +76,26 @@ inline std::uint32_t DigitsValue(std::uint64_t word, unsigned count) {
 // text without digits gives 0 or its negative. Up to 16 bytes behind the number must be readable.
 inline double ParseReal(const char* p, const char** end) {
     using namespace real;
-    while (*p == ' ' || *p == '\t') {
-        ++p;
-    }
+    while (*p == ' ' || *p == '\t') { ++p; }
     const bool negative = *p == '-';
-    if (negative || *p == '+') {
-        ++p;
-    }
+    if (negative || *p == '+') { ++p; }
     Run run;
     while (IsDigit(*p) && run.mantissa <= kLastBeforeDigit) {
         run.mantissa = run.mantissa * 10 + static_cast<std::uint64_t>(*p++ - '0');
     }
-    if (IsDigit(*p)) [[unlikely]] {
-        p = TakeLongRun(p, &run);
-    }
+    if (IsDigit(*p)) [[unlikely]] { p = TakeLongRun(p, &run); }
     double value;
     if (*p == '.') {
         const char* const fraction = ++p;
         while (run.exact && run.mantissa <= kLastBeforeEight) {
             const std::uint64_t word = LoadEight(p);
             const unsigned count = LeadingDigits(word);
-            if (count == 0) {
-                break;
-            }
+            if (count == 0) { break; }
             run.mantissa = run.mantissa * kTables.ten[count] + DigitsValue(word, count);
             p += count;
-            if (count < 8) {
-                break;
-            }
+            if (count < 8) { break; }
         }
-        if (IsDigit(*p)) [[unlikely]] {
-            p = TakeLongRun(p, &run);
-        }
+        if (IsDigit(*p)) [[unlikely]] { p = TakeLongRun(p, &run); }
         const auto digits = p - fraction;
         const double scale = digits < kScales ? kTables.scale[digits] : 0.0;
         value = (run.exact ? static_cast<double>(run.mantissa) : run.value) * scale;

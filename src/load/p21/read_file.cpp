@@ -23,9 +23,7 @@ constexpr std::int64_t kLargestFile = std::numeric_limits<std::int32_t>::max();
 // A descriptor of a regular file, or -1: a folder or a pipe can't be read whole.
 int OpenFile(const std::string& name) {
     const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0) {
-        return -1;
-    }
+    if (file < 0) { return -1; }
     struct stat status;
     if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
         close(file);
@@ -38,9 +36,7 @@ int OpenFile(const std::string& name) {
 bool ApplyFallBack(std::string* name, std::int32_t* kind) {
     switch (*kind) {
     case StepModel::kTwoCharacterSuffix:
-        if (name->size() < 2) {
-            return false;
-        }
+        if (name->size() < 2) { return false; }
         name->resize(name->size() - 2);
         *kind = StepModel::kPlain;
         return true;
@@ -67,9 +63,7 @@ std::size_t InflatedRoom(std::uint32_t size) {
 
 bool StepModel::ReadBytes(int file, TextBlock& block, char** bytes, std::size_t* size) {
     struct stat status;
-    if (fstat(file, &status) != 0) {
-        return false;
-    }
+    if (fstat(file, &status) != 0) { return false; }
     if (status.st_size > kLargestFile) {
         ConsolePrint("<E> %s: files of 2 GiB and more can't be read\n", fileName.c_str());
         return false;
@@ -83,12 +77,8 @@ bool StepModel::ReadBytes(int file, TextBlock& block, char** bytes, std::size_t*
     std::size_t done = 0;
     while (done < wanted) {
         const ssize_t got = read(file, *bytes + done, wanted - done);
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got <= 0) {
-            break;
-        }
+        if (got < 0 && errno == EINTR) { continue; }
+        if (got <= 0) { break; }
         done += static_cast<std::size_t>(got);
     }
     *size = done;
@@ -100,13 +90,9 @@ int StepModel::ReadFile() {
     int file = OpenFile(fileName);
     if (file < 0) {
         std::int32_t kind = compression;
-        if (!ApplyFallBack(&fileName, &kind)) {
-            return kNotOpened;
-        }
+        if (!ApplyFallBack(&fileName, &kind)) { return kNotOpened; }
         file = OpenFile(fileName);
-        if (file < 0) {
-            return kNotOpened;
-        }
+        if (file < 0) { return kNotOpened; }
         compression = kind;
     }
     TextBlock& block = compression == kPlain ? workspace_.text : workspace_.compressed;
@@ -114,9 +100,7 @@ int StepModel::ReadFile() {
     std::size_t size = 0;
     const bool complete = ReadBytes(file, block, &bytes, &size);
     close(file);
-    if (!complete) {
-        return kNotOpened;
-    }
+    if (!complete) { return kNotOpened; }
     const double read = ClockSeconds();
     readSeconds += read - start;
     std::memset(bytes + size, 0, TextBlock::kPadding);

@@ -25,9 +25,7 @@ public:
     char* LineEnd(char* p) {
         void* const feed = std::memchr(p, '\n', static_cast<std::size_t>(end_ - p));
         char* const found = feed != nullptr ? static_cast<char*>(feed) : end_;
-        if (found >= checked_) {
-            CheckUpTo(found);
-        }
+        if (found >= checked_) { CheckUpTo(found); }
         return std::min(found, end_);
     }
 
@@ -36,9 +34,7 @@ private:
         constexpr std::ptrdiff_t kStretch = 1 << 16;
         char* const upTo = end_ - found > kStretch ? found + kStretch : end_;
         void* const nul = std::memchr(checked_, '\0', static_cast<std::size_t>(upTo - checked_));
-        if (nul != nullptr) {
-            end_ = static_cast<char*>(nul);
-        }
+        if (nul != nullptr) { end_ = static_cast<char*>(nul); }
         checked_ = upTo;
     }
 
@@ -58,9 +54,7 @@ char* StepModel::FindDataSection() const {
     char* p = text;
     for (;;) {
         p = static_cast<char*>(std::memchr(p, '\n', static_cast<std::size_t>(textEnd - p)));
-        if (p == nullptr) {
-            return nullptr;
-        }
+        if (p == nullptr) { return nullptr; }
         ++p;
         if (std::memcmp(p, "DATA;", 5) == 0) {
             return static_cast<char*>(std::memchr(p, '\n', static_cast<std::size_t>(textEnd - p)));
@@ -84,15 +78,11 @@ bool StepModel::ScanEntities() {
     bool continuing = false;
     char* p = data;
     while (*p != '\0') {
-        while (*p == '\n' || *p == '\r') {
-            ++p;
-        }
+        while (*p == '\n' || *p == '\r') { ++p; }
         char* const line = p;
         p = lines.LineEnd(line);
         char* last = p;
-        while (last > line && IsTrailing(*last)) {
-            --last;
-        }
+        while (last > line && IsTrailing(*last)) { --last; }
         const bool complete = *last == ';';
         if (continuing) {
             // The tail of an unfinished statement: neither an entity nor the end of the section in it counts.
@@ -101,27 +91,23 @@ bool StepModel::ScanEntities() {
         }
         continuing = !complete;
         if (*line != '#') {
-            if (std::memcmp(line, "ENDSEC", 6) == 0) {
-                break;
-            }
+            if (std::memcmp(line, "ENDSEC", 6) == 0) { break; }
             continue;
         }
         const char* equals = line + 1;
-        while (*equals != '=' && *equals != '\n' && equals < textEnd) {
-            ++equals;
+        while (*equals != '=' && *equals != '\n' && equals < textEnd) { ++equals; }
+        if (equals == textEnd) {
+            GiveUp("its last line breaks off in an entity number");
+            return false;
         }
         if (*equals != '=') {
             OutputPrint("<E> Definition d'entite non reconnue:\n");
             continue;
         }
         const std::int32_t id = StringToInteger(line + 1);
-        if (id < 1) {
-            continue;
-        }
+        if (id < 1) { continue; }
         const char* keyword = equals + 1;
-        while (*keyword == ' ') {
-            ++keyword;
-        }
+        while (*keyword == ' ') { ++keyword; }
         if (!AddEntity(id, line, ClassifyEntity(keyword), complete)) {
             GiveUp("no memory for its entities");
             return false;
@@ -138,9 +124,7 @@ bool StepModel::AddBlock() {
     blockCount_ = 0;
     const std::size_t bytes = static_cast<std::size_t>(blockRoom_) * sizeof(P42Ent*);
     currentBlock_ = static_cast<P42Ent**>(workspace_.index.Allocate(bytes));
-    if (currentBlock_ == nullptr) {
-        return false;
-    }
+    if (currentBlock_ == nullptr) { return false; }
     entityBlocks[blocks_++] = currentBlock_;
     return true;
 }
@@ -148,26 +132,20 @@ bool StepModel::AddBlock() {
 // False when memory runs out.
 bool StepModel::AddEntity(std::int32_t id, const char* line, std::int32_t code, bool complete) {
     P42Ent* const record = workspace_.index.New<P42Ent>();
-    if (record == nullptr) {
-        return false;
-    }
+    if (record == nullptr) { return false; }
     record->id = id;
     record->offset = static_cast<std::int32_t>(line - text);
     record->multiLine = complete ? 0 : 1;
     record->code = code;
     currentBlock_[blockCount_++] = record;
     ++entityCount;
-    if (blockCount_ == blockRoom_ && !AddBlock()) {
-        return false;
-    }
+    if (blockCount_ == blockRoom_ && !AddBlock()) { return false; }
     switch (code) {
     case code::kTessellatedShapeRepresentation:
         shapeRepresentationId = id;
         break;
     case code::kPresentationRepresentation:
-        if (presentationId == 0) {
-            presentationId = id;
-        }
+        if (presentationId == 0) { presentationId = id; }
         return structureList->Add(record) != 0;
     case code::kNextAssemblyUsage:
         isAssembly = 1;

@@ -13,16 +13,10 @@ namespace tarnwick {
 namespace {
 
 std::int32_t CompressionFromName(const std::string& name) {
-    if (name.empty()) {
-        return StepModel::kPlain;
-    }
+    if (name.empty()) { return StepModel::kPlain; }
     std::int32_t kind = StepModel::kPlain;
-    if (name.back() == 'Z' || name.back() == 'z') {
-        kind = StepModel::kTwoCharacterSuffix;
-    }
-    if (name.size() >= 2 && name[name.size() - 2] == 'p') {
-        kind = StepModel::kOneCharacterSuffix;
-    }
+    if (name.back() == 'Z' || name.back() == 'z') { kind = StepModel::kTwoCharacterSuffix; }
+    if (name.size() >= 2 && name[name.size() - 2] == 'p') { kind = StepModel::kOneCharacterSuffix; }
     return kind;
 }
 
@@ -53,9 +47,7 @@ int StepModel::Read() {
         const int inflated = Inflate(compressedData.get(), compressedSize);
         compressedData.reset();
         inflateSeconds += ClockSeconds() - start;
-        if (inflated != kRead) {
-            return inflated;
-        }
+        if (inflated != kRead) { return inflated; }
     } else if (opened != kRead) {
         return opened;
     }
@@ -65,15 +57,9 @@ int StepModel::Read() {
         ConsolePrint("<E> Invalid P21 file\n");
         return kNotP21;
     }
-    if (!ScanEntities()) {
-        return kNotP21;
-    }
-    if (!BuildEntityMap()) {
-        return GiveUp("no memory for its entity table");
-    }
-    if (!ReadSchemaNumber()) {
-        return GiveUp("no schema name in its header");
-    }
+    if (!ScanEntities()) { return kNotP21; }
+    if (!BuildEntityMap()) { return GiveUp("no memory for its entity table"); }
+    if (!ReadSchemaNumber()) { return GiveUp("no schema name in its header"); }
     if (isAssembly == 0 && productCount >= 2 && !FindRootProduct()) {
         return GiveUp("a product category runs past the end of the file");
     }
@@ -92,21 +78,15 @@ P42Ent* StepModel::EntityAt(std::int32_t index) const {
 
 bool StepModel::BuildEntityMap() {
     void* const memory = workspace_.index.Allocate(sizeof(MapP42Ent));
-    if (memory == nullptr) {
-        return false;
-    }
+    if (memory == nullptr) { return false; }
     MapP42Ent* const map = ::new (memory) MapP42Ent(&workspace_.index, HashBits(entityCount));
-    if (map->BucketCount() == 0) {
-        return false;
-    }
+    if (map->BucketCount() == 0) { return false; }
     std::int32_t left = entityCount;
     std::int64_t room = 10000;
     for (int block = 0; left > 0; ++block, room *= 10) {
         const std::int32_t here = left < room ? left : static_cast<std::int32_t>(room);
         for (std::int32_t i = 0; i < here; ++i) {
-            if (map->Add(entityBlocks[block][i]) == 0) {
-                return false;
-            }
+            if (map->Add(entityBlocks[block][i]) == 0) { return false; }
         }
         left -= here;
     }
@@ -120,15 +100,11 @@ bool StepModel::ReadSchemaNumber() {
     const std::string_view content(text, static_cast<std::size_t>(textEnd - text));
     constexpr std::string_view kSchema = "FILE_SCHEMA(";
     const std::size_t schema = content.find(kSchema);
-    if (schema == std::string_view::npos) {
-        return false;
-    }
+    if (schema == std::string_view::npos) { return false; }
     TextWalk walk{text + schema, textEnd};
     walk.GoTo('\'');
     walk.GoTo('A');
-    if (walk.overrun) {
-        return false;
-    }
+    if (walk.overrun) { return false; }
     walk.Step();
     walk.Step();
     apNumber = StringToInteger(walk.at);
@@ -141,9 +117,7 @@ bool StepModel::FindRootProduct() {
     std::int32_t root = 0;
     std::vector<std::int32_t> ids;
     for (P42Ent* record = structureList->First(); record != nullptr; record = structureList->Next()) {
-        if (record->code != code::kProductRelatedProductCategory) {
-            continue;
-        }
+        if (record->code != code::kProductRelatedProductCategory) { continue; }
         TextWalk walk = WalkFrom(record);
         walk.GoTo('(');
         walk.GoTo('\'');
@@ -154,17 +128,11 @@ bool StepModel::FindRootProduct() {
             ids.clear();
             ParseIdList(&walk, &ids);
             root = ids.empty() ? 0 : ids.front();
-            if (ids.size() != 1) {
-                ConsolePrint("<W> StepModel: several root products\n");
-            }
+            if (ids.size() != 1) { ConsolePrint("<W> StepModel: several root products\n"); }
         }
-        if (walk.overrun) {
-            return false;
-        }
+        if (walk.overrun) { return false; }
     }
-    if (root != 0) {
-        rootProductId = root;
-    }
+    if (root != 0) { rootProductId = root; }
     return true;
 }
 

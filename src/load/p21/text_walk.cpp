@@ -18,17 +18,14 @@ void TextWalk::GoTo(char c) {
     }
 }
 
-void TextWalk::GoToCommaAtDepthZero() {
+void TextWalk::GoToArgumentComma() {
     std::int32_t depth = 0;
     for (; at < end; ++at) {
         if (*at == '(') {
             ++depth;
         } else if (*at == ')') {
-            // A lone ")" doesn't count: only what an opening one began is skipped.
-            if (depth > 0) {
-                --depth;
-            }
-        } else if (*at == ',' && depth == 0) {
+            --depth;
+        } else if (*at == ',' && depth <= 0) {
             return;
         }
     }
@@ -36,24 +33,16 @@ void TextWalk::GoToCommaAtDepthZero() {
 }
 
 std::int32_t StringToInteger(const char* p) {
-    while (*p == ' ' || (*p >= '\t' && *p <= '\r')) {
-        ++p;
-    }
+    while (*p == ' ' || (*p >= '\t' && *p <= '\r')) { ++p; }
     const bool negative = *p == '-';
-    if (negative || *p == '+') {
-        ++p;
-    }
+    if (negative || *p == '+') { ++p; }
     constexpr std::int64_t kLimit = std::int64_t{1} << 31;
     std::int64_t value = 0;
     for (; real::IsDigit(*p); ++p) {
         value = value * 10 + (*p - '0');
-        if (value > kLimit) {
-            value = kLimit;
-        }
+        if (value > kLimit) { value = kLimit; }
     }
-    if (negative) {
-        return static_cast<std::int32_t>(-value);
-    }
+    if (negative) { return static_cast<std::int32_t>(-value); }
     return value == kLimit ? std::numeric_limits<std::int32_t>::max() : static_cast<std::int32_t>(value);
 }
 
@@ -61,9 +50,7 @@ std::int32_t ReadDigits(TextWalk* walk) {
     const char* const start = walk->at;
     std::int64_t value = 0;
     for (; real::IsDigit(*walk->at); ++walk->at) {
-        if (walk->at - start == 14) {
-            FailFast();
-        }
+        if (walk->at - start == 14) { FailFast(); }
         value = value * 10 + (*walk->at - '0');
     }
     constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
@@ -80,9 +67,7 @@ std::string_view ReadQuoted(TextWalk* walk, std::size_t limit) {
     const char* const start = walk->at;
     walk->GoTo('\'');
     const std::size_t length = static_cast<std::size_t>(walk->at - start);
-    if (!walk->overrun && length >= limit) {
-        FailFast();
-    }
+    if (!walk->overrun && length >= limit) { FailFast(); }
     return {start, length};
 }
 
@@ -90,41 +75,29 @@ void ParseIdList(TextWalk* walk, std::vector<std::int32_t>* ids) {
     walk->GoTo('(');
     walk->Step();
     walk->SkipBlanks();
-    if (walk->Current() == ')') {
-        return;
-    }
+    if (walk->Current() == ')') { return; }
     const char* p = walk->at;
     const char* const end = walk->end;
     for (;;) {
-        if (p >= end) {
-            break;
-        }
+        if (p >= end) { break; }
         // A reference as it is mostly written, "#12," or "#12)": its digits lead to the delimiter.
         const char* next = p + 1;
         std::int64_t id = 0;
-        while (real::IsDigit(*next) && next - p < 10) {
-            id = id * 10 + (*next++ - '0');
-        }
+        while (real::IsDigit(*next) && next - p < 10) { id = id * 10 + (*next++ - '0'); }
         if ((*next == ',' || *next == ')') && next > p + 1) {
             ids->push_back(static_cast<std::int32_t>(id));
         } else {
             ids->push_back(StringToInteger(p + 1));
             next = p + 1;
-            while (next < end && *next != ',' && *next != ')') {
-                ++next;
-            }
-            if (next == end) {
-                break;
-            }
+            while (next < end && *next != ',' && *next != ')') { ++next; }
+            if (next == end) { break; }
         }
         if (*next == ')') {
             walk->at = p;
             return;
         }
         p = next + 1;
-        while (*p != '#' && *p != ')' && *p != '\n' && *p != '\0') {
-            ++p;
-        }
+        while (*p != '#' && *p != ')' && *p != '\n' && *p != '\0') { ++p; }
         if (*p == ')') {
             walk->at = p;
             return;

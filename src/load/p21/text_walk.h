@@ -29,19 +29,16 @@ struct TextWalk {
     void GoTo(char c);
 
     void SkipBlanks() {
-        while (*at == ' ') {
-            ++at;
-        }
+        while (*at == ' ') { ++at; }
     }
     void SkipBlanksAndLineFeeds() {
-        while (*at == ' ' || *at == '\n') {
-            ++at;
-        }
+        while (*at == ' ' || *at == '\n') { ++at; }
     }
 
-    // Forward to the next "," at depth 0: each "(" met on the way is skipped up to its matching ")". A ","
-    // that stands here already stays.
-    void GoToCommaAtDepthZero();
+    // Forward to the comma that ends an argument: what stands in parentheses is passed over. A "," that
+    // stands here already stays. From within a list the walk leads out of it; where the entity ends first, it
+    // runs on to a comma of an entity further on.
+    void GoToArgumentComma();
 };
 
 // The string-to-integer rule of the C library: white space, a sign, digits; no digits give 0, and what

@@ -35,9 +35,7 @@ bool WriteReport(const std::string& report, const std::string& name) {
     if (file != nullptr) {
         written = (toStandardOutput ? std::fflush(file) : std::fclose(file)) == 0 && written;
     }
-    if (!written) {
-        std::fprintf(stderr, "tarnwick-load: %s can't be written\n", name.c_str());
-    }
+    if (!written) { std::fprintf(stderr, "tarnwick-load: %s can't be written\n", name.c_str()); }
     return written;
 }
 
@@ -61,9 +59,7 @@ int LoadAndReport(const LoadOptions& options) {
     StatusOnly controls;
     LoadDispatch dispatch{view, controls, kCommands};
     std::vector<std::string> words{options.path};
-    if (!options.product.empty()) {
-        words.push_back(options.product);
-    }
+    if (!options.product.empty()) { words.push_back(options.product); }
     const std::vector<std::string> arguments = SplitArguments(JoinArguments(words));
     const char* const rootName = arguments.size() > 1 ? arguments[1].c_str() : nullptr;
     for (int i = 0; i < options.repeat; ++i) {

@@ -7,8 +7,6 @@ int main(int argc, char** argv) {
     using namespace tarnwick::tools;
     LoadOptions options;
     int status = 0;
-    if (!ReadOptions(argc, argv, &options, &status)) {
-        return status;
-    }
+    if (!ReadOptions(argc, argv, &options, &status)) { return status; }
     return options.index ? PrintIndex(options) : LoadAndReport(options);
 }

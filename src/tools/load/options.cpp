@@ -27,9 +27,7 @@ bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
         app.add_flag("--entities", options->entities, "put the whole entity table into the index");
     arrays->needs(json);
     entities->needs(index);
-    for (CLI::Option* const other : {json, arrays, noThreads, repeat}) {
-        index->excludes(other);
-    }
+    for (CLI::Option* const other : {json, arrays, noThreads, repeat}) { index->excludes(other); }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

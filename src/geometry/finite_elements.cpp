@@ -1,0 +1,303 @@
+#include "geometry/finite_elements.h"
+
+#include "load/p21/keyword_codes.h"
+#include "load/p21/parse_real.h"
+#include "platform/clock.h"
+#include "platform/console.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr int kStopped = 1; // at a bad line; what was read is kept
+constexpr int kGivenUp = 2; // the file, whose lines lead nowhere
+
+// Behind the next attribute and its comma; a list in hand is stepped over from within.
+void StepOverAttribute(TextWalk* walk) {
+    walk->SkipBlanksAndLineFeeds();
+    walk->GoToArgumentComma();
+    walk->Step();
+}
+
+// Behind a number of attributes of an entity's line.
+TextWalk WalkBehind(const StepModel& model, const P42Ent* entity, int attributes) {
+    TextWalk walk = model.WalkFrom(entity);
+    walk.GoTo('(');
+    walk.Step();
+    for (int i = 0; i < attributes; ++i) { StepOverAttribute(&walk); }
+    return walk;
+}
+
+int GiveUp(const FiniteElementReader& reader, const P42Ent* entity, const char* reason) {
+    ConsolePrint("<E> %s: given up, #%d %s\n", reader.part.model.fileName.c_str(), entity->id, reason);
+    return kGivenUp;
+}
+
+int GiveUpPastEnd(const FiniteElementReader& reader, const P42Ent* entity) {
+    return GiveUp(reader, entity, "runs past the end of the file");
+}
+
+bool AddIndex(const FiniteElementReader& reader, FeIndexMap* map, std::int32_t id, std::size_t index) {
+    FeIndex* const entry = reader.part.model.IndexArena()->New<FeIndex>();
+    if (entry == nullptr) { return false; }
+    *entry = {id, static_cast<std::int32_t>(index)};
+    return map->Add(entry);
+}
+
+bool MakeProduct(PartReader& part) {
+    const P42Ent* const entity = part.model.Find(part.model.rootProductId);
+    if (entity == nullptr) { return false; }
+    TextWalk walk = part.model.WalkFrom(entity);
+    walk.GoTo('(');
+    walk.GoTo('\'');
+    walk.Step();
+    const std::string_view name = ReadQuoted(&walk, 300);
+    if (walk.overrun) { return false; }
+    ProductNode* const product = part.arena.New<ProductNode>();
+    const char* const copy = part.arena.Copy(name.data(), name.size());
+    if (product == nullptr || copy == nullptr) { return false; }
+    product->isRoot = 1;
+    product->name = copy;
+    part.product = product;
+    return true;
+}
+
+// The limits are kept as f32, and compared in f64.
+void WidenBox(float box[6], const FeNode& node, bool first) {
+    const double values[3] = {node.x, node.y, node.z};
+    for (int axis = 0; axis < 3; ++axis) {
+        float& low = box[2 * axis];
+        float& high = box[2 * axis + 1];
+        if (first || values[axis] < static_cast<double>(low)) { low = static_cast<float>(values[axis]); }
+        if (first || values[axis] > static_cast<double>(high)) { high = static_cast<float>(values[axis]); }
+    }
+}
+
+int ReadNodes(FiniteElementReader& reader, ListP42Ent& lines) {
+    const StepModel& model = reader.part.model;
+    reader.nodes.reserve(static_cast<std::size_t>(lines.Count()));
+    reader.nodeMap = FeIndexMap(model.IndexArena(), HashBits(lines.Count()));
+    std::vector<std::int32_t> ids;
+    for (const P42Ent* line = lines.First(); line != nullptr; line = lines.Next()) {
+        TextWalk walk = WalkBehind(model, line, 1);
+        walk.SkipBlanksAndLineFeeds();
+        if (walk.overrun) { return GiveUpPastEnd(reader, line); }
+        if (walk.Current() != '(') { return kStopped; }
+        ids.clear();
+        ParseIdList(&walk, &ids);
+        if (walk.overrun) { return GiveUpPastEnd(reader, line); }
+        const P42Ent* const point = model.Find(ids.empty() ? 0 : ids.front());
+        if (point == nullptr) { return GiveUp(reader, line, "names a point that isn't there"); }
+        walk = WalkBehind(model, point, 1);
+        walk.SkipBlanks();
+        walk.Step();
+        double values[3];
+        values[0] = ParseReal(walk.at);
+        for (int i = 1; i < 3; ++i) {
+            walk.GoTo(',');
+            walk.Step();
+            values[i] = ParseReal(walk.at);
+        }
+        if (walk.overrun) { return GiveUpPastEnd(reader, point); }
+        const FeNode node{line->id, values[0], values[1], values[2], -1.0, 0, 0, 0, 64};
+        if (!AddIndex(reader, &reader.nodeMap, line->id, reader.nodes.size())) { return kStopped; }
+        WidenBox(reader.part.box, node, reader.nodes.empty());
+        reader.nodes.push_back(node);
+    }
+    return 0;
+}
+
+int ReadSections(FiniteElementReader& reader, ListP42Ent& lines) {
+    const StepModel& model = reader.part.model;
+    reader.sectionValues.reserve(static_cast<std::size_t>(lines.Count()));
+    reader.sectionMap = FeIndexMap(model.IndexArena(), HashBits(lines.Count()));
+    for (const P42Ent* line = lines.First(); line != nullptr; line = lines.Next()) {
+        TextWalk walk = WalkBehind(model, line, 3);
+        walk.SkipBlanks();
+        if (walk.overrun) { return GiveUpPastEnd(reader, line); }
+        if (!AddIndex(reader, &reader.sectionMap, line->id, reader.sectionValues.size())) { return kStopped; }
+        reader.sectionValues.push_back(ParseReal(walk.at));
+    }
+    return 0;
+}
+
+// Gives the corners of a quad the values of the sections that vary over it.
+int ReadCornerValues(FiniteElementReader& reader, const FeQuad& quad, const P42Ent* varying,
+                     std::vector<std::int32_t>* ids) {
+    TextWalk walk = reader.part.model.WalkFrom(varying);
+    walk.GoTo('(');
+    walk.Step();
+    walk.SkipBlanks();
+    ids->clear();
+    ParseIdList(&walk, ids);
+    if (walk.overrun) { return GiveUpPastEnd(reader, varying); }
+    if (ids->size() != 4) { return 0; }
+    for (std::size_t corner = 0; corner < 4; ++corner) {
+        const FeIndex* const section = reader.sectionMap.Find((*ids)[corner]);
+        if (section == nullptr) { return kStopped; }
+        const double value = reader.sectionValues[static_cast<std::size_t>(section->index)];
+        reader.nodes[static_cast<std::size_t>(quad.nodes[corner])].value = value;
+        if (value > reader.maxValue) { reader.maxValue = value; }
+        if (reader.minValue == -1.0) {
+            reader.minValue = reader.maxValue;
+        } else if (value < reader.minValue && value > 0.0) {
+            reader.minValue = value;
+        }
+    }
+    return 0;
+}
+
+int ReadElement(FiniteElementReader& reader, const P42Ent* line, std::vector<std::int32_t>* ids) {
+    const StepModel& model = reader.part.model;
+    TextWalk walk = WalkBehind(model, line, 3);
+    walk.SkipBlanks();
+    if (walk.overrun) { return GiveUpPastEnd(reader, line); }
+    if (walk.Current() != '(') { return kStopped; }
+    ids->clear();
+    ParseIdList(&walk, ids);
+    // The rest of the list and two more attributes, then the property.
+    for (int i = 0; i < 3; ++i) { StepOverAttribute(&walk); }
+    walk.SkipBlanks();
+    const std::int32_t propertyId = ReadReference(&walk);
+    if (walk.overrun) { return GiveUpPastEnd(reader, line); }
+    if (ids->size() != 4) { return 0; }
+    FeQuad quad{};
+    for (std::size_t corner = 0; corner < 4; ++corner) {
+        const FeIndex* const node = reader.nodeMap.Find((*ids)[corner]);
+        if (node == nullptr) { return kStopped; }
+        quad.nodes[corner] = node->index;
+    }
+    reader.quads.push_back(quad);
+    for (const std::int32_t node : quad.nodes) { reader.nodes[static_cast<std::size_t>(node)].used = 1; }
+
+    const P42Ent* const property = model.Find(propertyId);
+    if (property == nullptr) { return 0; }
+    walk = WalkBehind(model, property, 1);
+    walk.SkipBlanks();
+    const std::int32_t sectionId = ReadReference(&walk);
+    if (walk.overrun) { return GiveUpPastEnd(reader, property); }
+    const P42Ent* const section = model.Find(sectionId);
+    if (section == nullptr || section->code != code::kSurfaceSectionFieldVarying) { return 0; }
+    return ReadCornerValues(reader, quad, section, ids);
+}
+
+int ReadElements(FiniteElementReader& reader, ListP42Ent& lines) {
+    reader.quads.reserve(static_cast<std::size_t>(lines.Count()));
+    std::vector<std::int32_t> ids;
+    for (const P42Ent* line = lines.First(); line != nullptr; line = lines.Next()) {
+        const int result = ReadElement(reader, line, &ids);
+        if (result != 0) { return result; }
+    }
+    return 0;
+}
+
+void BuildResultMesh(FiniteElementReader& reader) {
+    Arena& arena = reader.part.arena;
+    const std::size_t nodes = reader.nodes.size();
+    const std::size_t quads = reader.quads.size();
+    ResultMesh* const mesh = arena.New<ResultMesh>();
+    float* const vertices = arena.New<float>(3 * nodes);
+    std::uint8_t* const colours = arena.New<std::uint8_t>(4 * nodes);
+    std::uint32_t* const indices = arena.New<std::uint32_t>(4 * quads);
+    if (mesh == nullptr || vertices == nullptr || colours == nullptr || indices == nullptr) {
+        ConsolePrint("<E> %s: no memory for its mesh\n", reader.part.model.fileName.c_str());
+        return;
+    }
+    for (std::size_t i = 0; i < nodes; ++i) {
+        const FeNode& node = reader.nodes[i];
+        vertices[3 * i] = static_cast<float>(node.x);
+        vertices[3 * i + 1] = static_cast<float>(node.y);
+        vertices[3 * i + 2] = static_cast<float>(node.z);
+        colours[4 * i] = static_cast<std::uint8_t>(node.red);
+        colours[4 * i + 1] = static_cast<std::uint8_t>(node.green);
+        colours[4 * i + 2] = static_cast<std::uint8_t>(node.blue);
+        colours[4 * i + 3] = 255;
+    }
+    for (std::size_t i = 0; i < quads; ++i) {
+        for (std::size_t corner = 0; corner < 4; ++corner) {
+            indices[4 * i + corner] = static_cast<std::uint32_t>(reader.quads[i].nodes[corner]);
+        }
+    }
+    *mesh = {vertices, colours, indices, static_cast<std::int32_t>(quads), static_cast<std::int32_t>(nodes)};
+    reader.resultMesh = mesh;
+    reader.part.triangleTotal = 2 * mesh->quadCount;
+}
+
+// Truncated as a colour is; a value that isn't finite has no colour.
+std::int32_t Truncated(double value) {
+    return std::isfinite(value) ? static_cast<std::int32_t>(value) : 0;
+}
+
+} // namespace
+
+void ColourNode(FeNode* node, double minValue, double maxValue) {
+    const double v = node->value;
+    if (v > 8.0) {
+        const double c = (v - 8.0) * 255.0 / (maxValue - 8.0);
+        node->red = 255;
+        node->green = Truncated(255.0 - c);
+        node->blue = node->green;
+    } else if (v > 7.8) {
+        const double c = (v - 7.8) * 255.0 / 0.20000000000000018;
+        node->red = Truncated(c);
+        node->green = node->red;
+        node->blue = 255;
+    } else if (v > minValue) {
+        const double c = (v - minValue) * 255.0 / (7.8 - minValue);
+        node->red = 0;
+        node->green = Truncated(255.0 - c);
+        node->blue = Truncated(c);
+    } else {
+        node->red = 0;
+        node->green = 0;
+        node->blue = 0;
+    }
+}
+
+namespace {
+
+// Nodes, sections and elements, in this order, since elements refer to both. False when the file is given up.
+bool ReadMesh(FiniteElementReader& reader) {
+    StepModel& model = reader.part.model;
+    Arena* const arena = model.IndexArena();
+    ListP42Ent nodeLines(arena);
+    ListP42Ent sectionLines(arena);
+    ListP42Ent elementLines(arena);
+    MapP42Ent& entities = *model.entityMap;
+    for (P42Ent* entity = entities.First(); entity != nullptr; entity = entities.Next()) {
+        if (entity->code == code::kNode) { nodeLines.Add(entity); }
+        if (entity->code == code::kUniformSurfaceSection) { sectionLines.Add(entity); }
+        if (entity->code == code::kSurface3dElement) { elementLines.Add(entity); }
+    }
+    return ReadNodes(reader, nodeLines) != kGivenUp && ReadSections(reader, sectionLines) != kGivenUp &&
+           ReadElements(reader, elementLines) != kGivenUp;
+}
+
+} // namespace
+
+int ReadFiniteElements(FiniteElementReader& reader) {
+    PartReader& part = reader.part;
+    const double start = ClockSeconds();
+    part.readSeconds += part.model.readSeconds;
+    part.inflateSeconds += part.model.inflateSeconds;
+    if (!MakeProduct(part)) {
+        ConsolePrint("<E> %s: given up, it has no PRODUCT\n", part.model.fileName.c_str());
+        return 0;
+    }
+    if (!ReadMesh(reader)) { return 0; }
+    for (FeNode& node : reader.nodes) { ColourNode(&node, reader.minValue, reader.maxValue); }
+    BuildResultMesh(reader);
+    part.triangleSum += static_cast<std::uint32_t>(part.triangleTotal);
+    if (part.triangleTotal >= 1) {
+        std::copy_n(part.box, 6, part.product->box);
+        part.product->hasBox = 1;
+    }
+    part.parseSeconds += ClockSeconds() - start;
+    return 0;
+}
+
+} // namespace tarnwick

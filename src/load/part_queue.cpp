@@ -1,0 +1,140 @@
+#include "load/part_queue.h"
+
+#include "geometry/part_reader.h"
+#include "load/p21/step_model.h"
+#include "platform/console.h"
+#include "product/assembly_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <string>
+#include <system_error>
+#include <thread>
+
+namespace tarnwick {
+
+namespace {
+
+// The path of a part's file: beside the top file, and packed as that one is.
+std::string FormPath(const LoadSession& session, const ProductNode& product) {
+    std::string path = session.folder;
+    path += product.fileName;
+    std::replace(path.begin() + static_cast<std::ptrdiff_t>(session.folder.size()), path.end(), '\\', '/');
+    if (session.compression == StepModel::kTwoCharacterSuffix) { path += ".Z"; }
+    if (session.compression == StepModel::kOneCharacterSuffix) { path += 'z'; }
+    return path;
+}
+
+// The next entry of the queue and its place in it; null when there is none at this moment.
+ProductNode* Claim(LoadSession& session, std::int32_t* entry) {
+    const std::lock_guard guard(session.queueLock);
+    if (session.queueCursor >= session.queue.count) { return nullptr; }
+    *entry = session.queueCursor++;
+    return session.queue[*entry];
+}
+
+void ShowProgress(LoadSession& session) {
+    if (session.progress == nullptr) { return; }
+    std::int32_t known = 0;
+    std::int32_t claimed = 0;
+    {
+        const std::lock_guard guard(session.queueLock);
+        known = session.queue.count;
+        claimed = session.queueCursor;
+    }
+    session.progress(session.progressContext, claimed, known);
+}
+
+void NoteUnread(LoadSession& session, std::int32_t entry, std::string path, const ProductNode& product,
+                int result) {
+    const std::lock_guard guard(session.unreadLock);
+    session.unreadFiles.push_back({entry, std::move(path), product.name, UnreadReason(result)});
+}
+
+// What one thread keeps from entry to entry.
+struct QueueThread {
+    ReaderWorkspace workspace;
+    PartScratch scratch;
+    Arena arena;
+};
+
+void ReadEntry(LoadSession& session, ReadingOrder& order, QueueThread& thread, std::int32_t entry,
+               ProductNode* product) {
+    std::string path = FormPath(session, *product);
+    StepModel model(thread.workspace, path);
+    const int result = model.Read();
+    if (result == StepModel::kRead && model.isAssembly != 0) {
+        order.WaitFor(entry);
+        {
+            const std::lock_guard guard(session.structureLock);
+            ReadAssemblyStructure(session, model, false, thread.arena);
+        }
+        order.Settle(entry);
+        return;
+    }
+    order.Settle(entry);
+    if (result != StepModel::kRead) {
+        NoteUnread(session, entry, std::move(path), *product, result);
+        return;
+    }
+    PartReader reader(model, product, thread.arena, thread.scratch);
+    reader.Run();
+    session.partCount.fetch_add(1, std::memory_order_relaxed);
+    session.readSeconds.fetch_add(reader.readSeconds, std::memory_order_relaxed);
+    session.inflateSeconds.fetch_add(reader.inflateSeconds, std::memory_order_relaxed);
+    session.partSeconds.fetch_add(reader.parseSeconds, std::memory_order_relaxed);
+}
+
+void RunWorker(LoadSession& session, ReadingOrder& order, int number) {
+    RunPartQueue(session, order, false);
+    session.done[number].store(1, std::memory_order_release);
+    ConsolePrint("End thread %d\n", number + 1);
+}
+
+} // namespace
+
+void RunPartQueue(LoadSession& session, ReadingOrder& order, bool isLoadThread) {
+    QueueThread thread;
+    std::int32_t entry = 0;
+    while (ProductNode* const product = Claim(session, &entry)) {
+        ReadEntry(session, order, thread, entry, product);
+        if (isLoadThread) { ShowProgress(session); }
+    }
+    session.scene->HandOver(std::move(thread.arena));
+}
+
+void ReadQueuedFiles(LoadSession& session) {
+    ReadingOrder order;
+    std::array<std::thread, LoadSession::kWorkers> workers;
+    if (session.useThreads != 0) {
+        for (int k = 0; k < LoadSession::kWorkers; ++k) {
+            try {
+                workers[static_cast<std::size_t>(k)] =
+                    std::thread(RunWorker, std::ref(session), std::ref(order), k);
+            } catch (const std::system_error&) { session.done[k] = 1; }
+        }
+    }
+    RunPartQueue(session, order, true);
+    if (session.useThreads != 0) {
+        const auto allDone = [&session] {
+            return std::all_of(std::begin(session.done), std::end(session.done),
+                               [](const auto& done) { return done.load(std::memory_order_acquire) != 0; });
+        };
+        while (!allDone()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            ShowProgress(session);
+        }
+        for (std::thread& worker : workers) {
+            if (worker.joinable()) { worker.join(); }
+        }
+    }
+    std::sort(session.unreadFiles.begin(), session.unreadFiles.end(),
+              [](const UnreadFile& a, const UnreadFile& b) { return a.place < b.place; });
+}
+
+const char* UnreadReason(int result) {
+    return result == StepModel::kNotOpened ? "can't be opened" : "isn't a valid ISO 10303-21 file";
+}
+
+} // namespace tarnwick

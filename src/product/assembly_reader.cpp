@@ -1,0 +1,258 @@
+// The product tree of one file, read by hopping from line to line of the raw text. Only the one way in which
+// exporters hang a product under another is known, and nothing is parsed on the way.
+
+#include "product/assembly_reader.h"
+
+#include "load/p21/append_pointer.h"
+#include "load/p21/keyword_codes.h"
+#include "load/p21/parse_real.h"
+#include "platform/console.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace tarnwick {
+
+namespace {
+
+// The walk behind a number of commas of an entity's line, each skipped to plainly; false for an entity that
+// isn't there.
+bool OpenBehindCommas(const AssemblyReader& reader, std::int32_t id, int commas, TextWalk* walk) {
+    const P42Ent* const entity = reader.model.Find(id);
+    if (entity == nullptr) { return false; }
+    *walk = reader.model.WalkFrom(entity);
+    walk->GoTo('(');
+    for (int i = 0; i < commas; ++i) {
+        walk->GoTo(',');
+        walk->Step();
+    }
+    return true;
+}
+
+// The reference behind the next comma.
+std::int32_t NextReference(TextWalk* walk) {
+    walk->GoTo(',');
+    return ReadReference(walk);
+}
+
+// Three numbers of a CARTESIAN_POINT or DIRECTION: the list is taken to begin right behind the first comma of
+// the line.
+bool ReadTriple(AssemblyReader& reader, std::int32_t id, double values[3]) {
+    TextWalk walk;
+    if (!OpenBehindCommas(reader, id, 1, &walk)) { return false; }
+    walk.Step();
+    values[0] = ParseReal(walk.at);
+    for (int i = 1; i < 3; ++i) {
+        walk.GoTo(',');
+        walk.Step();
+        values[i] = ParseReal(walk.at);
+    }
+    return !NoteOverrun(reader, walk, id);
+}
+
+void ScanAssemblyEntities(AssemblyReader& reader) {
+    MapP42Ent& entities = *reader.model.entityMap;
+    for (const P42Ent* entity = entities.First(); entity != nullptr && !reader.overrun;
+         entity = entities.Next()) {
+        if (entity->code == code::kContextDependentShapeRepresentation) {
+            ReadOccurrence(reader, entity);
+        } else if (entity->code == code::kAppliedDocumentReference) {
+            ReadDocumentReference(reader, entity);
+        }
+    }
+}
+
+// The session's list has room for all products of a file before the first of them is appended.
+void MakeRoom(ProductArray& products, std::int32_t more) {
+    if (products.count + more <= products.capacity) { return; }
+    const std::int32_t capacity = products.capacity;
+    products.Allocate(more > capacity ? capacity + more : 2 * capacity);
+}
+
+// One row of a frame and what the rows of two frames make: inverse(a) times b, by the adjugate over the
+// determinant.
+bool Combine(const double a[9], const double b[9], double out[9]) {
+    const double c00 = a[4] * a[8] - a[5] * a[7];
+    const double c01 = a[5] * a[6] - a[3] * a[8];
+    const double c02 = a[3] * a[7] - a[4] * a[6];
+    const double determinant = a[0] * c00 + a[1] * c01 + a[2] * c02;
+    if (determinant == 0.0) { return false; }
+    const double inverse[9] = {c00 / determinant,
+                               (a[2] * a[7] - a[1] * a[8]) / determinant,
+                               (a[1] * a[5] - a[2] * a[4]) / determinant,
+                               c01 / determinant,
+                               (a[0] * a[8] - a[2] * a[6]) / determinant,
+                               (a[2] * a[3] - a[0] * a[5]) / determinant,
+                               c02 / determinant,
+                               (a[1] * a[6] - a[0] * a[7]) / determinant,
+                               (a[0] * a[4] - a[1] * a[3]) / determinant};
+    for (int r = 0; r < 3; ++r) {
+        for (int c = 0; c < 3; ++c) {
+            out[3 * r + c] =
+                inverse[3 * r] * b[c] + inverse[3 * r + 1] * b[3 + c] + inverse[3 * r + 2] * b[6 + c];
+        }
+    }
+    return true;
+}
+
+// The rows X, W, Z of a frame from its axis and reference direction. W is Z by X with the sign of its y
+// reversed; the sign flips of the draw lists stand against that.
+void FrameRows(const double axis[3], const double reference[3], double rows[9]) {
+    const double* const z = axis;
+    const double* const x = reference;
+    const double w[3] = {x[2] * z[1] - x[1] * z[2], x[2] * z[0] - x[0] * z[2], x[1] * z[0] - x[0] * z[1]};
+    std::copy_n(x, 3, rows);
+    std::copy_n(w, 3, rows + 3);
+    std::copy_n(z, 3, rows + 6);
+}
+
+} // namespace
+
+int ReadAssemblyStructure(LoadSession& session, StepModel& model, bool isTopFile, Arena& arena) {
+    AssemblyReader reader{
+        model, session, arena, ProductMap(model.IndexArena(), HashBits(model.productCount / 10)), {}};
+    reader.products.reserve(static_cast<std::size_t>(model.productCount) + 5);
+    ScanAssemblyEntities(reader);
+    if (reader.overrun) { return 1; }
+    MakeRoom(session.products, static_cast<std::int32_t>(reader.products.size()));
+    for (ProductNode* const product : reader.products) {
+        session.products[session.products.count++] = product;
+        if (isTopFile && product->isRoot == 1) { session.root = product; }
+        if (product->fileName != nullptr) { PushPartQueue(session, product); }
+    }
+    return 0;
+}
+
+int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
+    TextWalk walk = reader.model.WalkFrom(entity);
+    walk.GoTo('(');
+    const std::int32_t relationshipId = ReadReference(&walk);
+    const std::int32_t shapeId = NextReference(&walk);
+    if (NoteOverrun(reader, walk, entity->id) || !OpenBehindCommas(reader, shapeId, 0, &walk)) { return 1; }
+    const std::int32_t usageId = ReadReference(&walk);
+    if (NoteOverrun(reader, walk, shapeId) || !OpenBehindCommas(reader, usageId, 2, &walk)) { return 1; }
+    const std::int32_t parentId = ReadReference(&walk);
+    const std::int32_t childId = NextReference(&walk);
+    if (NoteOverrun(reader, walk, usageId)) { return 1; }
+    std::string_view parentName;
+    std::string_view childName;
+    std::int32_t parentFormation = 0;
+    std::int32_t childFormation = 0;
+    if (ReadProductName(reader, parentId, &parentName, &parentFormation) != 0 ||
+        ReadProductName(reader, childId, &childName, &childFormation) != 0) {
+        return 1;
+    }
+    // A complex instance: the transformation stands behind its third opening parenthesis.
+    if (!OpenBehindCommas(reader, relationshipId, 0, &walk)) { return 1; }
+    for (int i = 0; i < 2; ++i) {
+        walk.Step();
+        walk.GoTo('(');
+    }
+    const std::int32_t transformId = ReadReference(&walk);
+    if (NoteOverrun(reader, walk, relationshipId)) { return 1; }
+    double rotation[9];
+    double translation[3];
+    ReadTransform(reader, transformId, rotation, translation);
+    if (reader.overrun) { return 1; }
+
+    ProductNode* const parent = IdentifyProduct(reader, parentId, parentName, parentFormation);
+    ProductNode* const child = IdentifyProduct(reader, childId, childName, childFormation);
+    Occurrence* const occurrence = reader.arena.New<Occurrence>();
+    if (parent == nullptr || child == nullptr || occurrence == nullptr) { return 1; }
+    child->isRoot = 0;
+    std::copy_n(rotation, 9, occurrence->rotation);
+    std::copy_n(translation, 3, occurrence->translation);
+    occurrence->child = child;
+    return AddOccurrence(reader.arena, parent, occurrence) ? 0 : 1;
+}
+
+bool AddOccurrence(Arena& arena, ProductNode* product, Occurrence* occurrence) {
+    return AppendPointer(arena, &product->occurrences, &product->occurrenceCapacity,
+                         &product->occurrenceCount, occurrence);
+}
+
+int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::string_view* name,
+                    std::int32_t* formationId) {
+    TextWalk walk;
+    if (!OpenBehindCommas(reader, definitionId, 2, &walk)) { return 1; }
+    *formationId = ReadReference(&walk);
+    if (NoteOverrun(reader, walk, definitionId) || !OpenBehindCommas(reader, *formationId, 2, &walk)) {
+        return 1;
+    }
+    const std::int32_t productId = ReadReference(&walk);
+    if (NoteOverrun(reader, walk, *formationId) || !OpenBehindCommas(reader, productId, 0, &walk)) {
+        return 1;
+    }
+    walk.GoTo('\'');
+    walk.Step();
+    *name = ReadQuoted(&walk, 300);
+    return NoteOverrun(reader, walk, productId) ? 1 : 0;
+}
+
+int ReadPlacement(AssemblyReader& reader, std::int32_t placementId, double values[9]) {
+    TextWalk walk;
+    if (!OpenBehindCommas(reader, placementId, 1, &walk)) { return 1; }
+    std::int32_t ids[3];
+    ids[0] = ReadReference(&walk);
+    ids[1] = NextReference(&walk);
+    ids[2] = NextReference(&walk);
+    if (NoteOverrun(reader, walk, placementId)) { return 1; }
+    for (int i = 0; i < 3; ++i) {
+        if (!ReadTriple(reader, ids[i], values + 3 * i)) { return 1; }
+    }
+    return 0;
+}
+
+int ReadTransform(AssemblyReader& reader, std::int32_t transformId, double rotation[9],
+                  double translation[3]) {
+    constexpr double kIdentity[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+    std::copy_n(kIdentity, 9, rotation);
+    std::fill_n(translation, 3, 0.0);
+    TextWalk walk;
+    if (!OpenBehindCommas(reader, transformId, 2, &walk)) { return 1; }
+    const std::int32_t sourceId = ReadReference(&walk);
+    const std::int32_t targetId = NextReference(&walk);
+    if (NoteOverrun(reader, walk, transformId)) { return 1; }
+    double source[9] = {}; // location, axis, reference direction; what a placement lacks is 0
+    double target[9] = {};
+    ReadPlacement(reader, sourceId, source);
+    ReadPlacement(reader, targetId, target);
+    for (int i = 0; i < 3; ++i) { translation[i] = target[i] - source[i]; }
+    double a[9];
+    double b[9];
+    FrameRows(source + 3, source + 6, a);
+    FrameRows(target + 3, target + 6, b);
+    return Combine(a, b, rotation) ? 0 : 1;
+}
+
+ProductNode* IdentifyProduct(AssemblyReader& reader, std::int32_t definitionId, std::string_view name,
+                             std::int32_t formationId) {
+    if (ProductNode* const known = reader.productMap.Find(definitionId)) { return known; }
+    if (ProductNode* const queued = FindQueued(reader.session, name)) { return queued; }
+    return MakeProduct(reader, definitionId, name, formationId);
+}
+
+ProductNode* MakeProduct(AssemblyReader& reader, std::int32_t definitionId, std::string_view name,
+                         std::int32_t formationId) {
+    ProductNode* const product = reader.arena.New<ProductNode>();
+    const char* const copy = reader.arena.Copy(name.data(), name.size());
+    if (product == nullptr || copy == nullptr) { return nullptr; }
+    product->isRoot = 1;
+    product->name = copy;
+    product->definitionId = definitionId;
+    product->formationId = formationId;
+    reader.products.push_back(product);
+    return reader.productMap.Add(product) ? product : nullptr;
+}
+
+bool NoteOverrun(AssemblyReader& reader, const TextWalk& walk, std::int32_t entityId) {
+    if (walk.overrun && !reader.overrun) {
+        reader.overrun = true;
+        ConsolePrint("<E> %s: its structure is given up, #%d runs past the end of the file\n",
+                     reader.model.fileName.c_str(), entityId);
+    }
+    return walk.overrun;
+}
+
+} // namespace tarnwick

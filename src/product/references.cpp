@@ -1,0 +1,76 @@
+// Which file a product's geometry or structure stands in, and the queue of the files that are to be read.
+
+#include "load/p21/keyword_codes.h"
+#include "product/assembly_reader.h"
+
+#include <algorithm>
+#include <string>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr std::size_t kLongestFileName = 299;
+
+// The first string of the document's line, cut at the longest name.
+bool ReadFileName(AssemblyReader& reader, const P42Ent* document, std::string* name) {
+    TextWalk walk = reader.model.WalkFrom(document);
+    walk.GoTo('(');
+    walk.GoTo('\'');
+    walk.Step();
+    const std::string_view rest(walk.at, static_cast<std::size_t>(walk.end - walk.at));
+    const std::size_t quote = rest.find('\'');
+    if (quote == std::string_view::npos && rest.size() < kLongestFileName) { walk.overrun = true; }
+    if (NoteOverrun(reader, walk, document->id)) { return false; }
+    name->assign(rest.substr(0, std::min(quote, kLongestFileName)));
+    return true;
+}
+
+} // namespace
+
+int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
+    TextWalk walk = reader.model.WalkFrom(entity);
+    walk.GoTo('(');
+    const std::int32_t documentId = ReadReference(&walk);
+    walk.GoTo(',');
+    walk.Step();
+    walk.GoTo(',');
+    walk.GoTo('(');
+    const std::int32_t definitionId = ReadReference(&walk);
+    if (NoteOverrun(reader, walk, entity->id)) { return 1; }
+    ProductNode* product = reader.productMap.Find(definitionId);
+    if (product == nullptr) {
+        std::string_view name;
+        std::int32_t formationId = 0;
+        if (ReadProductName(reader, definitionId, &name, &formationId) != 0) { return 1; }
+        // Queued by another file already: it keeps the file that it has.
+        if (FindQueued(reader.session, name) != nullptr) { return 0; }
+        product = MakeProduct(reader, definitionId, name, formationId);
+        if (product == nullptr) { return 1; }
+    }
+    const P42Ent* const document = reader.model.Find(documentId);
+    if (document == nullptr) { return 1; }
+    std::string fileName;
+    if (!ReadFileName(reader, document, &fileName)) { return 1; }
+    if (fileName.ends_with(".cgr")) { fileName.replace(fileName.size() - 3, 3, "stp"); }
+    if (fileName.find("...") != std::string::npos) { return 2; }
+    const char* const copy = reader.arena.Copy(fileName.data(), fileName.size());
+    if (copy == nullptr) { return 1; }
+    product->fileName = copy;
+    return 0;
+}
+
+ProductNode* FindQueued(const LoadSession& session, std::string_view name) {
+    const auto found = session.queuedNames.find(name);
+    return found != session.queuedNames.end() ? found->second : nullptr;
+}
+
+void PushPartQueue(LoadSession& session, ProductNode* product) {
+    session.queuedNames.emplace(product->name, product);
+    const std::lock_guard guard(session.queueLock);
+    ProductArray& queue = session.queue;
+    if (queue.count == queue.capacity) { queue.Allocate(2 * queue.capacity); }
+    queue[queue.count++] = product;
+}
+
+} // namespace tarnwick
