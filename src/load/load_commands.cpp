@@ -60,10 +60,7 @@ void LoadStepFile(SceneView& view, const char* path, int useThreads) {
     ResetScene(view);
     DropRecords(view);
     LoadSession session;
-    session.progressContext = &view;
-    session.progress = [](void* context, std::int32_t filesRead, std::int32_t filesKnown) {
-        static_cast<SceneView*>(context)->ShowProgress(filesRead, filesKnown);
-    };
+    session.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
     const int result = TraiteSTEPFile(session, path, useThreads);
     view.unreadFiles = std::move(session.unreadFiles);
     if (result != 0) { return; }

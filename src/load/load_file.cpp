@@ -81,9 +81,7 @@ void LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, in
 void ChangeDepth(LoadDispatch& dispatch, std::int32_t depth) {
     dispatch.controls.SetDepthLabel(depth);
     dispatch.controls.UpdateData();
-    if (dispatch.commands.selectDepth != nullptr) {
-        dispatch.commands.selectDepth(dispatch.view, depth);
-    }
+    if (dispatch.commands.selectDepth != nullptr) { dispatch.commands.selectDepth(dispatch.view, depth); }
     dispatch.view.selectedIndex = -1;
     dispatch.controls.SetStatusText(StatusText(dispatch.view, true));
 }

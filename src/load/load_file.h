@@ -59,8 +59,8 @@ std::wstring JoinArguments(const std::vector<std::string>& arguments);
 // does nothing.
 void LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, int useThreads);
 
-// What a move of the Depth slider to `depth` does: other boxes for a summary file, no pick, and the status text
-// anew. The caller has the view drawn.
+// What a move of the Depth slider to `depth` does: other boxes for a summary file, no pick, and the status
+// text anew. The caller has the view drawn.
 void ChangeDepth(LoadDispatch& dispatch, std::int32_t depth);
 
 // The status text for what the view holds, "Nb Triangles: 1024  CPU tot: 0.125s "; with `withWords` false

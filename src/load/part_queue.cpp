@@ -35,7 +35,7 @@ ProductNode* Claim(LoadSession& session, std::int32_t* entry) {
 }
 
 void ShowProgress(LoadSession& session) {
-    if (session.progress == nullptr) { return; }
+    if (!session.progress) { return; }
     std::int32_t known = 0;
     std::int32_t claimed = 0;
     {
@@ -43,7 +43,7 @@ void ShowProgress(LoadSession& session) {
         known = session.queue.count;
         claimed = session.queueCursor;
     }
-    session.progress(session.progressContext, claimed, known);
+    session.progress(claimed, known);
 }
 
 void NoteUnread(LoadSession& session, std::int32_t entry, std::string path, const ProductNode& product,

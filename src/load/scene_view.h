@@ -47,7 +47,7 @@ struct SceneView {
     std::int32_t selectedExactFaceId = 0;
     std::int32_t selectedContainerId = 0;
     std::int32_t selectedExactContainerId = 0;
-    std::string rootName;             // of the root product, P21 files only
+    std::string rootName; // of the root product, P21 files only
     bool hasRootName = false;
     double framesPerSecond = 0;    // 1 divided by the seconds that the last frame took
     std::uint32_t sceneNumber = 0; // counts the resets: what was found out about a scene holds for one number

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -71,10 +72,9 @@ struct LoadSession {
     std::unordered_map<std::string_view, ProductNode*> queuedNames;
     std::atomic<std::int32_t> done[kWorkers] = {}; // set to 1 by worker k as it leaves its loop
 
-    // Called now and then on the thread that runs the load, with the files read so far and those known of;
-    // may be null.
-    void (*progress)(void* context, std::int32_t filesRead, std::int32_t filesKnown) = nullptr;
-    void* progressContext = nullptr;
+    // Told, on the thread that runs the load and on no other, how many of the files known so far have been
+    // read. May be empty.
+    std::function<void(std::int32_t filesRead, std::int32_t filesKnown)> progress;
 
     std::mutex unreadLock;
     std::vector<UnreadFile> unreadFiles; // guarded by unreadLock
