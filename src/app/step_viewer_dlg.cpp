@@ -125,6 +125,7 @@ void STEPViewerDlg::Load(const std::wstring& arguments, int useThreads) {
     progressShown_ = ClockSeconds();
     LoadFile(dispatch_, tokens[0].c_str(), tokens.size() > 1 ? tokens[1].c_str() : nullptr, useThreads);
     if (kindWasKnown_) { shownTitle_ = TitleText(dispatch_.currentPath, View()); }
+    if (OwnUnreadReason(View()) != nullptr) { Invalidate(); } // such a load draws no frame of its own
     setWindowTitle(EyeText(kindWasKnown_ ? shownTitle_ : RefusedTitle(shownTitle_, dispatch_.currentPath)));
 }
 

@@ -1,7 +1,5 @@
 #include "app/title_text.h"
 
-#include <algorithm>
-
 namespace tarnwick {
 
 namespace {
@@ -25,10 +23,8 @@ bool IsAllTransparent(const SceneView& view) {
 
 // What of the load isn't there, in words.
 std::string Absence(const SceneView& view) {
+    if (const char* const reason = OwnUnreadReason(view)) { return std::string(" (it ") + reason + ')'; }
     const auto& unread = view.unreadFiles;
-    const auto own = std::find_if(unread.begin(), unread.end(),
-                                  [](const UnreadFile& file) { return file.productName.empty(); });
-    if (own != unread.end()) { return std::string(" (it ") + own->reason + ')'; }
     if (unread.size() == 1) { return " (1 file could not be read)"; }
     if (!unread.empty()) { return " (" + std::to_string(unread.size()) + " files could not be read)"; }
     if (view.drawnTriangles == 0) { return " (no tessellated geometry)"; }
@@ -36,6 +32,13 @@ std::string Absence(const SceneView& view) {
 }
 
 } // namespace
+
+const char* OwnUnreadReason(const SceneView& view) {
+    for (const UnreadFile& file : view.unreadFiles) {
+        if (file.productName.empty()) { return file.reason; }
+    }
+    return nullptr;
+}
 
 std::string TitleText(const std::string& path, const SceneView& view) {
     return path.empty() ? "Tarnwick" : FileName(path) + " - Tarnwick" + Absence(view);

@@ -6,6 +6,9 @@
 
 namespace tarnwick {
 
+// What is wrong with the file that was to be shown itself, as a phrase; null when it could be read.
+const char* OwnUnreadReason(const SceneView& view);
+
 // The title bar of a dialog that shows the file at `path` (empty for none): the file, the program, and what
 // people should know about the load that the console and the status text don't tell.
 std::string TitleText(const std::string& path, const SceneView& view);
