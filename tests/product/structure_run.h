@@ -3,6 +3,7 @@
 #include "product/assembly_reader.h"
 #include "support/assembly_text.h"
 #include "support/capture.h"
+#include "support/table_order.h"
 #include "support/temp_folder.h"
 
 #include <map>
@@ -41,9 +42,6 @@ private:
 };
 
 std::vector<std::string> ChildrenOf(const ProductNode& product);
-
-// Numbers in the order in which a table of `entityCount` entities has them, worked out the long way.
-std::vector<int> TableOrder(const std::vector<int>& ids, int entityCount);
 
 // A file with one occurrence of "leaf" under "top", moved by (1, 2, 3), whose lines can be exchanged one by
 // one.
