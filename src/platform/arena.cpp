@@ -52,7 +52,7 @@ void* Arena::Allocate(std::size_t bytes) {
 char* Arena::Copy(const char* text, std::size_t length) {
     char* const copy = static_cast<char*>(Allocate(length + 1));
     if (copy == nullptr) { return nullptr; }
-    std::memcpy(copy, text, length);
+    if (length > 0) { std::memcpy(copy, text, length); }
     copy[length] = '\0';
     return copy;
 }

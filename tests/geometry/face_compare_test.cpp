@@ -27,9 +27,7 @@ public:
         text += std::to_string(Below(OneIn(3) ? 100000 : 10));
         if (!OneIn(10)) {
             text += ".";
-            for (int digits = Below(9); digits > 0; --digits) {
-                text += static_cast<char>('0' + Below(10));
-            }
+            for (int digits = Below(9); digits > 0; --digits) { text += static_cast<char>('0' + Below(10)); }
         }
         if (OneIn(6)) {
             text += OneIn(2) ? "E-" : OneIn(2) ? "E+" : "E";
@@ -53,15 +51,11 @@ public:
     }
     std::string Indices(int count, int most) {
         std::string text = "(";
-        for (int i = 0; i < count; ++i) {
-            text += (i > 0 ? "," + Blank(20) : "") + Index(most);
-        }
+        for (int i = 0; i < count; ++i) { text += (i > 0 ? "," + Blank(20) : "") + Index(most); }
         return text + Blank(30) + ")";
     }
     std::string IndexLists(int most) {
-        if (OneIn(4)) {
-            return OneIn(2) ? "$" : "()";
-        }
+        if (OneIn(4)) { return OneIn(2) ? "$" : "()"; }
         std::string text = "(";
         for (int lists = 1 + Below(4), i = 0; i < lists; ++i) {
             text += (i > 0 ? "," : "") + Indices(1 + Below(7), most);
@@ -108,14 +102,10 @@ public:
                 : normals == 2 ? Triples(1)
                 : normals == 3 ? Triples(1 + Below(points + 1))
                                : Triples(vertices);
-        if (code != 2) {
-            text += "," + Blank() + (OneIn(2) ? "$" : "#" + std::to_string(Below(500)));
-        }
+        if (code != 2) { text += "," + Blank() + (OneIn(2) ? "$" : "#" + std::to_string(Below(500))); }
         text += "," + Blank() + pnindex;
         text += "," + Blank() + (code == 0 ? Triangles(vertices) : IndexLists(vertices));
-        if (code != 0) {
-            text += "," + Blank() + IndexLists(vertices);
-        }
+        if (code != 0) { text += "," + Blank() + IndexLists(vertices); }
         return text + ");";
     }
     // Deletes, inserts or replaces a character behind the line's number.
@@ -157,12 +147,8 @@ std::string Difference(const FaceOutcome& real, const FaceOutcome& plain) {
     if (real.output != plain.output) {
         return "message '" + real.output + "' and not '" + plain.output + "'";
     }
-    if (!real.problem.empty()) {
-        return "a problem: " + real.problem;
-    }
-    if (real.result < 0) {
-        return "";
-    }
+    if (!real.problem.empty()) { return "a problem: " + real.problem; }
+    if (real.result < 0) { return ""; }
     return real.faceId != plain.faceId                  ? "faceId"
            : real.exactFaceId != plain.exactFaceId      ? "exactFaceId"
            : real.pnmax != plain.pnmax                  ? "pnmax"
@@ -178,9 +164,7 @@ std::string Difference(const FaceOutcome& real, const FaceOutcome& plain) {
 }
 
 std::string Shown(std::string text) {
-    for (std::size_t i; (i = text.find('\0')) != std::string::npos;) {
-        text.replace(i, 1, "<NUL>");
-    }
+    for (std::size_t i; (i = text.find('\0')) != std::string::npos;) { text.replace(i, 1, "<NUL>"); }
     return text;
 }
 
@@ -206,22 +190,16 @@ void Compare(const std::vector<EntityLine>& lines, StreamCapture* output, Tally*
         }
     };
     for (const EntityLine& line : lines) {
-        if (line.code != 17 && line.code != 18 && line.code != 20) {
-            continue;
-        }
+        if (line.code != 17 && line.code != 18 && line.code != 20) { continue; }
         FaceOutcome plain;
         try {
             plain = plainReader.Read(line.id);
         } catch (const NoOutcome& none) {
             ++tally->undefined;
             const FaceOutcome real = file.Read(line.id, output);
-            if (real.result != -1) {
-                differ(line, std::string("accepted, though ") + none.reason);
-            }
+            if (real.result != -1) { differ(line, std::string("accepted, though ") + none.reason); }
             return;
-        } catch (const EndsProcess&) {
-            return;
-        }
+        } catch (const EndsProcess&) { return; }
         const FaceOutcome real = file.Read(line.id, output);
         ++tally->defined;
         tally->messages += plain.output.empty() ? 0 : 1;
@@ -241,9 +219,7 @@ void Compare(const std::vector<EntityLine>& lines, StreamCapture* output, Tally*
 void Expect(const Tally& tally) {
     EXPECT_EQ(tally.differences.size(), 0u);
     for (const std::string& difference : tally.differences) {
-        if (!difference.empty()) {
-            ADD_FAILURE() << difference;
-        }
+        if (!difference.empty()) { ADD_FAILURE() << difference; }
     }
 }
 
@@ -261,9 +237,7 @@ std::vector<EntityLine> RandomLines(Maker& maker, int damages) {
         const int list = maker.Below(lists);
         lines.push_back(maker.Face(20 + face, 10 + list, points[list]));
     }
-    if (maker.OneIn(2)) {
-        std::swap(lines.front(), lines.back());
-    }
+    if (maker.OneIn(2)) { std::swap(lines.front(), lines.back()); }
     std::vector<EntityLine> entities(lines.begin(), lines.end());
     for (; damages > 0; --damages) {
         maker.Damage(
@@ -283,9 +257,7 @@ TEST(TraiteFaceEqualsItsPlainForm, OnWellFormedFaces) {
     Tally tally;
     {
         StreamCapture output(stdout);
-        for (int i = 0; i < kTexts / 2; ++i) {
-            Compare(RandomLines(maker, 0), &output, &tally);
-        }
+        for (int i = 0; i < kTexts / 2; ++i) { Compare(RandomLines(maker, 0), &output, &tally); }
     }
     Expect(tally);
     EXPECT_GT(tally.defined, kTexts / 2);
@@ -296,9 +268,7 @@ TEST(TraiteFaceEqualsItsPlainForm, OnFacesWithOneDamage) {
     Tally tally;
     {
         StreamCapture output(stdout);
-        for (int i = 0; i < kTexts; ++i) {
-            Compare(RandomLines(maker, 1), &output, &tally);
-        }
+        for (int i = 0; i < kTexts; ++i) { Compare(RandomLines(maker, 1), &output, &tally); }
     }
     Expect(tally);
     EXPECT_GT(tally.messages, kTexts / 100);
@@ -311,9 +281,7 @@ TEST(TraiteFaceEqualsItsPlainForm, OnFacesWithSeveralDamages) {
     Tally tally;
     {
         StreamCapture output(stdout);
-        for (int i = 0; i < kTexts; ++i) {
-            Compare(RandomLines(maker, 2 + maker.Below(4)), &output, &tally);
-        }
+        for (int i = 0; i < kTexts; ++i) { Compare(RandomLines(maker, 2 + maker.Below(4)), &output, &tally); }
     }
     Expect(tally);
 }

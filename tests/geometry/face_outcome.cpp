@@ -24,9 +24,7 @@ namespace {
 
 std::vector<EntityLine> EntityLines(const std::vector<std::string>& lines) {
     std::vector<EntityLine> entities;
-    for (const std::string& line : lines) {
-        entities.emplace_back(line);
-    }
+    for (const std::string& line : lines) { entities.emplace_back(line); }
     return entities;
 }
 
@@ -54,9 +52,7 @@ void FaceFile::Open(const FaceText& text) {
     const auto bits = HashBits(static_cast<std::int32_t>(records_.size()));
     model_.entityMap =
         ::new (workspace_.index.Allocate(sizeof(MapP42Ent))) MapP42Ent(&workspace_.index, bits);
-    for (P42Ent& record : records_) {
-        model_.entityMap->Add(&record);
-    }
+    for (P42Ent& record : records_) { model_.entityMap->Add(&record); }
 }
 
 FaceOutcome FaceFile::Read(std::int32_t id, StreamCapture* output) {

@@ -112,7 +112,7 @@ TEST(FeElements, FindMinimumAndMaximumByTheStatedRule) {
         double low, high;
     };
     const Case cases[] = {
-        {{5, 5, 5, 5}, 5, 5},     {{2, 4, 6, 8}, 2, 8},          {{6, 4, 2, 8}, 2, 8},
+        {{5, 5, 5, 5}, 5, 5},     {{2, 4, 6, 8}, 2, 8},      {{6, 4, 2, 8}, 2, 8},
         {{8, 6, 4, 2}, 2, 8},     {{3, 0, -2, 4}, 3, 4}, // 0 and below never lower it
         {{0, 3, 4, 5}, 0, 5},                            // but begin with it: the maximum was still 0
         {{-5, 3, 4, 5}, 0, 5},                           // so also below 0

@@ -16,9 +16,7 @@ std::string FaceLine(int id) {
 PartFile::PartFile(std::string_view bytes, std::string_view name, ProductNode* product)
     : model(workspace, folder.Write(name, bytes)) {
     LogCapture log;
-    if (model.Read() != StepModel::kRead) {
-        std::abort();
-    }
+    if (model.Read() != StepModel::kRead) { std::abort(); }
     log.TakeOutput();
     log.TakeConsole();
     reader = std::make_unique<PartReader>(model, product, arena, scratch);
@@ -29,25 +27,19 @@ PartFile::PartFile(std::string_view bytes, std::string_view name, ProductNode* p
 
 const StepFaceB& PartFile::FaceOf(std::int32_t id) const {
     for (const StepFaceB* const face : scratch.faces) {
-        if (face->faceId == id) {
-            return *face;
-        }
+        if (face->faceId == id) { return *face; }
     }
     std::abort();
 }
 
 std::vector<std::int32_t> PartFile::FaceIds() const {
     std::vector<std::int32_t> ids;
-    for (const StepFaceB* const face : scratch.faces) {
-        ids.push_back(face->faceId);
-    }
+    for (const StepFaceB* const face : scratch.faces) { ids.push_back(face->faceId); }
     return ids;
 }
 
 const DrawItem* PartFile::Item() const {
-    if (reader->product == nullptr || reader->product->drawList == nullptr) {
-        return nullptr;
-    }
+    if (reader->product == nullptr || reader->product->drawList == nullptr) { return nullptr; }
     return reader->product->drawList->items[0];
 }
 

@@ -201,9 +201,7 @@ TEST(ReadPart, KeepsAllOfManyFaces) {
         const PartFile part(PartText("(#20)", lines));
         EXPECT_EQ(part.result, 0);
         ASSERT_EQ(part.Item()->meshCount, count);
-        for (int i = 0; i < count; ++i) {
-            ASSERT_EQ(part.Item()->meshes[i]->faceId, 100 + i);
-        }
+        for (int i = 0; i < count; ++i) { ASSERT_EQ(part.Item()->meshes[i]->faceId, 100 + i); }
         EXPECT_EQ(part.reader->triangleSum, static_cast<unsigned>(count));
     }
 }

@@ -34,20 +34,14 @@ float ToFloat(const char* p) {
 
 char PlainFaceReader::At(long position) const {
     const long place = line_ + position;
-    if (place < 0 || place > static_cast<long>(text_.size())) {
-        throw NoOutcome{"past the text"};
-    }
+    if (place < 0 || place > static_cast<long>(text_.size())) { throw NoOutcome{"past the text"}; }
     return text_.c_str()[place];
 }
 
 void PlainFaceReader::Set(long position, char c) {
     const long place = line_ + position;
-    if (place < 0 || place > static_cast<long>(text_.size())) {
-        throw NoOutcome{"past the text"};
-    }
-    if (place < static_cast<long>(text_.size())) {
-        text_[static_cast<std::size_t>(place)] = c;
-    }
+    if (place < 0 || place > static_cast<long>(text_.size())) { throw NoOutcome{"past the text"}; }
+    if (place < static_cast<long>(text_.size())) { text_[static_cast<std::size_t>(place)] = c; }
 }
 
 const char* PlainFaceReader::From(long position) const {
@@ -56,9 +50,7 @@ const char* PlainFaceReader::From(long position) const {
 }
 
 long PlainFaceReader::Find(char c, long from) const {
-    while (At(from) != c) {
-        ++from;
-    }
+    while (At(from) != c) { ++from; }
     return from;
 }
 
@@ -67,9 +59,7 @@ void PlainFaceReader::GoTo(char c) {
 }
 
 void PlainFaceReader::SkipBlanks() {
-    while (At(pos_) == ' ') {
-        ++pos_;
-    }
+    while (At(pos_) == ' ') { ++pos_; }
 }
 
 // There is never another line.
@@ -80,21 +70,15 @@ void PlainFaceReader::Refill() {
 
 const P42Ent* PlainFaceReader::Record(std::int32_t id) const {
     for (const P42Ent& record : records_) {
-        if (record.id == id) {
-            return &record;
-        }
+        if (record.id == id) { return &record; }
     }
     return nullptr;
 }
 
 std::int32_t PlainFaceReader::Digits(long limit) {
     std::string buffer;
-    while (pos_ < limit && buffer.size() < 15 && IsDigit(At(pos_))) {
-        buffer += At(pos_++);
-    }
-    if (buffer.size() >= 15) {
-        throw EndsProcess{};
-    }
+    while (pos_ < limit && buffer.size() < 15 && IsDigit(At(pos_))) { buffer += At(pos_++); }
+    if (buffer.size() >= 15) { throw EndsProcess{}; }
     return ToInteger(buffer.c_str());
 }
 
@@ -110,25 +94,19 @@ int PlainFaceReader::ArgumentSuivant() {
     if (At(pos_) != ',') {
         do {
             ++pos_;
-            if (refilled()) {
-                return 1;
-            }
+            if (refilled()) { return 1; }
         } while (At(pos_) != ',');
     }
     do {
         ++pos_;
-        if (refilled()) {
-            return 1;
-        }
+        if (refilled()) { return 1; }
     } while (At(pos_) == ' ');
     return 0;
 }
 
 std::int32_t PlainFaceReader::LitReference() {
     for (int steps = 0; steps < 100 && At(pos_) != '#'; ++steps) {
-        if (At(pos_) == ',' || At(pos_) == ')') {
-            return -1;
-        }
+        if (At(pos_) == ',' || At(pos_) == ')') { return -1; }
         ++pos_;
     }
     ++pos_;
@@ -137,9 +115,7 @@ std::int32_t PlainFaceReader::LitReference() {
 
 void PlainFaceReader::TraiteCoords(Points* points) {
     SkipBlanks();
-    if (At(pos_) == '$') {
-        return;
-    }
+    if (At(pos_) == '$') { return; }
     GoTo('(');
     ++pos_;
     SkipBlanks();
@@ -155,25 +131,19 @@ void PlainFaceReader::TraiteCoords(Points* points) {
         Set(second, ',');
         points->z.push_back(ToFloat(From(second + 1)));
         pos_ = close + 1;
-        while (At(pos_) != '(' && At(pos_) != ')' && At(pos_) != '\n' && At(pos_) != '\0') {
-            ++pos_;
-        }
+        while (At(pos_) != '(' && At(pos_) != ')' && At(pos_) != '\n' && At(pos_) != '\0') { ++pos_; }
         if (At(pos_) == '\n' || At(pos_) == '\0') {
             Refill();
             output_ += "<E> StepFaceB::TraiteCoords: Fin de fichier\n";
             return;
         }
-        if (At(pos_) == ')') {
-            return;
-        }
+        if (At(pos_) == ')') { return; }
     }
 }
 
 int PlainFaceReader::TraiteTriangle(Integers* a, Integers* b, Integers* c) {
     SkipBlanks();
-    if (At(pos_) == '$') {
-        return 0;
-    }
+    if (At(pos_) == '$') { return 0; }
     GoTo('(');
     ++pos_;
     SkipBlanks();
@@ -189,47 +159,33 @@ int PlainFaceReader::TraiteTriangle(Integers* a, Integers* b, Integers* c) {
         Set(second, ',');
         c->push_back(FromOneToZero(ToInteger(From(second + 1))));
         pos_ = close + 1;
-        while (At(pos_) != '(' && At(pos_) != ')' && At(pos_) != '\n' && At(pos_) != '\0') {
-            ++pos_;
-        }
+        while (At(pos_) != '(' && At(pos_) != ')' && At(pos_) != '\n' && At(pos_) != '\0') { ++pos_; }
         if (At(pos_) == '\n' || At(pos_) == '\0') {
             Refill();
             output_ += "<E> StepFaceB::TraiteTriangle: Fin de fichier\n";
             return 0;
         }
-        if (At(pos_) == ')') {
-            return 0;
-        }
+        if (At(pos_) == ')') { return 0; }
     }
 }
 
 int PlainFaceReader::LitEntiers(Integers* list) {
-    if (At(pos_) == ')') {
-        return 0;
-    }
-    if (At(pos_) == '(') {
-        ++pos_;
-    }
+    if (At(pos_) == ')') { return 0; }
+    if (At(pos_) == '(') { ++pos_; }
     int values = 0;
     for (;;) {
         long delimiter = pos_;
-        while (At(delimiter) != ',' && At(delimiter) != ')') {
-            ++delimiter;
-        }
+        while (At(delimiter) != ',' && At(delimiter) != ')') { ++delimiter; }
         list->push_back(FromOneToZero(ToInteger(From(pos_))));
         ++values;
         pos_ = delimiter + 1;
-        if (At(delimiter) == ')') {
-            break;
-        }
+        if (At(delimiter) == ')') { break; }
         if (At(pos_) == '\n' || At(pos_) == '\0') {
             Refill();
             return -1;
         }
     }
-    if (At(pos_) == ',') {
-        ++pos_;
-    }
+    if (At(pos_) == ',') { ++pos_; }
     if (At(pos_) == '\n' || At(pos_) == '\0') {
         Refill();
         return -1;
@@ -239,23 +195,15 @@ int PlainFaceReader::LitEntiers(Integers* list) {
 
 int PlainFaceReader::TraiteStrip(Integers* a, Integers* b, Integers* c) {
     SkipBlanks();
-    if (At(pos_) == '$') {
-        return 0;
-    }
+    if (At(pos_) == '$') { return 0; }
     GoTo('(');
     ++pos_;
     SkipBlanks();
-    if (At(pos_) == ')') {
-        return 0;
-    }
+    if (At(pos_) == ')') { return 0; }
     for (int breaks = 0;;) {
         Integers s;
-        if (LitEntiers(&s) < 0 && ++breaks > 1) {
-            throw NoOutcome{"it would start over for ever"};
-        }
-        if (s.empty()) {
-            return 0;
-        }
+        if (LitEntiers(&s) < 0 && ++breaks > 1) { throw NoOutcome{"it would start over for ever"}; }
+        if (s.empty()) { return 0; }
         bool positive = true;
         for (std::size_t i = 0; i + 2 < s.size(); ++i) {
             a->push_back(positive ? s[i] : s[i + 2]);
@@ -268,23 +216,15 @@ int PlainFaceReader::TraiteStrip(Integers* a, Integers* b, Integers* c) {
 
 int PlainFaceReader::TraiteFan(Integers* a, Integers* b, Integers* c) {
     SkipBlanks();
-    if (At(pos_) == '$') {
-        return 0;
-    }
+    if (At(pos_) == '$') { return 0; }
     GoTo('(');
     ++pos_;
     SkipBlanks();
-    if (At(pos_) == ')') {
-        return 0;
-    }
+    if (At(pos_) == ')') { return 0; }
     for (int breaks = 0;;) {
         Integers s;
-        if (LitEntiers(&s) < 0 && ++breaks > 1) {
-            throw NoOutcome{"it would start over for ever"};
-        }
-        if (s.empty()) {
-            return 0;
-        }
+        if (LitEntiers(&s) < 0 && ++breaks > 1) { throw NoOutcome{"it would start over for ever"}; }
+        if (s.empty()) { return 0; }
         for (std::size_t i = 1; i + 1 < s.size(); ++i) {
             a->push_back(s[0]);
             b->push_back(s[i]);
@@ -305,9 +245,7 @@ void PlainFaceReader::GoToPoints(const P42Ent* list) {
 
 void PlainFaceReader::TraiteIndexCoords(std::int32_t coordinatesId, const Integers& pnindex, Points* points) {
     const P42Ent* const list = Record(coordinatesId);
-    if (list == nullptr) {
-        throw NoOutcome{"no such list"};
-    }
+    if (list == nullptr) { throw NoOutcome{"no such list"}; }
     if (coordinatesId != cachedId_) {
         GoToPoints(list);
         Points read;
@@ -345,24 +283,16 @@ FaceOutcome PlainFaceReader::Read(std::int32_t id) {
     GoTo(',');
     ++pos_;
     if (At(pos_) != '$') {
-        while (pos_ < 100 && !IsDigit(At(pos_))) {
-            ++pos_;
-        }
+        while (pos_ < 100 && !IsDigit(At(pos_))) { ++pos_; }
         face.pnmax = Digits(100);
     }
-    if (ArgumentSuivant() != 0) {
-        return failed();
-    }
+    if (ArgumentSuivant() != 0) { return failed(); }
     Points normals;
-    if (At(pos_) == '(' && At(pos_ + 1) != ')') {
-        TraiteCoords(&normals);
-    }
+    if (At(pos_) == '(' && At(pos_ + 1) != ')') { TraiteCoords(&normals); }
     face.normalCount = static_cast<std::int32_t>(normals.x.size());
     if (entity->code != 20) {
         ArgumentSuivant();
-        if (At(pos_) == '#') {
-            face.exactFaceId = LitReference();
-        }
+        if (At(pos_) == '#') { face.exactFaceId = LitReference(); }
     }
     ArgumentSuivant();
     SkipBlanks();
@@ -371,23 +301,17 @@ FaceOutcome PlainFaceReader::Read(std::int32_t id) {
         SkipBlanks();
         if (At(pos_) != '$' && At(pos_) != ')') {
             LitEntiers(&face.pnindex);
-            if (!face.pnindex.empty()) {
-                pos_ -= 2;
-            }
+            if (!face.pnindex.empty()) { pos_ -= 2; }
         }
     }
     Integers a, b, c;
     // A list of triangles that isn't there any more is a failure; a list that breaks off isn't.
-    if (ArgumentSuivant() != 0 && kMissingListFails) {
-        return failed();
-    }
+    if (ArgumentSuivant() != 0 && kMissingListFails) { return failed(); }
     if (entity->code == 17) {
         TraiteTriangle(&a, &b, &c);
     } else {
         TraiteStrip(&a, &b, &c);
-        if (ArgumentSuivant() != 0 && kMissingListFails) {
-            return failed();
-        }
+        if (ArgumentSuivant() != 0 && kMissingListFails) { return failed(); }
         TraiteFan(&a, &b, &c);
     }
     Points points;
@@ -398,21 +322,15 @@ FaceOutcome PlainFaceReader::Read(std::int32_t id) {
         TraiteCoords(&points);
     }
     const std::size_t vertexCount = points.x.size();
-    if (vertexCount == 0) {
-        throw NoOutcome{"no vertices"};
-    }
+    if (vertexCount == 0) { throw NoOutcome{"no vertices"}; }
     face.vertexCount = static_cast<std::int32_t>(vertexCount);
     face.box = {points.x[0], points.x[0], points.y[0], points.y[0], points.z[0], points.z[0]};
     for (std::size_t i = 0; i < vertexCount; ++i) {
         const float coordinates[3] = {points.x[i], points.y[i], points.z[i]};
         for (std::size_t axis = 0; axis < 3; ++axis) {
             face.vertices.push_back(coordinates[axis]);
-            if (coordinates[axis] < face.box[2 * axis]) {
-                face.box[2 * axis] = coordinates[axis];
-            }
-            if (coordinates[axis] > face.box[2 * axis + 1]) {
-                face.box[2 * axis + 1] = coordinates[axis];
-            }
+            if (coordinates[axis] < face.box[2 * axis]) { face.box[2 * axis] = coordinates[axis]; }
+            if (coordinates[axis] > face.box[2 * axis + 1]) { face.box[2 * axis + 1] = coordinates[axis]; }
         }
     }
     face.triangleCount = static_cast<std::int32_t>(a.size());

@@ -24,9 +24,7 @@ Resolved Resolve(const Lines& lines) {
     StepModel model(workspace, folder.Write("part.stp", P21Text(lines)));
     {
         LogCapture log;
-        if (model.Read() != StepModel::kRead) {
-            std::abort();
-        }
+        if (model.Read() != StepModel::kRead) { std::abort(); }
     }
     Resolved resolved{-1, -1, -7};
     resolved.result = ResolveStyle(model, 1, &resolved.colourId, &resolved.alpha);

@@ -46,9 +46,7 @@ TEST(Arena, NeverMovesARecord) {
         numbers.push_back(arena.New<std::int32_t>());
         *numbers.back() = i;
     }
-    for (std::int32_t i = 0; i < 200000; ++i) {
-        ASSERT_EQ(*numbers[static_cast<std::size_t>(i)], i);
-    }
+    for (std::int32_t i = 0; i < 200000; ++i) { ASSERT_EQ(*numbers[static_cast<std::size_t>(i)], i); }
 }
 
 TEST(Arena, GivesABlockOfAnySize) {
@@ -78,9 +76,7 @@ TEST(Arena, CopiesCharactersAndEndsThem) {
 
 TEST(Arena, GivesEverythingBackAtOnce) {
     Arena arena;
-    for (int i = 0; i < 100; ++i) {
-        arena.Allocate(100000);
-    }
+    for (int i = 0; i < 100; ++i) { arena.Allocate(100000); }
     arena.Free();
     EXPECT_EQ(arena.Held(), 0u);
     EXPECT_NE(arena.Allocate(10), nullptr) << "and can be used again";
@@ -124,9 +120,7 @@ TEST(TipArray, GrowsWhereItStandsOrMoves) {
     EXPECT_EQ(array.Count(), 300000u);
     const std::uint32_t* const values = array.Close();
     char* const behind = arena.Copy("behind", 6);
-    for (std::uint32_t i = 0; i < 300000; ++i) {
-        ASSERT_EQ(values[i], i);
-    }
+    for (std::uint32_t i = 0; i < 300000; ++i) { ASSERT_EQ(values[i], i); }
     EXPECT_STREQ(behind, "behind");
     EXPECT_GE(reinterpret_cast<std::uintptr_t>(behind), reinterpret_cast<std::uintptr_t>(values + 300000));
 }

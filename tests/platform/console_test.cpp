@@ -99,14 +99,10 @@ TEST(Console, NeverInterleavesTwoCalls) {
         std::vector<std::thread> threads;
         for (int i = 0; i < 4; ++i) {
             threads.emplace_back([i] {
-                for (int n = 0; n < 500; ++n) {
-                    ConsolePrint("thread %d says a line of some length\n", i);
-                }
+                for (int n = 0; n < 500; ++n) { ConsolePrint("thread %d says a line of some length\n", i); }
             });
         }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
+        for (std::thread& thread : threads) { thread.join(); }
         console = log.TakeConsole();
     }
     EXPECT_EQ(std::count(console.begin(), console.end(), '\n'), 2000);

@@ -15,9 +15,7 @@ TEST(ScratchArray, KeepsWhatItHoldsWhileItGrows) {
         array.Advance(1);
     }
     ASSERT_EQ(array.Count(), 10000u);
-    for (std::int32_t i = 0; i < 10000; ++i) {
-        ASSERT_EQ(array.Data()[i], i);
-    }
+    for (std::int32_t i = 0; i < 10000; ++i) { ASSERT_EQ(array.Data()[i], i); }
 }
 
 TEST(ScratchArray, KeepsItsMemoryWhenEmptied) {

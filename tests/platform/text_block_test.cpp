@@ -51,9 +51,7 @@ TEST(Pages, AreZeroFilledAtAnySize) {
                                     4 * kMegabyte + 1, 5 * kMegabyte + 4097}) {
         auto* const pages = static_cast<unsigned char*>(AllocatePages(bytes));
         ASSERT_NE(pages, nullptr);
-        for (std::size_t i = 0; i < bytes; i += 4096) {
-            EXPECT_EQ(pages[i], 0);
-        }
+        for (std::size_t i = 0; i < bytes; i += 4096) { EXPECT_EQ(pages[i], 0); }
         EXPECT_EQ(pages[bytes - 1], 0);
         pages[bytes - 1] = 1;
         FreePages(pages, bytes);

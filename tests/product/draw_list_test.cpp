@@ -16,9 +16,7 @@ std::int32_t GrownFrom(std::int32_t capacity) {
     }
     EXPECT_TRUE(AppendItem(arena, list, &items[capacity]));
     EXPECT_EQ(list->count, capacity + 1);
-    for (std::int32_t i = 0; i <= capacity; ++i) {
-        EXPECT_EQ(list->items[i], &items[i]);
-    }
+    for (std::int32_t i = 0; i <= capacity; ++i) { EXPECT_EQ(list->items[i], &items[i]); }
     return list->capacity;
 }
 

@@ -18,18 +18,12 @@ TEST(SceneMemory, KeepsWhatThreadsHandOver) {
         threads.emplace_back([&memory, &names, i] {
             Arena arena;
             names[i] = arena.Copy("thread", 6);
-            for (int n = 0; n < 1000; ++n) {
-                arena.New<ProductNode>();
-            }
+            for (int n = 0; n < 1000; ++n) { arena.New<ProductNode>(); }
             memory.HandOver(std::move(arena));
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    for (const char* const name : names) {
-        EXPECT_EQ(std::string_view(name), "thread");
-    }
+    for (std::thread& thread : threads) { thread.join(); }
+    for (const char* const name : names) { EXPECT_EQ(std::string_view(name), "thread"); }
 }
 
 TEST(LoadSession, StartsWithNothing) {
@@ -44,9 +38,7 @@ TEST(LoadSession, StartsWithNothing) {
     EXPECT_EQ(session.containers, nullptr);
     EXPECT_EQ(session.containerCount, 0);
     EXPECT_FALSE(session.hasRootName);
-    for (const auto& done : session.done) {
-        EXPECT_EQ(done, 0);
-    }
+    for (const auto& done : session.done) { EXPECT_EQ(done, 0); }
 }
 
 TEST(ProductArray, KeepsItsEntriesWhenItGrows) {

@@ -18,9 +18,7 @@ std::string Packed(std::string_view bytes, int windowBits) {
     stream.avail_in = static_cast<uInt>(bytes.size());
     stream.next_out = reinterpret_cast<unsigned char*>(packed.data());
     stream.avail_out = static_cast<uInt>(packed.size());
-    if (deflate(&stream, Z_FINISH) != Z_STREAM_END) {
-        std::abort();
-    }
+    if (deflate(&stream, Z_FINISH) != Z_STREAM_END) { std::abort(); }
     packed.resize(stream.total_out);
     deflateEnd(&stream);
     return packed;

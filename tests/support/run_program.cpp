@@ -18,19 +18,13 @@ ProgramRun RunProgram(const std::string& program, const std::vector<std::string>
     std::vector<std::string> words{program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
-    for (std::string& word : words) {
-        argv.push_back(word.data());
-    }
+    for (std::string& word : words) { argv.push_back(word.data()); }
     argv.push_back(nullptr);
     std::vector<std::string> variables = environment;
     const pid_t child = fork();
-    if (child < 0) {
-        std::abort();
-    }
+    if (child < 0) { std::abort(); }
     if (child == 0) {
-        for (std::string& variable : variables) {
-            putenv(variable.data());
-        }
+        for (std::string& variable : variables) { putenv(variable.data()); }
         const int output = open(outputPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         const int errors = open(errorsPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(output, STDOUT_FILENO);

@@ -13,9 +13,7 @@ TempFolder::TempFolder() {
     const bool inMemory = std::filesystem::is_directory("/dev/shm", ignored);
     const std::filesystem::path above = inMemory ? "/dev/shm" : std::filesystem::temp_directory_path();
     path_ = (above / "tarnwick-test-XXXXXX").string();
-    if (mkdtemp(path_.data()) == nullptr) {
-        std::abort();
-    }
+    if (mkdtemp(path_.data()) == nullptr) { std::abort(); }
 }
 
 TempFolder::~TempFolder() {
@@ -28,9 +26,7 @@ std::string TempFolder::Write(std::string_view name, std::string_view bytes) con
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     file.close();
-    if (!file) {
-        std::abort();
-    }
+    if (!file) { std::abort(); }
     return path;
 }
 

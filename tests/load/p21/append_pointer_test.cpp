@@ -23,9 +23,7 @@ TEST(AppendPointer, GrowsToTwentyAtTheTenthAppend) {
     std::int32_t capacity = 0;
     std::int32_t count = 0;
     int values[40];
-    for (int i = 0; i < 9; ++i) {
-        AppendPointer(arena, &array, &capacity, &count, &values[i]);
-    }
+    for (int i = 0; i < 9; ++i) { AppendPointer(arena, &array, &capacity, &count, &values[i]); }
     EXPECT_EQ(capacity, 10);
     AppendPointer(arena, &array, &capacity, &count, &values[9]);
     EXPECT_EQ(capacity, 20);
@@ -34,9 +32,7 @@ TEST(AppendPointer, GrowsToTwentyAtTheTenthAppend) {
         EXPECT_LT(count, capacity) << "there is always a free place";
     }
     EXPECT_EQ(capacity, 80);
-    for (int i = 0; i < 40; ++i) {
-        EXPECT_EQ(array[i], &values[i]);
-    }
+    for (int i = 0; i < 40; ++i) { EXPECT_EQ(array[i], &values[i]); }
 }
 
 } // namespace

@@ -108,9 +108,7 @@ TEST_P(ClassifyKeyword, DoesNotMatchInSmallLetters) {
     for (std::size_t i = 0; i < GetParam().compared; ++i) {
         std::string changed = Prefix();
         const char small = static_cast<char>(std::tolower(static_cast<unsigned char>(changed[i])));
-        if (small == changed[i]) {
-            continue;
-        }
+        if (small == changed[i]) { continue; }
         changed[i] = small;
         EXPECT_EQ(CodeOf(changed + "("), CodeWhenCutAt(i)) << "at character " << i;
     }

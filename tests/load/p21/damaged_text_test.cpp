@@ -23,12 +23,8 @@ std::string Unsound(const StepModel& model, int result) {
     if ((model.entityMap != nullptr) != (result == StepModel::kRead)) {
         return "a table without success, or success without a table";
     }
-    if (result != StepModel::kRead) {
-        return kInside;
-    }
-    if (model.entityMap->Count() != model.entityCount) {
-        return "a record that is not in the table";
-    }
+    if (result != StepModel::kRead) { return kInside; }
+    if (model.entityMap->Count() != model.entityCount) { return "a record that is not in the table"; }
     for (std::int32_t i = 0; i < model.entityCount; ++i) {
         const P42Ent* const record = model.EntityAt(i);
         if (record->id < 1 || record->offset < 0 || record->offset >= model.textEnd - model.text ||
@@ -46,9 +42,7 @@ protected:
         StepModel model(workspace_, path);
         const int result = model.Read();
         const std::string reason = Unsound(model, result);
-        if (!reason.empty() && reasons_.size() < 10) {
-            reasons_.push_back(reason);
-        }
+        if (!reason.empty() && reasons_.size() < 10) { reasons_.push_back(reason); }
         ++files_;
         if (files_ % 256 == 0) {
             log_->TakeOutput();
@@ -58,9 +52,7 @@ protected:
     void SetUp() override { log_ = std::make_unique<LogCapture>(); }
     void TearDown() override {
         log_.reset();
-        for (const std::string& reason : reasons_) {
-            ADD_FAILURE() << reason;
-        }
+        for (const std::string& reason : reasons_) { ADD_FAILURE() << reason; }
     }
 
     TempFolder folder_;
@@ -72,9 +64,7 @@ protected:
 
 TEST_F(DamagedText, IsReadAtEveryLength) {
     const std::string text = SmallPartText();
-    for (std::size_t length = 0; length <= text.size(); ++length) {
-        Read(text.substr(0, length), "x.stp");
-    }
+    for (std::size_t length = 0; length <= text.size(); ++length) { Read(text.substr(0, length), "x.stp"); }
 }
 
 TEST_F(DamagedText, IsReadAtEveryLengthOfItsCompressedForm) {

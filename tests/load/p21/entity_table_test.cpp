@@ -33,9 +33,7 @@ std::vector<std::int32_t> Iterated(CollP42Ent& collection) {
 using Ids = std::vector<std::int32_t>;
 
 TEST(BucketOf, SumsTheDigitsOfTheKey) {
-    for (std::int32_t key = 1; key < 8; ++key) {
-        EXPECT_EQ(BucketOf(key, 3, 7), key);
-    }
+    for (std::int32_t key = 1; key < 8; ++key) { EXPECT_EQ(BucketOf(key, 3, 7), key); }
     EXPECT_EQ(BucketOf(8, 3, 7), 1);
     EXPECT_EQ(BucketOf(9, 3, 7), 2);
     EXPECT_EQ(BucketOf(100, 3, 7), 1);
@@ -65,9 +63,7 @@ TEST(HashBits, SizeTheTableOfAFile) {
     for (const auto& [count, buckets] :
          {std::pair{0, 4}, {5, 4}, {6, 8}, {11, 8}, {12, 16}, {23, 16}, {24, 32}, {47, 32}, {48, 64}}) {
         Lines lines;
-        for (int i = 1; i <= count; ++i) {
-            lines.push_back("#" + std::to_string(i) + "=X();");
-        }
+        for (int i = 1; i <= count; ++i) { lines.push_back("#" + std::to_string(i) + "=X();"); }
         const ModelFile file(P21Text(lines));
         EXPECT_EQ(file.model->entityCount, count);
         EXPECT_EQ(file.model->entityMap->BucketCount(), buckets) << count << " entities";
@@ -109,9 +105,7 @@ TEST(ListP42Ent, FindsTheEarlierOfTwoEqualNumbers) {
 TEST(ListP42Ent, IsNotDisturbedInItsIterationByASearch) {
     Table table;
     ListP42Ent list(&table.arena);
-    for (const std::int32_t id : {1, 2, 3}) {
-        list.Add(table.Record(id));
-    }
+    for (const std::int32_t id : {1, 2, 3}) { list.Add(table.Record(id)); }
     EXPECT_EQ(list.First()->id, 1);
     EXPECT_EQ(list.Find(3)->id, 3);
     EXPECT_EQ(list.Find(9), nullptr);
@@ -139,9 +133,7 @@ TEST(MapP42Ent, AnswersNothingWithFourEmptyBuckets) {
     EXPECT_EQ(map.Count(), 0);
     EXPECT_EQ(map.First(), nullptr);
     EXPECT_EQ(map.Next(), nullptr);
-    for (const std::int32_t id : {-5, 0, 1, 4, 1000000}) {
-        EXPECT_EQ(map.Find(id), nullptr);
-    }
+    for (const std::int32_t id : {-5, 0, 1, 4, 1000000}) { EXPECT_EQ(map.Find(id), nullptr); }
 }
 
 TEST(MapP42Ent, GivesBothOfTwoEqualNumbersButFindsTheFirst) {
@@ -161,25 +153,19 @@ TEST(MapP42Ent, IteratesByBucketAndThenByInsertion) {
     Table table;
     MapP42Ent map(&table.arena, 3);
     // Buckets: 9 -> 2, 8 -> 1, 7 -> 7, 1 -> 1, 2 -> 2, 100 -> 1, 14 -> 7.
-    for (const std::int32_t id : {9, 8, 7, 1, 2, 100, 14}) {
-        map.Add(table.Record(id));
-    }
+    for (const std::int32_t id : {9, 8, 7, 1, 2, 100, 14}) { map.Add(table.Record(id)); }
     EXPECT_EQ(Iterated(map), (Ids{8, 1, 100, 9, 2, 7, 14}));
 }
 
 TEST(MapP42Ent, IsNotDisturbedInItsIterationByASearch) {
     Table table;
     MapP42Ent map(&table.arena, 2);
-    for (const std::int32_t id : {1, 2, 3, 4, 5, 6, 7}) {
-        map.Add(table.Record(id));
-    }
+    for (const std::int32_t id : {1, 2, 3, 4, 5, 6, 7}) { map.Add(table.Record(id)); }
     const Ids expected = Iterated(map);
     Ids met;
     for (const P42Ent* record = map.First(); record != nullptr; record = map.Next()) {
         met.push_back(record->id);
-        for (const std::int32_t id : {7, 1, 99, record->id}) {
-            map.Find(id);
-        }
+        for (const std::int32_t id : {7, 1, 99, record->id}) { map.Find(id); }
     }
     EXPECT_EQ(met, expected);
 }
@@ -187,9 +173,7 @@ TEST(MapP42Ent, IsNotDisturbedInItsIterationByASearch) {
 TEST(MapP42Ent, LooksForZeroAndBelowInBucketZero) {
     Table table;
     MapP42Ent map(&table.arena, 3);
-    for (std::int32_t id = 1; id < 100; ++id) {
-        map.Add(table.Record(id));
-    }
+    for (std::int32_t id = 1; id < 100; ++id) { map.Add(table.Record(id)); }
     EXPECT_EQ(map.Find(0), nullptr);
     EXPECT_EQ(map.Find(-1), nullptr);
     EXPECT_EQ(map.Find(INT32_MIN), nullptr);

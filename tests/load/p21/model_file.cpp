@@ -22,9 +22,7 @@ void ModelFile::Read(const std::string& path) {
 
 std::vector<std::int32_t> ModelFile::Ids() const {
     std::vector<std::int32_t> ids;
-    for (std::int32_t i = 0; i < model->entityCount; ++i) {
-        ids.push_back(model->EntityAt(i)->id);
-    }
+    for (std::int32_t i = 0; i < model->entityCount; ++i) { ids.push_back(model->EntityAt(i)->id); }
     return ids;
 }
 

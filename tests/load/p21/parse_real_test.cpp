@@ -110,9 +110,7 @@ TEST(ParseReal, CountsTheExponentIn32Bits) {
 
 TEST(ParseReal, MultipliesTenthsAndDoesNotDivide) {
     double scale = 1.0;
-    for (int i = 0; i < 5; ++i) {
-        scale = scale * 0.1;
-    }
+    for (int i = 0; i < 5; ++i) { scale = scale * 0.1; }
     EXPECT_EQ(Real("3.14159"), 314159.0 * scale);
     EXPECT_EQ(Real("0.3"), 3.0 * 0.1);
     EXPECT_NE(Real("0.3"), 0.3);
@@ -120,9 +118,7 @@ TEST(ParseReal, MultipliesTenthsAndDoesNotDivide) {
 
 TEST(ParseReal, EndsAtEveryByteThatIsNoDigit) {
     for (int c = 0; c < 256; ++c) {
-        if (c >= '0' && c <= '9') {
-            continue;
-        }
+        if (c >= '0' && c <= '9') { continue; }
         const std::string tail = std::string(1, static_cast<char>(c)) + "5";
         if (c != '.' && c != 'E' && c != 'e') {
             EXPECT_EQ(Real("12" + tail), 12.0) << c;
@@ -225,9 +221,7 @@ public:
         ++texts_;
         if (std::bit_cast<std::uint64_t>(fast) != std::bit_cast<std::uint64_t>(plain) ||
             fastEnd != plainEnd) {
-            if (different_++ == 0) {
-                first_ = text.Copy();
-            }
+            if (different_++ == 0) { first_ = text.Copy(); }
         }
     }
     void Expect(std::uint64_t atLeast) const {
@@ -280,9 +274,7 @@ TEST(ParseRealEqualsItsPlainForm, OnTenMillionTextsAsFilesHaveThem) {
             text.Put(random.Below(2) == 0 ? ' ' : '\t');
         }
         const std::uint32_t sign = random.Below(8);
-        if (sign < 4) {
-            text.Put(sign < 3 ? '-' : '+');
-        }
+        if (sign < 4) { text.Put(sign < 3 ? '-' : '+'); }
         text.PutDigits(random, random.Below(16) == 0 ? random.Below(25) : random.Below(5));
         if (random.Below(8) != 0) {
             text.Put('.');
@@ -291,9 +283,7 @@ TEST(ParseRealEqualsItsPlainForm, OnTenMillionTextsAsFilesHaveThem) {
         if (random.Below(4) == 0) {
             text.Put(random.Below(4) == 0 ? 'e' : 'E');
             const std::uint32_t exponentSign = random.Below(4);
-            if (exponentSign < 3) {
-                text.Put(exponentSign < 2 ? '-' : '+');
-            }
+            if (exponentSign < 3) { text.Put(exponentSign < 2 ? '-' : '+'); }
             text.PutDigits(random, random.Below(4));
         }
         PutTail(text, random);
@@ -314,9 +304,7 @@ TEST(ParseRealEqualsItsPlainForm, AtEveryLengthOfIntegerAndFractionUpTo400) {
     for (std::size_t integer = 0; integer <= 400; integer += integer < 40 ? 1 : kStep) {
         for (std::size_t fraction = 0; fraction <= 400; fraction += fraction < 40 ? 1 : kStep) {
             text.Clear();
-            if (random.Below(2) == 0) {
-                text.Put('-');
-            }
+            if (random.Below(2) == 0) { text.Put('-'); }
             // Leading zeros don't count as digits that f64 must hold.
             const std::size_t zeros =
                 random.Below(4) == 0 ? random.Below(static_cast<std::uint32_t>(integer) + 1) : 0;
@@ -351,9 +339,7 @@ TEST(ParseRealEqualsItsPlainForm, AtEveryLengthOfExponentUpTo400) {
                 text.Put('.');
                 text.PutDigits(random, random.Below(4));
                 text.Put(i % 2 == 0 ? 'E' : 'e');
-                for (const char c : sign) {
-                    text.Put(c);
-                }
+                for (const char c : sign) { text.Put(c); }
                 const std::size_t zeros = i % 4 == 0 && digits > 2 ? digits - 2 : 0;
                 text.PutSame('0', zeros);
                 text.PutDigits(random, digits - zeros);
@@ -378,9 +364,7 @@ TEST(ParseRealEqualsItsPlainForm, AtEveryExponent) {
                 text.PutDigits(random, random.Below(20));
                 text.Put('E');
                 text.Put(sign);
-                for (const char c : std::to_string(exponent)) {
-                    text.Put(c);
-                }
+                for (const char c : std::to_string(exponent)) { text.Put(c); }
                 comparison.Compare(text);
             }
         }
@@ -402,9 +386,7 @@ TEST(ParseRealEqualsItsPlainForm, AroundWhatF64HoldsExactly) {
                 for (std::size_t more = 0; more < 3; ++more) {
                     text.Clear();
                     for (std::size_t i = 0; i < digits.size(); ++i) {
-                        if (i == point) {
-                            text.Put('.');
-                        }
+                        if (i == point) { text.Put('.'); }
                         text.Put(digits[i]);
                     }
                     text.PutDigits(random, more * 5);

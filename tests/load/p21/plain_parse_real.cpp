@@ -13,9 +13,7 @@ bool IsDigit(char c) {
 } // namespace
 
 double PlainParseReal(const char* p, const char** end) {
-    while (*p == ' ' || *p == '\t') {
-        ++p;
-    }
+    while (*p == ' ' || *p == '\t') { ++p; }
     double sign = 1.0;
     if (*p == '-') {
         sign = -1.0;
@@ -24,9 +22,7 @@ double PlainParseReal(const char* p, const char** end) {
         ++p;
     }
     double value = 0.0;
-    for (; IsDigit(*p); ++p) {
-        value = value * 10.0 + (*p - '0');
-    }
+    for (; IsDigit(*p); ++p) { value = value * 10.0 + (*p - '0'); }
     if (*p == '.') {
         ++p;
         double scale = 1.0;
@@ -37,9 +33,7 @@ double PlainParseReal(const char* p, const char** end) {
         value = value * scale;
     }
     *end = p;
-    if (*p != 'E' && *p != 'e') {
-        return value * 1.0 * sign;
-    }
+    if (*p != 'E' && *p != 'e') { return value * 1.0 * sign; }
     ++p;
     bool negative = false;
     if (*p == '-') {
@@ -49,16 +43,10 @@ double PlainParseReal(const char* p, const char** end) {
         ++p;
     }
     std::uint32_t e = 0;
-    for (; IsDigit(*p); ++p) {
-        e = e * 10 + static_cast<std::uint32_t>(*p - '0');
-    }
+    for (; IsDigit(*p); ++p) { e = e * 10 + static_cast<std::uint32_t>(*p - '0'); }
     *end = p;
-    if (negative && e > 8) {
-        return 0.0;
-    }
-    if (e > 308) {
-        e = 308;
-    }
+    if (negative && e > 8) { return 0.0; }
+    if (e > 308) { e = 308; }
     double factor = 1.0;
     while (e >= 50) {
         factor = factor * 1e50;

@@ -53,9 +53,7 @@ struct Twin {
 void Check(const Twin& twin) {
     const TempFolder folder;
     const std::string text = P21Text({"#1=X();"});
-    if (!twin.there.empty()) {
-        folder.Write(twin.there, twin.packed ? ZlibPacked(text) : text);
-    }
+    if (!twin.there.empty()) { folder.Write(twin.there, twin.packed ? ZlibPacked(text) : text); }
     const ModelFile file(folder, twin.asked);
     EXPECT_EQ(file.result, twin.result) << twin.asked << " of " << twin.there;
     EXPECT_EQ(file.model->fileName, folder.Path(twin.fileName)) << twin.asked << " of " << twin.there;
@@ -269,9 +267,7 @@ TEST(Read, UsesAWorkspaceForOneFileAfterTheOther) {
     ReaderWorkspace workspace;
     for (int count = 5; count > 0; --count) {
         Lines lines;
-        for (int i = 1; i <= count * 1000; ++i) {
-            lines.push_back("#" + std::to_string(i) + "=X();");
-        }
+        for (int i = 1; i <= count * 1000; ++i) { lines.push_back("#" + std::to_string(i) + "=X();"); }
         const std::string text = P21Text(lines);
         const std::string path =
             count % 2 == 0 ? folder.Write("x.stpz", ZlibPacked(text)) : folder.Write("y.stp", text);

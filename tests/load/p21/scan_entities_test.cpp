@@ -151,10 +151,15 @@ TEST(ScanEntities, ReportsANumberSignWithoutEqualsSign) {
     EXPECT_EQ(file.console, "");
 }
 
-TEST(ScanEntities, ReportsAnEntityThatIsCutOffAtTheEndOfTheText) {
-    const ModelFile file(P21Header() + "#1=X();\n#2");
-    EXPECT_EQ(file.Ids(), Ids{1});
-    EXPECT_EQ(file.output, "<E> Definition d'entite non reconnue:\n" + CountLine(1));
+TEST(ScanEntities, GivesUpATextThatEndsInAnEntityNumber) {
+    for (const char* const last : {"#2", "#", "#2 X("}) {
+        const ModelFile file(P21Header() + "#1=X();\n" + last);
+        EXPECT_EQ(file.result, StepModel::kNotP21) << last;
+        EXPECT_EQ(file.output, "");
+        EXPECT_EQ(file.console.substr(0, 4), "<E> ");
+        EXPECT_EQ(file.model->entityMap, nullptr);
+    }
+    EXPECT_EQ(ModelFile(P21Header() + "#1=X();\n#2=").result, StepModel::kRead);
 }
 
 TEST(ScanEntities, TakesOnlyTheFirstOfTwoEntitiesOnALine) {
@@ -173,9 +178,7 @@ TEST(ScanEntities, GivesAComplexInstanceCodeZero) {
 TEST(ScanEntities, TreatsCarriageReturnsLikeNothing) {
     std::string text = P21Text({"#1=X();", "#2=X('',", "'');", "#3=X();"});
     std::string withReturns;
-    for (const char c : text) {
-        withReturns += c == '\n' ? "\r\n" : std::string(1, c);
-    }
+    for (const char c : text) { withReturns += c == '\n' ? "\r\n" : std::string(1, c); }
     const ModelFile file(withReturns);
     EXPECT_EQ(file.result, StepModel::kRead);
     EXPECT_EQ(file.Ids(), (Ids{1, 2, 3}));
@@ -292,9 +295,7 @@ TEST(ScanEntities, SurvivesMoreThanAThousandColours) {
 TEST(ScanEntities, FillsABlockBeforeTheNextOne) {
     for (const int count : {9999, 10000, 10001, 110000, 110001}) {
         std::string text = P21Header();
-        for (int i = 1; i <= count; ++i) {
-            text += "#" + std::to_string(i) + "=X();\n";
-        }
+        for (int i = 1; i <= count; ++i) { text += "#" + std::to_string(i) + "=X();\n"; }
         const ModelFile file(text + "ENDSEC;\n");
         ASSERT_EQ(file.model->entityCount, count);
         EXPECT_NE(file.model->entityBlocks[0], nullptr);
@@ -305,12 +306,8 @@ TEST(ScanEntities, FillsABlockBeforeTheNextOne) {
         EXPECT_EQ(file.model->EntityAt(0)->id, 1);
         EXPECT_EQ(file.model->EntityAt(count - 1)->id, count);
         EXPECT_EQ(file.Find(count)->id, count);
-        if (count > 10000) {
-            EXPECT_EQ(file.model->entityBlocks[1][0]->id, 10001);
-        }
-        if (count > 110000) {
-            EXPECT_EQ(file.model->entityBlocks[2][0]->id, 110001);
-        }
+        if (count > 10000) { EXPECT_EQ(file.model->entityBlocks[1][0]->id, 10001); }
+        if (count > 110000) { EXPECT_EQ(file.model->entityBlocks[2][0]->id, 110001); }
     }
 }
 

@@ -76,14 +76,23 @@ TEST(TextWalk, GoesPastANulThatStandsInTheText) {
 
 TEST(TextWalk, SkipsWhatStandsInParenthesesOnTheWayToAComma) {
     Walked walked("(1,(2,3)),next");
-    walked.walk.GoToCommaAtDepthZero();
+    walked.walk.GoToArgumentComma();
     EXPECT_EQ(walked.At(), 9);
     Walked here(",x");
-    here.walk.GoToCommaAtDepthZero();
+    here.walk.GoToArgumentComma();
     EXPECT_EQ(here.At(), 0);
     Walked none("(1,2)");
-    none.walk.GoToCommaAtDepthZero();
+    none.walk.GoToArgumentComma();
     EXPECT_TRUE(none.walk.overrun);
+}
+
+TEST(TextWalk, LeadsOutOfAListInHandToItsComma) {
+    Walked walked("12),#5)");
+    walked.walk.GoToArgumentComma();
+    EXPECT_EQ(walked.At(), 3);
+    Walked further("12);\n#3=X('',4);");
+    further.walk.GoToArgumentComma();
+    EXPECT_EQ(further.At(), 12) << "the first comma of the next entity";
 }
 
 TEST(ReadReference, GoesToTheNumberSignAndTakesTheDigits) {
