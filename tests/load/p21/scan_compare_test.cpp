@@ -30,7 +30,7 @@ struct Scan {
     Ids colourIds;
     Ids structureIds;
     std::string output;
-    bool pastEnd = false; // the search for a "=" has no end
+    bool pastEnd = false; // a search for a line feed or a "=" has no end
 
     bool operator==(const Scan&) const = default;
 };
@@ -42,11 +42,17 @@ Scan PlainScan(std::string text) {
     text.append(128, '\0');
     char* const t = text.data();
     std::size_t p = 0;
+    const auto goToLineFeed = [&] {
+        while (p < size && t[p] != '\n') { ++p; }
+        scan.pastEnd = p == size;
+    };
     do {
-        while (t[p] != '\n') { ++p; }
+        goToLineFeed();
+        if (scan.pastEnd) { return scan; }
         ++p;
     } while (std::memcmp(t + p, "DATA;", 5) != 0);
-    while (t[p] != '\n') { ++p; }
+    goToLineFeed();
+    if (scan.pastEnd) { return scan; }
     bool continuing = false;
     for (;;) {
         while (t[p] != '\n' && t[p] != '\0') { ++p; }
@@ -195,7 +201,7 @@ TEST(ScanEntitiesEqualsItsPlainForm, OnTextsOfAllKindsOfLines) {
             const int result = model.Read();
             const std::string output = log.TakeOutput();
             log.TakeConsole();
-            if (plain.pastEnd || plain.output.empty()) {
+            if (plain.pastEnd) {
                 if (result == StepModel::kRead) { differences.push_back("accepted:\n" + text); }
                 continue;
             }
