@@ -144,6 +144,18 @@ TEST(AssemblyLoad, SaysThatThereIsNoRoot) {
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n<E> Root not found\n" + Counts(1));
 }
 
+TEST(AssemblyLoad, WithoutARootIsReportedWithAnEmptyListAndNoName) {
+    const TempFolder folder;
+    AssemblyText text;
+    const int a = text.Product("a");
+    text.Use(a, a);
+    const std::string report = ReportOf(folder.Write("top.stp", text.Text()), 1);
+    for (const char* const member :
+         {"\"rootName\":null", "\"drawList\":[]", "\"pickMode\":2", "\"products\":[]", "\"triangles\":0"}) {
+        EXPECT_NE(report.find(member), std::string::npos) << member;
+    }
+}
+
 TEST(AssemblyLoad, ComesBeforeFiniteElements) {
     const TempFolder folder;
     AssemblyText text;

@@ -1,12 +1,20 @@
 // Trees of great depth and width in files of a few megabytes: no recursion may follow them, and nothing may
 // grow faster than they do.
 
+#include "platform/sanitizers.h"
 #include "support/assembly_text.h"
 #include "support/loaded_file.h"
 #include "support/temp_folder.h"
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cstdio>
+#include <ctime>
 
 namespace tarnwick::test {
 namespace {
@@ -26,8 +34,12 @@ public:
         text_ += "#" + std::to_string(next_) + "=" + entity + ";\n";
         return next_++;
     }
-    int Product(const std::string& name) {
-        const std::string product = std::to_string(Line("PRODUCT('" + name + "')"));
+    int Product(const std::string& name) { return Definition(Line("PRODUCT('" + name + "')")); }
+    // A product whose line the scan doesn't know for one, for the blank before its parenthesis.
+    int UncountedProduct(const std::string& name) { return Definition(Line("PRODUCT ('" + name + "')")); }
+    // One more definition of a PRODUCT.
+    int Definition(int productId) {
+        const std::string product = std::to_string(productId);
         const std::string formation = std::to_string(Line("F('','',#" + product + ")"));
         return Line("D('','',#" + formation + ")");
     }
@@ -143,6 +155,37 @@ TEST(WideAssembly, MayHaveAHundredThousandPartsOfOneFile) {
     EXPECT_EQ(load.session.root->occurrenceCapacity, 163840);
 }
 
+// Processor seconds of a load.
+double SecondsOf(const std::string& path, std::int32_t products) {
+    const std::clock_t start = std::clock();
+    const LoadedFile load(path);
+    EXPECT_EQ(load.session.products.count, products);
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+}
+
+TEST(WideAssembly, CostsNoMoreWhereTheScanCountsFewProducts) {
+    // The table of definitions is sized by the PRODUCT lines that the scan knows for such, which may be few:
+    // of many definitions of one PRODUCT, and where a blank stands before the parenthesis.
+    constexpr int kParts = 40000;
+    const TempFolder folder;
+    ShortText counted;
+    ShortText blank;
+    ShortText shared;
+    const int countedTop = counted.Product("top");
+    const int blankTop = blank.UncountedProduct("top");
+    const int sharedTop = shared.Product("top");
+    const int product = shared.Line("PRODUCT('part')");
+    for (int i = 0; i < kParts; ++i) {
+        const std::string name = std::to_string(i);
+        counted.Occurrence(counted.Shape(countedTop, counted.Product(name)));
+        blank.Occurrence(blank.Shape(blankTop, blank.UncountedProduct(name)));
+        shared.Occurrence(shared.Shape(sharedTop, shared.Definition(product)));
+    }
+    const double seconds = SecondsOf(folder.Write("counted.stp", counted.Text()), kParts + 1);
+    EXPECT_LT(SecondsOf(folder.Write("blank.stp", blank.Text()), kParts + 1), 3 * seconds + 0.1);
+    EXPECT_LT(SecondsOf(folder.Write("shared.stp", shared.Text()), kParts + 1), 3 * seconds + 0.1);
+}
+
 TEST(WideAssembly, MayFindItsPartsByNameInALongQueue) {
     // Two files that name the same products: the second finds each of them on the queue.
     constexpr int kParts = 20000;
@@ -164,6 +207,43 @@ TEST(WideAssembly, MayFindItsPartsByNameInALongQueue) {
     EXPECT_EQ(load.session.products.count, kParts + 2);
     EXPECT_EQ(load.Find("sub")->occurrenceCount, kParts);
     EXPECT_EQ(load.session.unreadFiles.size(), static_cast<std::size_t>(kParts));
+}
+
+TEST(DeepAssembly, ThatMultipliesWithoutEndIsCutOffWhereMemoryEnds) {
+#if defined(TARNWICK_ADDRESS_SANITIZER) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "a sanitizer needs more address space than the limit leaves";
+#endif
+    const TempFolder folder;
+    ShortText text;
+    int parent = text.Product("0");
+    for (int i = 1; i <= 60; ++i) {
+        const int child = text.Product(std::to_string(i));
+        const std::string shape = text.Shape(parent, child);
+        text.Occurrence(shape);
+        text.Occurrence(shape);
+        parent = child;
+    }
+    text.File(parent, "part.stp");
+    folder.Write("part.stp", PlateText(1));
+    const std::string path = folder.Write("top.stp", text.Text());
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const rlimit limit{std::size_t{1} << 29, std::size_t{1} << 29};
+        if (setrlimit(RLIMIT_AS, &limit) != 0) { _exit(77); }
+        bool said = false;
+        {
+            const LoadedFile load(path);
+            said = load.console.find("<E> " + path + ": no memory to place all of its parts\n") !=
+                   std::string::npos;
+        }
+        _exit(said ? 0 : 1);
+    }
+    int state = 0;
+    waitpid(child, &state, 0);
+    ASSERT_TRUE(WIFEXITED(state)) << "signal " << WTERMSIG(state);
+    EXPECT_EQ(WEXITSTATUS(state), 0);
 }
 
 TEST(DeepAssembly, FlattensASubTreeOnceForEachLevel) {

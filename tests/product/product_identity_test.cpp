@@ -156,6 +156,19 @@ TEST(ProductIdentity, OfAnEmptyNameIsThatOfTheFirstQueuedEmptyName) {
               1);
 }
 
+TEST(ProductIdentity, EndsAtANulInTheName) {
+    // The scan ends at a NUL, so that the line of such a name is the last.
+    StructureRun run;
+    run.ReadTop(TopOf({"sub"}));
+    Chain lower;
+    lower.lines.erase(Chain::kTopProduct);
+    lower.lines[Chain::kTopFormation] = "PRODUCT_DEFINITION_FORMATION('','',#50)";
+    lower.lines[50] = std::string("PRODUCT('sub\0hidden','')", 24);
+    run.ReadSub(lower.Text());
+    EXPECT_THAT(run.ProductNames(), ElementsAre("top", "sub", "leaf"));
+    EXPECT_THAT(ChildrenOf(*run.Find("sub")), ElementsAre("leaf"));
+}
+
 TEST(ProductIdentity, LooksAtTheQueueAsItStoodWhenTheFileWasBegun) {
     // Two products of a name in one file are two, although the first of them will be queued.
     AssemblyText lower;
@@ -184,6 +197,17 @@ TEST(ProductIdentityDeathTest, OfANameOf300CharactersEndsTheProcess) {
     const std::string text =
         Chain().With(Chain::kLeafProduct, "PRODUCT('" + std::string(300, 'n') + "','',$,(#90))");
     StructureRun run; // made here: the process that ends leaves its folder behind
+    EXPECT_EXIT(run.ReadTop(text), ::testing::ExitedWithCode(kFailFastStatus), "");
+}
+
+TEST(ProductIdentityDeathTest, OfANameThatReaches300CharactersWithoutAnEndEndsTheProcess) {
+    // The buffer is full long before the text ends.
+    Chain chain;
+    chain.lines.erase(Chain::kLeafProduct);
+    chain.lines[Chain::kLeafFormation] = "PRODUCT_DEFINITION_FORMATION('','',#50)";
+    chain.lines[50] = "PRODUCT('" + std::string(400, 'n') + ")";
+    const std::string text = chain.Text();
+    StructureRun run;
     EXPECT_EXIT(run.ReadTop(text), ::testing::ExitedWithCode(kFailFastStatus), "");
 }
 
