@@ -2,13 +2,17 @@
 #include "load/p21/keyword_codes.h"
 #include "load/p21/parse_real.h"
 
+#include <algorithm>
 #include <cstring>
+#include <unordered_map>
+#include <vector>
 
 namespace tarnwick {
 
 namespace {
 
-constexpr std::int32_t kStyleBits = 6;
+constexpr std::int32_t kColourBits = 12; // of the index of styled items, at least
+constexpr std::int32_t kStyleBits = 6;   // of the index of styles, at least
 constexpr float kUnused = -1.0f;
 constexpr std::int32_t kNoRow = -1;
 
@@ -63,26 +67,29 @@ bool ReadColourRows(PartReader& reader) {
     return true;
 }
 
+// Which rows a colour has, in the table's order: a search through the whole table for each style would cost
+// their product.
+using RowsOfColour = std::unordered_map<std::int32_t, std::vector<std::int32_t>>;
+
 // The row of a colour with an alpha: one that no style uses yet or that has this alpha, else a new one.
 // kNoRow when the table doesn't have the colour.
-std::int32_t RowOf(std::int32_t colourId, float alpha, std::vector<ColourEntry>* rows) {
-    std::int32_t candidate = kNoRow;
-    for (std::size_t i = 0; i < rows->size(); ++i) {
-        const ColourEntry& row = (*rows)[i];
-        if (row.colourId != colourId) { continue; }
-        candidate = static_cast<std::int32_t>(i);
-        if (row.alpha == kUnused || row.alpha == alpha) { break; }
+std::int32_t RowOf(std::int32_t colourId, float alpha, std::vector<ColourEntry>* rows,
+                   RowsOfColour* rowsOfColour) {
+    const auto found = rowsOfColour->find(colourId);
+    if (found == rowsOfColour->end()) { return kNoRow; }
+    for (const std::int32_t place : found->second) {
+        ColourEntry& row = (*rows)[static_cast<std::size_t>(place)];
+        if (row.alpha == kUnused || row.alpha == alpha) {
+            row.alpha = alpha;
+            return place;
+        }
     }
-    if (candidate == kNoRow) { return kNoRow; }
-    ColourEntry& row = (*rows)[static_cast<std::size_t>(candidate)];
-    if (row.alpha == kUnused || row.alpha == alpha) {
-        row.alpha = alpha;
-        return candidate;
-    }
-    ColourEntry added = row;
+    ColourEntry added = (*rows)[static_cast<std::size_t>(found->second.back())];
     added.alpha = alpha;
+    const auto place = static_cast<std::int32_t>(rows->size());
     rows->push_back(added);
-    return static_cast<std::int32_t>(rows->size()) - 1;
+    found->second.push_back(place);
+    return place;
 }
 
 // Behind the first argument of the line and its comma: blanks and line feeds are skipped there.
@@ -198,8 +205,15 @@ bool ReadColours(PartReader& reader) {
     ParseIdList(&walk, &itemIds);
     if (walk.overrun) { return false; }
 
+    RowsOfColour rowsOfColour;
+    std::vector<ColourEntry>& rows = reader.scratch.colours;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        rowsOfColour[rows[i].colourId].push_back(static_cast<std::int32_t>(i));
+    }
     Arena* const arena = model.IndexArena();
-    ColourIndex styleRows(arena, kStyleBits);
+    const std::int32_t bits = HashBits(static_cast<std::int32_t>(itemIds.size()));
+    reader.colourIndex = ColourIndex(arena, std::max(bits, kColourBits));
+    ColourIndex styleRows(arena, std::max(bits, kStyleBits));
     const auto add = [arena](ColourIndex& index, std::int32_t id, std::int32_t row) {
         ColourRow* const entry = arena->New<ColourRow>();
         if (entry == nullptr) { return false; }
@@ -227,7 +241,7 @@ bool ReadColours(PartReader& reader) {
             std::int32_t colourId = 0;
             float alpha = 0;
             if (ResolveStyle(model, styleId, &colourId, &alpha) == kResolved) {
-                row = RowOf(colourId, alpha, &reader.scratch.colours);
+                row = RowOf(colourId, alpha, &rows, &rowsOfColour);
             }
             if (!add(styleRows, styleId, row)) { return false; }
         }

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
 
 namespace tarnwick {
 
@@ -46,24 +45,6 @@ bool AddIndex(const FiniteElementReader& reader, FeIndexMap* map, std::int32_t i
     if (entry == nullptr) { return false; }
     *entry = {id, static_cast<std::int32_t>(index)};
     return map->Add(entry);
-}
-
-bool MakeProduct(PartReader& part) {
-    const P42Ent* const entity = part.model.Find(part.model.rootProductId);
-    if (entity == nullptr) { return false; }
-    TextWalk walk = part.model.WalkFrom(entity);
-    walk.GoTo('(');
-    walk.GoTo('\'');
-    walk.Step();
-    const std::string_view name = ReadQuoted(&walk, 300);
-    if (walk.overrun) { return false; }
-    ProductNode* const product = part.arena.New<ProductNode>();
-    const char* const copy = part.arena.Copy(name.data(), name.size());
-    if (product == nullptr || copy == nullptr) { return false; }
-    product->isRoot = 1;
-    product->name = copy;
-    part.product = product;
-    return true;
 }
 
 // The limits are kept as f32, and compared in f64.
@@ -284,7 +265,7 @@ int ReadFiniteElements(FiniteElementReader& reader) {
     const double start = ClockSeconds();
     part.readSeconds += part.model.readSeconds;
     part.inflateSeconds += part.model.inflateSeconds;
-    if (!MakeProduct(part)) {
+    if (!part.MakeProduct()) {
         ConsolePrint("<E> %s: given up, it has no PRODUCT\n", part.model.fileName.c_str());
         return 0;
     }

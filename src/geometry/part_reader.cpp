@@ -13,14 +13,13 @@ namespace tarnwick {
 
 namespace {
 
-constexpr std::int32_t kColourBits = 12;
 constexpr std::int32_t kFailed = -1;
 
 } // namespace
 
 PartReader::PartReader(StepModel& partModel, ProductNode* part, Arena& sceneArena, PartScratch& partScratch)
     : model(partModel), product(part), arena(sceneArena), scratch(partScratch) {
-    scratch.face.coordCache.coordinatesId = 0;
+    scratch.face.Reset();
     scratch.faces.clear();
     scratch.itemIds.clear();
     scratch.colours.clear();
@@ -36,7 +35,6 @@ int PartReader::Run() {
 }
 
 int PartReader::ReadPart() {
-    colourIndex = ColourIndex(model.IndexArena(), kColourBits);
     if (!ReadColours(*this)) { return GiveUp("a colour's line runs past the end of the file"); }
     if (product == nullptr && !MakeProduct()) { return GiveUp("it has no PRODUCT"); }
     if (!ReadItemIds()) {

@@ -49,6 +49,10 @@ public:
     // 0, or what the first face that failed returned; the product then has no draw list.
     int ReadPart();
 
+    // Makes the product of a file that is the whole document, named after its root PRODUCT. False when there
+    // is none, its line runs past the end of the text, or memory runs out.
+    bool MakeProduct();
+
     StepModel& model;
     ProductNode* product;
     Arena& arena;
@@ -67,7 +71,6 @@ public:
     float box[6] = {};               // of all faces read so far
 
 private:
-    bool MakeProduct();
     bool ReadItemIds();
     bool FindRawMaterial(bool* isRawMaterial, std::int32_t* makeFromCount,
                          std::int32_t* shapeDefinitionCount);

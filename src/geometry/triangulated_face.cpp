@@ -328,23 +328,25 @@ FaceWalk WalkToPoints(const StepModel& model, const P42Ent* list) {
     return walk;
 }
 
-// The vertices of a face without pnindex: all points of the list. False when the walk fails.
+// The vertices of a face without pnindex: all points of the list. A list that was read whole before is
+// copied. False when the walk fails.
 bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, Arena& arena,
-                   CoordCache* cache, const char** problem) {
-    if (cache->coordinatesId == list->id && cache->whole) {
-        TipArray<float> copy(arena);
-        if (!copy.Reserve(3 * static_cast<std::size_t>(cache->count))) {
+                   FaceScratch* scratch, const char** problem) {
+    CoordCache& known = scratch->allPoints;
+    TipArray<float> points(arena);
+    if (known.coordinatesId == list->id) {
+        const auto count = 3 * static_cast<std::size_t>(known.count);
+        if (!points.Reserve(count)) {
             *problem = kNoMemory;
             return false;
         }
-        std::copy_n(cache->points, 3 * static_cast<std::size_t>(cache->count), copy.Next());
-        copy.Advance(3 * static_cast<std::size_t>(cache->count));
-        face->vertices = copy.Close();
-        face->vertexCount = cache->count;
+        std::copy_n(known.points, count, points.Next());
+        points.Advance(count);
+        face->vertices = points.Close();
+        face->vertexCount = known.count;
         return true;
     }
     FaceWalk walk = WalkToPoints(model, list);
-    TipArray<float> points(arena);
     const bool whole = !walk.Failed() && TraiteCoords(&walk, &points);
     if (walk.Failed()) {
         points.Drop();
@@ -353,33 +355,35 @@ bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, 
     }
     face->vertexCount = static_cast<std::int32_t>(points.Count() / 3);
     face->vertices = points.Close();
-    cache->coordinatesId = list->id;
-    cache->count = face->vertexCount;
-    cache->points = face->vertices;
-    cache->whole = whole;
+    // One that broke off says so each time it is read.
+    if (whole) { known = {list->id, face->vertexCount, face->vertices}; }
     return true;
 }
 
 // Fills the cache from a list that it doesn't hold.
-bool FillCoordCache(CoordCache* cache, const StepModel& model, const P42Ent* list, const char** problem) {
-    cache->list.Clear();
+bool FillCoordCache(FaceScratch* scratch, const StepModel& model, const P42Ent* list, const char** problem) {
+    CoordCache& cache = scratch->coordCache;
+    if (scratch->allPoints.coordinatesId == list->id) {
+        cache = scratch->allPoints;
+        return true;
+    }
+    scratch->list.Clear();
     FaceWalk walk = WalkToPoints(model, list);
-    cache->whole = !walk.Failed() && TraiteCoords(&walk, &cache->list);
+    if (!walk.Failed()) { TraiteCoords(&walk, &scratch->list); }
     if (walk.Failed()) {
-        cache->coordinatesId = 0;
+        cache = {};
         *problem = walk.problem;
         return false;
     }
-    cache->coordinatesId = list->id;
-    cache->count = static_cast<std::int32_t>(cache->list.Count() / 3);
-    cache->points = cache->list.Data();
+    cache = {list->id, static_cast<std::int32_t>(scratch->list.Count() / 3), scratch->list.Data()};
     return true;
 }
 
 // The vertices of a face with pnindex: the points at those places of the list. False when one is not there.
 bool TraiteIndexCoords(StepFaceB* face, const StepModel& model, const P42Ent* list, Arena& arena,
-                       CoordCache* cache, const char** problem) {
-    if (cache->coordinatesId != list->id && !FillCoordCache(cache, model, list, problem)) { return false; }
+                       FaceScratch* scratch, const char** problem) {
+    const CoordCache* const cache = &scratch->coordCache;
+    if (cache->coordinatesId != list->id && !FillCoordCache(scratch, model, list, problem)) { return false; }
     const std::size_t count = static_cast<std::size_t>(face->pnindexCount);
     TipArray<float> vertices(arena);
     if (!vertices.Reserve(3 * count)) {
@@ -514,10 +518,9 @@ int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& a
         problem->reason = "has no COORDINATES_LIST";
         return -1;
     }
-    CoordCache* const cache = &scratch->coordCache;
     const bool read = face->pnindexCount != 0
-                          ? TraiteIndexCoords(face, model, list, arena, cache, &problem->reason)
-                          : ReadAllPoints(face, model, list, arena, cache, &problem->reason);
+                          ? TraiteIndexCoords(face, model, list, arena, scratch, &problem->reason)
+                          : ReadAllPoints(face, model, list, arena, scratch, &problem->reason);
     if (!read) { return -1; }
     if (face->vertexCount == 0) {
         problem->reason = "has no vertices";

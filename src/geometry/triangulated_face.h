@@ -9,21 +9,28 @@
 
 namespace tarnwick {
 
-// The points of the last COORDINATES_LIST that was read, so that a list which several faces share one after
-// another is parsed once.
+// The points of one COORDINATES_LIST.
 struct CoordCache {
     std::int32_t coordinatesId = 0; // entity number of the list; 0 at first
     std::int32_t count = 0;         // points
-    const float* points =
-        nullptr;       // x, y, z of each; in `list` below or in the vertices of the face that read them
-    bool whole = true; // false when the list broke off: each reading must then say so again
-    ScratchArray<float> list;
+    const float* points = nullptr;  // x, y, z of each, in the scratch list or in the vertices of a face
 };
 
 // What a reading thread keeps from face to face.
 struct FaceScratch {
+    // The list that the last face with pnindex took its points from, broken off or whole: faces that share a
+    // list, one after another, pay for parsing it once.
     CoordCache coordCache;
+    ScratchArray<float> list; // what `coordCache` mostly points into
+    // The last whole list that a face without pnindex has read, which is its vertices.
+    CoordCache allPoints;
     ScratchArray<std::int32_t> strip; // the values of one strip or fan
+
+    // Forgets the lists of the part before.
+    void Reset() {
+        coordCache = {};
+        allPoints = {};
+    }
 };
 
 // Why TraiteFace gave a face up, where the outcome isn't one of the reader's own; null otherwise.

@@ -41,7 +41,7 @@ int StepModel::GiveUp(const char* reason) {
 }
 
 int StepModel::Read() {
-    const int opened = fileName.empty() ? kRead : ReadFile();
+    const int opened = compressedData != nullptr ? kRead : ReadFile();
     if (compressedData != nullptr) {
         const double start = ClockSeconds();
         const int inflated = Inflate(compressedData.get(), compressedSize);

@@ -1,0 +1,99 @@
+// Files, plain and as one zlib stream.
+#include "tools/make/byte_sink.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+#include <zlib.h>
+
+namespace tarnwick::make {
+
+namespace {
+
+class FileSink : public ByteSink {
+public:
+    explicit FileSink(const std::string& path) : file_(std::fopen(path.c_str(), "wb")) {
+        if (file_ == nullptr)
+            Fail();
+        else
+            std::setvbuf(file_, nullptr, _IONBF, 0); // the writer hands over large blocks already
+    }
+    ~FileSink() override { Close(); }
+    FileSink(const FileSink&) = delete;
+    FileSink& operator=(const FileSink&) = delete;
+
+    void Write(std::string_view bytes) override {
+        if (file_ == nullptr || !error_.empty()) return;
+        if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) Fail();
+    }
+    bool Close() override {
+        if (file_ != nullptr && std::fclose(file_) != 0 && error_.empty()) Fail();
+        file_ = nullptr;
+        return error_.empty();
+    }
+    std::string Error() const override { return error_; }
+
+private:
+    void Fail() { error_ = std::strerror(errno); }
+
+    std::FILE* file_;
+    std::string error_;
+};
+
+class ZlibSink : public ByteSink {
+public:
+    explicit ZlibSink(std::unique_ptr<ByteSink> next) : next_(std::move(next)), block_(1 << 18) {
+        open_ = deflateInit(&stream_, Z_DEFAULT_COMPRESSION) == Z_OK;
+    }
+    ~ZlibSink() override { Close(); }
+    ZlibSink(const ZlibSink&) = delete;
+    ZlibSink& operator=(const ZlibSink&) = delete;
+
+    void Write(std::string_view bytes) override {
+        // zlib's input pointer isn't const, but it only reads.
+        stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
+        stream_.avail_in = static_cast<uInt>(bytes.size());
+        Deflate(Z_NO_FLUSH);
+    }
+    bool Close() override {
+        if (open_) {
+            stream_.avail_in = 0;
+            Deflate(Z_FINISH);
+            deflateEnd(&stream_);
+            open_ = false;
+            closed_ = true;
+        }
+        return next_->Close() && closed_;
+    }
+    std::string Error() const override {
+        bool noMemory = !open_ && !closed_;
+        return noMemory ? "out of memory" : next_->Error();
+    }
+
+private:
+    void Deflate(int flush) {
+        if (!open_) return;
+        do {
+            stream_.next_out = block_.data();
+            stream_.avail_out = static_cast<uInt>(block_.size());
+            deflate(&stream_, flush);
+            next_->Write({reinterpret_cast<const char*>(block_.data()), block_.size() - stream_.avail_out});
+        } while (stream_.avail_out == 0);
+    }
+
+    std::unique_ptr<ByteSink> next_;
+    std::vector<Bytef> block_;
+    z_stream stream_{};
+    bool open_ = false, closed_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<ByteSink> OpenFile(const std::string& path, bool compress) {
+    std::unique_ptr<ByteSink> sink = std::make_unique<FileSink>(path);
+    if (compress) sink = std::make_unique<ZlibSink>(std::move(sink));
+    return sink;
+}
+
+} // namespace tarnwick::make

@@ -1,0 +1,32 @@
+// Where the bytes of a sample go: a file, plain or compressed, or a string of a test.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tarnwick::make {
+
+class ByteSink {
+public:
+    virtual ~ByteSink() = default;
+    virtual void Write(std::string_view bytes) = 0;
+    // Ends the output; false when any byte was lost, and then Error() says why.
+    virtual bool Close() = 0;
+    virtual std::string Error() const { return {}; }
+};
+
+class StringSink : public ByteSink {
+public:
+    explicit StringSink(std::string* out) : out_(*out) {}
+    void Write(std::string_view bytes) override { out_ += bytes; }
+    bool Close() override { return true; }
+
+private:
+    std::string& out_;
+};
+
+// Never null; a file that can't be opened shows at Close().
+std::unique_ptr<ByteSink> OpenFile(const std::string& path, bool compress);
+
+} // namespace tarnwick::make

@@ -1,0 +1,17 @@
+// The exact shapes that tessellated solids and faces link to.
+#pragma once
+
+#include "tools/make/mesh.h"
+#include "tools/make/p21_writer.h"
+
+namespace tarnwick::make {
+
+struct ExactLinks {
+    Id solid;              // MANIFOLD_SOLID_BREP, or none
+    std::vector<Id> faces; // by Face::origin: ADVANCED_FACE, or the bare surface, or none
+};
+
+// A turned solid gets its whole boundary, any other the surfaces of those faces that have a simple one.
+ExactLinks WriteExact(P21Writer* out, const Solid& solid, const Placement& at);
+
+} // namespace tarnwick::make

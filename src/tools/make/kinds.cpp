@@ -1,0 +1,59 @@
+// The command line: one subcommand for each kind.
+#include "tools/make/kinds.h"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+namespace tarnwick::make {
+
+namespace {
+
+struct Kind {
+    CLI::App* command;
+    std::function<std::string()> check;
+    std::function<int()> run;
+};
+
+struct Options {
+    PartOptions part;
+    AssemblyOptions assembly;
+    FemOptions fem;
+};
+
+std::vector<Kind> AddKinds(CLI::App* app, Options* o) {
+    return {
+        {AddPartCommand(app, &o->part), [o] { return CheckPartOptions(o->part); },
+         [o] { return RunPart(o->part); }},
+        {AddAssemblyCommand(app, &o->assembly), [o] { return CheckAssemblyOptions(o->assembly); },
+         [o] { return RunAssembly(o->assembly); }},
+        {AddFemCommand(app, &o->fem), [] { return std::string(); }, [o] { return RunFem(o->fem); }},
+    };
+}
+
+int RunChosen(const std::vector<Kind>& kinds) {
+    for (const Kind& kind : kinds) {
+        if (!kind.command->parsed()) continue;
+        std::string wrong = kind.check();
+        if (wrong.empty()) return kind.run();
+        std::fprintf(stderr, "tarnwick-make: %s\n", wrong.c_str());
+    }
+    return 2;
+}
+
+} // namespace
+
+int RunCommandLine(int argc, char** argv) {
+    CLI::App app("Writes sample models. The same options give the same bytes.", "tarnwick-make");
+    app.set_version_flag("--version", "tarnwick-make " TARNWICK_VERSION);
+    app.require_subcommand(1);
+    Options options;
+    std::vector<Kind> kinds = AddKinds(&app, &options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) { // --help and --version come this way too
+        return app.exit(error) == 0 ? 0 : 2;
+    }
+    return RunChosen(kinds);
+}
+
+} // namespace tarnwick::make

@@ -1,0 +1,44 @@
+// The sample assembly, whatever format it is written in: which parts there are, and where they stand.
+#pragma once
+
+#include "tools/make/shapes.h"
+
+#include <string>
+
+namespace tarnwick::make {
+
+struct MachineOptions {
+    int parts = 18; // one complete unit
+    int uses = 4;   // of each part
+    int depth = 1;  // levels of sub-assembly files between the top file and the units
+    std::uint64_t seed = 1;
+};
+
+// A machine is made of units: a base plate with two bearing plates, shafts, gears, a flange with its bolts,
+// and so on, as far as there are parts. Units stand in groups, and groups in larger groups.
+struct Machine {
+    struct Part {
+        std::string id, name, stem; // stem: name of its file without folder and extension
+        ShapeDims dims;
+        int colour = 0; // of the palette
+    };
+    struct Use {
+        bool ofPart = false; // else of a node
+        int number = 0;      // in parts or nodes
+        Placement at;
+    };
+    struct Node {
+        std::string id, name,
+            stem; // without a stem a node has no file of its own: its parent's file describes it
+        std::vector<Use> uses;
+    };
+    std::vector<Part> parts;
+    std::vector<Node> nodes; // 0 is the top; a node comes before those that it uses
+};
+
+Machine MakeMachine(const MachineOptions& options);
+
+// Whether some machine has a part or group whose file has that stem.
+bool IsMachineStem(const std::string& stem);
+
+} // namespace tarnwick::make

@@ -1,0 +1,14 @@
+// A whole file from opening to closing, with the one line that says why it couldn't be written.
+#pragma once
+
+#include "tools/make/p21_writer.h"
+
+#include <functional>
+
+namespace tarnwick::make {
+
+// Calls `write` with a writer on a new file; false, and a line on standard error, when it couldn't be
+// written.
+bool WriteFile(const std::string& path, bool compress, const std::function<void(P21Writer*)>& write);
+
+} // namespace tarnwick::make

@@ -1,0 +1,76 @@
+// The kind `part`: one file with the tessellated solids of one product.
+#pragma once
+
+#include "tools/make/p21_writer.h"
+#include "tools/make/product.h"
+#include "tools/make/shapes.h"
+
+#include <optional>
+
+namespace CLI {
+class App;
+}
+
+namespace tarnwick::make {
+
+enum class FaceKind { Faces, Strips, Fans, Sets };
+enum class NormalKind { None, One, All };
+
+// How the solids of a part are written.
+struct PartStyle {
+    FaceKind kind = FaceKind::Faces;
+    NormalKind normals = NormalKind::All;
+    int colours = 1;
+    int firstColour = 0; // of the palette
+    bool transparent = false;
+    bool material = false;
+    bool sharedCoordinates = false;
+    bool pnindex = false;
+    std::uint64_t seed = 1;
+};
+
+// --kind, --normals, --shared-coordinates and --pnindex.
+void AddStyleOptions(CLI::App* app, PartStyle* style);
+
+// What a part consists of.
+struct PartPlan {
+    struct Item {
+        ShapeDims dims;
+        Placement placement;
+    };
+    std::string id, name;
+    std::vector<Item> items;   // one solid each
+    std::size_t triangles = 0; // of all together
+    std::size_t faces = 0;     // of all together; 0 leaves each shape the faces it has
+};
+
+struct PartCounts {
+    std::size_t triangles = 0, faces = 0, solids = 0;
+};
+
+// Writes a whole file. Memory follows the largest solid, not the part.
+PartCounts WritePart(const PartPlan& plan, const PartStyle& style, P21Writer* out);
+
+struct PartOptions {
+    std::string out;
+    std::size_t triangles = 20000;
+    std::size_t faces = 0;
+    std::size_t solids = 0;     // 0: one for each 20,000 triangles
+    int colours = 0;            // 0: one for each solid, up to 8
+    std::optional<Shape> shape; // none: all of them in turn
+    std::string name;           // of the product; empty: that of the shape
+    bool compress = false;
+    PartStyle style;
+};
+
+// Empty when the options go together, else what is wrong with them.
+std::string CheckPartOptions(const PartOptions& options);
+
+// Solids in rows on a sheet, one to a cell of sheetCell and a little between.
+PartPlan PlanPart(const PartOptions& options);
+
+// Exit status of the program: 0, or 1 with a line on standard error.
+int RunPart(const PartOptions& options);
+CLI::App* AddPartCommand(CLI::App* app, PartOptions* options);
+
+} // namespace tarnwick::make

@@ -1,0 +1,65 @@
+// Points, directions and placements, in millimetres.
+#pragma once
+
+#include <cmath>
+
+namespace tarnwick::make {
+
+constexpr double pi = 3.14159265358979323846;
+
+struct Vec3 {
+    double x = 0, y = 0, z = 0;
+    bool operator==(const Vec3&) const = default;
+};
+
+inline Vec3 operator+(Vec3 a, Vec3 b) {
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+inline Vec3 operator-(Vec3 a, Vec3 b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+inline Vec3 operator*(Vec3 a, double s) {
+    return {a.x * s, a.y * s, a.z * s};
+}
+inline double Dot(Vec3 a, Vec3 b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+inline Vec3 Cross(Vec3 a, Vec3 b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+inline double Length(Vec3 a) {
+    return std::sqrt(Dot(a, a));
+}
+inline Vec3 Unit(Vec3 a) {
+    return a * (1.0 / Length(a));
+}
+
+// Where a thing stands: its own origin and its own x and z axes, both of unit length and at right angles.
+struct Placement {
+    Vec3 origin;
+    Vec3 z{0, 0, 1};
+    Vec3 x{1, 0, 0};
+};
+
+inline Vec3 Turn(const Placement& at, Vec3 v) {
+    return at.x * v.x + Cross(at.z, at.x) * v.y + at.z * v.z;
+}
+inline Vec3 Place(const Placement& at, Vec3 p) {
+    return at.origin + Turn(at, p);
+}
+inline Placement Place(const Placement& at, const Placement& inner) {
+    return {Place(at, inner.origin), Turn(at, inner.z), Turn(at, inner.x)};
+}
+
+// Step i of n on the way from a to b. The ends are exact and Mix(a, b, i, n) has the bits of Mix(b, a, n - i,
+// n): two faces that walk a common edge in opposite directions must meet in the same points.
+inline double Mix(double a, double b, int i, int n) {
+    if (i == 0 || a == b) return a;
+    if (i == n) return b;
+    return (a * (n - i) + b * i) / n;
+}
+inline Vec3 Mix(Vec3 a, Vec3 b, int i, int n) {
+    return {Mix(a.x, b.x, i, n), Mix(a.y, b.y, i, n), Mix(a.z, b.z, i, n)};
+}
+
+} // namespace tarnwick::make

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "load/load_commands.h"
+#include "load/scene_view.h"
+#include "support/capture.h"
+
+#include <string>
+#include <vector>
+
+namespace tarnwick::test {
+
+// A view that counts what is asked of it.
+struct CountingView final : SceneView {
+    void Redraw() override { ++redraws; }
+    void DeleteDisplayList() override { ++deletions; }
+
+    // Loads a P21 file and keeps what that printed.
+    void Load(const std::string& path, int useThreads = 0) {
+        LogCapture log;
+        LoadStepFile(*this, path.c_str(), useThreads);
+        output = log.TakeOutput();
+        console = log.TakeConsole();
+    }
+    std::vector<const StepFaceB*> Faces() const {
+        std::vector<const StepFaceB*> faces;
+        for (std::int32_t i = 0; drawList != nullptr && i < drawList->count; ++i) {
+            const DrawItem& item = *drawList->items[i];
+            faces.insert(faces.end(), item.meshes, item.meshes + item.meshCount);
+        }
+        return faces;
+    }
+
+    int redraws = 0;
+    int deletions = 0;
+    std::string output;
+    std::string console;
+};
+
+} // namespace tarnwick::test
