@@ -200,15 +200,15 @@ TEST(ProductIdentityDeathTest, OfANameOf300CharactersEndsTheProcess) {
     EXPECT_EXIT(run.ReadTop(text), ::testing::ExitedWithCode(kFailFastStatus), "");
 }
 
-TEST(ProductIdentityDeathTest, OfANameThatReaches300CharactersWithoutAnEndEndsTheProcess) {
-    // The buffer is full long before the text ends.
+TEST(ProductIdentity, OfALongNameWithoutAnEndGivesTheFileUp) {
+    // It has no length that could be too long: the text ends before the name does.
     Chain chain;
     chain.lines.erase(Chain::kLeafProduct);
     chain.lines[Chain::kLeafFormation] = "PRODUCT_DEFINITION_FORMATION('','',#50)";
     chain.lines[50] = "PRODUCT('" + std::string(400, 'n') + ")";
-    const std::string text = chain.Text();
     StructureRun run;
-    EXPECT_EXIT(run.ReadTop(text), ::testing::ExitedWithCode(kFailFastStatus), "");
+    run.ReadTop(chain.Text());
+    EXPECT_THAT(run.ProductNames(), ElementsAre());
 }
 
 TEST(ProductIdentityDeathTest, AReferenceOf15DigitsEndsTheProcess) {
