@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <ctime>
 
 namespace tarnwick::test {
 namespace {
