@@ -1,9 +1,9 @@
 // Trees of great depth and width in files of a few megabytes: no recursion may follow them, and nothing may
 // grow faster than they do.
 
-#include "platform/sanitizers.h"
 #include "support/assembly_text.h"
 #include "support/loaded_file.h"
+#include "support/sanitized.h"
 #include "support/temp_folder.h"
 
 #include <sys/resource.h>
@@ -19,6 +19,8 @@ namespace tarnwick::test {
 namespace {
 
 using ::testing::ElementsAre;
+
+constexpr int kMany = kSanitized ? 10000 : 100000;
 
 // The lines that the chain of an occurrence needs, as short as they may be. #1 is a relationship that moves
 // by (1, 0, 0), for all occurrences.
@@ -61,7 +63,7 @@ private:
 };
 
 TEST(DeepAssembly, MayHaveAHundredThousandLevels) {
-    constexpr int kLevels = 100000;
+    constexpr int kLevels = kMany;
     const TempFolder folder;
     ShortText text;
     int parent = text.Product("0");
@@ -83,7 +85,7 @@ TEST(DeepAssembly, MayHaveAHundredThousandLevels) {
 }
 
 TEST(DeepAssembly, MayBeACycleOfAHundredThousandLevels) {
-    constexpr int kLevels = 100000;
+    constexpr int kLevels = kMany;
     const TempFolder folder;
     ShortText text;
     const int root = text.Product("root");
@@ -105,7 +107,7 @@ TEST(DeepAssembly, MayBeACycleOfAHundredThousandLevels) {
 }
 
 TEST(DeepAssembly, CanBeReported) {
-    constexpr int kLevels = 20000;
+    constexpr int kLevels = kMany / 5;
     const TempFolder folder;
     ShortText text;
     int parent = text.Product("0");
@@ -115,11 +117,11 @@ TEST(DeepAssembly, CanBeReported) {
         parent = child;
     }
     const std::string report = ReportOf(folder.Write("top.stp", text.Text()), 0);
-    EXPECT_NE(report.find("\"name\":\"20000\""), std::string::npos);
+    EXPECT_NE(report.find("\"name\":\"" + std::to_string(kLevels) + "\""), std::string::npos);
 }
 
 TEST(WideAssembly, PaysForAHundredThousandUsesOfAPartInSmallRecords) {
-    constexpr int kUses = 100000;
+    constexpr int kUses = kMany;
     const TempFolder folder;
     ShortText text;
     const int top = text.Product("top");
@@ -140,7 +142,7 @@ TEST(WideAssembly, PaysForAHundredThousandUsesOfAPartInSmallRecords) {
 }
 
 TEST(WideAssembly, MayHaveAHundredThousandPartsOfOneFile) {
-    constexpr int kParts = 100000;
+    constexpr int kParts = kMany;
     const TempFolder folder;
     ShortText text;
     const int top = text.Product("top");
@@ -151,13 +153,13 @@ TEST(WideAssembly, MayHaveAHundredThousandPartsOfOneFile) {
     const LoadedFile load(folder.Write("top.stp", text.Text()));
     EXPECT_EQ(load.session.products.count, kParts + 1);
     EXPECT_EQ(load.session.products.capacity, kParts + 1001);
-    EXPECT_EQ(load.session.root->occurrenceCapacity, 163840);
+    EXPECT_EQ(load.session.root->occurrenceCapacity, kSanitized ? 10240 : 163840);
 }
 
 TEST(WideAssembly, HasAllItsPartsWhereTheScanCountsFewProducts) {
     // The scan knows a PRODUCT line only without a blank before its parenthesis, and one line may have many
     // definitions.
-    constexpr int kParts = 40000;
+    constexpr int kParts = kSanitized ? 4000 : 40000;
     const TempFolder folder;
     ShortText blank;
     ShortText shared;
@@ -196,9 +198,7 @@ TEST(WideAssembly, MayFindItsPartsByNameInALongQueue) {
 }
 
 TEST(DeepAssembly, ThatMultipliesWithoutEndIsCutOffWhereMemoryEnds) {
-#if defined(TARNWICK_ADDRESS_SANITIZER) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "a sanitizer needs more address space than the limit leaves";
-#endif
+    if (kSanitized) { GTEST_SKIP() << "a sanitizer needs more address space than the limit leaves"; }
     const TempFolder folder;
     ShortText text;
     int parent = text.Product("0");

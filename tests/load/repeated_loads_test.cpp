@@ -2,8 +2,8 @@
 
 #include "load/generated_assembly.h"
 #include "load/load_commands.h"
-#include "platform/sanitizers.h"
 #include "support/capture.h"
+#include "support/sanitized.h"
 
 #include <unistd.h>
 
@@ -23,9 +23,7 @@ long ResidentPages() {
 }
 
 TEST(RepeatedLoads, HoldWhatTheTenthOfThemHeld) {
-#if defined(TARNWICK_ADDRESS_SANITIZER) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "a sanitizer keeps what is freed";
-#endif
+    if (kSanitized) { GTEST_SKIP() << "a sanitizer keeps what is freed"; }
     const GeneratedAssembly assembly(17);
     long afterTen = 0;
     long afterAll = 0;
