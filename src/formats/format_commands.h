@@ -1,5 +1,7 @@
 #pragma once
 
+#include "load/load_commands.h"
+#include "load/load_file.h"
 #include "load/scene_view.h"
 
 // The load commands of the formats other than P21. Each drops what the view shows, loads, sets up the view
@@ -19,5 +21,12 @@ void LoadZIPFile(SceneView& view, const char* path, const char* rootName, int us
 // Replaces the boxes of the summary file in the view by those of a depth. Does nothing when it holds no such
 // file.
 void SelectShownDepth(SceneView& view, std::int32_t depth);
+
+// The commands of all file kinds.
+inline constexpr LoadCommands kLoadCommands{.loadStepFile = LoadStepFile,
+                                            .loadStpxFile = LoadStpxFile,
+                                            .loadStpjFile = LoadStpjFile,
+                                            .loadZipFile = LoadZIPFile,
+                                            .selectDepth = SelectShownDepth};
 
 } // namespace tarnwick

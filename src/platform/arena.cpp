@@ -68,10 +68,10 @@ char* Arena::GrowTip(char* start, std::size_t used, std::size_t bytes, char** li
     char* const formerNext = next_;
     char* const formerLimit = limit_;
     if (!AddChunk(bytes)) { return nullptr; }
+    ASAN_UNPOISON_MEMORY_REGION(next_, static_cast<std::size_t>(limit_ - next_));
     if (used > 0) { std::memcpy(next_, start, used); }
     ASAN_POISON_MEMORY_REGION(formerNext, static_cast<std::size_t>(formerLimit - formerNext));
     *limit = limit_;
-    ASAN_UNPOISON_MEMORY_REGION(next_, static_cast<std::size_t>(limit_ - next_));
     return next_;
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::int32_t kFirstCapacity = 100;
 // Beyond this a list is no assembly any more but a few lines that multiply each other without end.
-constexpr std::int64_t kMostItems = std::int64_t{1} << 27;
+constexpr std::int64_t kMostItems = std::int64_t{1} << 24;
 
 template <class Item>
 bool Regrow(Arena& arena, Item*** items, DrawList* list, std::int32_t capacity) {

@@ -1,7 +1,6 @@
 #include "tools/load/load_program.h"
 
 #include "formats/format_commands.h"
-#include "load/load_commands.h"
 #include "load/load_file.h"
 #include "platform/console.h"
 #include "report/report.h"
@@ -27,12 +26,6 @@ public:
 
     std::optional<std::string> status;
 };
-
-constexpr LoadCommands kCommands{.loadStepFile = LoadStepFile,
-                                 .loadStpxFile = LoadStpxFile,
-                                 .loadStpjFile = LoadStpjFile,
-                                 .loadZipFile = LoadZIPFile,
-                                 .selectDepth = SelectShownDepth};
 
 // Moves the Depth slider as far as its range goes, with all that follows from it.
 void MoveSlider(LoadDispatch& dispatch, std::int32_t position) {
@@ -68,7 +61,7 @@ int LoadAndReport(const LoadOptions& options) {
     EnableOutput(!jsonOnOutput);
     SceneView view;
     StatusOnly controls;
-    LoadDispatch dispatch{view, controls, kCommands};
+    LoadDispatch dispatch{view, controls, kLoadCommands};
     std::vector<std::string> words{options.path};
     if (!options.product.empty()) { words.push_back(options.product); }
     const std::vector<std::string> arguments = SplitArguments(JoinArguments(words));

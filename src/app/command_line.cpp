@@ -1,0 +1,53 @@
+#include "app/command_line.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr const char* kHelp =
+    "Usage: tarnwick [FILE [PRODUCT]]\n"
+    "Shows STEP product data with tessellated geometry.\n"
+    "\n"
+    "  FILE       the file to show: stp, stpz, stpx, stpxz, stpj or stpa\n"
+    "  PRODUCT    name of the product to show (STEP XML and archives)\n"
+    "  --help     print this text and exit\n"
+    "  --version  print the version and exit\n"
+    "\n"
+    "Left button: turn, and click to select. Right button: zoom. Middle button: pan. P: snapshot.\n";
+
+bool IsSet(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+} // namespace
+
+std::optional<int> AnswerAtOnce(int argc, const char* const* argv) {
+    for (const std::string& argument : ArgumentsOf(argc, argv)) {
+        if (argument == "--help") {
+            std::fputs(kHelp, stdout);
+            return 0;
+        }
+        if (argument == "--version") {
+            std::puts("tarnwick " TARNWICK_VERSION);
+            return 0;
+        }
+    }
+#ifdef __linux__
+    if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY") && !IsSet("QT_QPA_PLATFORM")) {
+        std::fputs("tarnwick: there is no display to open a window on; tarnwick-load needs none\n", stderr);
+        return 1;
+    }
+#endif
+    return std::nullopt;
+}
+
+std::vector<std::string> ArgumentsOf(int argc, const char* const* argv) {
+    return argc > 1 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
+}
+
+} // namespace tarnwick

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarnwick {
+
+// Answers --help and --version, and says so where there is no display to open a window on. Returns the exit
+// status of a program that has nothing more to do.
+std::optional<int> AnswerAtOnce(int argc, const char* const* argv);
+
+// What stands behind the program's name.
+std::vector<std::string> ArgumentsOf(int argc, const char* const* argv);
+
+} // namespace tarnwick

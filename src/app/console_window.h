@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QPlainTextEdit>
+
+#include <deque>
+#include <mutex>
+#include <string>
+
+namespace tarnwick {
+
+// The window of the console channel, for a program that wasn't started from a terminal: read-only, it follows
+// its end and keeps the last lines. It takes what any thread prints.
+class ConsoleWindow : public QPlainTextEdit {
+public:
+    static constexpr int kLinesKept = 10000;
+
+    ConsoleWindow();
+    ~ConsoleWindow() override;
+
+    // Shows the console to the right of the window, which moves over for it, or in the corner of a screen
+    // that hasn't the room.
+    void ShowBeside(QWidget* window);
+
+    // Puts what was printed since the last time into the window.
+    void Flush();
+
+private:
+    void Take(std::string_view text);
+
+    std::mutex lock_;
+    std::deque<std::string> lines_; // not yet in the window; the last one may go on
+    bool flushIsComing_ = false;
+};
+
+} // namespace tarnwick

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "render/opengl_control.h"
+
+#include <QWidget>
+
+class QOpenGLContext;
+
+namespace tarnwick {
+
+// The child window of the system in which OpenGLControl draws. It hands the events over in device pixels, so
+// that a click hits what is under it at any scale factor.
+//
+// A native widget and no window container: drops on it reach the dialog, and a click leaves the focus where
+// it was.
+class GlArea final : public QWidget, public WindowPort {
+public:
+    explicit GlArea(QWidget* parent);
+
+    // Creates the window's context in the geometry that the area has. Once, before the dialog is shown.
+    void Create();
+    // The size that the view draws in.
+    QSize DeviceSize() const { return DevicePixels(size()); }
+    QSize DevicePixels(QSize logical) const;
+
+    bool CreateContext() override;
+    void SwapBuffers() override;
+    bool IsControlKeyDown() override;
+
+    OpenGLControl view{*this};
+
+protected:
+    QPaintEngine* paintEngine() const override { return nullptr; }
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+
+private:
+    WindowPoint PointOf(const QMouseEvent& event) const;
+
+    QOpenGLContext* context_ = nullptr;
+};
+
+} // namespace tarnwick

@@ -1,0 +1,18 @@
+#pragma once
+
+namespace tarnwick {
+
+// What the dialog's buttons and its end do to the link with a service. The dialog owns none: without one the
+// Connect button is disabled.
+class ServerPort {
+public:
+    virtual ~ServerPort() = default;
+    // The Connect button. Each press connects if need be, and registers.
+    virtual void OnConnect() = 0;
+    virtual void OnAddPmi() = 0;
+    virtual void OnAddMaterial() = 0;
+    // The dialog closes.
+    virtual void OnClose() = 0;
+};
+
+} // namespace tarnwick

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "app/gl_area.h"
+#include "load/load_file.h"
+#include "render/window_port.h"
+
+#include <QDialog>
+
+#include <string>
+
+class QCheckBox;
+class QLabel;
+class QPushButton;
+class QSlider;
+
+namespace tarnwick {
+
+class ServerPort;
+
+// The one window of the viewer: the drawing area, a few buttons, a check box, a slider and two lines of text.
+// Controls keep the numbers that the rest of the system calls them by as object names ("1001").
+class STEPViewerDlg final : public QDialog, private LoadControls, private DialogPort {
+public:
+    explicit STEPViewerDlg(const LoadCommands& commands);
+
+    // Creates the drawing window and shows the file of the command line, all before the dialog is shown.
+    void OnInitDialog();
+
+    // Splits the text into a path and a product name, and shows the file. `useThreads` is 0 or 1.
+    void Load(const std::wstring& arguments, int useThreads);
+
+    // Has everything drawn again.
+    void Invalidate();
+
+    // The text of control 1009: the state of the server link, or what a pick tells.
+    void SetPickText(const std::string& text) override;
+
+    // The link behind the Connect button; it must outlive the dialog. Null for none.
+    void SetServer(ServerPort* server);
+
+    OpenGLControl& View() { return area_->view; }
+    const std::string& CurrentPath() const { return dispatch_.currentPath; }
+
+    std::wstring commandLine; // empty for none
+
+    void done(int result) override;
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void CreateControls();
+    void OnOpen();
+    void OnDropFiles(const std::string& path);
+    void OnSize();
+    void OnHScroll(int position);
+    void OnWireframe(bool checked);
+    void TakeSnapshot();
+    bool IsKeyDownHere(const QObject* watched) const;
+
+    // LoadControls
+    void SetStatusText(const std::string& text) override;
+    void ShowDepthSlider(bool visible) override;
+    void EnableDepthSlider(bool enabled) override;
+    void SetDepthRange(std::int32_t low, std::int32_t high) override;
+    void SetDepthPosition(std::int32_t position) override;
+    void SetDepthLabel(std::int32_t depth) override;
+    void UpdateData() override;
+    // DialogPort
+    void ShowLoadProgress(std::int32_t filesRead, std::int32_t filesKnown) override;
+
+    GlArea* area_;
+    LoadDispatch dispatch_;
+    ServerPort* server_ = nullptr;
+
+    QPushButton* open_ = nullptr;
+    QPushButton* connect_ = nullptr;
+    QPushButton* addPmi_ = nullptr;
+    QPushButton* addMaterial_ = nullptr;
+    QLabel* linkText_ = nullptr;
+    QLabel* statusText_ = nullptr;
+    QLabel* depthText_ = nullptr;
+    QSlider* depthSlider_ = nullptr;
+    QCheckBox* wireframe_ = nullptr;
+
+    QString depthValue_ = "0"; // what UpdateData puts into the Depth label
+    std::string shownTitle_ = "Tarnwick";
+    bool kindWasKnown_ = false; // whether the last request got as far as a load
+    double progressShown_ = 0;  // clock time of the last count in the title bar
+    int height_ = 0;            // that the controls stand at
+    bool wasMaximised_ = false;
+    bool restoring_ = false; // the state says restored, but the size is still that of the maximised dialog
+    QSize maximisedSize_;
+};
+
+} // namespace tarnwick

@@ -1,0 +1,38 @@
+#include "app/tarnwick_app.h"
+#include "app/console_window.h"
+#include "app/step_viewer_dlg.h"
+#include "formats/format_commands.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <unistd.h>
+
+namespace tarnwick {
+
+void CTarnwickApp::PrepareToolkit() {
+    // Else the buttons beside the drawing area would become windows of the X server as well.
+    QApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
+#ifdef __linux__
+    // Under Wayland no buffer that is on the screen can be read, which a snapshot needs.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) { qputenv("QT_QPA_PLATFORM", "xcb"); }
+#endif
+}
+
+int CTarnwickApp::InitInstance() {
+    QApplication::setApplicationName("Tarnwick");
+    QApplication::setOrganizationName("Ostrelworks");
+    QApplication::setWindowIcon(QIcon(":/tarnwick.png"));
+    QApplication::setQuitOnLastWindowClosed(false); // the dialog's end is the program's, not the console's
+    std::optional<ConsoleWindow> console;
+    if (isatty(STDERR_FILENO) == 0) { console.emplace(); }
+
+    STEPViewerDlg dialog(kLoadCommands);
+    dialog.commandLine = JoinArguments(arguments_);
+    dialog.OnInitDialog();
+    if (console) { console->ShowBeside(&dialog); }
+    dialog.exec();
+    return 0;
+}
+
+} // namespace tarnwick

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "load/scene_view.h"
+
+#include <string>
+
+namespace tarnwick {
+
+// What is wrong with the file that was to be shown itself, as a phrase; null when it could be read.
+const char* OwnUnreadReason(const SceneView& view);
+
+// The title bar of a dialog that shows the file at `path` (empty for none): the file, the program, and what
+// people should know about the load that the console and the status text don't tell.
+std::string TitleText(const std::string& path, const SceneView& view);
+
+// The title bar while a load of many files runs.
+std::string ProgressTitle(const std::string& path, std::int32_t filesRead, std::int32_t filesKnown);
+
+// The title bar after a file that isn't of a kind that can be shown: what was shown before still is.
+std::string RefusedTitle(const std::string& titleBefore, const std::string& refusedPath);
+
+} // namespace tarnwick

@@ -1,0 +1,212 @@
+// One frame in the fixed-function pipeline: the arrays go to the graphics library as the readers left them.
+
+#include "platform/clock.h"
+#include "render/opengl_control.h"
+#include "render/pick_code.h"
+
+#include <GL/gl.h>
+
+namespace tarnwick {
+
+namespace {
+
+// The sum of the box's three extents is brought to this; the f32 just below 36.31.
+constexpr GLfloat kApparentSize = 36.309998f;
+
+void SetPickColour(std::uint32_t code) {
+    const PickColour colour = PickColourOf(code);
+    glColor4f(colour.red, colour.green, colour.blue, 1.0f);
+}
+
+// Covers everything with the background, whatever view and states are set, and puts those back.
+void Clear(GLfloat grey) {
+    glMatrixMode(GL_PROJECTION);
+    glPushMatrix();
+    glLoadIdentity();
+    glOrtho(-1, 1, -1, 1, -1, 1);
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    glLoadIdentity();
+    glPushAttrib(GL_ENABLE_BIT);
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_LIGHTING);
+    glDisable(GL_TEXTURE_2D);
+    glClearColor(grey, grey, grey, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glPopAttrib();
+    glPopMatrix();
+    glMatrixMode(GL_PROJECTION);
+    glPopMatrix();
+    glMatrixMode(GL_MODELVIEW);
+}
+
+} // namespace
+
+void OpenGLControl::Redraw() {
+    const double start = ClockSeconds();
+    DrawFrame(kDisplay);
+    const double seconds = ClockSeconds() - start;
+    framesPerSecond = seconds > 0 ? 1 / seconds : 0;
+}
+
+void OpenGLControl::ShowProgress(std::int32_t filesRead, std::int32_t filesKnown) {
+    if (dialog != nullptr) { dialog->ShowLoadProgress(filesRead, filesKnown); }
+}
+
+void OpenGLControl::DrawFrame(Pass pass) {
+    if (!hasContext_) { return; }
+    DrawScene(pass);
+    if (pass == kDisplay) { window_.SwapBuffers(); }
+    glPopMatrix(); // the one that DrawScene pushed
+}
+
+void OpenGLControl::DrawScene(Pass pass) {
+    glAlphaFunc(GL_GREATER, 0.01f);
+    glEnable(GL_ALPHA_TEST);
+    // Taken off again at the frame's end, so that the scaling below doesn't add up from frame to frame.
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    Clear(pass == kPick ? 1.0f : 0.8f); // white is no code
+    glEnable(GL_LIGHTING);
+    glEnable(GL_DEPTH_TEST);
+    if (drawnTriangles == 0) {
+        glTranslatef(0, 0, -cubeTransform[2]);
+        glTranslatef(cubeTransform[0], cubeTransform[1], 0);
+        glRotatef(cubeTransform[3], 1, 0, 0);
+        glRotatef(cubeTransform[4], 0, 1, 0);
+        DrawCube(pass);
+        return;
+    }
+    const GLfloat scale = kApparentSize / modelSize;
+    glScalef(scale, scale, scale);
+    glTranslatef(-centre[0], -centre[1], -centre[2]);
+    glDisable(GL_CULL_FACE);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glEnableClientState(GL_NORMAL_ARRAY);
+    if (resultMesh != nullptr) {
+        glEnableClientState(GL_COLOR_ARRAY);
+        glDisableClientState(GL_NORMAL_ARRAY);
+    } else {
+        glDisableClientState(GL_COLOR_ARRAY);
+        glEnableClientState(GL_NORMAL_ARRAY);
+    }
+    glPolygonMode(GL_FRONT_AND_BACK, wireframe == 1 ? GL_LINE : GL_FILL);
+    if (!safeKnown_ || safeScene_ != sceneNumber) {
+        safe_.Check(drawList, resultMesh);
+        safeScene_ = sceneNumber;
+        safeKnown_ = true;
+    }
+    if (drawList != nullptr) {
+        DrawFaces(pass);
+    } else if (resultMesh != nullptr) {
+        DrawResultMesh();
+    } else if (boxList != nullptr) {
+        DrawBoxes(pass);
+    }
+    glFinish();
+}
+
+void OpenGLControl::DrawFaces(Pass pass) {
+    // A part alone is picked and shown selected face by face, several by the placed part.
+    const bool byFace = drawList->count == 1;
+    for (std::int32_t i = 0; i < drawList->count; ++i) {
+        const DrawItem& item = *drawList->items[i];
+        glPushMatrix();
+        if (item.matrix != nullptr) { glMultMatrixf(item.matrix); }
+        for (std::int32_t j = 0; j < item.meshCount; ++j) {
+            if (item.meshes[j] == nullptr) { continue; }
+            const StepFaceB& mesh = *item.meshes[j];
+            const std::int32_t index = byFace ? j : i;
+            if (pass == kPick) {
+                SetPickColour(static_cast<std::uint32_t>(index));
+            } else if (index == selectedIndex) {
+                glColor4f(1, 0, 1, 1);
+            } else {
+                glColor4f(mesh.colour[0], mesh.colour[1], mesh.colour[2], mesh.colour[3]);
+            }
+            DrawMesh(mesh);
+        }
+        glPopMatrix();
+    }
+}
+
+void OpenGLControl::DrawMesh(const StepFaceB& mesh) const {
+    glVertexPointer(3, GL_FLOAT, 0, mesh.vertices);
+    glNormalPointer(GL_FLOAT, 0, mesh.normals);
+    const SafeIndices::Mesh* const safe = safe_.Find(&mesh);
+    if (safe == nullptr) {
+        glDrawElements(GL_TRIANGLES, 3 * mesh.triangleCount, GL_UNSIGNED_INT, mesh.triangles);
+        return;
+    }
+    // A face with fewer normals than vertices is lit as if all of them were 0, 0, 1; triangles of vertices
+    // that aren't there are left out.
+    if (!safe->hasNormals) {
+        glDisableClientState(GL_NORMAL_ARRAY);
+        glNormal3f(0, 0, 1);
+    }
+    if (safe->hasIndices) {
+        glDrawElements(GL_TRIANGLES, 3 * mesh.triangleCount, GL_UNSIGNED_INT, mesh.triangles);
+    } else {
+        glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(safe->indices.size()), GL_UNSIGNED_INT,
+                       safe->indices.data());
+    }
+    if (!safe->hasNormals) { glEnableClientState(GL_NORMAL_ARRAY); }
+}
+
+void OpenGLControl::DrawResultMesh() const {
+    glVertexPointer(3, GL_FLOAT, 0, resultMesh->vertices);
+    glColorPointer(4, GL_UNSIGNED_BYTE, 0, resultMesh->colours);
+    if (const SafeIndices::Mesh* const safe = safe_.Find(resultMesh)) {
+        glDrawElements(GL_QUADS, static_cast<GLsizei>(safe->indices.size()), GL_UNSIGNED_INT,
+                       safe->indices.data());
+    } else {
+        glDrawElements(GL_QUADS, 4 * resultMesh->quadCount, GL_UNSIGNED_INT, resultMesh->quadIndices);
+    }
+}
+
+void OpenGLControl::DrawBoxes(Pass pass) const {
+    glColor4f(0.8f, 0.8f, 0.2f, 0.5f);
+    for (std::int32_t i = 0; i < boxList->count; ++i) {
+        const BoxItem& item = *boxList->boxes[i];
+        glPushMatrix();
+        if (item.matrix != nullptr) { glMultMatrixf(item.matrix); }
+        if (pass == kPick) {
+            SetPickColour(static_cast<std::uint32_t>(i));
+        } else if (i == selectedIndex) {
+            glColor4f(0.8f, 0, 0, 1);
+        } else {
+            glColor4f(0.8f, 0.8f, 0.2f, 0.5f);
+        }
+        glVertexPointer(3, GL_FLOAT, 0, item.vertices);
+        glNormalPointer(GL_FLOAT, 0, item.normals);
+        glDrawElements(GL_TRIANGLES, 3 * item.triangleCount, GL_UNSIGNED_INT, item.indices);
+        glPopMatrix();
+    }
+}
+
+void OpenGLControl::DrawCube(Pass pass) const {
+    struct Side {
+        GLfloat normal[3];
+        GLfloat corners[4][3];
+        GLfloat pickColour[3];
+    };
+    static constexpr Side kSides[] = {
+        {{0, 0, 1}, {{1, 1, 1}, {-1, 1, 1}, {-1, -1, 1}, {1, -1, 1}}, {1, 0, 0}},
+        {{0, 0, -1}, {{-1, -1, -1}, {-1, 1, -1}, {1, 1, -1}, {1, -1, -1}}, {1, 1, 0}},
+        {{0, 1, 0}, {{1, 1, 1}, {1, 1, -1}, {-1, 1, -1}, {-1, 1, 1}}, {0, 1, 0}},
+        {{0, -1, 0}, {{-1, -1, -1}, {1, -1, -1}, {1, -1, 1}, {-1, -1, 1}}, {0, 1, 1}},
+        {{1, 0, 0}, {{1, 1, 1}, {1, -1, 1}, {1, -1, -1}, {1, 1, -1}}, {0, 0, 1}},
+        {{-1, 0, 0}, {{-1, -1, -1}, {-1, -1, 1}, {-1, 1, 1}, {-1, 1, -1}}, {1, 0, 1}},
+    };
+    glBegin(GL_QUADS);
+    if (pass == kDisplay) { glColor3f(cubeShade, cubeShade, 1.0f); }
+    for (const Side& side : kSides) {
+        if (pass == kPick) { glColor3f(side.pickColour[0], side.pickColour[1], side.pickColour[2]); }
+        glNormal3f(side.normal[0], side.normal[1], side.normal[2]);
+        for (const GLfloat* corner : side.corners) { glVertex3f(corner[0], corner[1], corner[2]); }
+    }
+    glEnd();
+    glFinish();
+}
+
+} // namespace tarnwick

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "load/scene_view.h"
+#include "render/safe_indices.h"
+#include "render/window_port.h"
+
+#include <cstdint>
+#include <string>
+
+namespace tarnwick {
+
+// A place in the window in device pixels, y downwards.
+struct WindowPoint {
+    int x = 0;
+    int y = 0;
+};
+
+// The window in which the scene is drawn, with no window system: its owner calls the handlers and fills the
+// ports. There is no camera. The view is the state of the modelview and projection matrices themselves, which
+// the mouse changes in place, so a new model is shown under the rotation, pan and zoom of the one before.
+// Everything runs on the one thread that has the context.
+class OpenGLControl final : public SceneView {
+public:
+    enum DragMode : std::uint32_t { kRotate = 0, kZoom = 1, kPan = 2, kNoDrag = 3 };
+    // Why a size changed, as OnSize takes it.
+    enum SizeType { kRestored = 0, kMinimised = 1, kMaximised = 2 };
+
+    explicit OpenGLControl(WindowPort& window) : window_(window) {}
+
+    // Makes the context, its lights and its fixed states.
+    void OnCreate();
+    // Sets viewport and perspective. The perspective starts afresh: a zoom made on it is gone.
+    void OnSize(int type, int width, int height);
+    void OnLButtonDown(WindowPoint point);
+    void OnMButtonDown(WindowPoint point);
+    void OnRButtonDown(WindowPoint point);
+    // The end of a drag; when the button comes up exactly where it went down, also a pick.
+    void OnLButtonUp(WindowPoint point);
+    void OnMButtonUp(WindowPoint point);
+    void OnRButtonUp(WindowPoint point);
+    void OnMouseMove(WindowPoint point);
+
+    // Draws the scene and takes its time.
+    void Redraw() override;
+    void ShowProgress(std::int32_t filesRead, std::int32_t filesKnown) override;
+
+    // Selects the face, placed part or box at the point, or nothing, and draws again if that is a change.
+    void PickAt(WindowPoint point);
+
+    // Writes what the window shows to a bitmap file. Returns 1, or 0 when it can't, which standard output
+    // then tells.
+    int grab_GL(const char* path);
+
+    DialogPort* dialog = nullptr; // null while there is no dialog to tell
+    std::int32_t viewWidth = 0;   // as last given to OnSize
+    std::int32_t viewHeight = 0;
+    double lastVector[3] = {};   // of the trackball while rotating and panning; x, y in pixels while zooming
+    WindowPoint pressPoint = {}; // where the left button went down
+    std::uint32_t dragMode = kNoDrag;
+    std::int32_t wireframe = 0; // 1 draws lines, any other value fills
+
+    std::string selectedText; // "#" and the number of the picked face, or the name of the picked product
+    std::int32_t selectedContainerType = 0; // of the last picked face: 1 solid, 2 shell, 0 none
+
+private:
+    enum Pass { kDisplay = 0, kPick = 1 };
+    struct TrackballPoint {
+        double x, y, z;
+    };
+
+    // The cube that is shown while there is nothing else: x, y, distance, rotations about x and y.
+    static constexpr float cubeTransform[5] = {0, 0, 10, 0, 0};
+    static constexpr float cubeShade = 0.5f;
+
+    void InitLights();
+    TrackballPoint TrackballVector(WindowPoint point) const;
+    void StartVector(WindowPoint point);
+    void EndDrag() { dragMode = kNoDrag; }
+
+    void DrawFrame(Pass pass);
+    // The frame without the swap that shows it.
+    void DrawScene(Pass pass);
+    void DrawFaces(Pass pass);
+    void DrawMesh(const StepFaceB& mesh) const;
+    void DrawResultMesh() const;
+    void DrawBoxes(Pass pass) const;
+    void DrawCube(Pass pass) const;
+
+    void TellPickedFace();
+    void TellMaterial() const;
+    void TellPickedProduct(const ProductNode* product);
+    void ReadScreen(int width, int height, unsigned char* pixels);
+
+    WindowPort& window_;
+    bool hasContext_ = false;
+    SafeIndices safe_; // for the scene of `safeScene_`
+    std::uint32_t safeScene_ = 0;
+    bool safeKnown_ = false;
+};
+
+} // namespace tarnwick

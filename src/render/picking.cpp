@@ -1,0 +1,110 @@
+// A click selects what lies under it: the scene is painted into the back buffer with each thing in a colour
+// that spells its index, and one pixel is read back.
+
+#include "platform/console.h"
+#include "render/opengl_control.h"
+#include "render/pick_code.h"
+
+#include <GL/gl.h>
+
+#include <string>
+
+namespace tarnwick {
+
+namespace {
+
+// What printf makes of a text that isn't there, the same in every C library.
+const char* OrNull(const char* text) {
+    return text != nullptr ? text : "(null)";
+}
+
+} // namespace
+
+void OpenGLControl::PickAt(WindowPoint point) {
+    if (!hasContext_ || (drawList == nullptr && boxList == nullptr)) { return; }
+    const std::int32_t before = selectedIndex;
+    glDisable(GL_LIGHT1);
+    glDisable(GL_LIGHT2);
+    glEnable(GL_LIGHT3);
+    DrawFrame(kPick);
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    // A click on the top row reads above the picture, where nothing is written: that is the background.
+    unsigned char rgba[4] = {255, 255, 255, 255};
+    glReadPixels(point.x, viewport[3] - point.y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+    float exact[4] = {}; // the same pixel unrounded, for whoever steps through here
+    glReadPixels(point.x, viewport[3] - point.y, 1, 1, GL_RGBA, GL_FLOAT, exact);
+
+    selectedIndex = PickedIndex(rgba);
+    const bool hit = selectedIndex >= 0;
+    if (!hit) {
+        selectedFaceId = 0;
+        selectedExactFaceId = 0;
+        selectedContainerId = 0;
+        selectedExactContainerId = 0;
+    }
+    if (drawList != nullptr && pickMode == 1 && drawList->count > 0) {
+        if (hit) {
+            TellPickedFace();
+        } else if (dialog != nullptr) {
+            dialog->SetPickText(" ");
+        }
+    }
+    if (drawList != nullptr && pickMode == 2 && hit && selectedIndex < drawList->count) {
+        TellPickedProduct(drawList->items[selectedIndex]->product);
+    }
+    if (boxList != nullptr && hit && selectedIndex < boxList->count) {
+        TellPickedProduct(boxList->boxes[selectedIndex]->product);
+    }
+    glEnable(GL_LIGHT1);
+    glEnable(GL_LIGHT2);
+    glDisable(GL_LIGHT3);
+    if (selectedIndex != before) { DrawFrame(kDisplay); }
+}
+
+void OpenGLControl::TellPickedFace() {
+    const DrawItem& part = *drawList->items[0];
+    const StepFaceB* const face = selectedIndex < part.meshCount ? part.meshes[selectedIndex] : nullptr;
+    if (face == nullptr) { return; }
+    selectedFaceId = face->faceId;
+    selectedExactFaceId = face->exactFaceId;
+    selectedContainerId = face->containerId;
+    selectedExactContainerId = face->exactContainerId;
+    selectedContainerType = face->containerType;
+    selectedText = '#' + std::to_string(selectedFaceId);
+    if (selectedContainerType == 1) {
+        ConsolePrint("Selected face: #%d  Exact Face: #%d solid: #%d  exact solid: #%d\n", selectedFaceId,
+                     selectedExactFaceId, selectedContainerId, selectedExactContainerId);
+    } else if (selectedContainerType == 2) {
+        ConsolePrint("Selected face: #%d  Exact Face: #%d shell: #%d  exact shell: #%d\n", selectedFaceId,
+                     selectedExactFaceId, selectedContainerId, selectedExactContainerId);
+    } else {
+        ConsolePrint("Selected face: #%d  Exact Face: #%d Container: #%d  Exact container: #%d  "
+                     "Container type: %d\n",
+                     selectedFaceId, selectedExactFaceId, selectedContainerId, selectedExactContainerId,
+                     selectedContainerType);
+    }
+    TellMaterial();
+}
+
+void OpenGLControl::TellMaterial() const {
+    if (containers == nullptr) { return; }
+    for (std::int32_t i = 0; i < containerCount; ++i) {
+        const FaceContainer& container = *containers[i];
+        if (container.containerId != selectedContainerId) { continue; }
+        if (container.materialName != nullptr) { ConsolePrint("Material: %s\n", container.materialName); }
+        if (dialog != nullptr) {
+            dialog->SetPickText(container.materialName != nullptr
+                                    ? "Material: " + std::string(container.materialName) + "  "
+                                    : " ");
+        }
+    }
+}
+
+void OpenGLControl::TellPickedProduct(const ProductNode* product) {
+    if (product == nullptr) { return; }
+    selectedText = product->name != nullptr ? product->name : "";
+    ConsolePrint("Product selected: %s   File: %s\n", OrNull(product->name), OrNull(product->fileName));
+}
+
+} // namespace tarnwick

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tarnwick {
+
+// What the drawing window needs from the window system.
+class WindowPort {
+public:
+    virtual ~WindowPort() = default;
+    // Creates the window's one context, double-buffered with at least 16 bits of depth, and makes it current
+    // on this thread for good. False when there is none: the window then stays empty, and nothing is called.
+    virtual bool CreateContext() = 0;
+    virtual void SwapBuffers() = 0;
+    virtual bool IsControlKeyDown() = 0;
+};
+
+// What the drawing window tells the dialog around it.
+class DialogPort {
+public:
+    virtual ~DialogPort() = default;
+    // The text of the control beside the status text, 1009. `text` holds the bytes of the file.
+    virtual void SetPickText(const std::string& text) = 0;
+    // How many of the files known so far a load has read. No messages are to be handled meanwhile.
+    virtual void ShowLoadProgress(std::int32_t filesRead, std::int32_t filesKnown) = 0;
+};
+
+} // namespace tarnwick

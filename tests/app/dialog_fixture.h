@@ -1,0 +1,115 @@
+// A dialog on the display, and what one does to it.
+#pragma once
+
+#include "app/gl_area.h"
+#include "app/step_viewer_dlg.h"
+#include "load/load_commands.h"
+#include "models.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cmath>
+#include <optional>
+#include <string>
+
+namespace tarnwick::test {
+
+// A place in the plane of a model.
+struct ModelPoint {
+    double x;
+    double y;
+};
+
+class DialogFixture : public ::testing::Test {
+protected:
+    DialogFixture() { qputenv("HOME", QFile::encodeName(folder_.path())); }
+
+    // Opens the dialog as the program does; `commandLine` as the shell would hand it over.
+    void Open(const std::wstring& commandLine = L"",
+              const LoadCommands& commands = {.loadStepFile = LoadStepFile}) {
+        dialog.emplace(commands);
+        dialog->commandLine = commandLine;
+        dialog->OnInitDialog();
+        dialog->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&*dialog));
+        dialog->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&*dialog));
+        QTest::qWait(50);
+    }
+
+    std::string Write(const std::string& name, const std::string& text) {
+        const QString path = folder_.filePath(QString::fromStdString(name));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray::fromStdString(text));
+        return path.toStdString();
+    }
+    std::string Plate() { return Write("plate.stp", PlateText()); }
+    std::string TwoPlates() {
+        Plate();
+        return Write("two.stp", TwoPlatesText());
+    }
+    void Load(const std::string& path) {
+        dialog->Load(QString::fromStdString(path).toStdWString(), 1);
+        QTest::qWait(20);
+    }
+
+    template <class Control>
+    Control* Get(const char* number) {
+        Control* const control = dialog->findChild<Control*>(number);
+        EXPECT_NE(control, nullptr) << number;
+        return control;
+    }
+    GlArea* Area() { return static_cast<GlArea*>(Get<QWidget>("OpenGL")); }
+
+    // The place in the drawing area, in device pixels, of a point in the model's plane z = 0. The eye stands
+    // 25 off and sees 40 degrees; the model is scaled to 36.31 over the sum of its extents.
+    QPointF PixelOf(ModelPoint point) {
+        const OpenGLControl& view = dialog->View();
+        const double scale = 36.31 / static_cast<double>(view.modelSize);
+        const double pixels = view.viewHeight / 2.0 / (25 * std::tan(20 * M_PI / 180)) * scale;
+        return {view.viewWidth / 2.0 + point.x * pixels, view.viewHeight / 2.0 - point.y * pixels};
+    }
+    // The same for the mouse.
+    QPoint MouseAt(ModelPoint point) { return (PixelOf(point) / Area()->devicePixelRatioF()).toPoint(); }
+
+    void Click(ModelPoint point) {
+        QTest::mouseClick(Area(), Qt::LeftButton, {}, MouseAt(point));
+        QTest::qWait(20);
+    }
+
+    // What the screen shows.
+    QImage Picture() {
+        const std::string path = folder_.filePath("picture.bmp").toStdString();
+        EXPECT_EQ(dialog->View().grab_GL(path.c_str()), 1);
+        return QImage(QString::fromStdString(path));
+    }
+    QColor ColourAt(const QImage& picture, ModelPoint point) {
+        return picture.pixelColor(PixelOf(point).toPoint());
+    }
+    static ::testing::AssertionResult IsNear(const QColor& is, int red, int green, int blue) {
+        if (std::abs(is.red() - red) <= 1 && std::abs(is.green() - green) <= 1 &&
+            std::abs(is.blue() - blue) <= 1) {
+            return ::testing::AssertionSuccess();
+        }
+        return ::testing::AssertionFailure()
+               << is.name().toStdString() << " is not " << red << ' ' << green << ' ' << blue;
+    }
+
+    // Inside the quarters of the plate, off their diagonals.
+    static constexpr ModelPoint kRed{-7.5, 3.5};
+    static constexpr ModelPoint kGreen{2.5, 3.5};
+    static constexpr ModelPoint kBlue{-7.5, -1.5};
+    static constexpr ModelPoint kGrey{7.5, -1.5};
+    static constexpr ModelPoint kNothing{0, 6.5};
+
+    QTemporaryDir folder_;
+    std::optional<STEPViewerDlg> dialog;
+};
+
+} // namespace tarnwick::test

@@ -1,0 +1,216 @@
+#include "viewer_process.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QThread>
+
+namespace tarnwick::test {
+
+namespace {
+
+constexpr int kPatience = 15000; // milliseconds; sanitizers on a busy machine are slow
+
+} // namespace
+
+QString ViewerProcess::Run(const QString& program, const QStringList& arguments, int* status) {
+    QProcess process;
+    process.start(program, arguments);
+    process.waitForFinished(kPatience);
+    if (status != nullptr) {
+        *status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+    return QString::fromLocal8Bit(process.readAllStandardOutput()).trimmed();
+}
+
+void ViewerProcess::Pause(int milliseconds) {
+    QThread::msleep(static_cast<unsigned long>(milliseconds));
+}
+
+ViewerProcess::ViewerProcess(const QStringList& arguments, const QStringList& environment) {
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    variables.insert("HOME", home_.path());
+    for (const QString& variable : environment) {
+        variables.insert(variable.section('=', 0, 0), variable.section('=', 1));
+    }
+    process_.setProcessEnvironment(variables);
+    process_.start(TARNWICK_VIEWER, arguments);
+    // Among the windows that the manager knows: the drawing area is a window too. The first field is the
+    // identifier, the third the process, and the fifth and all behind it the title.
+    QElapsedTimer clock;
+    clock.start();
+    while (window_.isEmpty() && clock.elapsed() < kPatience && process_.state() != QProcess::NotRunning) {
+        process_.waitForReadyRead(60);
+        for (const QString& line : Run("wmctrl", {"-lp"}).split('\n', Qt::SkipEmptyParts)) {
+            const QStringList fields = line.simplified().split(' ');
+            if (fields.value(2).toLongLong() == process_.processId() &&
+                fields.mid(4).join(' ') != "Tarnwick console") {
+                window_ = fields.value(0);
+            }
+        }
+    }
+    if (IsOpen()) {
+        Run("xdotool", {"windowactivate", "--sync", window_});
+        Pause(200);
+    }
+}
+
+ViewerProcess::~ViewerProcess() {
+    if (process_.state() != QProcess::NotRunning) {
+        process_.kill();
+        process_.waitForFinished();
+    }
+}
+
+QString ViewerProcess::Title() {
+    return Run("xdotool", {"getwindowname", window_});
+}
+
+std::string ViewerProcess::Console(const std::string& expected) {
+    QElapsedTimer clock;
+    clock.start();
+    do {
+        process_.waitForReadyRead(20);
+        console_ += process_.readAllStandardError();
+    } while (console_.toStdString().find(expected) == std::string::npos && clock.elapsed() < kPatience);
+    return console_.toStdString();
+}
+
+void ViewerProcess::Move(int x, int y) {
+    Run("xdotool", {"mousemove", "--window", window_, QString::number(x), QString::number(y)});
+    Pause();
+}
+
+void ViewerProcess::Press(int button) {
+    Run("xdotool", {"mousedown", QString::number(button)});
+    Pause();
+}
+
+void ViewerProcess::Release(int button) {
+    Run("xdotool", {"mouseup", QString::number(button)});
+    Pause(120);
+}
+
+void ViewerProcess::Click(int x, int y, int button) {
+    Move(x, y);
+    Press(button);
+    Release(button);
+}
+
+void ViewerProcess::Drag(int button, QPoint from, QPoint to) {
+    Move(from.x(), from.y());
+    Press(button);
+    const QPoint middle = (from + to) / 2;
+    Move(middle.x(), middle.y());
+    Move(to.x(), to.y());
+    Release(button);
+}
+
+void ViewerProcess::Key(const QString& key) {
+    Run("xdotool", {"key", key});
+    Pause(150);
+}
+
+void ViewerProcess::Resize(int width, int height) {
+    Run("xdotool", {"windowsize", window_, QString::number(width), QString::number(height)});
+    Pause(400);
+}
+
+void ViewerProcess::Maximise() {
+    Run("wmctrl", {"-i", "-r", window_, "-b", "add,maximized_vert,maximized_horz"});
+    Pause(600);
+}
+
+void ViewerProcess::Restore() {
+    Run("wmctrl", {"-i", "-r", window_, "-b", "remove,maximized_vert,maximized_horz"});
+    Pause(600);
+}
+
+void ViewerProcess::Minimise() {
+    Run("xdotool", {"windowminimize", window_});
+    Pause(400);
+}
+
+QSize ViewerProcess::Size() {
+    QSize size;
+    for (const QString& line :
+         Run("xdotool", {"getwindowgeometry", "--shell", window_}).split('\n', Qt::SkipEmptyParts)) {
+        const int value = line.section('=', 1).toInt();
+        if (line.startsWith("WIDTH=")) { size.setWidth(value); }
+        if (line.startsWith("HEIGHT=")) { size.setHeight(value); }
+    }
+    return size;
+}
+
+QPoint ViewerProcess::Origin() {
+    // The mouse knows where the client area starts.
+    Move(0, 0);
+    QPoint place;
+    for (const QString& line :
+         Run("xdotool", {"getmouselocation", "--shell"}).split('\n', Qt::SkipEmptyParts)) {
+        const int value = line.section('=', 1).toInt();
+        if (line.startsWith("X=")) { place.setX(value); }
+        if (line.startsWith("Y=")) { place.setY(value); }
+    }
+    return place;
+}
+
+bool ViewerProcess::Drop(QPoint place, const QStringList& uris) {
+    const QPoint onScreen = Origin() + place;
+    int status = -1;
+    Run(TARNWICK_XDND_DROP, QStringList{QString::number(onScreen.x()), QString::number(onScreen.y())} + uris,
+        &status);
+    Pause(300);
+    return status == 0;
+}
+
+bool ViewerProcess::WaitForTitle(const QString& title) {
+    QElapsedTimer clock;
+    clock.start();
+    while (Title() != title && clock.elapsed() < kPatience) { Pause(); }
+    return Title() == title;
+}
+
+QString ViewerProcess::WaitForWindow(const QString& name) {
+    QElapsedTimer clock;
+    clock.start();
+    QString found;
+    while (found.isEmpty() && clock.elapsed() < kPatience) {
+        Pause();
+        found = Run("xdotool", {"search", "--onlyvisible", "--name", "^" + name + "$"}).section('\n', 0, 0);
+    }
+    Pause(200);
+    return found;
+}
+
+void ViewerProcess::CloseWindow(const QString& window) {
+    Run("wmctrl", {"-i", "-c", window});
+    Pause(300);
+}
+
+QImage ViewerProcess::Snapshot(const QString& name) {
+    const QString path = home_.filePath("Pictures/Tarnwick/" + name + ".bmp");
+    QFile::remove(path);
+    Run("xdotool", {"windowactivate", "--sync", window_});
+    Key("p");
+    QImage picture;
+    QElapsedTimer clock;
+    clock.start();
+    while (picture.isNull() && clock.elapsed() < kPatience) {
+        Pause();
+        picture.load(path);
+    }
+    return picture;
+}
+
+int ViewerProcess::Close() {
+    Run("wmctrl", {"-i", "-c", window_});
+    return WaitForEnd();
+}
+
+int ViewerProcess::WaitForEnd() {
+    if (process_.state() != QProcess::NotRunning && !process_.waitForFinished(kPatience)) { return -1; }
+    console_ += process_.readAllStandardError();
+    return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -2;
+}
+
+} // namespace tarnwick::test

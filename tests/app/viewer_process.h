@@ -1,0 +1,64 @@
+// The built viewer as a program on the display: what its users do to it, through real events, and what they
+// see of it.
+#pragma once
+
+#include <QImage>
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <string>
+
+namespace tarnwick::test {
+
+class ViewerProcess {
+public:
+    // Starts the program with a home of its own and waits for its window. `environment` holds "NAME=value".
+    explicit ViewerProcess(const QStringList& arguments = {}, const QStringList& environment = {});
+    ~ViewerProcess();
+
+    bool IsOpen() const { return !window_.isEmpty(); }
+    QString Title();
+    // Everything that the console channel printed so far, waiting until it holds `expected`.
+    std::string Console(const std::string& expected = "");
+
+    // Mouse and keys; places are device pixels in the dialog's client area.
+    void Move(int x, int y);
+    void Click(int x, int y, int button = 1);
+    void Drag(int button, QPoint from, QPoint to);
+    void Press(int button);
+    void Release(int button);
+    void Key(const QString& key);
+    void Resize(int width, int height);
+    void Maximise();
+    void Restore();
+    void Minimise();
+    QSize Size();
+    QPoint Origin();
+    bool Drop(QPoint place, const QStringList& uris);
+    // Waits until the dialog has this title.
+    bool WaitForTitle(const QString& title);
+    // Waits until another window of this name is there; returns its identifier.
+    QString WaitForWindow(const QString& name);
+    void CloseWindow(const QString& window);
+
+    // Presses P and reads the file, whose name is that of the model.
+    QImage Snapshot(const QString& name);
+    QString Home() const { return home_.path(); }
+
+    // Has the window manager close the dialog; returns the exit status, or -1 when the program doesn't end.
+    int Close();
+    int WaitForEnd();
+    bool IsRunning() { return process_.state() == QProcess::Running; }
+
+private:
+    static QString Run(const QString& program, const QStringList& arguments, int* status = nullptr);
+    static void Pause(int milliseconds = 60);
+
+    QTemporaryDir home_;
+    QProcess process_;
+    QString window_;
+    QByteArray console_;
+};
+
+} // namespace tarnwick::test
