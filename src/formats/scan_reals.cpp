@@ -91,7 +91,7 @@ const char* ReadPlain(const char* p, const char* end, T* value) {
     if (p < end && !IsSpace(*p)) { return nullptr; }
     if constexpr (sizeof(T) == sizeof(double)) {
         if (digits <= kMostDigits && mantissa <= kExact && power >= -kExactPowers && power <= kExactPowers) {
-            const double whole = static_cast<double>(mantissa);
+            const double whole = static_cast<double>(static_cast<std::int64_t>(mantissa));
             const double result = power < 0 ? whole / kPowers[-power] : whole * kPowers[power];
             *value = negative ? -result : result;
             return p;
@@ -110,6 +110,12 @@ int Scan(std::string_view text, T* values, int count) {
     const char* p = text.data();
     const char* const end = p + text.size();
     for (int i = 0; i < count; ++i) {
+        // Most numbers of a rotation are one digit.
+        if (p + 1 < end && IsDigit(*p) && p[1] == ' ') {
+            values[i] = static_cast<T>(*p - '0');
+            p += 2;
+            continue;
+        }
         while (p < end && IsSpace(*p)) ++p;
         if (p == end) { return i; }
         const char* const plain = ReadPlain(p, end, values + i);

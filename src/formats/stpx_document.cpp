@@ -43,18 +43,9 @@ enum class State {
 enum class PropertyKind { kNone, kCornerPoint, kBoundingBox };
 
 // Uids and file names point into the text, or into the reader's own memory; both end with the reader.
-struct OccurrenceUid {
-    ProductNode* product;
-    string_view uid;
-    std::uint32_t hash; // taken while the uid is at hand
-};
 struct AssignedDocument {
     ProductNode* product;
     string_view uid;
-};
-struct UidPair {
-    string_view first;
-    string_view second;
 };
 
 // A product that stood in the table of assemblies before this document named it.
@@ -76,6 +67,9 @@ public:
           formerParts_(parts.Count()), scan_{document.text, document.text + document.size, document.name} {}
 
     const char* Read() {
+        // An occurrence takes some hundred characters; room that isn't needed is never touched.
+        constexpr std::size_t kUsualOccurrence = 400;
+        occurrenceUids_.Reserve(document_.size / kUsualOccurrence);
         PrepareText(document_.text, document_.size);
         if (!ScanAll() || !ResolveOccurrences()) {
             Undo();
@@ -143,10 +137,10 @@ private:
     bool hasRotation_ = false;
     bool hasTranslation_ = false;
 
-    std::vector<OccurrenceUid> occurrenceUids_;
+    StringMap<ProductNode*> occurrenceUids_; // the product whose view holds the occurrence
     std::vector<AssignedDocument> assignedDocuments_;
-    std::vector<UidPair> versionFiles_; // document version to digital file
-    std::vector<UidPair> fileNames_;    // file to file name
+    StringMap<string_view> mapDV_DF_;       // document version to digital file
+    StringMap<string_view> mapDF_Filename_; // file to file name
     std::unordered_map<ProductNode*, JoinedProduct> joined_;
 };
 
@@ -305,7 +299,7 @@ bool DocumentReader::Step() {
             state_ = State::kInDefinition;
         } else if (Tag() == "<DigitalFile") {
             digitalFileSeen_ = true;
-            versionFiles_.push_back({versionUid_, Uid()});
+            mapDV_DF_.Add(versionUid_, Uid());
         }
         return true;
     }
@@ -338,7 +332,7 @@ bool DocumentReader::StepPartView() {
         const string_view uid = Uid();
         const char* const copy = scratch_.Copy(uid.data(), uid.size());
         if (copy == nullptr) { return Fail(kNoMemory); }
-        occurrenceUids_.push_back({currentProduct_, {copy, uid.size()}, StringMap<ProductNode*>::Hash(uid)});
+        occurrenceUids_.Add({copy, uid.size()}, currentProduct_);
         ++viewOccurrences_;
     } else if (Tag() == "<DocumentAssignment") {
         state_ = State::kInAssignment;
@@ -451,7 +445,7 @@ void DocumentReader::TakeIdentifier() {
     const string_view fileName = find::CutAtNul(scan_.id);
     ProductNode* const product = assignedDocuments_.empty() ? nullptr : assignedDocuments_.back().product;
     if (product == nullptr || assignedDocuments_.back().uid != fileUid_) {
-        fileNames_.push_back({fileUid_, fileName});
+        mapDF_Filename_.Add(fileUid_, fileName);
         return;
     }
     if (IsXmlByLastLetters(fileName) == 0) {
@@ -474,14 +468,11 @@ void DocumentReader::AddAssembly(ProductNode* product, string_view fileName) {
 
 // Finds the root and the child of every occurrence.
 bool DocumentReader::ResolveOccurrences() {
-    if (occurrenceUids_.empty()) {
+    if (occurrenceUids_.Entries().empty()) {
         document_.root = currentProduct_;
         return true;
     }
-    StringMap<ProductNode*> products(occurrenceUids_.size());
-    for (const OccurrenceUid& occurrence : occurrenceUids_) {
-        products.Insert(occurrence.uid, occurrence.hash, occurrence.product);
-    }
+    occurrenceUids_.Build();
     const ProductNode* former = nullptr;
     for (ProductNode* const product : document_.products) {
         if (product == nullptr) { break; }
@@ -496,7 +487,7 @@ bool DocumentReader::ResolveOccurrences() {
         }
         for (std::int32_t i = 0; i < product->occurrenceCount; ++i) {
             Occurrence& occurrence = *product->occurrences[i];
-            ProductNode* const* const child = products.Find(occurrence.relatedUid);
+            ProductNode* const* const child = occurrenceUids_.Find(occurrence.relatedUid);
             if (child != nullptr) { occurrence.child = *child; }
         }
     }
@@ -511,22 +502,20 @@ void DocumentReader::ResolveFileNames() {
                                         "e dans mapDF_Filename\n";
     constexpr const char* kNotInVersions = "<E> Chaine %.*s non trouv\xE9"
                                            "e dans mapDV_DF\n";
-    StringMap<string_view> mapDV_DF(versionFiles_.size());
-    for (const UidPair& pair : versionFiles_) { mapDV_DF.Insert(pair.first, pair.second); }
-    StringMap<string_view> mapDF_Filename(fileNames_.size());
-    for (const UidPair& pair : fileNames_) { mapDF_Filename.Insert(pair.first, pair.second); }
+    mapDV_DF_.Build();
+    mapDF_Filename_.Build();
     for (const AssignedDocument& assigned : assignedDocuments_) {
         if (assigned.product == nullptr) { break; }
         string_view file = assigned.uid;
         if (digitalFileSeen_) {
-            const string_view* const found = mapDV_DF.Find(assigned.uid);
+            const string_view* const found = mapDV_DF_.Find(assigned.uid);
             if (found == nullptr) {
                 ConsolePrint(kNotInVersions, static_cast<int>(file.size()), file.data());
                 continue;
             }
             file = *found;
         }
-        const string_view* const fileName = mapDF_Filename.Find(file);
+        const string_view* const fileName = mapDF_Filename_.Find(file);
         if (fileName == nullptr) {
             ConsolePrint(kNotInFiles, static_cast<int>(file.size()), file.data());
             continue;

@@ -31,7 +31,7 @@ const char* FindTag(const StpxScan* scan) {
     constexpr std::ptrdiff_t kNear = 32;
     const char* p = scan->at;
     if (scan->end - p >= kNear) [[likely]] {
-        const char* const near = find::Within<kNear, '<'>(p);
+        const char* const near = find::Near<'<'>(p);
         if (near != nullptr) { return near; }
         p += kNear;
     }

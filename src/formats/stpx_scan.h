@@ -23,7 +23,7 @@ struct StpxScan {
     const char* problem = nullptr; // why the text is given up, a phrase in static memory
 };
 
-// Puts the sentinel behind a text of `size` characters: 16 bytes there must be writable, 32 readable.
+// Puts the sentinel behind a text of `size` characters: 16 bytes there must be writable, 48 readable.
 void PrepareText(char* text, std::size_t size);
 
 // Moves to the next "<" and on to the first blank, line feed or ">", where `at` is left. Only the first 90

@@ -35,14 +35,24 @@ inline const char* AtMark(const char* p, std::uint64_t marks) {
     return p + (std::countr_zero(marks) >> 3);
 }
 
+#ifdef __SSE2__
+// A bit for each of the 16 characters at `p` that is one of `c...`.
+template <char... c>
+inline std::uint32_t Bits(const char* p) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    __m128i marks = _mm_setzero_si128();
+    ((marks = _mm_or_si128(marks, _mm_cmpeq_epi8(block, _mm_set1_epi8(c)))), ...);
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(marks));
+}
+#endif
+
 // The first of the characters `c...` at or behind `p`.
 template <char... c>
 inline const char* First(const char* p) {
 #ifdef __SSE2__
     for (;; p += 16) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        const int marks = (_mm_movemask_epi8(_mm_cmpeq_epi8(block, _mm_set1_epi8(c))) | ...);
-        if (marks != 0) { return p + std::countr_zero(static_cast<unsigned>(marks)); }
+        const std::uint32_t bits = Bits<c...>(p);
+        if (bits != 0) { return p + std::countr_zero(bits); }
     }
 #else
     for (;; p += 8) {
@@ -53,21 +63,20 @@ inline const char* First(const char* p) {
 #endif
 }
 
-// The first `c` among the `count` characters from `p` on, or null. `count` is a multiple of 16.
-template <std::ptrdiff_t count, char c>
-inline const char* Within(const char* p) {
+// The first `c` among the 32 characters from `p` on, or null.
+template <char c>
+inline const char* Near(const char* p) {
+    for (const char* const end = p + 32; p < end;) {
 #ifdef __SSE2__
-    for (std::ptrdiff_t i = 0; i < count; i += 16) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
-        const int marks = _mm_movemask_epi8(_mm_cmpeq_epi8(block, _mm_set1_epi8(c)));
-        if (marks != 0) { return p + i + std::countr_zero(static_cast<unsigned>(marks)); }
-    }
+        const std::uint32_t bits = Bits<c>(p);
+        if (bits != 0) { return p + std::countr_zero(bits); }
+        p += 16;
 #else
-    for (std::ptrdiff_t i = 0; i < count; i += 8) {
-        const std::uint64_t marks = Marks(LoadEight(p + i), c);
-        if (marks != 0) { return AtMark(p + i, marks); }
-    }
+        const std::uint64_t marks = Marks(LoadEight(p), c);
+        if (marks != 0) { return AtMark(p, marks); }
+        p += 8;
 #endif
+    }
     return nullptr;
 }
 

@@ -8,7 +8,13 @@ namespace tarnwick {
 namespace {
 
 TEST(StringMap, Has4BucketsUpTo5Entries8UpTo11And16UpTo23) {
-    const auto size = [](std::size_t entries) { return StringMap<int>(entries).size; };
+    const auto map = [](int entries) {
+        StringMap<int> built;
+        for (int i = 0; i < entries; ++i) { built.Add("k", i); }
+        built.Build();
+        return built;
+    };
+    const auto size = [&](int entries) { return map(entries).size; };
     EXPECT_EQ(size(0), 4);
     EXPECT_EQ(size(5), 4);
     EXPECT_EQ(size(6), 8);
@@ -16,9 +22,9 @@ TEST(StringMap, Has4BucketsUpTo5Entries8UpTo11And16UpTo23) {
     EXPECT_EQ(size(12), 16);
     EXPECT_EQ(size(23), 16);
     EXPECT_EQ(size(24), 32);
-    const StringMap<int> map(23);
-    EXPECT_EQ(map.bits, 4);
-    EXPECT_EQ(map.mask, 15);
+    EXPECT_EQ(map(23).bits, 4);
+    EXPECT_EQ(map(23).mask, 15);
+    EXPECT_EQ(map(23).count, 23);
 }
 
 TEST(StringMap, MaskingTheHashOnceGivesTheBucketOfMaskingAtEachStep) {
@@ -34,15 +40,18 @@ TEST(StringMap, MaskingTheHashOnceGivesTheBucketOfMaskingAtEachStep) {
 }
 
 TEST(StringMap, FindsTheFirstOfTwoEqualKeysAndNothingForAnother) {
-    StringMap<int> map(3);
-    map.Insert("a", 1);
-    map.Insert("a", 2);
-    map.Insert("", 3);
+    StringMap<int> map;
+    map.Add("a", 1);
+    map.Add("a", 2);
+    map.Add("", 3);
+    map.Build();
     EXPECT_EQ(*map.Find("a"), 1);
     EXPECT_EQ(*map.Find(""), 3);
     EXPECT_EQ(map.Find("b"), nullptr);
     EXPECT_EQ(map.count, 3);
-    EXPECT_EQ(StringMap<int>(0).Find("a"), nullptr);
+    StringMap<int> empty;
+    empty.Build();
+    EXPECT_EQ(empty.Find("a"), nullptr);
 }
 
 } // namespace
