@@ -18,9 +18,9 @@ namespace tarnwick::test {
 
 TestFolder::TestFolder() {
     // In memory where the machine has such a folder: some tests write thousands of files.
-    const std::filesystem::path shared = "/dev/shm";
+    const std::filesystem::path memory = "/dev/shm";
     const std::filesystem::path base =
-        std::filesystem::is_directory(shared) ? shared : std::filesystem::temp_directory_path();
+        std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
     std::string name = (base / "tarnwick_formats_XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) { std::abort(); }
     path_ = name + "/";
