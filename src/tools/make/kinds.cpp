@@ -19,6 +19,7 @@ struct Options {
     AssemblyOptions assembly;
     FemOptions fem;
     StpxOptions stpx, stpa;
+    StpjOptions stpj;
 };
 
 std::vector<Kind> AddKinds(CLI::App* app, Options* o) {
@@ -32,6 +33,8 @@ std::vector<Kind> AddKinds(CLI::App* app, Options* o) {
          [o] { return RunStpx(o->stpx); }},
         {AddStpaCommand(app, &o->stpa), [o] { return CheckStpaOptions(o->stpa); },
          [o] { return RunStpa(o->stpa); }},
+        {AddStpjCommand(app, &o->stpj), [o] { return CheckStpjOptions(o->stpj); },
+         [o] { return RunStpj(o->stpj); }},
     };
 }
 
