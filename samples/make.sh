@@ -19,6 +19,11 @@ cd "$here"
 "$make" part surface-sets.stpz --triangles 4000 --solids 4 --kind sets --colours 4 --compress
 "$make" fem panel-fem.stp --quads 250
 
-rm -rf machine
-mkdir machine
-"$make" assembly machine/machine.stp --uses 4 --triangles-per-part 300 --kind strips --normals one --shared-coordinates
+# One machine in every format.
+rm -rf machine machine-xml
+mkdir machine machine-xml
+style="--kind strips --normals one --shared-coordinates"
+"$make" assembly machine/machine.stp --uses 4 --triangles-per-part 300 $style
+"$make" stpx machine-xml/machine.stpx --uses 4 --triangles-per-part 300 $style
+"$make" stpa machine.stpa --uses 4 --triangles-per-part 300 $style --route documents
+"$make" stpj machine.stpj --uses 4 --triangles-per-part 300

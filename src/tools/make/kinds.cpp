@@ -18,6 +18,8 @@ struct Options {
     PartOptions part;
     AssemblyOptions assembly;
     FemOptions fem;
+    StpxOptions stpx, stpa;
+    StpjOptions stpj;
 };
 
 std::vector<Kind> AddKinds(CLI::App* app, Options* o) {
@@ -27,6 +29,12 @@ std::vector<Kind> AddKinds(CLI::App* app, Options* o) {
         {AddAssemblyCommand(app, &o->assembly), [o] { return CheckAssemblyOptions(o->assembly); },
          [o] { return RunAssembly(o->assembly); }},
         {AddFemCommand(app, &o->fem), [] { return std::string(); }, [o] { return RunFem(o->fem); }},
+        {AddStpxCommand(app, &o->stpx), [o] { return CheckStpxOptions(o->stpx); },
+         [o] { return RunStpx(o->stpx); }},
+        {AddStpaCommand(app, &o->stpa), [o] { return CheckStpaOptions(o->stpa); },
+         [o] { return RunStpa(o->stpa); }},
+        {AddStpjCommand(app, &o->stpj), [o] { return CheckStpjOptions(o->stpj); },
+         [o] { return RunStpj(o->stpj); }},
     };
 }
 

@@ -4,6 +4,8 @@
 #include "tools/make/assembly.h"
 #include "tools/make/fem.h"
 #include "tools/make/part.h"
+#include "tools/make/stpj.h"
+#include "tools/make/stpx.h"
 
 namespace tarnwick::make {
 

@@ -264,11 +264,15 @@ private:
 
 } // namespace
 
+std::string FileStem(const Machine::Node& node) {
+    return node.stem.empty() ? Lower(node.id) : node.stem;
+}
+
 bool IsMachineStem(const std::string& stem) {
     std::size_t dash = stem.rfind('-');
     if (dash == stem.npos || stem.find_first_not_of("0123456789", dash + 1) != stem.npos) return false;
     std::string word = stem.substr(0, dash);
-    return word == "group" ||
+    return word == "group" || word == "unit" ||
            std::any_of(texts.begin(), texts.end(), [&](const RoleText& t) { return word == Lower(t.id); });
 }
 

@@ -38,7 +38,10 @@ struct Machine {
 
 Machine MakeMachine(const MachineOptions& options);
 
-// Whether some machine has a part or group whose file has that stem.
+// The stem of a file that describes the node, or the node and what it is made of.
+std::string FileStem(const Machine::Node& node);
+
+// Whether some machine has a part, unit or group whose file has that stem.
 bool IsMachineStem(const std::string& stem);
 
 } // namespace tarnwick::make

@@ -6,14 +6,22 @@
 namespace tarnwick::make {
 
 bool WriteFile(const std::string& path, bool compress, const std::function<void(P21Writer*)>& write) {
-    std::unique_ptr<ByteSink> sink = OpenFile(path, compress);
-    if (sink->Error().empty()) {
-        P21Writer writer(sink.get());
+    return WriteBytes(path, compress, [&](ByteSink* sink) {
+        P21Writer writer(sink);
         write(&writer);
-    }
+    });
+}
+
+bool WriteBytes(const std::string& path, bool compress, const std::function<void(ByteSink*)>& write) {
+    std::unique_ptr<ByteSink> sink = OpenFile(path, compress);
+    if (sink->Error().empty()) write(sink.get());
     if (sink->Close()) return true;
-    std::fprintf(stderr, "tarnwick-make: can't write %s: %s\n", path.c_str(), sink->Error().c_str());
+    SayUnwritable(path, sink->Error());
     return false;
+}
+
+void SayUnwritable(const std::string& path, const std::string& why) {
+    std::fprintf(stderr, "tarnwick-make: can't write %s: %s\n", path.c_str(), why.c_str());
 }
 
 } // namespace tarnwick::make

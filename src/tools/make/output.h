@@ -10,5 +10,10 @@ namespace tarnwick::make {
 // Calls `write` with a writer on a new file; false, and a line on standard error, when it couldn't be
 // written.
 bool WriteFile(const std::string& path, bool compress, const std::function<void(P21Writer*)>& write);
+// The same for any other text.
+bool WriteBytes(const std::string& path, bool compress, const std::function<void(ByteSink*)>& write);
+
+// The line that says why.
+void SayUnwritable(const std::string& path, const std::string& why);
 
 } // namespace tarnwick::make

@@ -1,6 +1,8 @@
 // Numbers, strings and lists as ISO 10303-21 has them.
 #include "tools/make/p21_writer.h"
 
+#include "tools/make/real_text.h"
+
 namespace tarnwick::make {
 
 namespace {
@@ -94,17 +96,12 @@ void P21Writer::Put(std::int64_t value) {
     buffer_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
-// As few digits as give the same single-precision number back, which is what a model for drawing needs; never
-// with an exponent, always with a point.
+// A real of this format always has a point.
 void P21Writer::Put(double value) {
     if (buffer_.size() >= blockSize) Flush();
-    auto rounded = static_cast<float>(value);
-    if (std::abs(rounded) < 1e-7f) return Put(Literal{"0."}); // rounding noise of sines and cosines
-    char digits[64];
-    char* end = std::to_chars(digits, digits + sizeof digits, rounded, std::chars_format::fixed).ptr;
-    std::string_view text(digits, static_cast<std::size_t>(end - digits));
-    buffer_ += text;
-    if (text.find('.') == text.npos) Put('.');
+    std::size_t start = buffer_.size();
+    AppendReal(value, &buffer_);
+    if (buffer_.find('.', start) == buffer_.npos) Put('.');
 }
 
 void P21Writer::Put(const Vec3& v) {

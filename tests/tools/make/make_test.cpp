@@ -1,4 +1,5 @@
 // The sample writer: its meshes, its files and its command line.
+#include "make_files.h"
 #include "tools/make/assembly.h"
 #include "tools/make/byte_sink.h"
 #include "tools/make/fem.h"
@@ -18,8 +19,6 @@
 
 namespace tarnwick::make {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr Shape allShapes[] = {Shape::Plate, Shape::Gear,   Shape::Bolt,   Shape::Flange,
                                Shape::Shaft, Shape::Washer, Shape::Bracket};
@@ -223,35 +222,6 @@ std::string Written(void (*write)(P21Writer*)) {
     return text.substr(0, text.find("ENDSEC;"));
 }
 
-std::string ReadFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-class MakeFiles : public testing::Test {
-protected:
-    void SetUp() override {
-        std::string name = testing::TempDir() + "tarnwick-make-XXXXXX";
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        folder = name;
-    }
-    void TearDown() override { fs::remove_all(folder); }
-
-    int Run(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "tarnwick-make");
-        std::vector<char*> argv;
-        for (std::string& a : arguments) argv.push_back(a.data());
-        return RunCommandLine(static_cast<int>(argv.size()), argv.data());
-    }
-    std::string Path(const std::string& name) { return (folder / name).string(); }
-    std::size_t FileCount() {
-        return static_cast<std::size_t>(
-            std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-    }
-
-    fs::path folder;
-};
-
 // --- meshes ---
 
 using Edge = std::array<double, 6>;
@@ -338,7 +308,17 @@ std::vector<MeshCase> MeshCases() {
         for (std::size_t triangles : {1u, 700u, 1000u, 3500u, 20000u}) cases.push_back({shape, triangles});
     return cases;
 }
-INSTANTIATE_TEST_SUITE_P(AllShapes, MakeMesh, testing::ValuesIn(MeshCases()));
+std::string NameOf(const MeshCase& c) {
+    constexpr const char* names[] = {"Plate", "Gear", "Bolt", "Flange", "Shaft", "Washer", "Bracket"};
+    return names[static_cast<std::size_t>(c.shape)] + ("Of" + std::to_string(c.triangles));
+}
+void PrintTo(const MeshCase& c, std::ostream* out) {
+    *out << NameOf(c);
+}
+std::string MeshCaseName(const testing::TestParamInfo<MeshCase>& info) {
+    return NameOf(info.param);
+}
+INSTANTIATE_TEST_SUITE_P(AllShapes, MakeMesh, testing::ValuesIn(MeshCases()), MeshCaseName);
 
 TEST_P(MakeMesh, UsesEveryEdgeOnceInEachDirection) {
     for (std::uint64_t seed : {1u, 2u, 3u}) ExpectClosed(Make(seed));
@@ -923,17 +903,29 @@ TEST_F(MakeFiles, WrongCommandLinesGiveTwoAndWriteNothing) {
         {"assembly", Path("gear-0004.stp")},
         {"assembly", Path("group-0001.stpz")},
         {"fem", Path("x"), "--quads", "0"},
+        {"stpx", Path("gear-0004.stpx")},
+        {"stpx", Path("unit-0001.stpx")},
+        {"stpx", Path("x"), "--route", "round"},
+        {"stpx", Path("x"), "--documents", "6"},
+        {"stpx", Path("x"), "--stored-documents"},
+        {"stpx", Path("x"), "--parts", "9999", "--uses", "9999"},
+        {"stpa", Path("x"), "--compress"},
+        {"stpa", Path("x"), "--documents", "-1"},
+        {"stpj", Path("x"), "--occurrences", "0"},
+        {"stpj", Path("x"), "--occurrences", "5", "--uses", "2"},
     };
     for (const auto& arguments : wrong) EXPECT_EQ(Run(arguments), 2) << testing::PrintToString(arguments);
     EXPECT_EQ(FileCount(), 0u);
 }
 
 TEST_F(MakeFiles, UnwritableOutputGivesOne) {
-    for (const char* kind : {"part", "assembly", "fem"})
+    for (const char* kind : {"part", "assembly", "fem", "stpx", "stpa", "stpj"})
         EXPECT_EQ(Run({kind, Path("no/such/folder/x.stp")}), 1);
     if (fs::exists("/dev/full")) {
         EXPECT_EQ(Run({"part", "/dev/full"}), 1);
         EXPECT_EQ(Run({"part", "/dev/full", "--compress"}), 1);
+        EXPECT_EQ(Run({"stpa", "/dev/full", "--triangles-per-part", "100"}), 1);
+        EXPECT_EQ(Run({"stpj", "/dev/full"}), 1);
     }
 }
 

@@ -1,0 +1,35 @@
+// One STEP XML document of the machine: products, their occurrences, and the names of the files that go on.
+#pragma once
+
+#include "tools/make/byte_sink.h"
+#include "tools/make/machine.h"
+
+#include <vector>
+
+namespace tarnwick::make {
+
+// How a part leads to its file.
+enum class FileRoute {
+    Direct,   // its assignment names a File that stands right behind it
+    Documents // its assignment names a version of a document, whose digital file is one of those at the end
+};
+
+// What all documents of a machine have in common.
+struct DocumentSet {
+    const Machine& machine;
+    std::vector<bool> ownDocument; // of each node: whether it is described in a document of its own
+    FileRoute route = FileRoute::Direct;
+    std::string documentSuffix = ".stpx", partSuffix = ".stp"; // of the names that documents refer to
+};
+
+// As many sub-assemblies as asked for get documents of their own: those of the first level, then those of the
+// second, and so on. Without a number the ones that have their own files in an assembly. At most
+// MostDocuments.
+std::vector<bool> ChooseDocuments(const Machine& machine, int count);
+std::vector<bool> ChooseDocuments(const Machine& machine);
+int MostDocuments(const Machine& machine);
+
+// The document of one node: the node and the nodes below it that have no document of their own.
+void WriteDocument(const DocumentSet& set, int node, ByteSink* sink);
+
+} // namespace tarnwick::make

@@ -1,0 +1,14 @@
+// How reals are rounded and written, the same in every format.
+#pragma once
+
+#include <string>
+
+namespace tarnwick::make {
+
+// Single precision, which is what a model for drawing needs, without the rounding noise of sines and cosines.
+float RoundReal(double value);
+
+// As few digits as give the rounded number back; never with an exponent, and with no point behind an integer.
+void AppendReal(double value, std::string* out);
+
+} // namespace tarnwick::make

@@ -1,0 +1,273 @@
+// Products in the order in which they are first used, occurrences depth first.
+#include "tools/make/stpj.h"
+
+#include "tools/make/command_line.h"
+#include "tools/make/output.h"
+#include "tools/make/real_text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+namespace tarnwick::make {
+
+namespace {
+
+// By columns, in single precision.
+using Matrix = std::array<float, 16>;
+
+constexpr Matrix identity{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+
+Vec3 Rounded(Vec3 v) {
+    return {RoundReal(v.x), RoundReal(v.y), RoundReal(v.z)};
+}
+
+Matrix MatrixOf(const Placement& at) {
+    Vec3 x = Rounded(at.x), z = Rounded(at.z);
+    Matrix m = identity;
+    int column = 0;
+    for (Vec3 v : {x, Cross(z, x), z, at.origin}) {
+        float* const c = m.data() + 4 * column++;
+        c[0] = RoundReal(v.x);
+        c[1] = RoundReal(v.y);
+        c[2] = RoundReal(v.z);
+    }
+    return m;
+}
+
+Matrix Product(const Matrix& a, const Matrix& b) {
+    Matrix m;
+    for (std::size_t c = 0; c < 16; c += 4)
+        for (std::size_t r = 0; r < 4; ++r)
+            m[c + r] = a[r] * b[c] + a[4 + r] * b[c + 1] + a[8 + r] * b[c + 2] + a[12 + r] * b[c + 3];
+    return m;
+}
+
+struct Box {
+    static constexpr double inf = std::numeric_limits<double>::infinity();
+    Vec3 low{inf, inf, inf}, high{-inf, -inf, -inf};
+
+    void Add(Vec3 p) {
+        low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+    }
+    void Add(const Placement& at, const Box& box) {
+        for (int corner = 0; corner < 8; ++corner) {
+            Vec3 p{(corner & 1) != 0 ? box.high.x : box.low.x, (corner & 2) != 0 ? box.high.y : box.low.y,
+                   (corner & 4) != 0 ? box.high.z : box.low.z};
+            Add(Place(at, p));
+        }
+    }
+};
+
+Box BoxOf(const Solid& solid) {
+    Box box;
+    for (const Face& face : solid.faces)
+        for (Vec3 p : face.points) box.Add(p);
+    return box;
+}
+
+class SummaryWriter {
+public:
+    SummaryWriter(const StpjOptions& o, ByteSink* sink) : o_(o), sink_(*sink) {
+        MachineOptions m = o.machine;
+        most_ = o.occurrences.value_or(std::numeric_limits<int>::max());
+        if (o.occurrences) m.uses = (most_ + m.parts - 1) / m.parts;
+        machine_ = MakeMachine(m);
+        buffer_.reserve(blockSize + (1 << 12));
+    }
+
+    SummaryCounts Write() {
+        shown_.resize(machine_.nodes.size());
+        nodeProducts_.resize(machine_.nodes.size());
+        partProducts_.resize(machine_.parts.size());
+        partBoxes_.resize(machine_.parts.size());
+        nodeBoxes_.resize(machine_.nodes.size());
+        Count({false, 0, {}}, 0);
+        for (std::size_t i = 0; i < machine_.parts.size(); ++i)
+            partBoxes_[i] = BoxOf(MakeSolid(machine_.parts[i].dims, o_.trianglesPerPart));
+        FindBox(0);
+        WriteProducts();
+        WriteOccurrences();
+        Flush();
+        return counts_;
+    }
+
+private:
+    Machine::Node& Node(int number) { return machine_.nodes[static_cast<std::size_t>(number)]; }
+    Machine::Part& Part(int number) { return machine_.parts[static_cast<std::size_t>(number)]; }
+    std::size_t& Shown(int node) { return shown_[static_cast<std::size_t>(node)]; }
+    Box& BoxOfUse(const Machine::Use& use) {
+        return (use.ofPart ? partBoxes_ : nodeBoxes_)[static_cast<std::size_t>(use.number)];
+    }
+    int& ProductOf(const Machine::Use& use) {
+        return (use.ofPart ? partProducts_ : nodeProducts_)[static_cast<std::size_t>(use.number)];
+    }
+
+    // Numbers the products from 1 and finds out how many uses of each node there are before the last
+    // occurrence is reached.
+    void Count(const Machine::Use& use, int depth) {
+        ++counts_.occurrences;
+        counts_.depth = std::max(counts_.depth, depth);
+        int& product = ProductOf(use);
+        if (product == 0) {
+            product = ++counts_.products;
+            products_.push_back(use);
+        }
+        if (use.ofPart) return;
+        for (const Machine::Use& below : Node(use.number).uses) {
+            if (counts_.occurrences == most_) return;
+            ++Shown(use.number);
+            Count(below, depth + 1);
+        }
+    }
+
+    // An assembly right at the end that has none of its components left keeps the box that it has with them.
+    const Box& FindBox(int number) {
+        const Machine::Node& node = Node(number);
+        std::size_t count = Shown(number) != 0 ? Shown(number) : node.uses.size();
+        Box box;
+        for (std::size_t i = 0; i < count; ++i) {
+            const Machine::Use& use = node.uses[i];
+            if (!use.ofPart) FindBox(use.number);
+            box.Add(use.at, BoxOfUse(use));
+        }
+        return nodeBoxes_[static_cast<std::size_t>(number)] = box;
+    }
+
+    // Readers of such summaries know few of the forms that JSON allows: a blank behind each comma, and the
+    // counts in front of the tables.
+    void WriteProducts() {
+        Put("{\n\"products_table\": {\n\"nb_products\": ");
+        Put(counts_.products);
+        Put(",\n\"products\": [\n");
+        for (std::size_t i = 0; i < products_.size(); ++i) {
+            const Machine::Use& use = products_[i];
+            const Box& box = BoxOfUse(use);
+            if (i != 0) Put(",\n");
+            Put("{\"idx\": ");
+            Put(static_cast<int>(i + 1));
+            Put(", \"name\": \"");
+            Put(use.ofPart ? Part(use.number).id : Node(use.number).id);
+            if (use.ofPart || !Node(use.number).stem.empty()) {
+                Put("\", \"filename\": \"");
+                Put(use.ofPart ? Part(use.number).stem : Node(use.number).stem);
+                Put(".stp");
+            }
+            Put("\", \"bbox\": ");
+            Put({box.low.x, box.high.x, box.low.y, box.high.y, box.low.z, box.high.z});
+            Put("}");
+        }
+        Put("\n]\n},\n");
+    }
+
+    void WriteOccurrences() {
+        Put("\"occurrences_table\": {\n\"nb_occurrences\": ");
+        Put(counts_.occurrences);
+        Put(",\n\"max_depth\": ");
+        Put(counts_.depth);
+        Put(",\n\"occurrences\": [\n");
+        WriteOccurrence({false, 0, {}}, identity);
+        Put("\n]\n}\n}\n");
+    }
+
+    void WriteOccurrence(const Machine::Use& use, const Matrix& world) {
+        Put("{\"depth\": ");
+        Put(static_cast<int>(way_.size()));
+        Put(", \"idx_prd\": ");
+        Put(ProductOf(use));
+        Put(", \"rotation\": ");
+        const Matrix& m = world;
+        Put({m[0], m[1], m[2], m[4], m[5], m[6], m[8], m[9], m[10]});
+        Put(", \"translation\": ");
+        Put({m[12], m[13], m[14]});
+        Put("}");
+        if (use.ofPart) return;
+        for (std::size_t i = 0; i < Shown(use.number); ++i) {
+            const Machine::Use& below = Node(use.number).uses[i];
+            Put(",\n");
+            way_.push_back(MatrixOf(below.at));
+            // From the deep end: a viewer of the assembly itself multiplies in this order, and single
+            // precision would show another one.
+            Matrix product = way_.back();
+            for (std::size_t level = way_.size() - 1; level-- > 0;) product = Product(way_[level], product);
+            WriteOccurrence(below, product);
+            way_.pop_back();
+        }
+    }
+
+    void Put(std::string_view text) {
+        buffer_ += text;
+        if (buffer_.size() >= blockSize) Flush();
+    }
+    void Put(int number) {
+        char digits[16];
+        buffer_.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+    }
+    void Put(std::initializer_list<double> numbers) {
+        const char* separator = "[";
+        for (double number : numbers) {
+            buffer_ += separator;
+            AppendReal(number, &buffer_);
+            separator = ", ";
+        }
+        buffer_ += ']';
+    }
+    void Flush() {
+        sink_.Write(buffer_);
+        buffer_.clear();
+    }
+
+    static constexpr std::size_t blockSize = 1 << 20;
+    const StpjOptions& o_;
+    ByteSink& sink_;
+    std::string buffer_;
+    Machine machine_;
+    int most_;
+    SummaryCounts counts_;
+    std::vector<std::size_t> shown_; // of each node: how many of its uses are among the occurrences
+    std::vector<int> nodeProducts_, partProducts_; // numbers from 1; 0 where there is no occurrence
+    std::vector<Machine::Use> products_;           // one use of each product, by number
+    std::vector<Box> partBoxes_, nodeBoxes_;
+    std::vector<Matrix> way_; // placements from the top down to the use in hand
+};
+
+} // namespace
+
+SummaryCounts WriteSummary(const StpjOptions& o, ByteSink* sink) {
+    return SummaryWriter(o, sink).Write();
+}
+
+std::string CheckStpjOptions(const StpjOptions& o) {
+    if (static_cast<long long>(o.machine.parts) * o.machine.uses > 20000000)
+        return "--parts times --uses: at most 20,000,000";
+    return {};
+}
+
+int RunStpj(const StpjOptions& o) {
+    SummaryCounts counts;
+    if (!WriteBytes(o.out, false, [&](ByteSink* sink) { counts = WriteSummary(o, sink); })) return 1;
+    std::printf("%s: %d products, %d occurrences, depth %d\n", o.out.c_str(), counts.products,
+                counts.occurrences, counts.depth);
+    return 0;
+}
+
+CLI::App* AddStpjCommand(CLI::App* app, StpjOptions* o) {
+    CLI::App* stpj = app->add_subcommand("stpj", "The machine as a JSON summary of boxes");
+    stpj->add_option("OUT", o->out, "File to write")->required()->option_text(" ");
+    AddNumber(stpj, "--parts", &o->machine.parts, 1, 999999, "Different parts (default: 18)");
+    CLI::Option* uses =
+        AddNumber(stpj, "--uses", &o->machine.uses, 1, 1000000, "Occurrences of each part (default: 4)");
+    AddNumber(stpj, "--occurrences", &o->occurrences, 1, 20000000,
+              "Occurrences in all, assemblies among them, of a machine that is as large as they take")
+        ->excludes(uses);
+    AddNumber(stpj, "--depth", &o->machine.depth, 0, 30,
+              "Levels of groups between the top and the units (default: 1)");
+    AddNumber(stpj, "--triangles-per-part", &o->trianglesPerPart, 12, 100000000,
+              "Triangles of each part whose box is given, about (default: 2000)");
+    AddNumber(stpj, "--seed", &o->machine.seed, 0, 1000000000,
+              "Another machine for each number (default: 1)");
+    return stpj;
+}
+
+} // namespace tarnwick::make

@@ -1,0 +1,30 @@
+// Writes a ZIP archive member by member.
+#pragma once
+
+#include "tools/make/byte_sink.h"
+
+#include <functional>
+
+namespace tarnwick::make {
+
+class ZipWriter {
+public:
+    explicit ZipWriter(const std::string& path);
+    ~ZipWriter();
+    ZipWriter(const ZipWriter&) = delete;
+    ZipWriter& operator=(const ZipWriter&) = delete;
+
+    // A member, deflated unless it is to be stored; `write` is called once with a sink for its content.
+    bool Add(const std::string& name, bool stored, const std::function<void(ByteSink*)>& write);
+    // Writes the directory; false when any byte was lost, and then Error() says why.
+    bool Close();
+    const std::string& Error() const { return error_; }
+
+private:
+    bool Check(bool done);
+
+    void* zip_;
+    std::string error_;
+};
+
+} // namespace tarnwick::make

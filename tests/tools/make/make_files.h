@@ -1,0 +1,47 @@
+// Runs the sample writer in a folder of its own.
+#pragma once
+
+#include "tools/make/kinds.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace tarnwick::make {
+
+namespace fs = std::filesystem;
+
+inline std::string ReadFile(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+class MakeFiles : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string name = testing::TempDir() + "tarnwick-make-XXXXXX";
+        ASSERT_NE(mkdtemp(name.data()), nullptr);
+        folder = name;
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    int Run(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "tarnwick-make");
+        std::vector<char*> argv;
+        for (std::string& a : arguments) argv.push_back(a.data());
+        return RunCommandLine(static_cast<int>(argv.size()), argv.data());
+    }
+    std::string Path(const std::string& name) { return (folder / name).string(); }
+    std::size_t FileCount() {
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+    }
+
+    fs::path folder;
+};
+
+} // namespace tarnwick::make
