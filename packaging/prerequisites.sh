@@ -33,3 +33,10 @@ build() {
   rm -f "/tmp/tarnwick-configure-$$.log"
   cmake --build --preset "$preset" ${1:+--target "$@"} -- --quiet
 }
+
+# run_tests PRESET: those that open windows first, one at a time and with a second and third try, since a busy machine may
+# keep a window or a mouse move longer than they wait; then all others at once.
+run_tests() {
+  ctest --preset "$1" -L display --repeat until-pass:3
+  ctest --preset "$1" -LE display -j "$(nproc)"
+}

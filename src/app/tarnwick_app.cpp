@@ -1,8 +1,7 @@
 #include "app/tarnwick_app.h"
 #include "app/console_window.h"
 #include "app/step_viewer_dlg.h"
-#include "load/load_commands.h"
-#include "load/load_file.h"
+#include "formats/format_commands.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -10,13 +9,6 @@
 #include <unistd.h>
 
 namespace tarnwick {
-
-namespace {
-
-// Which file kinds this program loads.
-constexpr LoadCommands kCommands{.loadStepFile = LoadStepFile};
-
-} // namespace
 
 void CTarnwickApp::PrepareToolkit() {
     // Else the buttons beside the drawing area would become windows of the X server as well.
@@ -35,7 +27,7 @@ int CTarnwickApp::InitInstance() {
     std::optional<ConsoleWindow> console;
     if (isatty(STDERR_FILENO) == 0) { console.emplace(); }
 
-    STEPViewerDlg dialog(kCommands);
+    STEPViewerDlg dialog(kLoadCommands);
     dialog.commandLine = JoinArguments(arguments_);
     dialog.OnInitDialog();
     if (console) { console->ShowBeside(&dialog); }

@@ -17,6 +17,10 @@ void ResetScene(SceneView& view) {
     view.drawList = nullptr;
     view.resultMesh = nullptr;
     view.boxList = nullptr;
+    view.boxMemory.reset();
+    view.stpjFile = nullptr;
+    view.summaryProducts = nullptr;
+    view.summaryProductCount = 0;
     ++view.sceneNumber;
 }
 

@@ -10,6 +10,8 @@
 
 namespace tarnwick {
 
+struct StpjFile;
+
 // What the last load left to be shown. The drawing window is built on it; a program without a window uses it
 // alone. Only the thread that runs a load command, and between loads the one that draws, touches it.
 struct SceneView {
@@ -32,11 +34,15 @@ struct SceneView {
     double readSeconds = 0;
     double inflateSeconds = 0;
     double partSeconds = 0;
-    double loadSeconds = 0;               // of the whole load command, up to the first frame
-    std::int32_t maxDepth = 0;            // deepest level of a summary file, the top of the Depth slider
-    DrawList* drawList = nullptr;         // the meshes to draw
-    DrawList* boxList = nullptr;          // the boxes of a summary file
-    ResultMesh* resultMesh = nullptr;     // the finite element mesh
+    double loadSeconds = 0;                  // of the whole load command, up to the first frame
+    std::int32_t maxDepth = 0;               // deepest level of a summary file, the top of the Depth slider
+    DrawList* drawList = nullptr;            // the meshes to draw
+    DrawList* boxList = nullptr;             // the boxes of a summary file
+    StpjFile* stpjFile = nullptr;            // the summary file behind them
+    ProductNode** summaryProducts = nullptr; // its products, in its order
+    std::int32_t summaryProductCount = 0;
+    std::int32_t boxMode = 0;         // whether STEP XML shows as boxes; no command sets it to more than 0
+    ResultMesh* resultMesh = nullptr; // the finite element mesh
     FaceContainer** containers = nullptr; // of a single part
     std::int32_t containerCount = 0;
     float box[6] = {};
@@ -54,7 +60,8 @@ struct SceneView {
 
     const ProductNode* root = nullptr;   // of the product tree that the load read, drawn or not
     std::vector<UnreadFile> unreadFiles; // what the load wanted and could not read
-    std::unique_ptr<SceneMemory> scene;  // owns every record above
+    std::unique_ptr<SceneMemory> scene;  // owns every record above but the boxes
+    std::unique_ptr<Arena> boxMemory;    // owns the boxes of `boxList`, and nothing else
 };
 
 } // namespace tarnwick

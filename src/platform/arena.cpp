@@ -52,7 +52,7 @@ void* Arena::Allocate(std::size_t bytes) {
 char* Arena::Copy(const char* text, std::size_t length) {
     char* const copy = static_cast<char*>(Allocate(length + 1));
     if (copy == nullptr) { return nullptr; }
-    std::memcpy(copy, text, length);
+    if (length > 0) { std::memcpy(copy, text, length); }
     copy[length] = '\0';
     return copy;
 }
@@ -68,10 +68,10 @@ char* Arena::GrowTip(char* start, std::size_t used, std::size_t bytes, char** li
     char* const formerNext = next_;
     char* const formerLimit = limit_;
     if (!AddChunk(bytes)) { return nullptr; }
+    ASAN_UNPOISON_MEMORY_REGION(next_, static_cast<std::size_t>(limit_ - next_));
     if (used > 0) { std::memcpy(next_, start, used); }
     ASAN_POISON_MEMORY_REGION(formerNext, static_cast<std::size_t>(formerLimit - formerNext));
     *limit = limit_;
-    ASAN_UNPOISON_MEMORY_REGION(next_, static_cast<std::size_t>(limit_ - next_));
     return next_;
 }
 

@@ -110,11 +110,16 @@ void FrameRows(const double axis[3], const double reference[3], double rows[9]) 
 } // namespace
 
 int ReadAssemblyStructure(LoadSession& session, StepModel& model, bool isTopFile, Arena& arena) {
-    AssemblyReader reader{
-        model, session, arena, ProductMap(model.IndexArena(), HashBits(model.productCount / 10)), {}};
+    // Exporters that write "PRODUCT (" have products that the scan didn't count.
+    const std::int32_t expected = std::max(model.productCount / 10, model.entityCount / 40);
+    AssemblyReader reader{model, session, arena, ProductMap(model.IndexArena(), HashBits(expected)), {}, {}};
     reader.products.reserve(static_cast<std::size_t>(model.productCount) + 5);
     ScanAssemblyEntities(reader);
     if (reader.overrun) { return 1; }
+    for (const auto& [parent, occurrence] : reader.uses) {
+        occurrence->child->isRoot = 0;
+        AddOccurrence(arena, parent, occurrence);
+    }
     MakeRoom(session.products, static_cast<std::int32_t>(reader.products.size()));
     for (ProductNode* const product : reader.products) {
         session.products[session.products.count++] = product;
@@ -160,11 +165,11 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
     ProductNode* const child = IdentifyProduct(reader, childId, childName, childFormation);
     Occurrence* const occurrence = reader.arena.New<Occurrence>();
     if (parent == nullptr || child == nullptr || occurrence == nullptr) { return 1; }
-    child->isRoot = 0;
     std::copy_n(rotation, 9, occurrence->rotation);
     std::copy_n(translation, 3, occurrence->translation);
     occurrence->child = child;
-    return AddOccurrence(reader.arena, parent, occurrence) ? 0 : 1;
+    reader.uses.emplace_back(parent, occurrence);
+    return 0;
 }
 
 bool AddOccurrence(Arena& arena, ProductNode* product, Occurrence* occurrence) {
@@ -187,6 +192,7 @@ int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::stri
     walk.GoTo('\'');
     walk.Step();
     *name = ReadQuoted(&walk, 300);
+    *name = name->substr(0, name->find('\0')); // as far as the kept copy will go
     return NoteOverrun(reader, walk, productId) ? 1 : 0;
 }
 

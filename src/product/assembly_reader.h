@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tarnwick {
@@ -20,7 +21,10 @@ struct AssemblyReader {
     Arena& arena;         // where the records of the tree go
     ProductMap productMap;
     std::vector<ProductNode*> products; // made while reading this file, in that order
-    bool overrun = false;               // a line ran past the end of the text: the file is given up
+    // Uses that were read: they take effect when the file has come to its end, so that one that is given up
+    // leaves nothing on the products of other files.
+    std::vector<std::pair<ProductNode*, Occurrence*>> uses;
+    bool overrun = false; // a line ran past the end of the text: the file is given up
 };
 
 // Reads the assembly lines of one file and merges the outcome into the session: products and occurrences by a
@@ -31,7 +35,8 @@ struct AssemblyReader {
 // session. Returns 1 for such a file, else 0.
 int ReadAssemblyStructure(LoadSession& session, StepModel& model, bool isTopFile, Arena& arena);
 
-// Reads an occurrence from its CONTEXT_DEPENDENT_SHAPE_REPRESENTATION. 0 when it was added, 1 when not.
+// Reads an occurrence from its CONTEXT_DEPENDENT_SHAPE_REPRESENTATION into `uses`. 0 when it was read, 1 when
+// not.
 int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity);
 
 // The `id` of the PRODUCT behind a PRODUCT_DEFINITION, as it stands in the text, and the entity number of the

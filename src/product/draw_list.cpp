@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::int32_t kFirstCapacity = 100;
 // Beyond this a list is no assembly any more but a few lines that multiply each other without end.
-constexpr std::int64_t kMostItems = std::int64_t{1} << 27;
+constexpr std::int64_t kMostItems = std::int64_t{1} << 24;
 
 template <class Item>
 bool Regrow(Arena& arena, Item*** items, DrawList* list, std::int32_t capacity) {
@@ -113,7 +113,7 @@ void ComputeProductBox(ProductNode* product) {
     float high[3] = {};
     for (std::int32_t i = 0; i < product->occurrenceCount; ++i) {
         const Occurrence& occurrence = *product->occurrences[i];
-        if (occurrence.child->hasBox == 0) { continue; }
+        if (occurrence.child == nullptr || occurrence.child->hasBox == 0) { continue; }
         const float* const box = occurrence.child->box;
         const double* const r = occurrence.rotation;
         for (int corner = 0; corner < 8; ++corner) {
@@ -171,6 +171,10 @@ int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, Pre
         }
         Occurrence* const occurrence = frame.product->occurrences[frame.next];
         ProductNode* const child = occurrence->child;
+        if (child == nullptr) { // the use of a product that no file describes
+            ++frame.next;
+            continue;
+        }
         if (child->drawList == nullptr) {
             enough = enter(child);
             continue;

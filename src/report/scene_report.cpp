@@ -84,6 +84,7 @@ void NumberTree(const ProductNode* root, Products* products) {
             continue;
         }
         const ProductNode* const child = visit.product->occurrences[visit.next++]->child;
+        if (child == nullptr) { continue; }
         bool isNew;
         products->NumberOf(child, &isNew);
         if (isNew) { stack.push_back({child, 0}); }
@@ -135,6 +136,18 @@ Json Items(const DrawList* list, const Products& products, Meshes* meshes) {
                          {"meshes", std::move(indices)}});
     }
     return items;
+}
+
+Json Boxes(const DrawList* list, const Products& products) {
+    if (list == nullptr) { return nullptr; }
+    Json boxes = Json::array();
+    for (std::int32_t i = 0; i < list->count; ++i) {
+        const BoxItem& box = *list->boxes[i];
+        boxes.push_back({{"product", products.Known(box.product)},
+                         {"matrix", Matrix(box.matrix)},
+                         {"vertices", Floats(box.vertices, 3 * static_cast<std::size_t>(box.vertexCount))}});
+    }
+    return boxes;
 }
 
 Json Product(const ProductNode& product, const Products& products) {
@@ -190,6 +203,9 @@ std::string SceneReport(const SceneView& view, const std::string& path, const st
                         bool arrays) {
     Products products;
     if (view.root != nullptr) { NumberTree(view.root, &products); }
+    for (std::int32_t i = 0; i < view.summaryProductCount; ++i) {
+        products.NumberOf(view.summaryProducts[i]);
+    }
     Meshes meshes;
     Json items = Items(view.drawList, products, &meshes);
     Json meshRecords = Json::array();
@@ -213,7 +229,7 @@ std::string SceneReport(const SceneView& view, const std::string& path, const st
     report["drawList"] = std::move(items);
     report["meshes"] = std::move(meshRecords);
     report["products"] = std::move(productRecords);
-    report["boxList"] = nullptr;
+    report["boxList"] = Boxes(view.boxList, products);
     report["resultMesh"] = Result(view.resultMesh, arrays);
     report["containers"] = Containers(view);
     return report.dump() + "\n";

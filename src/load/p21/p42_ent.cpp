@@ -47,7 +47,7 @@ P42Ent* ListP42Ent::Next() {
 }
 
 MapP42Ent::MapP42Ent(Arena* arena, std::int32_t bits)
-    : bits_(bits), bucketCount_(std::int32_t{1} << bits), mask_(bucketCount_ - 1), arena_(arena) {
+    : bits_(bits), bucketCount_(std::int32_t{1} << bits), mask_(bucketCount_ - 1) {
     void* const block = arena->Allocate(static_cast<std::size_t>(bucketCount_) * sizeof(ListP42Ent));
     if (block == nullptr) {
         bucketCount_ = 0;

@@ -128,7 +128,6 @@ private:
     std::int32_t bucketCount_;
     std::int32_t mask_;
     std::int32_t cursorBucket_ = 0;
-    Arena* arena_;
 };
 
 } // namespace tarnwick

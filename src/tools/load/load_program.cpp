@@ -1,10 +1,11 @@
 #include "tools/load/load_program.h"
 
-#include "load/load_commands.h"
+#include "formats/format_commands.h"
 #include "load/load_file.h"
 #include "platform/console.h"
 #include "report/report.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -26,7 +27,10 @@ public:
     std::optional<std::string> status;
 };
 
-constexpr LoadCommands kCommands{.loadStepFile = LoadStepFile};
+// Moves the Depth slider as far as its range goes, with all that follows from it.
+void MoveSlider(LoadDispatch& dispatch, std::int32_t position) {
+    ChangeDepth(dispatch, std::clamp(position, 0, std::max(dispatch.view.maxDepth, 0)));
+}
 
 bool WriteReport(const std::string& report, const std::string& name) {
     const bool toStandardOutput = name == "-";
@@ -57,7 +61,7 @@ int LoadAndReport(const LoadOptions& options) {
     EnableOutput(!jsonOnOutput);
     SceneView view;
     StatusOnly controls;
-    LoadDispatch dispatch{view, controls, kCommands};
+    LoadDispatch dispatch{view, controls, kLoadCommands};
     std::vector<std::string> words{options.path};
     if (!options.product.empty()) { words.push_back(options.product); }
     const std::vector<std::string> arguments = SplitArguments(JoinArguments(words));
@@ -65,6 +69,7 @@ int LoadAndReport(const LoadOptions& options) {
     for (int i = 0; i < options.repeat; ++i) {
         LoadFile(dispatch, arguments[0].c_str(), rootName, options.noThreads ? 0 : 1);
     }
+    if (options.depth && controls.status) { MoveSlider(dispatch, *options.depth); }
     const std::string* const status = controls.status ? &*controls.status : nullptr;
     bool written = true;
     if (!options.jsonFile.empty()) {

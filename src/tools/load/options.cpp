@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <limits>
+
 namespace tarnwick::tools {
 
 bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
@@ -17,6 +19,10 @@ bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
             ->type_name("FILE");
     auto* const arrays =
         app.add_flag("--arrays", options->arrays, "put the arrays of all meshes into the report");
+    auto* const depth =
+        app.add_option("--depth", options->depth, "set the Depth slider to N after the load (summary files)")
+            ->type_name("N")
+            ->check(CLI::Range(0, std::numeric_limits<std::int32_t>::max()));
     auto* const noThreads = app.add_flag("--no-threads", options->noThreads, "read all files on one thread");
     auto* const repeat = app.add_option("--repeat", options->repeat, "load N times in one process")
                              ->type_name("N")
@@ -27,7 +33,7 @@ bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
         app.add_flag("--entities", options->entities, "put the whole entity table into the index");
     arrays->needs(json);
     entities->needs(index);
-    for (CLI::Option* const other : {json, arrays, noThreads, repeat}) { index->excludes(other); }
+    for (CLI::Option* const other : {json, arrays, depth, noThreads, repeat}) { index->excludes(other); }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace tarnwick::tools {
@@ -9,6 +11,7 @@ struct LoadOptions {
     std::string product;  // empty for none
     std::string jsonFile; // where the scene report goes, "-" for standard output; empty for none
     bool arrays = false;
+    std::optional<std::int32_t> depth; // of the Depth slider after the load
     bool noThreads = false;
     int repeat = 1;
     bool index = false;

@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarnwick::test {
@@ -105,6 +110,75 @@ TEST(ParseIdList, SaysWhenTheTextEndsFirst) {
         EXPECT_TRUE(list.overrun) << text;
         EXPECT_EQ(list.left, "") << text;
     }
+}
+
+// The list by its plain moves; `defined` is false where they lead past the end.
+struct PlainList {
+    Ids ids;
+    std::size_t at = 0;
+    bool defined = false;
+};
+
+PlainList PlainParse(const std::string& text) {
+    PlainList list;
+    std::size_t p = text.find('(');
+    if (p == std::string::npos) { return list; }
+    ++p;
+    while (p < text.size() && text[p] == ' ') { ++p; }
+    if (p < text.size() && text[p] == ')') {
+        list.at = p;
+        list.defined = true;
+        return list;
+    }
+    while (p < text.size()) {
+        const std::size_t delimiter = text.find_first_of(",)", p + 1);
+        if (delimiter == std::string::npos) { return list; }
+        const long long value = std::strtoll(text.c_str() + p + 1, nullptr, 10);
+        list.ids.push_back(static_cast<std::int32_t>(std::clamp<long long>(value, INT32_MIN, INT32_MAX)));
+        list.at = p;
+        if (text[delimiter] == ')') {
+            list.defined = true;
+            return list;
+        }
+        p = text.find_first_of(std::string_view("#)\n\0", 4), delimiter + 1);
+        if (p == std::string::npos) { return list; }
+        if (text[p] == ')') {
+            list.at = p;
+            list.defined = true;
+            return list;
+        }
+    }
+    return list;
+}
+
+TEST(ParseIdListEqualsItsPlainForm, OnListsOfAllKinds) {
+    std::mt19937 random(5);
+    const auto below = [&random](std::size_t limit) { return random() % limit; };
+    constexpr std::string_view kPieces[] = {"#1", "#22", "#333", "#123456789", "#1234567890", "#99999999999",
+                                            ",",  ",",   ",",    ")",          "(",           " ",
+                                            "\n", "#",   "-",    "x",          "$",           "#0007"};
+    int defined = 0;
+    for (int i = 0; i < 200000; ++i) {
+        std::string text = below(4) == 0 ? "" : "(";
+        for (std::size_t pieces = below(14); pieces > 0; --pieces) {
+            text += kPieces[below(std::size(kPieces))];
+            if (below(2) == 0) { text += ",#"; }
+        }
+        if (below(4) != 0) { text += ")"; }
+        if (below(20) == 0) { text += std::string(1, '\0') + ",#5)"; }
+        const PlainList plain = PlainParse(text);
+        const std::string padded = text + std::string(64, '\0');
+        Ids ids;
+        TextWalk walk{padded.data(), padded.data() + text.size()};
+        ParseIdList(&walk, &ids);
+        ASSERT_EQ(walk.overrun, !plain.defined) << text;
+        if (plain.defined) {
+            ++defined;
+            ASSERT_EQ(ids, plain.ids) << text;
+            ASSERT_EQ(walk.at - padded.data(), static_cast<std::ptrdiff_t>(plain.at)) << text;
+        }
+    }
+    EXPECT_GT(defined, 50000);
 }
 
 } // namespace

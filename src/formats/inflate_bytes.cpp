@@ -1,0 +1,35 @@
+#include "formats/inflate_bytes.h"
+
+#include "platform/console.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+
+namespace tarnwick {
+
+std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* out, std::size_t room) {
+    constexpr std::uint32_t kStep = 0x40000;
+    constexpr int kDetectHeader = 47; // zlib's largest window, and either header
+    z_stream stream{};
+    if (inflateInit2(&stream, kDetectHeader) != Z_OK) { return 0; }
+    stream.next_in = const_cast<unsigned char*>(data);
+    stream.next_out = reinterpret_cast<unsigned char*>(out);
+    std::uint32_t left = size;
+    unsigned steps = 0;
+    int result;
+    do {
+        const uLong before = stream.total_in;
+        stream.avail_out = static_cast<uInt>(std::min<std::size_t>(room - stream.total_out, kStep));
+        stream.avail_in = std::min(left, kStep);
+        result = inflate(&stream, Z_SYNC_FLUSH);
+        ++steps;
+        left -= static_cast<std::uint32_t>(stream.total_in - before);
+    } while (result == Z_OK);
+    const std::size_t total = stream.total_out;
+    inflateEnd(&stream);
+    OutputPrint("total uncompress size = %u, in %u step\n", static_cast<unsigned>(total), steps);
+    return total;
+}
+
+} // namespace tarnwick

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tarnwick {
+
+// Inflates a zlib or gzip stream of `size` bytes into `room` characters at `out`, and says on standard output
+// how much came out. A damaged stream, one without its trailer and a full block all end it like a finished
+// stream. Returns the characters written.
+std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* out, std::size_t room);
+
+} // namespace tarnwick

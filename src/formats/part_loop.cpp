@@ -1,0 +1,174 @@
+#include "formats/part_loop.h"
+
+#include "formats/stpa_archive.h"
+#include "formats/stpx_file.h"
+#include "geometry/part_reader.h"
+#include "load/p21/step_model.h"
+#include "load/part_queue.h"
+#include "platform/console.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <unordered_map>
+#include <utility>
+
+namespace tarnwick {
+
+namespace {
+
+// What one thread keeps from part to part.
+struct PartThread {
+    ReaderWorkspace workspace;
+    PartScratch scratch;
+    Arena arena;
+    std::string path; // of the last part that it opened
+};
+
+// Every product of the table once, in the order of the table.
+void FillQueue(StpxSession& session) {
+    std::unordered_map<const ProductNode*, std::size_t> places;
+    for (std::int32_t i = 0; i < session.geomProdExt.Count(); ++i) {
+        ProductNode* const product = session.geomProdExt[i];
+        const auto [place, isNew] = places.emplace(product, session.queue.size());
+        if (isNew) {
+            session.queue.push_back({product, 1});
+        } else {
+            ++session.queue[place->second].times;
+        }
+    }
+    session.nextPart = 0;
+}
+
+// The next part and its place in the queue; null when there is none left.
+const StpxSession::Part* Claim(StpxSession& session, std::int32_t* place) {
+    const std::lock_guard guard(session.queueLock);
+    if (session.nextPart >= static_cast<std::int32_t>(session.queue.size())) { return nullptr; }
+    *place = session.nextPart++;
+    return &session.queue[static_cast<std::size_t>(*place)];
+}
+
+void ShowProgress(StpxSession& session) {
+    if (!session.progress) { return; }
+    std::int32_t claimed = 0;
+    {
+        const std::lock_guard guard(session.queueLock);
+        claimed = session.nextPart;
+    }
+    session.progress(claimed, static_cast<std::int32_t>(session.queue.size()));
+}
+
+void NoteUnread(StpxSession& session, std::int32_t place, const std::string& path, const ProductNode& product,
+                const char* reason) {
+    const std::lock_guard guard(session.unreadLock);
+    // Behind the root document and the further ones, which were wanted first.
+    session.unreadFiles.push_back({session.asmProdExt.Count() + 1 + place, path, product.name, reason});
+}
+
+// The model of a part's file, not read yet. Taking an archive's bytes is serial, inflating them is not: that
+// is left to Read. *oddity tells what the archive knows against the member.
+void OpenPart(StpxSession& session, PartThread& thread, const ProductNode& product,
+              std::optional<StepModel>* model, const char** oddity) {
+    *oddity = nullptr;
+    if (session.zip == nullptr) {
+        thread.path = StpxPath(session, product);
+        model->emplace(thread.workspace, thread.path);
+        return;
+    }
+    thread.path = product.fileName;
+    ZipArchive::Packed packed;
+    {
+        const std::lock_guard guard(session.zipLock);
+        packed = session.zip->ReadPacked(product.fileName);
+    }
+    *oddity = packed.oddity;
+    model->emplace(thread.workspace, std::move(packed.data), packed.size);
+}
+
+void ReadPart(StpxSession& session, PartThread& thread, const StpxSession::Part& part, std::int32_t place,
+              bool isMain) {
+    ProductNode& product = *part.product;
+    if (IsXmlFileName(product.fileName) != 0) {
+        ConsolePrint("<E> Error: XML file in _geom_prod_ext: %s\n", thread.path.c_str());
+        return;
+    }
+    std::optional<StepModel> model;
+    const char* oddity = nullptr;
+    OpenPart(session, thread, product, &model, &oddity);
+    const std::string& path = thread.path;
+    const int result = model->Read();
+    if (model->entityMap == nullptr) {
+        NoteUnread(session, place, path, product, oddity != nullptr ? oddity : UnreadReason(result));
+        return;
+    }
+    if (model->isAssembly != 0) {
+        if (!isMain) { ConsolePrint("<E> Error: P21 assembly file in _geom_prod_ext: %s\n", path.c_str()); }
+        NoteUnread(session, place, path, product, "is a P21 assembly, which can't be a part here");
+        return;
+    }
+    if (session.zip != nullptr) { model->fileName = path; } // for the messages of the part reader
+    PartReader reader(*model, &product, thread.arena, thread.scratch);
+    reader.Run();
+    session.partsRead.fetch_add(part.times, std::memory_order_relaxed);
+    session.readSeconds.fetch_add(reader.readSeconds, std::memory_order_relaxed);
+    session.inflateSeconds.fetch_add(reader.inflateSeconds, std::memory_order_relaxed);
+    session.parseSeconds.fetch_add(reader.parseSeconds, std::memory_order_relaxed);
+}
+
+void RunPartLoop(StpxSession& session, bool isMain) {
+    PartThread thread;
+    std::int32_t place = 0;
+    while (const StpxSession::Part* const part = Claim(session, &place)) {
+        ReadPart(session, thread, *part, place, isMain);
+        if (isMain) { ShowProgress(session); }
+    }
+    session.scene->HandOver(std::move(thread.arena));
+}
+
+void WorkerEntry(StpxSession& session, int number) {
+    RunPartLoop(session, false);
+    session.threadDone[number].store(1, std::memory_order_release);
+    ConsolePrint("End thread %d\n", number + 1);
+}
+
+} // namespace
+
+std::string StpxPath(const StpxSession& session, const ProductNode& product) {
+    std::string path = session.directory;
+    path += product.fileName;
+    std::replace(path.begin() + static_cast<std::ptrdiff_t>(session.directory.size()), path.end(), '\\', '/');
+    return path;
+}
+
+void ReadParts(StpxSession& session) {
+    FillQueue(session);
+    std::array<std::thread, StpxSession::kWorkers> workers;
+    if (session.threads != 0) {
+        for (int k = 0; k < StpxSession::kWorkers; ++k) {
+            try {
+                workers[static_cast<std::size_t>(k)] = std::thread(WorkerEntry, std::ref(session), k);
+            } catch (const std::system_error&) { session.threadDone[k] = 1; }
+        }
+    }
+    RunPartLoop(session, true);
+    if (session.threads != 0) {
+        const auto allDone = [&session] {
+            return std::all_of(std::begin(session.threadDone), std::end(session.threadDone),
+                               [](const auto& done) { return done.load(std::memory_order_acquire) != 0; });
+        };
+        while (!allDone()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            ShowProgress(session);
+        }
+        for (std::thread& worker : workers) {
+            if (worker.joinable()) { worker.join(); }
+        }
+    }
+    std::sort(session.unreadFiles.begin(), session.unreadFiles.end(),
+              [](const UnreadFile& a, const UnreadFile& b) { return a.place < b.place; });
+}
+
+} // namespace tarnwick

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/arena.h"
+#include "product/load_session.h"
+#include "product/scene_memory.h"
+#include "product/scene_records.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tarnwick {
+
+// One use of a product in a summary file, placed in the world.
+struct StpjOccurrence {
+    std::int32_t depth;        // level in the tree; the top occurrence has the smallest, normally 0
+    std::int32_t productIndex; // place of its product in the file's table, counted from 1
+    const double* box;         // the product's, widened; all 0 where there is no such product
+    std::int32_t hasBox;       // the product's; 0 where the occurrence can't be placed
+    const float* matrix;       // world matrix
+};
+
+// A summary of an assembly: products with their boxes, and a flat table of their uses in depth-first order.
+// It has no geometry. The records are in the arena of the load that read them.
+struct StpjFile {
+    const char* path;
+    ProductNode** products; // in the file's order; `definitionId` is the file's number for the product
+    std::int32_t productCount;
+    StpjOccurrence** occurrences; // in the file's order, at least one
+    std::int32_t occurrenceCount;
+    std::int32_t maxDepth;
+};
+
+// What a load command gets back from the load of a summary file.
+struct StpjResult {
+    std::int32_t maxDepth = 0;
+    float box[6] = {};            // of the first occurrence
+    DrawList* drawList = nullptr; // boxes, in `boxMemory`
+    StpjFile* file = nullptr;     // null when the file was given up
+
+    std::vector<UnreadFile> unreadFiles;
+    std::unique_ptr<SceneMemory> scene = std::make_unique<SceneMemory>();
+    std::unique_ptr<Arena> boxMemory = std::make_unique<Arena>();
+};
+
+// Reads the summary file `path` and makes the boxes of its greatest depth. The text is no JSON to the reader
+// but a sequence of characters to search for; what is missing in it is left out, with a line on the console.
+// Returns 0, whatever becomes of the file.
+int TraiteSTPJFile(StpjResult& result, const char* path);
+
+// The product of an occurrence, or null.
+ProductNode* ProductOf(const StpjFile& file, const StpjOccurrence& occurrence);
+
+} // namespace tarnwick

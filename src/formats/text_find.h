@@ -1,0 +1,92 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+// Searches in a text of one's own that has a sentinel behind its end: none of them tests for the end, and a
+// place at or behind it means that the character is not there. They look at up to 16 characters at a time,
+// some of them behind the one that is found, so as many bytes behind the sentinel must be readable.
+namespace tarnwick::find {
+
+inline constexpr std::uint64_t kOnes = 0x0101010101010101u;
+inline constexpr std::uint64_t kHighs = 0x8080808080808080u;
+
+inline std::uint64_t LoadEight(const char* p) {
+    std::uint64_t word;
+    std::memcpy(&word, p, sizeof word);
+    if constexpr (std::endian::native == std::endian::big) { word = __builtin_bswap64(word); }
+    return word;
+}
+
+// The high bit of each byte of `word` that is `c`; bytes above the lowest such one may be marked too.
+inline std::uint64_t Marks(std::uint64_t word, char c) {
+    const std::uint64_t x = word ^ (kOnes * static_cast<unsigned char>(c));
+    return (x - kOnes) & ~x & kHighs;
+}
+
+inline const char* AtMark(const char* p, std::uint64_t marks) {
+    return p + (std::countr_zero(marks) >> 3);
+}
+
+#ifdef __SSE2__
+// A bit for each of the 16 characters at `p` that is one of `c...`.
+template <char... c>
+inline std::uint32_t Bits(const char* p) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    __m128i marks = _mm_setzero_si128();
+    ((marks = _mm_or_si128(marks, _mm_cmpeq_epi8(block, _mm_set1_epi8(c)))), ...);
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(marks));
+}
+#endif
+
+// The first of the characters `c...` at or behind `p`.
+template <char... c>
+inline const char* First(const char* p) {
+#ifdef __SSE2__
+    for (;; p += 16) {
+        const std::uint32_t bits = Bits<c...>(p);
+        if (bits != 0) { return p + std::countr_zero(bits); }
+    }
+#else
+    for (;; p += 8) {
+        const std::uint64_t word = LoadEight(p);
+        const std::uint64_t marks = (Marks(word, c) | ...);
+        if (marks != 0) { return AtMark(p, marks); }
+    }
+#endif
+}
+
+// The first `c` among the 32 characters from `p` on, or null.
+template <char c>
+inline const char* Near(const char* p) {
+    for (const char* const end = p + 32; p < end;) {
+#ifdef __SSE2__
+        const std::uint32_t bits = Bits<c>(p);
+        if (bits != 0) { return p + std::countr_zero(bits); }
+        p += 16;
+#else
+        const std::uint64_t marks = Marks(LoadEight(p), c);
+        if (marks != 0) { return AtMark(p, marks); }
+        p += 8;
+#endif
+    }
+    return nullptr;
+}
+
+// What a string comparison sees of a value: it ends at a NUL that the file has put into it.
+inline std::string_view CutAtNul(std::string_view value) {
+    if (value.empty()) { return value; }
+    const void* const nul = std::memchr(value.data(), '\0', value.size());
+    return nul == nullptr
+               ? value
+               : value.substr(0, static_cast<std::size_t>(static_cast<const char*>(nul) - value.data()));
+}
+
+} // namespace tarnwick::find

@@ -1,0 +1,43 @@
+// Files that other programs wrote. They are no part of this project, so a machine may lack them.
+
+#include "formats/format_commands.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace tarnwick {
+namespace {
+
+using namespace test;
+
+std::string RealFile(const std::string& name) {
+    const std::string path = std::string(TARNWICK_REAL_FILES) + "/" + name;
+    return std::filesystem::exists(path) ? path : std::string();
+}
+
+TEST(RealFiles, AnAssemblyOf9ProductsHas18PlacedParts) {
+    const std::string path = RealFile("xml/as1-oc-214-stpx/as1-oc-214.stpx");
+    if (path.empty()) { GTEST_SKIP() << "the file isn't here"; }
+    const nlohmann::json report = LoadReport(path, nullptr, 1);
+    EXPECT_EQ(report["triangles"], 5180);
+    EXPECT_EQ(report["drawList"].size(), 18u);
+    EXPECT_EQ(report["products"].size(), 9u);
+    EXPECT_EQ(report["products"][0]["name"], "MASTER");
+    EXPECT_EQ(report, LoadReport(path, nullptr, 0));
+}
+
+TEST(RealFiles, AnAssemblyOfForeignPartsHasATreeAndFiveUnreadFiles) {
+    const std::string path = RealFile("xml/as1-oc-214-original.stpx");
+    if (path.empty()) { GTEST_SKIP() << "the file isn't here"; }
+    SceneView view;
+    LoadStpxFile(view, path.c_str(), nullptr, 1);
+    EXPECT_EQ(Report(view)["products"].size(), 9u);
+    EXPECT_EQ(view.drawnTriangles, 0);
+    EXPECT_EQ(view.unreadFiles.size(), 5u);
+}
+
+} // namespace
+} // namespace tarnwick

@@ -1,0 +1,161 @@
+#include "support.h"
+
+#include "formats/format_commands.h"
+#include "load/load_commands.h"
+#include "platform/console.h"
+#include "report/report.h"
+
+#include <gtest/gtest.h>
+#include <minizip/zip.h>
+#include <zlib.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+namespace tarnwick::test {
+
+TestFolder::TestFolder() {
+    // In memory where the machine has such a folder: some tests write thousands of files.
+    const std::filesystem::path shared = "/dev/shm";
+    const std::filesystem::path base =
+        std::filesystem::is_directory(shared) ? shared : std::filesystem::temp_directory_path();
+    std::string name = (base / "tarnwick_formats_XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) { std::abort(); }
+    path_ = name + "/";
+}
+
+TestFolder::~TestFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::string TestFolder::Write(const std::string& name, std::string_view content) const {
+    std::filesystem::create_directories(std::filesystem::path(path_ + name).parent_path());
+    std::ofstream(path_ + name, std::ios::binary) << content;
+    return path_ + name;
+}
+
+std::string TestFolder::WriteGzip(const std::string& name, std::string_view content) const {
+    gzFile file = gzopen((path_ + name).c_str(), "wb");
+    gzwrite(file, content.data(), static_cast<unsigned>(content.size()));
+    gzclose(file);
+    return path_ + name;
+}
+
+ConsoleText::ConsoleText() {
+    SetConsoleSink(Take, this);
+}
+
+ConsoleText::~ConsoleText() {
+    SetConsoleSink(nullptr, nullptr);
+}
+
+void ConsoleText::Take(void* context, const char* text, std::size_t length) {
+    static_cast<ConsoleText*>(context)->text_.append(text, length);
+}
+
+int ConsoleText::Count(std::string_view part) const {
+    int count = 0;
+    for (std::size_t at = text_.find(part); at != std::string::npos; at = text_.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+Tables::Tables() {
+    assemblies.Allocate();
+    parts.Allocate();
+}
+
+ReadDocument::ReadDocument(Tables& tables, std::string_view text, int boxMode) {
+    document.text = block.Get(text.size());
+    std::memcpy(document.text, text.data(), text.size());
+    document.size = text.size();
+    document.name = "test.stpx";
+    problem = ReadStpxDocument(document, boxMode, tables.assemblies, tables.parts, tables.arena);
+}
+
+ProductNode* ReadDocument::Product(std::string_view name) const {
+    for (ProductNode* const product : document.products) {
+        if (product != nullptr && product->name == name) { return product; }
+    }
+    return nullptr;
+}
+
+void WriteArchive(const std::string& path, const std::vector<Member>& members) {
+    zipFile zip = zipOpen64(path.c_str(), APPEND_STATUS_CREATE);
+    ASSERT_NE(zip, nullptr);
+    for (const Member& member : members) {
+        const auto* const data = reinterpret_cast<const unsigned char*>(member.content.data());
+        const uInt size = static_cast<uInt>(member.content.size());
+        const uLong crc = crc32(crc32(0, nullptr, 0), data, size);
+        zip_fileinfo info{};
+        ASSERT_EQ(zipOpenNewFileInZip3_64(zip, member.name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
+                                          member.method, Z_DEFAULT_COMPRESSION, 0, -MAX_WBITS, 8, 0,
+                                          member.password, crc, 0),
+                  ZIP_OK);
+        ASSERT_EQ(zipWriteInFileInZip(zip, data, size), ZIP_OK);
+        ASSERT_EQ(zipCloseFileInZip(zip), ZIP_OK);
+    }
+    ASSERT_EQ(zipClose(zip, nullptr), ZIP_OK);
+}
+
+nlohmann::json Report(const SceneView& view) {
+    return nlohmann::json::parse(SceneReport(view, "", nullptr, true));
+}
+
+nlohmann::json LoadReport(const std::string& path, const char* rootName, int useThreads) {
+    SceneView view;
+    if (path.ends_with(".stpx") || path.ends_with(".stpxz")) {
+        LoadStpxFile(view, path.c_str(), rootName, useThreads);
+    } else if (path.ends_with(".stpj")) {
+        LoadStpjFile(view, path.c_str());
+    } else if (path.ends_with(".stpa")) {
+        LoadZIPFile(view, path.c_str(), rootName, useThreads);
+    } else {
+        LoadStepFile(view, path.c_str(), useThreads);
+    }
+    return Report(view);
+}
+
+std::string PartFile(const std::string& productName, int size) {
+    const std::string x = std::to_string(size) + ".";
+    return "ISO-10303-21;\nHEADER;\nFILE_SCHEMA(('AP242_MANAGED_MODEL_BASED_3D_ENGINEERING_MIM_LF'));\n"
+           "ENDSEC;\nDATA;\n#1=PRODUCT('" +
+           productName + "','','',(#2));\n#10=COORDINATES_LIST('',4,((0.,0.,0.),(" + x + ",0.,0.),(" + x +
+           ",2.,0.),(0.,2.,3.)));\n"
+           "#11=TRIANGULATED_FACE('',#10,4,((0.,0.,1.)),$,(1,2,3,4),((1,2,3),(1,3,4)));\n"
+           "#12=TESSELLATED_SOLID('',(#11),$);\n#13=TESSELLATED_SHAPE_REPRESENTATION('',(#12),#3);\n"
+           "ENDSEC;\nEND-ISO-10303-21;\n";
+}
+
+std::string Document(const std::string& content) {
+    return "<?xml version=\"1.0\"?>\n<n0:Uos>\n<DataContainer>\n" + content + "</DataContainer>\n</n0:Uos>\n";
+}
+
+std::string Use(const std::string& uid, const std::string& translation, const std::string& rotation) {
+    return "<ViewOccurrenceRelationship><Related uidRef=\"" + uid + "\"/>\n<Placement><RotationMatrix>" +
+           rotation + "</RotationMatrix><TranslationVector>" + translation +
+           "</TranslationVector></Placement></ViewOccurrenceRelationship>\n";
+}
+
+std::string Part(const std::string& name, const std::string& view) {
+    return "<Part><Name><CharacterString>" + name + "</CharacterString></Name>\n<PartView>" + view +
+           "</PartView></Part>\n";
+}
+
+std::string UsedAs(const std::string& uid) {
+    return "<Occurrence uid=\"" + uid + "\"></Occurrence>\n";
+}
+
+std::string Assigned(const std::string& uid) {
+    return "<DocumentAssignment><AssignedDocument uidRef=\"" + uid + "\"/></DocumentAssignment>\n";
+}
+
+std::string File(const std::string& uid, const std::string& name) {
+    return "<File uid=\"" + uid + "\"><Id><Identifier id=\"" + name + "\"/></Id></File>\n";
+}
+
+} // namespace tarnwick::test
