@@ -44,6 +44,11 @@ void GlArea::SwapBuffers() {
     context_->swapBuffers(windowHandle());
 }
 
+WindowSize GlArea::DrawableSize() {
+    const QSize device = DeviceSize();
+    return {device.width(), device.height()};
+}
+
 bool GlArea::IsControlKeyDown() {
     return QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier);
 }

@@ -25,6 +25,7 @@ public:
 
     bool CreateContext() override;
     void SwapBuffers() override;
+    WindowSize DrawableSize() override;
     bool IsControlKeyDown() override;
 
     OpenGLControl view{*this};

@@ -126,7 +126,12 @@ void STEPViewerDlg::Load(const std::wstring& arguments, int useThreads) {
     LoadFile(dispatch_, tokens[0].c_str(), tokens.size() > 1 ? tokens[1].c_str() : nullptr, useThreads);
     if (kindWasKnown_) { shownTitle_ = TitleText(dispatch_.currentPath, View()); }
     if (OwnUnreadReason(View()) != nullptr) { Invalidate(); } // such a load draws no frame of its own
-    setWindowTitle(EyeText(kindWasKnown_ ? shownTitle_ : RefusedTitle(shownTitle_, dispatch_.currentPath)));
+    SetTitle(kindWasKnown_ ? shownTitle_ : RefusedTitle(shownTitle_, dispatch_.currentPath));
+}
+
+void STEPViewerDlg::SetTitle(const std::string& title) {
+    // "[*]" would stand for a star that marks unsaved changes; twice it stands for itself.
+    setWindowTitle(EyeText(title).replace("[*]", "[*][*]"));
 }
 
 void STEPViewerDlg::Invalidate() {
@@ -146,17 +151,17 @@ void STEPViewerDlg::dragEnterEvent(QDragEnterEvent* event) {
 void STEPViewerDlg::dropEvent(QDropEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
     event->acceptProposedAction();
-    const QString path = urls.isEmpty() ? QString() : urls.first().toLocalFile();
-    if (path.isEmpty()) { return; }
+    const QString first = urls.isEmpty() ? QString() : urls.first().toLocalFile();
+    if (first.isEmpty()) { return; }
     // Only after the drop is through: the program that it comes from waits for that, and a load may take
     // long.
     QMetaObject::invokeMethod(
-        this,
-        [this, path] {
-            Load(ArgumentsText(path), 0);
-            Invalidate();
-        },
-        Qt::QueuedConnection);
+        this, [this, first] { OnDropFiles(first); }, Qt::QueuedConnection);
+}
+
+void STEPViewerDlg::OnDropFiles(const QString& first) {
+    Load(ArgumentsText(first), 0);
+    Invalidate();
 }
 
 void STEPViewerDlg::resizeEvent(QResizeEvent* event) {
@@ -274,7 +279,7 @@ void STEPViewerDlg::ShowLoadProgress(std::int32_t filesRead, std::int32_t filesK
     const double now = ClockSeconds();
     if (now - progressShown_ < kSecondsBetweenCounts) { return; }
     progressShown_ = now;
-    setWindowTitle(EyeText(ProgressTitle(dispatch_.currentPath, filesRead, filesKnown)));
+    SetTitle(ProgressTitle(dispatch_.currentPath, filesRead, filesKnown));
 }
 
 } // namespace tarnwick

@@ -55,11 +55,13 @@ protected:
 private:
     void CreateControls();
     void OnOpen();
-    void OnDropFiles(const std::string& path);
+    // The first file of a drop; further ones don't count.
+    void OnDropFiles(const QString& first);
     void OnSize();
     void OnHScroll(int position);
     void OnWireframe(bool checked);
     void TakeSnapshot();
+    void SetTitle(const std::string& title);
     bool IsKeyDownHere(const QObject* watched) const;
 
     // LoadControls

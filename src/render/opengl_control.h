@@ -4,6 +4,7 @@
 #include "render/safe_indices.h"
 #include "render/window_port.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -89,7 +90,7 @@ private:
     void TellPickedFace();
     void TellMaterial() const;
     void TellPickedProduct(const ProductNode* product);
-    void ReadScreen(int width, int height, unsigned char* pixels);
+    void ReadScreen(int width, int height, unsigned char* pixels, std::size_t bytes);
 
     WindowPort& window_;
     bool hasContext_ = false;

@@ -78,7 +78,7 @@ int OpenGLControl::grab_GL(const char* path) {
     glPixelStorei(GL_PACK_SKIP_ROWS, 0);
     glPixelStorei(GL_PACK_SKIP_PIXELS, 0);
     glPixelStorei(GL_PACK_SWAP_BYTES, 1); // has no effect on bytes
-    ReadScreen(width, height, image.get());
+    ReadScreen(width, height, image.get(), imageBytes);
     std::fill_n(image.get() + imageBytes - 2, 2, static_cast<unsigned char>(0));
 
     std::FILE* const file = std::fopen(path, "wb");
@@ -92,14 +92,22 @@ int OpenGLControl::grab_GL(const char* path) {
     return std::fclose(file) == 0 && written ? 1 : 0;
 }
 
-void OpenGLControl::ReadScreen(int width, int height, unsigned char* pixels) {
+void OpenGLControl::ReadScreen(int width, int height, unsigned char* pixels, std::size_t bytes) {
+    // The viewport may reach out of the window. What lies there is undefined and stays zero: a driver that
+    // still remembers a larger window would read past the end of its buffer.
+    const WindowSize window = window_.DrawableSize();
+    if (window.width < width || window.height < height) {
+        glPixelStorei(GL_PACK_ROW_LENGTH, width);
+        width = std::min(width, window.width);
+        height = std::min(height, window.height);
+    }
     GLint readBuffer = GL_BACK;
     glGetIntegerv(GL_READ_BUFFER, &readBuffer);
     glReadBuffer(GL_FRONT);
     glReadPixels(0, 0, width, height, GL_BGR_EXT, GL_UNSIGNED_BYTE, pixels);
     // Some software drivers can't read what they show, and give black without a word. A frame is never all
     // black, since its background is grey.
-    if (AllZero(pixels, ImageBytes(width, height) - 2)) {
+    if (AllZero(pixels, bytes)) {
         DrawScene(kDisplay);
         glReadBuffer(GL_BACK);
         glReadPixels(0, 0, width, height, GL_BGR_EXT, GL_UNSIGNED_BYTE, pixels);

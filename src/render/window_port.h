@@ -5,6 +5,12 @@
 
 namespace tarnwick {
 
+// In device pixels.
+struct WindowSize {
+    int width = 0;
+    int height = 0;
+};
+
 // What the drawing window needs from the window system.
 class WindowPort {
 public:
@@ -13,6 +19,8 @@ public:
     // on this thread for good. False when there is none: the window then stays empty, and nothing is called.
     virtual bool CreateContext() = 0;
     virtual void SwapBuffers() = 0;
+    // The size of what can be drawn in, which isn't always that of the last OnSize.
+    virtual WindowSize DrawableSize() = 0;
     virtual bool IsControlKeyDown() = 0;
 };
 

@@ -127,4 +127,20 @@ std::string MissingPartsText(int count) {
     return File(data);
 }
 
+std::string SummaryText() {
+    const auto product = [](int index, const std::string& name, const std::string& box) {
+        return "{\"idx\": " + std::to_string(index) + ", \"name\": \"" + name + "\", \"bbox\": [" + box +
+               "]}";
+    };
+    const auto occurrence = [](int depth, int index) {
+        return "{\"depth\": " + std::to_string(depth) + ", \"idx_prd\": " + std::to_string(index) +
+               ", \"rotation\": [1. 0. 0. 0. 1. 0. 0. 0. 1.], \"translation\": [0. 0. 0.]}";
+    };
+    return "{\"products_table\": {\"nb_products\": 3, \"products\": [\n" +
+           product(1, "TOP", "-10. 10. -5. 5. 0. 1.") + ",\n" + product(2, "LEFT", "-10. -2. -5. 5. 0. 1.") +
+           ",\n" + product(3, "RIGHT", "2. 10. -5. 5. 0. 1.") +
+           "]},\n\"occurrences_table\": {\"nb_occurrences\": 3, \"max_depth\": 1, \"occurrences\": [\n" +
+           occurrence(0, 1) + ",\n" + occurrence(1, 2) + ",\n" + occurrence(1, 3) + "]}}\n";
+}
+
 } // namespace tarnwick::test

@@ -16,4 +16,8 @@ std::string TwoPlatesText();
 // Such an assembly of `count` products of one file each, "missing-0.stp" and so on, none of which is there.
 std::string MissingPartsText(int count);
 
+// A summary of an assembly: at depth 0 one box of 20 by 10 by 1, at depth 1 its left and its right part, LEFT
+// and RIGHT, with a gap from -2 to 2 between them.
+std::string SummaryText();
+
 } // namespace tarnwick::test

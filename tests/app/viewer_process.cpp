@@ -2,13 +2,31 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QtEndian>
 #include <QThread>
 
 namespace tarnwick::test {
 
 namespace {
 
-constexpr int kPatience = 15000; // milliseconds; sanitizers on a busy machine are slow
+constexpr int kPatience = 20000; // milliseconds; sanitizers on a busy machine are slow
+
+// The picture in a file that another program is about to write: its header says when all of it is there.
+QImage WholeBitmap(const QString& path) {
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < kPatience) {
+        QFile file(path);
+        if (file.open(QIODevice::ReadOnly)) {
+            const QByteArray bytes = file.readAll();
+            if (bytes.size() > 54 && qFromLittleEndian<quint32>(bytes.constData() + 2) == bytes.size()) {
+                return QImage::fromData(bytes);
+            }
+        }
+        QThread::msleep(20);
+    }
+    return {};
+}
 
 } // namespace
 
@@ -107,22 +125,31 @@ void ViewerProcess::Drag(int button, QPoint from, QPoint to) {
 
 void ViewerProcess::Key(const QString& key) {
     Run("xdotool", {"key", key});
-    Pause(150);
+    Pause();
+}
+
+void ViewerProcess::WaitForSize(const std::function<bool(QSize)>& is) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!is(Size()) && clock.elapsed() < kPatience) { Pause(); }
+    Pause(200);
 }
 
 void ViewerProcess::Resize(int width, int height) {
     Run("xdotool", {"windowsize", window_, QString::number(width), QString::number(height)});
-    Pause(400);
+    WaitForSize([&](QSize size) { return size == QSize(width, height); });
 }
 
 void ViewerProcess::Maximise() {
+    const QSize before = Size();
     Run("wmctrl", {"-i", "-r", window_, "-b", "add,maximized_vert,maximized_horz"});
-    Pause(600);
+    WaitForSize([&](QSize size) { return size.width() > before.width(); });
 }
 
 void ViewerProcess::Restore() {
+    const QSize before = Size();
     Run("wmctrl", {"-i", "-r", window_, "-b", "remove,maximized_vert,maximized_horz"});
-    Pause(600);
+    WaitForSize([&](QSize size) { return size.width() < before.width(); });
 }
 
 void ViewerProcess::Minimise() {
@@ -189,15 +216,13 @@ void ViewerProcess::CloseWindow(const QString& window) {
 
 QImage ViewerProcess::Snapshot(const QString& name) {
     const QString path = home_.filePath("Pictures/Tarnwick/" + name + ".bmp");
-    QFile::remove(path);
     Run("xdotool", {"windowactivate", "--sync", window_});
-    Key("p");
+    // The first one only tells that all events before it are through; what they had drawn is in the second.
     QImage picture;
-    QElapsedTimer clock;
-    clock.start();
-    while (picture.isNull() && clock.elapsed() < kPatience) {
-        Pause();
-        picture.load(path);
+    for (int i = 0; i < 2; ++i) {
+        QFile::remove(path);
+        Key("p");
+        picture = WholeBitmap(path);
     }
     return picture;
 }

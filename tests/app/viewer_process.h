@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <string>
 
 namespace tarnwick::test {
@@ -54,6 +55,7 @@ public:
 private:
     static QString Run(const QString& program, const QStringList& arguments, int* status = nullptr);
     static void Pause(int milliseconds = 60);
+    void WaitForSize(const std::function<bool(QSize)>& is);
 
     QTemporaryDir home_;
     QProcess process_;

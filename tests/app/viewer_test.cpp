@@ -25,6 +25,7 @@ protected:
         Write("plate.stp", PlateText());
         Write("two.stp", TwoPlatesText());
         Write("many.stp", MissingPartsText(40));
+        Write("boxes.stpj", SummaryText());
     }
 
     void Write(const QString& name, const std::string& text) {
@@ -122,6 +123,29 @@ TEST_F(ViewerTest, AClickInAnAssemblySelectsThePlacedPart) {
     const QImage picture = viewer.Snapshot("two");
     ExpectColour(picture, InPicture(picture.size(), 42, -7.5, -2.5), 244, 0, 244);
     ExpectColour(picture, InPicture(picture.size(), 42, -7.5, 9.5), 244, 0, 0);
+    EXPECT_EQ(viewer.Close(), 0);
+}
+
+TEST_F(ViewerTest, ASummaryFileShowsBoxesAndTheSliderChoosesTheirDepth) {
+    ViewerProcess viewer({Path("boxes.stpj")});
+    ASSERT_TRUE(viewer.IsOpen());
+    const QPoint gap = InPicture(Area(), 31, 0, 2);
+    const QPoint right = InPicture(Area(), 31, 6, 2);
+    QImage picture = viewer.Snapshot("boxes");
+    ExpectColour(picture, gap, 204, 204, 204);
+    // Half of (0.8, 0.8, 0.2) under the light, and half of the 0.8 behind it.
+    ExpectColour(picture, right, 200, 200, 126);
+
+    viewer.Click(At(10, 10).x() + right.x(), At(10, 10).y() + right.y());
+    EXPECT_THAT(viewer.Console("selected"), HasSubstr("Product selected: RIGHT   File: (null)\n"));
+    picture = viewer.Snapshot("boxes");
+    ExpectColour(picture, right, 195, 0, 0);
+
+    // To the left of the slider's handle: one step down, and the pick is gone.
+    viewer.Click(At(160, 747).x(), At(160, 747).y());
+    picture = viewer.Snapshot("boxes");
+    ExpectColour(picture, gap, 200, 200, 126);
+    ExpectColour(picture, right, 200, 200, 126);
     EXPECT_EQ(viewer.Close(), 0);
 }
 

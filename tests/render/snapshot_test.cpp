@@ -110,6 +110,16 @@ TEST_F(SnapshotTest, AFrontBufferThatCannotBeReadIsDrawnAgainIntoTheBackBuffer) 
     EXPECT_EQ(gl_recorder::PushedMatrices(), 0u);
 }
 
+TEST_F(SnapshotTest, WhatOfTheViewportLiesOutsideOfTheWindowIsNotReadAndIsZero) {
+    window.size = {620, 330};
+    const std::vector<unsigned char> bytes = Grab(640, 480);
+    const Calls calls = TakeCalls();
+    EXPECT_THAT(calls, Contains("glPixelStorei(GL_PACK_ROW_LENGTH, 640)"));
+    EXPECT_THAT(calls, Contains("glReadPixels(0, 0, 620, 330, GL_BGR_EXT, GL_UNSIGNED_BYTE)"));
+    ASSERT_EQ(bytes.size(), 921656u); // and the file is as large as ever
+    EXPECT_EQ(bytes[bytes.size() - 3], 0);
+}
+
 TEST_F(SnapshotTest, AFileThatCannotBeOpenedIsToldOnStandardOutput) {
     ::testing::internal::CaptureStdout();
     ::testing::internal::CaptureStderr();

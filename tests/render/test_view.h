@@ -20,10 +20,12 @@ public:
         // Its place among the calls of the graphics library matters.
         marks.push_back(gl_recorder::Take());
     }
+    WindowSize DrawableSize() override { return size; }
     bool IsControlKeyDown() override { return controlDown; }
 
     bool hasContext = true;
     bool controlDown = false;
+    WindowSize size{10000, 10000};
     int swaps = 0;
     std::vector<std::vector<std::string>> marks; // the calls before each swap
 };
