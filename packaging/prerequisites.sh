@@ -19,8 +19,8 @@ ensure_packages() {
 
 build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcli11-dev nlohmann-json3-dev)
 # What only the viewer and its tests need.
-viewer_packages=(qt6-base-dev libgl-dev libglu1-mesa-dev libgl1-mesa-dri)
-viewer_test_packages=(xvfb openbox xdotool wmctrl x11-utils libx11-dev libegl-dev locales)
+viewer_packages=(qt6-base-dev libgl-dev libglu1-mesa-dev libgl1-mesa-dri libcpprest-dev libssl-dev curl)
+viewer_test_packages=(xvfb openbox xdotool wmctrl x11-utils libx11-dev libegl-dev locales xclip libwebsocketpp-dev openssl)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libfast-float-dev)
 
 # build PRESET [TARGET...]: configures if need be, and builds.

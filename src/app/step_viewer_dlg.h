@@ -35,7 +35,7 @@ public:
     // The text of control 1009: the state of the server link, or what a pick tells.
     void SetPickText(const std::string& text) override;
 
-    // The link behind the Connect button; it must outlive the dialog. Null for none.
+    // The link behind the Connect button, or null for none.
     void SetServer(ServerPort* server);
 
     OpenGLControl& View() { return area_->view; }

@@ -1,5 +1,6 @@
 #include "app/tarnwick_app.h"
 #include "app/console_window.h"
+#include "app/dialog_link.h"
 #include "app/step_viewer_dlg.h"
 #include "formats/format_commands.h"
 
@@ -28,6 +29,7 @@ int CTarnwickApp::InitInstance() {
     if (isatty(STDERR_FILENO) == 0) { console.emplace(); }
 
     STEPViewerDlg dialog(kLoadCommands);
+    DialogLink link(dialog);
     dialog.commandLine = JoinArguments(arguments_);
     dialog.OnInitDialog();
     if (console) { console->ShowBeside(&dialog); }

@@ -1,0 +1,162 @@
+#include "app/dialog_link.h"
+#include "app/eye_text.h"
+#include "app/step_viewer_dlg.h"
+#include "platform/wide_text.h"
+
+#include <QClipboard>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QThread>
+
+#include <sys/stat.h>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr int kMillisecondsBetweenLooks = 50; // at whether the dialog closes
+
+QStringList EyeTexts(const std::vector<std::string>& texts) {
+    QStringList list;
+    for (const std::string& text : texts) { list.append(EyeText(text)); }
+    return list;
+}
+
+} // namespace
+
+DialogLink::DialogLink(STEPViewerDlg& dialog) : dialog_(dialog), link_(*this) {
+    dialog.SetServer(this);
+}
+
+DialogLink::~DialogLink() {
+    StopWaiting();
+    dialog_.SetServer(nullptr);
+}
+
+void DialogLink::OnConnect() {
+    link_.OnConnect();
+}
+
+void DialogLink::OnAddPmi() {
+    link_.OnAddPmi(Selected());
+}
+
+void DialogLink::OnAddMaterial() {
+    link_.OnAddMaterial(Selected());
+}
+
+void DialogLink::OnClose() {
+    StopWaiting();
+    link_.OnClose();
+}
+
+Selection DialogLink::Selected() const {
+    const OpenGLControl& view = dialog_.View();
+    const std::string& path = dialog_.CurrentPath();
+    return {.path = path.empty() ? nullptr : path.c_str(),
+            .rootName = view.hasRootName ? view.rootName.c_str() : nullptr,
+            .selectedText = view.selectedText,
+            .selectedExactContainerId = view.selectedExactContainerId,
+            .selectedContainerType = view.selectedContainerType};
+}
+
+bool DialogLink::IsClosing() {
+    const std::lock_guard<std::mutex> hold(lock_);
+    return closing_;
+}
+
+void DialogLink::StopWaiting() {
+    const std::lock_guard<std::mutex> hold(lock_);
+    closing_ = true;
+    changed_.notify_all();
+}
+
+bool DialogLink::OnDialogThread(std::function<void()> work) {
+    if (QThread::currentThread() == dialog_.thread()) {
+        work();
+        return true;
+    }
+    std::unique_lock<std::mutex> hold(lock_);
+    if (closing_) { return false; }
+    done_ = false;
+    // The event dies with the dialog. It is only posted here, under the lock, while the dialog isn't closing.
+    QMetaObject::invokeMethod(
+        &dialog_,
+        [this, work = std::move(work)] {
+            if (IsClosing()) { return; }
+            work();
+            const std::lock_guard<std::mutex> finished(lock_);
+            done_ = true;
+            changed_.notify_all();
+        },
+        Qt::QueuedConnection);
+    changed_.wait(hold, [this] { return done_ || closing_; });
+    return done_;
+}
+
+bool DialogLink::SetLinkText(const std::string& text) {
+    return OnDialogThread([this, text] { dialog_.SetPickText(text); });
+}
+
+bool DialogLink::CopyToClipboard(const std::string& text) {
+    return OnDialogThread([text] { QGuiApplication::clipboard()->setText(EyeText(text)); });
+}
+
+bool DialogLink::ShowMessage(const std::string& caption, const std::string& text) {
+    return OnDialogThread([this, caption, text] {
+        QMessageBox box(QMessageBox::NoIcon, EyeText(caption), EyeText(text), QMessageBox::Ok, &dialog_);
+        box.setTextFormat(Qt::PlainText);
+        box.exec();
+    });
+}
+
+bool DialogLink::Load(const std::string& arguments) {
+    return OnDialogThread([this, arguments] { dialog_.Load(WideFromNarrow(arguments), 1); });
+}
+
+bool DialogLink::Invalidate() {
+    return OnDialogThread([this] { dialog_.Invalidate(); });
+}
+
+void DialogLink::RunProgram(const std::vector<std::string>& command) {
+    QStringList arguments = EyeTexts(command);
+    const QString program = arguments.takeFirst();
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.start(program, arguments);
+    while (process.state() != QProcess::NotRunning && !process.waitForFinished(kMillisecondsBetweenLooks)) {
+        if (IsClosing()) {
+            process.kill();
+            process.waitForFinished();
+            return;
+        }
+    }
+}
+
+void DialogLink::StartProgram(const std::vector<std::string>& names,
+                              const std::vector<std::string>& arguments) {
+    for (const std::string& name : names) {
+        const QString program = QStandardPaths::findExecutable(EyeText(name));
+        if (program.isEmpty()) { continue; }
+        QProcess::startDetached(program, EyeTexts(arguments));
+        return;
+    }
+}
+
+std::string DialogLink::DownloadFolder() {
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    QDir().mkpath(cache);
+    std::string folder = QFile::encodeName(cache).toStdString();
+    for (const char* const name : {"/tarnwick", "/downloads"}) {
+        folder += name;
+        mkdir(folder.c_str(), 0700); // fails where it exists, and the download where it can't be made
+    }
+    return folder;
+}
+
+} // namespace tarnwick

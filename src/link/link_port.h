@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tarnwick {
+
+// What the link does to the dialog and to the machine. Any thread may call it. What concerns the dialog is
+// done on the dialog's thread, in the order of the calls, and a call returns when it has been done; it
+// returns false, with nothing done, once the dialog closes.
+class LinkPort {
+public:
+    virtual ~LinkPort() = default;
+    // The text of control 1009.
+    virtual bool SetLinkText(const std::string& text) = 0;
+    virtual bool CopyToClipboard(const std::string& text) = 0;
+    // A box over the dialog with one button; returns when the user has closed it.
+    virtual bool ShowMessage(const std::string& caption, const std::string& text) = 0;
+    // Splits the text into a path and a product name, and shows the file, with threads.
+    virtual bool Load(const std::string& arguments) = 0;
+    // Has the whole dialog drawn again.
+    virtual bool Invalidate() = 0;
+
+    // Runs a program, the first element, with the others as its arguments, and waits for its end. The
+    // dialog's closing ends it. No shell sees any of the texts.
+    virtual void RunProgram(const std::vector<std::string>& command) = 0;
+    // Starts the first program of the names that the machine has, and doesn't wait.
+    virtual void StartProgram(const std::vector<std::string>& names,
+                              const std::vector<std::string>& arguments) = 0;
+    // Where downloads go, made for the user alone when it is missing; without a separator at its end.
+    virtual std::string DownloadFolder() = 0;
+};
+
+} // namespace tarnwick

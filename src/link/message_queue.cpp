@@ -1,0 +1,41 @@
+#include "link/message_queue.h"
+
+namespace tarnwick {
+
+bool MessageQueue::Push(std::string text) {
+    const std::lock_guard<std::mutex> hold(lock_);
+    const std::size_t bytes = BytesOf(text);
+    if (stopped_ || bytes > kMostBytes - bytes_) { return false; }
+    bytes_ += bytes;
+    texts_.push_back(std::move(text));
+    if (!thread_.joinable()) {
+        thread_ = std::thread([this] { Run(); });
+    }
+    changed_.notify_one();
+    return true;
+}
+
+void MessageQueue::Stop() {
+    {
+        const std::lock_guard<std::mutex> hold(lock_);
+        stopped_ = true;
+        changed_.notify_one();
+    }
+    if (thread_.joinable()) { thread_.join(); }
+}
+
+void MessageQueue::Run() {
+    std::unique_lock<std::mutex> hold(lock_);
+    while (true) {
+        changed_.wait(hold, [this] { return stopped_ || !texts_.empty(); });
+        if (stopped_) { return; }
+        const std::string text = std::move(texts_.front());
+        texts_.pop_front();
+        bytes_ -= BytesOf(text);
+        hold.unlock();
+        handle_(text);
+        hold.lock();
+    }
+}
+
+} // namespace tarnwick

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace tarnwick {
+
+// Handles texts one after the other on a thread of its own, so that whoever hands them in never waits:
+// neither the thread that the network's events come on nor the dialog's.
+class MessageQueue {
+public:
+    explicit MessageQueue(std::function<void(const std::string&)> handle) : handle_(std::move(handle)) {}
+    MessageQueue(const MessageQueue&) = delete;
+    MessageQueue& operator=(const MessageQueue&) = delete;
+    ~MessageQueue() { Stop(); }
+
+    // Takes a text, on any thread. False when kMostBytes wait already, or after Stop.
+    bool Push(std::string text);
+
+    // Waits for the text at work; the others are dropped.
+    void Stop();
+
+    // What may wait: far more than any service has to say, and far less than the memory of a machine.
+    static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
+
+private:
+    void Run();
+    static std::size_t BytesOf(const std::string& text) { return text.size() + sizeof text; }
+
+    std::function<void(const std::string&)> handle_;
+    std::mutex lock_;
+    std::condition_variable changed_;
+    std::deque<std::string> texts_;
+    std::size_t bytes_ = 0;
+    bool stopped_ = false;
+    std::thread thread_; // started by the first text
+};
+
+} // namespace tarnwick

@@ -1,0 +1,20 @@
+#include "link/selection.h"
+#include "platform/paths.h"
+
+namespace tarnwick {
+
+std::string FileNameOf(const Selection& selection) {
+    const std::string path = selection.path != nullptr ? selection.path : "";
+    return path.substr(FolderOf(path).size());
+}
+
+std::vector<std::string> BrowserArguments(const std::string& viewerFolder, const Selection& selection) {
+    const std::string& text = selection.selectedText;
+    const std::string id = text.empty() ? text : text.substr(1); // less the "#" of a face
+    return {"--user-data-dir=" + viewerFolder, "--disable-web-security",
+            "file://" + viewerFolder + "/Velquist.html?file=" + viewerFolder +
+                "/dataset-AS1-PSTree.json&action=add_pmi&Id=" + id +
+                "&Type=face&Url=" + FileNameOf(selection)};
+}
+
+} // namespace tarnwick

@@ -1,0 +1,144 @@
+#include "link/server_link.h"
+#include "link/message_queue.h"
+#include "link/server_messages.h"
+#include "platform/console.h"
+#include "platform/wide_text.h"
+
+#include <cpprest/json.h>
+#include <cpprest/ws_client.h>
+
+#include <cstdlib>
+#include <exception>
+#include <string>
+
+namespace tarnwick {
+
+namespace {
+
+using web::websockets::client::websocket_callback_client;
+using web::websockets::client::websocket_client_config;
+using web::websockets::client::websocket_incoming_message;
+using web::websockets::client::websocket_outgoing_message;
+
+constexpr const char* kViewerFolder = TARNWICK_BASE_FOLDER "/Velquist/viewer";
+
+std::string EnvironmentOr(const char* name, const char* otherwise) {
+    const char* const value = std::getenv(name);
+    return value != nullptr && *value != '\0' ? value : otherwise;
+}
+
+const char* OrNull(const char* text) {
+    return text != nullptr ? text : "(null)";
+}
+
+void TellFailure(const std::exception& failure) {
+    ConsolePrint("No server available\n");
+    ConsolePrint("%s\n", failure.what());
+}
+
+web::json::value JsonText(const std::string& text) {
+    // Whatever bytes a path has, what goes out is valid UTF-8, or the service would drop the connection.
+    std::wstring wide = WideFromNarrow(text);
+    for (wchar_t& character : wide) {
+        if (character >= 0xDC80 && character <= 0xDCFF) { character -= 0xDC00; }
+    }
+    return web::json::value::string(utility::conversions::to_string_t(NarrowFromWide(wide)));
+}
+
+void Send(websocket_callback_client& client, const std::string& text) {
+    websocket_outgoing_message message;
+    message.set_utf8_message(text);
+    client.send(message).wait();
+}
+
+void SendJson(websocket_callback_client& client, const web::json::value& value) {
+    Send(client, utility::conversions::to_utf8string(value.serialize()));
+}
+
+void Register(websocket_callback_client& client) {
+    // A setting of the program; the service wants no name, so it goes no further.
+    static_cast<void>(WideFromNarrow(EnvironmentOr("Velquist_user", "user@localhost")));
+    web::json::value request = web::json::value::object();
+    request["sender"] = web::json::value::string("3d viewer");
+    request["action"] = web::json::value::string("register");
+    SendJson(client, request);
+}
+
+} // namespace
+
+struct ServerLink::Session {
+    explicit Session(LinkPort& dialog)
+        : queue([&dialog](const std::string& text) { OnServerMessage(dialog, text); }) {}
+
+    // A client object connects once in its life: the library ends the process at a second try. It has the
+    // handler before it connects, since what the service says at once would be lost otherwise, and keeps it,
+    // since the library reads it without a lock.
+    void MakeClient() {
+        client = websocket_callback_client(websocket_client_config());
+        client.set_message_handler([this](const websocket_incoming_message& message) { Take(message); });
+    }
+
+    // On the library's thread, which must neither wait nor see an exception.
+    void Take(const websocket_incoming_message& message) {
+        try {
+            std::string text = message.extract_string().get();
+            if (KindOf(text) == ServerMessage::Unknown) { return; }
+            if (!queue.Push(std::move(text))) { ConsolePrint("<E> Message of the server: too many wait\n"); }
+        } catch (const std::exception&) {
+            // A message that is no text is none of ours.
+        }
+    }
+
+    MessageQueue queue; // outlives the client, whose handler fills it
+    websocket_callback_client client;
+};
+
+ServerLink::ServerLink(LinkPort& dialog) : session_(std::make_unique<Session>(dialog)), dialog_(dialog) {
+    session_->MakeClient();
+}
+
+ServerLink::~ServerLink() = default;
+
+void ServerLink::OnConnect() {
+    try {
+        if (!connected) {
+            const std::string uri = EnvironmentOr("Velquist_ws_URI", TARNWICK_SERVICE_URI);
+            session_->MakeClient();
+            session_->client.connect(web::uri(utility::conversions::to_string_t(uri))).wait();
+            dialog_.SetLinkText("Connected");
+            connected = true;
+        }
+        Send(session_->client, R"({"Check": "Connexion"})");
+        Register(session_->client);
+    } catch (const std::exception& failure) { TellFailure(failure); }
+}
+
+void ServerLink::OnClose() {
+    try {
+        session_->client.close();
+    } catch (const std::exception&) {
+        // Then there is nothing left to close.
+    }
+}
+
+void ServerLink::OnAddPmi(const Selection& selection) {
+    const std::vector<std::string> arguments = BrowserArguments(kViewerFolder, selection);
+    ConsolePrint("Call XML viewer : Edit PMI\n");
+    ConsolePrint("  File: %s\n  Product: %s  Face: %s\n", OrNull(selection.path), OrNull(selection.rootName),
+                 selection.selectedText.c_str());
+    dialog_.StartProgram({"chromium", "google-chrome"}, arguments);
+}
+
+void ServerLink::OnAddMaterial(const Selection& selection) {
+    const std::int32_t type = selection.selectedContainerType;
+    try {
+        web::json::value request = web::json::value::object();
+        request["action"] = web::json::value::string("add_mat");
+        request["Id"] = web::json::value::number(selection.selectedExactContainerId);
+        request["Type"] = web::json::value::string(type == 1 ? "Solid" : type == 2 ? "Shell" : "");
+        request["Url"] = JsonText(FileNameOf(selection));
+        SendJson(session_->client, request);
+    } catch (const std::exception& failure) { TellFailure(failure); }
+}
+
+} // namespace tarnwick

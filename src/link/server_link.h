@@ -1,0 +1,41 @@
+#pragma once
+
+#include "link/link_port.h"
+#include "link/selection.h"
+
+#include <memory>
+
+namespace tarnwick {
+
+// The client side of the link with the service of the web viewer: one WebSocket connection, opened by the
+// user and kept until the dialog closes. One exists in a process. All functions are for the dialog's thread,
+// which waits in them for the network, without a limit of its own.
+class ServerLink {
+public:
+    // `dialog` must outlive the link.
+    explicit ServerLink(LinkPort& dialog);
+    ServerLink(const ServerLink&) = delete;
+    ServerLink& operator=(const ServerLink&) = delete;
+    // Waits for the message at work. The port must have been told before that the dialog closes.
+    ~ServerLink();
+
+    // Connects to the service, if that has not succeeded before, and registers. A failure is logged, and
+    // changes nothing.
+    void OnConnect();
+    // Closes the connection without waiting for its end, also when there is none.
+    void OnClose();
+    // Opens the HTML viewer in a browser at the picked face.
+    void OnAddPmi(const Selection& selection);
+    // Asks the service for a material for the picked solid or shell. A failure is logged.
+    void OnAddMaterial(const Selection& selection);
+
+    // Set by the first successful connect and never cleared, so that a connection that was lost stays lost.
+    bool connected = false;
+
+private:
+    struct Session;
+    std::unique_ptr<Session> session_;
+    LinkPort& dialog_;
+};
+
+} // namespace tarnwick

@@ -1,0 +1,111 @@
+// The service writes JSON, but its messages are known to the character, and are read as they are written.
+
+#include "link/server_messages.h"
+#include "platform/console.h"
+
+namespace tarnwick {
+
+namespace {
+
+constexpr std::string_view kLoad = R"({"Load")";
+constexpr std::string_view kCheck = R"({"Check")";
+constexpr std::string_view kRegistered = R"({"action":"registered)"; // the quote at its end isn't looked at
+constexpr std::size_t kLoadValue = kLoad.size() + 2;                 // behind a colon and a quote
+
+void GiveUp(const char* reason) {
+    ConsolePrint("<E> Message of the server: %s\n", reason);
+}
+
+// The path of the local file that `url` was downloaded to, as an argument; empty when there is none.
+std::string Download(LinkPort& dialog, const std::string& url) {
+    const std::optional<std::string> name = DownloadName(url);
+    if (!name) {
+        ConsolePrint("<E> Download: no file name in the URL %s\n", url.c_str());
+        return {};
+    }
+    const std::string folder = dialog.DownloadFolder();
+    ConsolePrint("curl -k -X GET %s -o %s  --output-dir %s", url.c_str(), name->c_str(), folder.c_str());
+    ConsolePrint("\n\n");
+    dialog.RunProgram({"curl", "-k", "-X", "GET", url, "-o", *name, "--output-dir", folder});
+    return '"' + folder + '/' + *name + '"';
+}
+
+void OnLoad(LinkPort& dialog, std::string_view text) {
+    const std::size_t end = text.find('"', kLoadValue);
+    if (end == std::string_view::npos) { return GiveUp("the text to load has no end"); }
+    const std::string value(text.substr(kLoadValue, end - kLoadValue));
+    const bool isUrl = value.starts_with("http");
+    const std::string arguments = isUrl ? Download(dialog, value) : value;
+    if (isUrl && arguments.empty()) { return; }
+    dialog.Load(arguments);
+    dialog.Invalidate();
+}
+
+void OnRegistered(LinkPort& dialog, std::string_view text) {
+    dialog.SetLinkText("Connected");
+    std::size_t position = text.find(',');
+    if (position == std::string_view::npos) { return GiveUp("no comma behind the action"); }
+    const std::optional<KeyValue> pair = ReadKeyValue(text, position);
+    if (!pair) { return GiveUp("it ends within a key or its value"); }
+    if (pair->key != "uuid") { return; }
+    const std::string uuid(pair->value);
+    dialog.CopyToClipboard(uuid);
+    ConsolePrint("3D Viewer session UUID: %s\n", uuid.c_str());
+    dialog.ShowMessage(
+        "Connect", "3D Viewer session UUID:\n\nThe UUID is in the clipboard; paste it in the HTML viewer");
+}
+
+} // namespace
+
+ServerMessage KindOf(std::string_view text) {
+    if (text.starts_with(kLoad)) { return ServerMessage::Load; }
+    if (text.starts_with(kCheck)) { return ServerMessage::Check; }
+    return text.starts_with(kRegistered) ? ServerMessage::Registered : ServerMessage::Unknown;
+}
+
+void OnServerMessage(LinkPort& dialog, std::string_view text) {
+    text = text.substr(0, text.find('\0'));
+    switch (KindOf(text)) {
+    case ServerMessage::Load:
+        return OnLoad(dialog, text);
+    case ServerMessage::Check:
+        dialog.SetLinkText("Connected");
+        return;
+    case ServerMessage::Registered:
+        return OnRegistered(dialog, text);
+    case ServerMessage::Unknown:
+        return;
+    }
+}
+
+std::optional<KeyValue> ReadKeyValue(std::string_view text, std::size_t& position) {
+    // Each search starts behind what the last one found.
+    const auto goTo = [&](char c) {
+        if (position != std::string_view::npos) { position = text.find(c, position); }
+        return position == std::string_view::npos ? position : position++;
+    };
+    const std::size_t keyQuote = goTo('"');
+    const std::size_t keyEnd = goTo('"');
+    goTo(':');
+    const std::size_t valueQuote = goTo('"');
+    const std::size_t valueEnd = goTo('"');
+    if (valueEnd == std::string_view::npos) { return std::nullopt; }
+    position = valueEnd;
+    return KeyValue{text.substr(keyQuote + 1, keyEnd - keyQuote - 1),
+                    text.substr(valueQuote + 1, valueEnd - valueQuote - 1)};
+}
+
+std::optional<std::string> DownloadName(const std::string& url) {
+    const std::size_t separator = url.find_last_of("/\\");
+    std::string name = url.substr(separator == std::string::npos ? 1 : separator + 1);
+    // "-" is curl's name for standard output.
+    if (name.empty() || name == "." || name == ".." || name == "-") { return std::nullopt; }
+    // Where a URL has alternatives, curl puts the chosen one, with any "/" in it, in the place of "#1" in the
+    // name.
+    if (name.find('#') != std::string::npos && url.find_first_of("{[") != std::string::npos) {
+        return std::nullopt;
+    }
+    return name;
+}
+
+} // namespace tarnwick

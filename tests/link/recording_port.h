@@ -1,0 +1,76 @@
+// A dialog that only notes what the link does to it.
+#pragma once
+
+#include "link/link_port.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace tarnwick::test {
+
+class RecordingPort : public LinkPort {
+public:
+    std::vector<std::string> Done() {
+        const std::lock_guard<std::mutex> hold(lock_);
+        return done_;
+    }
+    std::vector<std::vector<std::string>> Programs() {
+        const std::lock_guard<std::mutex> hold(lock_);
+        return programs_;
+    }
+    // Waits for some seconds until the last thing done is `last`, and tells whether it is.
+    bool WaitFor(const std::string& last) {
+        std::unique_lock<std::mutex> hold(lock_);
+        return changed_.wait_for(hold, std::chrono::seconds(20),
+                                 [&] { return !done_.empty() && done_.back() == last; });
+    }
+    bool WaitForCount(std::size_t count) {
+        std::unique_lock<std::mutex> hold(lock_);
+        return changed_.wait_for(hold, std::chrono::seconds(60), [&] { return done_.size() >= count; });
+    }
+
+    bool SetLinkText(const std::string& text) override { return Note("text " + text); }
+    bool CopyToClipboard(const std::string& text) override { return Note("clipboard " + text); }
+    bool ShowMessage(const std::string& caption, const std::string& text) override {
+        return Note("box " + caption + ": " + text);
+    }
+    bool Load(const std::string& arguments) override { return Note("load " + arguments); }
+    bool Invalidate() override { return Note("invalidate"); }
+    void RunProgram(const std::vector<std::string>& command) override {
+        {
+            const std::lock_guard<std::mutex> hold(lock_);
+            programs_.push_back(command);
+        }
+        Note("run " + command.front());
+    }
+    void StartProgram(const std::vector<std::string>& names,
+                      const std::vector<std::string>& arguments) override {
+        std::vector<std::string> all = names;
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        {
+            const std::lock_guard<std::mutex> hold(lock_);
+            programs_.push_back(all);
+        }
+        Note("start " + names.front());
+    }
+    std::string DownloadFolder() override { return "/downloads"; }
+
+private:
+    bool Note(const std::string& what) {
+        const std::lock_guard<std::mutex> hold(lock_);
+        done_.push_back(what);
+        changed_.notify_all();
+        return true;
+    }
+
+    std::mutex lock_;
+    std::condition_variable changed_;
+    std::vector<std::string> done_;
+    std::vector<std::vector<std::string>> programs_;
+};
+
+} // namespace tarnwick::test
