@@ -214,6 +214,10 @@ void ViewerProcess::CloseWindow(const QString& window) {
     Pause(300);
 }
 
+QString ViewerProcess::Clipboard() {
+    return Run("xclip", {"-selection", "clipboard", "-o"});
+}
+
 QImage ViewerProcess::Snapshot(const QString& name) {
     const QString path = home_.filePath("Pictures/Tarnwick/" + name + ".bmp");
     Run("xdotool", {"windowactivate", "--sync", window_});

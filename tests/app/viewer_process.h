@@ -42,6 +42,8 @@ public:
     // Waits until another window of this name is there; returns its identifier.
     QString WaitForWindow(const QString& name);
     void CloseWindow(const QString& window);
+    // What another program gets when the user pastes there.
+    static QString Clipboard();
 
     // Presses P and reads the file, whose name is that of the model.
     QImage Snapshot(const QString& name);
