@@ -29,6 +29,7 @@ public:
         server_.clear_error_channels(websocketpp::log::elevel::all);
         server_.init_asio();
         server_.set_reuse_addr(true);
+        server_.set_close_handshake_timeout(500); // milliseconds; a viewer that has ended answers no more
         server_.set_open_handler([this](connection_hdl connection) {
             Note([&] {
                 open_.insert(connection);
