@@ -3,6 +3,7 @@
 
 #include "link/link_port.h"
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -22,15 +23,15 @@ public:
         const std::lock_guard<std::mutex> hold(lock_);
         return programs_;
     }
-    // Waits for some seconds until the last thing done is `last`, and tells whether it is.
-    bool WaitFor(const std::string& last) {
+    // These wait for some seconds, and tell whether it has been done.
+    bool WaitFor(const std::string& what) {
         std::unique_lock<std::mutex> hold(lock_);
-        return changed_.wait_for(hold, std::chrono::seconds(20),
-                                 [&] { return !done_.empty() && done_.back() == last; });
+        return changed_.wait_for(hold, kPatience,
+                                 [&] { return std::find(done_.begin(), done_.end(), what) != done_.end(); });
     }
     bool WaitForCount(std::size_t count) {
         std::unique_lock<std::mutex> hold(lock_);
-        return changed_.wait_for(hold, std::chrono::seconds(60), [&] { return done_.size() >= count; });
+        return changed_.wait_for(hold, kPatience, [&] { return done_.size() >= count; });
     }
 
     bool SetLinkText(const std::string& text) override { return Note("text " + text); }
@@ -60,6 +61,8 @@ public:
     std::string DownloadFolder() override { return "/downloads"; }
 
 private:
+    static constexpr std::chrono::seconds kPatience{60};
+
     bool Note(const std::string& what) {
         const std::lock_guard<std::mutex> hold(lock_);
         done_.push_back(what);

@@ -242,12 +242,7 @@ TEST_F(ServerLinkTest, JunkOfEveryKindIsSurvived) {
         }
     }
     server->SendText(R"({"Load":"the end"})");
-    EXPECT_TRUE(port.WaitFor("invalidate"));
-    for (int i = 0; i < 200 && port.Done()[port.Done().size() - 2] != "load the end"; ++i) {
-        EXPECT_TRUE(port.WaitFor("invalidate"));
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    EXPECT_EQ(port.Done()[port.Done().size() - 2], "load the end");
+    EXPECT_TRUE(port.WaitFor("load the end"));
     link->OnConnect();
     EXPECT_TRUE(server->WaitForMessages(4));
 }
