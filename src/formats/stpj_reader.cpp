@@ -262,10 +262,7 @@ bool StpjText::ReadOccurrence(StpjOccurrence* occurrence) {
     } while (NextKey());
     if (at_[-1] != '}') { return false; }
     occurrence->box = boxes_[file_.productCount];
-    if (occurrence->productIndex < 1) {
-        ++withoutProduct_;
-        return true;
-    }
+    if (occurrence->productIndex < 1) { return true; }
     // Over the character behind the "}" as well.
     if (at_ < end_) { ++at_; }
     const ProductNode* const product = ProductOf(file_, *occurrence);

@@ -53,9 +53,41 @@ bool ReadDocument(StpxSession& session, DocumentMemory& memory, std::string path
     return false;
 }
 
+// Finds the documents that lead to themselves. Reading one again may add to the table again, and so for ever.
+class DocumentCycles {
+public:
+    // What stands in the table without a place yet was added by the document at `place`; -1 is the root
+    // document.
+    void NoteAdded(std::int32_t place, std::int32_t count) {
+        addedBy_.resize(static_cast<std::size_t>(count), place);
+    }
+
+    // Whether the document at `place` is to be left out: its own reading led to it, too often for an end to
+    // come.
+    bool IsEndless(StpxSession& session, std::int32_t place) {
+        const std::string_view name = session.asmProdExt[place]->fileName;
+        if (names_.insert(name).second) { return false; }
+        std::int32_t above = addedBy_[static_cast<std::size_t>(place)];
+        while (above >= 0 && name != session.asmProdExt[above]->fileName) {
+            above = addedBy_[static_cast<std::size_t>(above)];
+        }
+        return above >= 0 && ++repeats_ > kMostRepeats;
+    }
+
+private:
+    static constexpr std::int32_t kMostRepeats = 100; // those that come to an end do so within a few
+
+    std::vector<std::int32_t> addedBy_;
+    std::unordered_set<std::string_view> names_;
+    std::int32_t repeats_ = 0;
+};
+
 // The documents of the table of assemblies, breadth first: reading one may add to the table.
 void ReadExternalDocuments(StpxSession& session, DocumentMemory& memory) {
     std::string formerPath; // stays empty in an archive, whose names are no paths
+    DocumentCycles cycles;
+    bool saidEndless = false;
+    cycles.NoteAdded(-1, session.asmProdExt.Count());
     for (std::int32_t i = 0; i < session.asmProdExt.Count(); ++i) {
         const ProductNode& product = *session.asmProdExt[i];
         if (IsXmlFileName(product.fileName) == 0) {
@@ -65,9 +97,19 @@ void ReadExternalDocuments(StpxSession& session, DocumentMemory& memory) {
             continue;
         }
         if (session.zip == nullptr) { formerPath = StpxPath(session, product); }
+        if (cycles.IsEndless(session, i)) {
+            if (saidEndless) { continue; }
+            saidEndless = true;
+            ConsolePrint("<E> %s: it leads to itself without end, it isn't read any more\n",
+                         product.fileName);
+            session.unreadFiles.push_back(
+                {i + 1, product.fileName, product.name, "leads to itself without end"});
+            continue;
+        }
         ProductNode* ignored = nullptr;
         ReadDocument(session, memory, session.zip != nullptr ? product.fileName : formerPath, i + 1, &product,
                      0, &ignored);
+        cycles.NoteAdded(i, session.asmProdExt.Count());
     }
 }
 
@@ -84,7 +126,8 @@ std::int32_t IsAssembly(const ProductNode& root) {
     return ending == ".stp" || ending == ".stpx" ? 0 : 1;
 }
 
-// Says once which occurrences have no child.
+// Says once which occurrences have no child, of those that will be placed: a product with meshes of its own
+// is not looked into.
 void SayUnmatched(const ProductNode& root, const char* fileName) {
     std::unordered_set<const ProductNode*> seen{&root};
     std::vector<const ProductNode*> open{&root};
@@ -101,7 +144,7 @@ void SayUnmatched(const ProductNode& root, const char* fileName) {
                     firstUid = occurrence.relatedUid;
                     firstParent = product.name;
                 }
-            } else if (seen.insert(occurrence.child).second) {
+            } else if (occurrence.child->drawList == nullptr && seen.insert(occurrence.child).second) {
                 open.push_back(occurrence.child);
             }
         }

@@ -209,8 +209,10 @@ TEST(Stpj, ShowsNothingForAnOccurrenceOfAProductThatIsNotThere) {
             Summary({kBoxed}, {Row(0, product, "1 0 0"), Row(0, 1, "2 0 0"), Row(0, product, "3 0 0")}));
         EXPECT_EQ(loaded.At(1), (std::vector<float>{2})) << product;
         EXPECT_EQ(loaded.At(0).size(), 0u);
-        EXPECT_EQ(loaded.console.Count("<E>"), 1);
-        EXPECT_TRUE(loaded.console.Has("occurrences of products that it doesn't have: 2"));
+        // An index below 1 stands for no product; one above the last can only be an error.
+        EXPECT_EQ(loaded.console.Count("<E>"), product > 0 ? 1 : 0);
+        EXPECT_EQ(loaded.console.Count("occurrences of products that it doesn't have: 2"),
+                  product > 0 ? 1 : 0);
         EXPECT_EQ(loaded.result.box[1], 0);
     }
 }

@@ -133,6 +133,38 @@ TEST(StpxLoad, KeepsAUseWithoutAProductAndLeavesItOutOfTheScene) {
     EXPECT_TRUE(console.Has("left out: 2"));
 }
 
+TEST(StpxLoad, SaysNothingOfUsesThatAreNeverPlaced) {
+    const TestFolder folder;
+    // A product with a part of its own is placed as that part, whatever it is made of.
+    folder.Write("part.stp", PartFile("part"));
+    const std::string path =
+        folder.Write("top.stpx", Document(Part("part", UsedAs("o1") + Use("missing") + Assigned("f")) +
+                                          File("f", "part.stp") + Part("top", Use("o1", "1 0 0"))));
+    const ConsoleText console;
+    EXPECT_EQ(LoadReport(path, nullptr, 0)["triangles"], 2);
+    EXPECT_EQ(console.Count("<E>"), 0);
+}
+
+TEST(StpxLoad, StopsReadingADocumentThatLeadsToItselfWithoutEnd) {
+    const TestFolder folder;
+    // Each reading finds its first product known, and makes the second anew.
+    const std::string self = Part("a", Assigned("f")) + Part("b", "") + File("f", "self.stpx");
+    folder.Write("self.stpx", Document(self));
+    folder.Write("part.stp", PartFile("part"));
+    const std::string path =
+        folder.Write("top.stpx", Document(Part("a", UsedAs("o1") + Assigned("f")) + File("f", "self.stpx") +
+                                          Part("part", UsedAs("o2") + Assigned("g")) + File("g", "part.stp") +
+                                          Part("top", Use("o1", "1 0 0") + Use("o2", "1 0 0"))));
+    const ConsoleText console;
+    SceneView view;
+    LoadStpxFile(view, path.c_str(), nullptr, 1);
+    EXPECT_EQ(view.drawnTriangles, 2);
+    EXPECT_EQ(console.Count("<E>"), 1);
+    EXPECT_EQ(console.Count("<E> self.stpx: it leads to itself without end, it isn't read any more\n"), 1);
+    ASSERT_EQ(view.unreadFiles.size(), 1u);
+    EXPECT_EQ(view.unreadFiles[0].path, "self.stpx");
+}
+
 TEST(StpxLoad, SaysThatThereIsNoRootAndShowsAnEmptyScene) {
     const TestFolder folder;
     const std::string path = folder.Write("a.stpx", Document(Part("w", UsedAs("o"))));
