@@ -7,8 +7,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <optional>
+#include <thread>
 
 namespace tarnwick::test {
 namespace {
@@ -142,6 +147,28 @@ TEST_F(ServerLinkTest, BadUrisFailWithTheLibrarysWords) {
         EXPECT_FALSE(link->connected);
     }
     EXPECT_THAT(port.Done(), IsEmpty());
+}
+
+TEST_F(ServerLinkTest, AServerThatGoesAwayDuringTheHandshakeIsNoServer) {
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), length), 0);
+    ASSERT_EQ(listen(listener, 4), 0);
+    ASSERT_EQ(getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length), 0);
+    std::thread going([listener] {
+        for (int i = 0; i < 2; ++i) { close(accept(listener, nullptr, nullptr)); }
+    });
+    Make();
+    for (const char* const scheme : {"ws", "wss"}) {
+        SetUri(std::string(scheme) + "://127.0.0.1:" + std::to_string(ntohs(address.sin_port)));
+        EXPECT_THAT(LogOfConnect(), StartsWith("No server available\n")) << scheme;
+        EXPECT_FALSE(link->connected);
+    }
+    going.join();
+    close(listener);
 }
 
 TEST_F(ServerLinkTest, AfterAFailureAPressConnectsOnceAServerIsThere) {
