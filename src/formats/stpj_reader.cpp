@@ -378,6 +378,13 @@ ProductNode* ProductOf(const StpjFile& file, const StpjOccurrence& occurrence) {
                : nullptr;
 }
 
+const char* ReadStpjText(StpjFile& file, char* text, std::size_t size, Arena& arena) {
+    StpjText tables(text, size, file, arena);
+    tables.ReadProductsTable();
+    if (tables.GivenUp() == nullptr) { tables.ReadOccurrencesTable(); }
+    return tables.GivenUp();
+}
+
 int TraiteSTPJFile(StpjResult& result, const char* path) {
     ConsolePrint("Start TraiteSTPJFile\n");
     const double start = ClockSeconds();
@@ -390,11 +397,9 @@ int TraiteSTPJFile(StpjResult& result, const char* path) {
         result.unreadFiles.push_back({0, path, "", "can't be opened"});
         return 0;
     }
-    StpjText tables(text, size, *file, arena);
-    tables.ReadProductsTable();
-    if (tables.GivenUp() == nullptr) { tables.ReadOccurrencesTable(); }
-    if (tables.GivenUp() != nullptr) { ConsolePrint("<E> %s: given up, %s\n", path, tables.GivenUp()); }
-    if (tables.GivenUp() != nullptr || file->occurrenceCount == 0) {
+    const char* const problem = ReadStpjText(*file, text, size, arena);
+    if (problem != nullptr) { ConsolePrint("<E> %s: given up, %s\n", path, problem); }
+    if (problem != nullptr || file->occurrenceCount == 0) {
         result.unreadFiles.push_back({0, path, "", "isn't a summary with products and occurrences"});
         return 0;
     }
