@@ -96,9 +96,9 @@ void BenchReals(int turns, const std::string& path) {
 void BenchIndex(int turns, const std::string& path) {
     std::size_t size = 0;
     const std::string text = ReadBytes(path, &size);
-    ReaderWorkspace workspace;
     std::int32_t count = 0;
     const auto index = [&] {
+        ReaderWorkspace workspace;
         StepModel model(workspace, path);
         const double seconds = Seconds([&] { Keep(model.Read()); }) - model.readSeconds;
         count = model.entityCount;
@@ -119,10 +119,11 @@ void BenchIndex(int turns, const std::string& path) {
             Keep(arena.Held());
         });
     };
-    RunInTurn((std::to_string(count) + " entities").c_str(), turns,
-              {{"memchr over the lines, and the writing", [&] { return LinesByMemchr(text, size) + write(); }},
-               {"memchr over the lines", [&] { return LinesByMemchr(text, size); }},
-               {"scan and index", index}});
+    RunInTurn(
+        (std::to_string(count) + " entities").c_str(), turns,
+        {{"memchr over the lines, and the writing", [&] { return LinesByMemchr(text, size) + write(); }},
+         {"memchr over the lines", [&] { return LinesByMemchr(text, size); }},
+         {"scan and index", index}});
 }
 
 void BenchPart(int turns, const std::string& path) {

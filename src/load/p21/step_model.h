@@ -88,6 +88,7 @@ private:
     bool ScanEntities();
     char* FindDataSection() const;
     bool AddBlock();
+    bool AddRecords();
     bool AddEntity(std::int32_t id, const char* line, std::int32_t code, bool complete);
     bool BuildEntityMap();
     bool ReadSchemaNumber();
@@ -99,6 +100,8 @@ private:
     P42Ent** currentBlock_ = nullptr; // the last of them
     std::int32_t blockRoom_ = 0;      // its room
     std::int32_t blockCount_ = 0;     // records in it
+    P42Ent* nextRecord_ = nullptr;    // room for further records, up to
+    P42Ent* recordLimit_ = nullptr;
 };
 
 } // namespace tarnwick
