@@ -1,8 +1,8 @@
 #include "formats/stpj_reader.h"
 
-#include "formats/opened_file.h"
 #include "formats/select_depth.h"
 #include "formats/text_find.h"
+#include "load/p21/opened_file.h"
 #include "load/p21/parse_real.h"
 #include "load/p21/text_walk.h"
 #include "platform/clock.h"

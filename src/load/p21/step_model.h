@@ -1,5 +1,6 @@
 #pragma once
 
+#include "load/p21/opened_file.h"
 #include "load/p21/p42_ent.h"
 #include "load/p21/text_walk.h"
 #include "platform/arena.h"
@@ -83,7 +84,7 @@ struct StepModel {
 
 private:
     int ReadFile();
-    bool ReadBytes(int file, TextBlock& block, char** bytes, std::size_t* size);
+    bool ReadBytes(const OpenedFile& file, TextBlock& block, char** bytes, std::size_t* size);
     int Inflate(const unsigned char* data, std::uint32_t size);
     bool ScanEntities();
     char* FindDataSection() const;
