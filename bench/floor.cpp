@@ -1,7 +1,7 @@
-// tarnwick-bench-floor THREADS FILE...: the least that any load of these files does. Their bytes are read,
-// their lines walked, and every number of their coordinates lists and tessellated faces is converted and
-// stored in an array of its file that is kept to the end. No entity table, no colours, no structure, and no
-// array for each face. A compressed file is inflated first; of a ZIP archive all members are inflated, and
+// tarnwick-bench-floor THREADS FILE...|FOLDER: the least that any load of these files does. Their bytes are
+// read, their lines walked, and every number of their coordinates lists and tessellated faces is converted
+// and stored in an array of its file that is kept to the end. No entity table, no colours, no structure, and
+// no array for each face. A compressed file is inflated first; of a ZIP archive all members are inflated, and
 // nothing else is done with them.
 
 #include "load/p21/parse_real.h"
@@ -19,7 +19,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -188,6 +190,19 @@ std::size_t InflateArchive(int threads, const char* zip, std::size_t size) {
     return bytes;
 }
 
+// The files named, or those of the folder named.
+std::vector<std::string> PathsOf(int count, char** names) {
+    std::vector<std::string> paths(names, names + count);
+    if (count != 1 || !std::filesystem::is_directory(paths[0])) { return paths; }
+    const std::string folder = paths[0];
+    paths.clear();
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() == ".stp") { paths.push_back(entry.path().string()); }
+    }
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
 bool IsArchive(const char* path) {
     char start[4] = {};
     const int file = open(path, O_RDONLY | O_CLOEXEC);
@@ -208,13 +223,14 @@ int main(int argc, char** argv) {
         std::printf("%zu bytes\n", InflateArchive(threads, zip, size));
         return 0;
     }
+    const std::vector<std::string> paths = PathsOf(argc - 2, argv + 2);
     std::vector<std::unique_ptr<Arrays>> kept;
-    for (int i = 2; i < argc; ++i) { kept.push_back(std::make_unique<Arrays>()); }
-    std::atomic<int> next = 2;
+    for (std::size_t i = 0; i < paths.size(); ++i) { kept.push_back(std::make_unique<Arrays>()); }
+    std::atomic<std::size_t> next = 0;
     OnThreads(threads, [&] {
         Blocks blocks;
-        for (int i; (i = next++) < argc;) {
-            ReadNumbers(argv[i], &blocks, kept[static_cast<std::size_t>(i - 2)].get());
+        for (std::size_t i; (i = next++) < paths.size();) {
+            ReadNumbers(paths[i].c_str(), &blocks, kept[i].get());
         }
     });
     std::size_t numbers = 0;
