@@ -1,8 +1,8 @@
 #include "formats/stpj_reader.h"
 
-#include "formats/opened_file.h"
 #include "formats/select_depth.h"
 #include "formats/text_find.h"
+#include "load/p21/opened_file.h"
 #include "load/p21/parse_real.h"
 #include "load/p21/text_walk.h"
 #include "platform/clock.h"
@@ -379,6 +379,14 @@ ProductNode* ProductOf(const StpjFile& file, const StpjOccurrence& occurrence) {
                : nullptr;
 }
 
+const char* ReadStpjText(StpjFile& file, char* text, std::size_t size, Arena& arena) {
+    StpjText tables(text, size, file, arena);
+    tables.ReadProductsTable();
+    if (tables.GivenUp() == nullptr) { tables.ReadOccurrencesTable(); }
+    if (tables.GivenUp() != nullptr) { tables.SayWhyGivenUp(); }
+    return tables.GivenUp();
+}
+
 int TraiteSTPJFile(StpjResult& result, const char* path) {
     ConsolePrint("Start TraiteSTPJFile\n");
     const double start = ClockSeconds();
@@ -391,11 +399,8 @@ int TraiteSTPJFile(StpjResult& result, const char* path) {
         result.unreadFiles.push_back({0, path, "", "can't be opened"});
         return 0;
     }
-    StpjText tables(text, size, *file, arena);
-    tables.ReadProductsTable();
-    if (tables.GivenUp() == nullptr) { tables.ReadOccurrencesTable(); }
-    if (tables.GivenUp() != nullptr) { tables.SayWhyGivenUp(); }
-    if (tables.GivenUp() != nullptr || file->occurrenceCount == 0) {
+    const char* const problem = ReadStpjText(*file, text, size, arena);
+    if (problem != nullptr || file->occurrenceCount == 0) {
         result.unreadFiles.push_back({0, path, "", "isn't a summary with products and occurrences"});
         return 0;
     }
