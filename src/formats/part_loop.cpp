@@ -86,6 +86,7 @@ void OpenPart(StpxSession& session, PartThread& thread, const ProductNode& produ
     }
     *oddity = packed.oddity;
     model->emplace(thread.workspace, std::move(packed.data), packed.size);
+    (*model)->fileName = thread.path; // for its messages
 }
 
 void ReadPart(StpxSession& session, PartThread& thread, const StpxSession::Part& part, std::int32_t place,
@@ -109,7 +110,6 @@ void ReadPart(StpxSession& session, PartThread& thread, const StpxSession::Part&
         NoteUnread(session, place, path, product, "is a P21 assembly, which can't be a part here");
         return;
     }
-    if (session.zip != nullptr) { model->fileName = path; } // for the messages of the part reader
     PartReader reader(*model, &product, thread.arena, thread.scratch);
     reader.Run();
     session.partsRead.fetch_add(part.times, std::memory_order_relaxed);

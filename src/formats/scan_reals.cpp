@@ -53,6 +53,18 @@ int ReadSlowly(const char* p, const char* end, float* value) {
     return read == 1 ? used : 0;
 }
 
+// Takes a run of digits, eight at a time. What exceeds the mantissa is lost.
+const char* TakeDigits(const char* p, std::uint64_t* mantissa) {
+    for (;;) {
+        const std::uint64_t word = real::LoadEight(p);
+        const unsigned count = real::LeadingDigits(word);
+        if (count == 0) { return p; }
+        *mantissa = *mantissa * real::kTables.ten[count] + real::DigitsValue(word, count);
+        p += count;
+        if (count < 8) { return p; }
+    }
+}
+
 // A plain decimal number in one walk: sign, digits, point, digits, exponent. Null when the text has another
 // shape or isn't ended by white space; then nothing is stored.
 template <class T>
@@ -61,19 +73,12 @@ const char* ReadPlain(const char* p, const char* end, T* value) {
     if (negative || *p == '+') { ++p; }
     const char* const number = p;
     std::uint64_t mantissa = 0;
-    int digits = 0;
+    p = TakeDigits(p, &mantissa);
+    int digits = static_cast<int>(p - number);
     int power = 0;
-    for (; IsDigit(*p); ++p, ++digits) { mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0'); }
     if (*p == '.') {
         const char* const fraction = ++p;
-        for (;;) {
-            const std::uint64_t word = real::LoadEight(p);
-            const unsigned count = real::LeadingDigits(word);
-            if (count == 0) { break; }
-            mantissa = mantissa * real::kTables.ten[count] + real::DigitsValue(word, count);
-            p += count;
-            if (count < 8) { break; }
-        }
+        p = TakeDigits(p, &mantissa);
         power = static_cast<int>(fraction - p);
         digits -= power;
     }
@@ -110,10 +115,14 @@ int Scan(std::string_view text, T* values, int count) {
     const char* p = text.data();
     const char* const end = p + text.size();
     for (int i = 0; i < count; ++i) {
-        // Most numbers of a rotation are one digit.
-        if (p + 1 < end && IsDigit(*p) && p[1] == ' ') {
-            values[i] = static_cast<T>(*p - '0');
-            p += 2;
+        // Most numbers of a rotation are one digit. Behind the text there is no digit, and no blank.
+        if (p < end && *p == ' ') { ++p; }
+        const bool negative = *p == '-';
+        const char* const digit = p + negative;
+        if (digit < end && IsDigit(*digit) && (digit + 1 == end || digit[1] == ' ')) {
+            const T value = static_cast<T>(*digit - '0');
+            values[i] = negative ? -value : value;
+            p = digit + 1;
             continue;
         }
         while (p < end && IsSpace(*p)) ++p;

@@ -1,7 +1,7 @@
 #include "formats/stpa_archive.h"
 
-#include "formats/inflate_bytes.h"
 #include "formats/text_find.h"
+#include "load/p21/inflate_bytes.h"
 #include "load/p21/p42_ent.h"
 #include "platform/clock.h"
 #include "platform/console.h"

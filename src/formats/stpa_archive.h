@@ -1,7 +1,7 @@
 #pragma once
 
-#include "formats/opened_file.h"
 #include "formats/stpx_file.h"
+#include "load/p21/opened_file.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,8 +1,8 @@
 #include "formats/stpj_reader.h"
 
-#include "formats/opened_file.h"
 #include "formats/select_depth.h"
 #include "formats/text_find.h"
+#include "load/p21/opened_file.h"
 #include "load/p21/parse_real.h"
 #include "load/p21/text_walk.h"
 #include "platform/clock.h"
@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <string_view>
 
 namespace tarnwick {
@@ -47,15 +48,19 @@ public:
         std::memcpy(text + size, kSentinel.data(), kSentinel.size());
     }
 
-    // The tables. A problem is either one that ends a table, said on the console and else of no consequence,
-    // or one that ends the reading, see GivenUp.
+    // The tables. A problem is either one that ends a table, and is else of no consequence, or one that ends
+    // the reading, see GivenUp. The console tells the first one.
     void ReadProductsTable();
     void ReadOccurrencesTable();
     const char* GivenUp() const { return givenUp_; }
+    void SayWhyGivenUp() { Say(std::string("given up, ") + givenUp_); }
 
 private:
     bool Ended() const { return at_ >= end_; }
-    void Say(const char* problem) const { ConsolePrint("<E> %s: %s\n", file_.path, problem); }
+    void Say(const std::string& problem) {
+        if (!said_) { ConsolePrint("<E> %s: %s\n", file_.path, problem.c_str()); }
+        said_ = true;
+    }
 
     bool GoToKey(std::string_view prefix);
     bool GoToFirstKey(std::string_view prefix);
@@ -74,6 +79,7 @@ private:
     Arena& arena_;
     double (*boxes_)[6] = nullptr; // of the products, widened, and one of zeros behind them
     const char* givenUp_ = nullptr;
+    bool said_ = false;
     std::int32_t withoutProduct_ = 0;   // occurrences
     std::int32_t withoutPlacement_ = 0; // occurrences
 };
@@ -334,12 +340,10 @@ void StpjText::ReadOccurrencesTable() {
 
 void StpjText::SayOddOccurrences() {
     if (withoutProduct_ > 0) {
-        ConsolePrint("<E> %s: occurrences of products that it doesn't have: %d\n", file_.path,
-                     withoutProduct_);
+        Say("occurrences of products that it doesn't have: " + std::to_string(withoutProduct_));
     }
     if (withoutPlacement_ > 0) {
-        ConsolePrint("<E> %s: occurrences without a rotation or a translation: %d\n", file_.path,
-                     withoutPlacement_);
+        Say("occurrences without a rotation or a translation: " + std::to_string(withoutPlacement_));
     }
 }
 
@@ -375,6 +379,14 @@ ProductNode* ProductOf(const StpjFile& file, const StpjOccurrence& occurrence) {
                : nullptr;
 }
 
+const char* ReadStpjText(StpjFile& file, char* text, std::size_t size, Arena& arena) {
+    StpjText tables(text, size, file, arena);
+    tables.ReadProductsTable();
+    if (tables.GivenUp() == nullptr) { tables.ReadOccurrencesTable(); }
+    if (tables.GivenUp() != nullptr) { tables.SayWhyGivenUp(); }
+    return tables.GivenUp();
+}
+
 int TraiteSTPJFile(StpjResult& result, const char* path) {
     ConsolePrint("Start TraiteSTPJFile\n");
     const double start = ClockSeconds();
@@ -387,11 +399,8 @@ int TraiteSTPJFile(StpjResult& result, const char* path) {
         result.unreadFiles.push_back({0, path, "", "can't be opened"});
         return 0;
     }
-    StpjText tables(text, size, *file, arena);
-    tables.ReadProductsTable();
-    if (tables.GivenUp() == nullptr) { tables.ReadOccurrencesTable(); }
-    if (tables.GivenUp() != nullptr) { ConsolePrint("<E> %s: given up, %s\n", path, tables.GivenUp()); }
-    if (tables.GivenUp() != nullptr || file->occurrenceCount == 0) {
+    const char* const problem = ReadStpjText(*file, text, size, arena);
+    if (problem != nullptr || file->occurrenceCount == 0) {
         result.unreadFiles.push_back({0, path, "", "isn't a summary with products and occurrences"});
         return 0;
     }

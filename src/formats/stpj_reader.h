@@ -5,6 +5,7 @@
 #include "product/scene_memory.h"
 #include "product/scene_records.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -48,6 +49,12 @@ struct StpjResult {
 // but a sequence of characters to search for; what is missing in it is left out, with a line on the console.
 // Returns 0, whatever becomes of the file.
 int TraiteSTPJFile(StpjResult& result, const char* path);
+
+// Fills the tables of `file`, which has only its path, from `size` characters at `text`, behind which as many
+// bytes as TextBlock pads with are the reader's. What it makes is in `arena`; nothing points into the text
+// afterwards. The first problem is told on the console. Returns null, or the reason (a phrase in static
+// memory) for which the file is given up.
+const char* ReadStpjText(StpjFile& file, char* text, std::size_t size, Arena& arena);
 
 // The product of an occurrence, or null.
 ProductNode* ProductOf(const StpjFile& file, const StpjOccurrence& occurrence);

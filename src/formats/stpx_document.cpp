@@ -4,6 +4,7 @@
 #include "formats/stpx_scan.h"
 #include "formats/string_map.h"
 #include "formats/text_find.h"
+#include "formats/usual_tags.h"
 #include "load/p21/append_pointer.h"
 #include "platform/console.h"
 
@@ -81,12 +82,14 @@ public:
 
 private:
     bool ScanAll();
+    bool TakeUsualTags();
     bool Step();
     bool StepPartView();
     bool StepContext();
     bool ReadPartName();
     bool ReadNumbers(double* values, int count);
     bool ReadPoint();
+    bool AddUse(string_view uid);
     bool AddOccurrence();
     bool StoreBox();
     void TakeIdentifier();
@@ -146,11 +149,62 @@ private:
 
 bool DocumentReader::ScanAll() {
     while (!done_) {
+        if (!document_.plainly && !TakeUsualTags()) { return false; }
         const bool scanned =
             state_ == State::kFindContainer ? ScanTagName(&scan_) : ScanTagWithAttributes(&scan_);
         if (!scanned || !Step()) { return false; }
     }
     return true;
+}
+
+// The tags that a large document mostly consists of, the uses of parts and their placements, as far as they
+// are written as usual. They do what they do in Step.
+bool DocumentReader::TakeUsualTags() {
+    if (state_ != State::kInPartView && state_ != State::kInRelation && state_ != State::kInPlacement) {
+        return true;
+    }
+    UsualTags tags(&scan_);
+    string_view value;
+    string_view type;
+    for (;;) {
+        if (state_ == State::kInPartView) {
+            if (tags.Take("<Occurrence uid=\"", &value, " xsi:type=\"", &type, ">")) {
+                if (!AddUse(find::CutAtNul(value))) { return false; }
+                tags.Take("<Id id=\"", &value, "/>");
+                tags.Take("</Occurrence>");
+            }
+            if (!tags.Take("<ViewOccurrenceRelationship uid=\"", &value, " xsi:type=\"", &type, ">")) {
+                return true;
+            }
+            hasRelated_ = hasRotation_ = hasTranslation_ = false;
+            state_ = State::kInRelation;
+        }
+        if (state_ == State::kInRelation) {
+            if (tags.Take("<Related uidRef=\"", &value, "/>")) {
+                relatedUid_ = value;
+                hasRelated_ = true;
+            }
+            if (tags.Take("</ViewOccurrenceRelationship>")) {
+                state_ = State::kInPartView;
+                if (!AddOccurrence()) { return false; }
+                continue;
+            }
+            if (!tags.Take("<Placement>")) { return true; }
+            state_ = State::kInPlacement;
+        }
+        if (tags.TakeWithText("<RotationMatrix>", kTextRoom, &value)) {
+            ScanReals(value, rotationValues_, 9);
+            hasRotation_ = true;
+            tags.Take("</RotationMatrix>");
+        }
+        if (tags.TakeWithText("<TranslationVector>", kTextRoom, &value)) {
+            ScanReals(value, translationValues_, 3);
+            hasTranslation_ = true;
+            tags.Take("</TranslationVector>");
+        }
+        if (!tags.Take("</Placement>")) { return true; }
+        state_ = State::kInRelation;
+    }
 }
 
 // What the current tag does in the current state. A tag that isn't listed does nothing.
@@ -326,14 +380,7 @@ bool DocumentReader::StepPartView() {
         hasRelated_ = hasRotation_ = hasTranslation_ = false;
         state_ = State::kInRelation;
     } else if (Tag() == "<Occurrence") {
-        if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
-        currentProduct_->isRoot = 0;
-        // A copy: those of all occurrences lie close together when they are looked up.
-        const string_view uid = Uid();
-        const char* const copy = scratch_.Copy(uid.data(), uid.size());
-        if (copy == nullptr) { return Fail(kNoMemory); }
-        occurrenceUids_.Add({copy, uid.size()}, currentProduct_);
-        ++viewOccurrences_;
+        return AddUse(Uid());
     } else if (Tag() == "<DocumentAssignment") {
         state_ = State::kInAssignment;
     }
@@ -412,6 +459,17 @@ bool DocumentReader::ReadPoint() {
     return true;
 }
 
+bool DocumentReader::AddUse(string_view uid) {
+    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
+    currentProduct_->isRoot = 0;
+    // A copy: those of all occurrences lie close together when they are looked up.
+    const char* const copy = scratch_.Copy(uid.data(), uid.size());
+    if (copy == nullptr) { return Fail(kNoMemory); }
+    occurrenceUids_.Add({copy, uid.size()}, currentProduct_);
+    ++viewOccurrences_;
+    return true;
+}
+
 bool DocumentReader::AddOccurrence() {
     if (!hasRelated_ || !hasRotation_ || !hasTranslation_) { return true; }
     if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
@@ -485,11 +543,12 @@ bool DocumentReader::ResolveOccurrences() {
             if (joined->second.resolved) { continue; }
             joined->second.resolved = true;
         }
-        for (std::int32_t i = 0; i < product->occurrenceCount; ++i) {
-            Occurrence& occurrence = *product->occurrences[i];
-            ProductNode* const* const child = occurrenceUids_.Find(occurrence.relatedUid);
-            if (child != nullptr) { occurrence.child = *child; }
-        }
+        Occurrence* const* const uses = product->occurrences;
+        occurrenceUids_.FindEach(
+            product->occurrenceCount, [uses](std::int32_t i) { return string_view(uses[i]->relatedUid); },
+            [uses](std::int32_t i, ProductNode* const* child) {
+                if (child != nullptr) { uses[i]->child = *child; }
+            });
     }
     return true;
 }

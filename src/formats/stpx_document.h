@@ -14,6 +14,7 @@ struct StpxDocument {
     char* text = nullptr;               // TextBlock::kPadding bytes behind it are the reader's
     std::size_t size = 0;               // its characters
     const char* name = "";              // of its file, for messages
+    bool plainly = false;               // every tag by the one general scan; slower, and nothing else
     std::vector<ProductNode*> products; // in document order; null where a part has no name
     ProductNode* root = nullptr;        // null when every part is a component
 };

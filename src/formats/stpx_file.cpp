@@ -1,7 +1,7 @@
 #include "formats/stpx_file.h"
 
-#include "formats/inflate_bytes.h"
-#include "formats/opened_file.h"
+#include "load/p21/inflate_bytes.h"
+#include "load/p21/opened_file.h"
 #include "platform/clock.h"
 #include "platform/console.h"
 
@@ -57,17 +57,15 @@ int ReadOpened(StpxFile& file, const OpenedFile& opened, DocumentMemory& memory)
         file.size = read;
         return 0;
     }
-    // The NUL behind the bytes is handed over with them: it does the stream no harm. The one output block has
-    // room for a ratio of 21.25 and a little more.
-    const std::uint64_t n = read + 1;
-    const std::uint64_t room = (n + n / 16) * 20 + 272384;
-    char* const text = room <= kLargestText ? memory.text.Get(static_cast<std::size_t>(room)) : nullptr;
+    // The NUL behind the bytes is handed over with them: it does the stream no harm.
+    const std::size_t room = InflatedRoom(read + 1);
+    char* const text = room > 0 ? memory.text.Get(room) : nullptr;
     if (text == nullptr) {
         ConsolePrint("<E> %s: no room to inflate its %zu bytes\n", file.path.c_str(), read);
         return 1;
     }
-    file.size = InflateBytes(reinterpret_cast<const unsigned char*>(bytes), static_cast<std::uint32_t>(n),
-                             text, static_cast<std::size_t>(room));
+    file.size = InflateBytes(reinterpret_cast<const unsigned char*>(bytes),
+                             static_cast<std::uint32_t>(read + 1), text, room);
     file.text = text;
     file.inflateSeconds += ClockSeconds() - inflating;
     return 0;

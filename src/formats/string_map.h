@@ -62,8 +62,10 @@ public:
     }
 
     // The value of the first entry with this key, or null; only after Build.
-    const Value* Find(std::string_view key) const {
-        const std::uint32_t hash = Hash(key);
+    const Value* Find(std::string_view key) const { return Find(key, Hash(key)); }
+
+    // The same for a key whose hash is known.
+    const Value* Find(std::string_view key, std::uint32_t hash) const {
         std::int32_t place = buckets_[BucketOf(hash)].head;
         while (place >= 0) {
             const Node& node = nodes_[static_cast<std::size_t>(place)];
@@ -71,6 +73,26 @@ public:
             place = node.next;
         }
         return nullptr;
+    }
+
+    // Looks for `keys` keys and hands the outcomes to found(i, value or null) in their order; keyOf(i) is the
+    // key. A few at a time: while one is on its way from memory, the way to the others is asked for as well.
+    template <class KeyOf, class Found>
+    void FindEach(std::int32_t keys, KeyOf keyOf, Found found) const {
+        constexpr std::int32_t kAtATime = 16;
+        std::uint32_t hashes[kAtATime];
+        for (std::int32_t done = 0; done < keys; done += kAtATime) {
+            const std::int32_t here = keys - done < kAtATime ? keys - done : kAtATime;
+            for (std::int32_t i = 0; i < here; ++i) {
+                hashes[i] = Hash(keyOf(done + i));
+                __builtin_prefetch(&buckets_[BucketOf(hashes[i])]);
+            }
+            for (std::int32_t i = 0; i < here; ++i) {
+                const std::int32_t place = buckets_[BucketOf(hashes[i])].head;
+                if (place >= 0) { __builtin_prefetch(&nodes_[static_cast<std::size_t>(place)]); }
+            }
+            for (std::int32_t i = 0; i < here; ++i) { found(done + i, Find(keyOf(done + i), hashes[i])); }
+        }
     }
 
     std::int32_t count = 0;

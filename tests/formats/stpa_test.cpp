@@ -82,6 +82,17 @@ TEST(Stpa, CannotTakeAPartThatIsStored) {
     EXPECT_TRUE(std::strstr(loaded.view.unreadFiles[0].reason, "stored") != nullptr);
 }
 
+TEST(Stpa, NamesTheMemberThatItGivesUp) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    const std::size_t schema = members[0].content.find("FILE_SCHEMA");
+    ASSERT_NE(schema, std::string::npos);
+    members[0].content.replace(schema, 11, "FILE_SCHEMX");
+    const Loaded loaded(folder, members);
+    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    EXPECT_TRUE(loaded.Says("<E> parts/w.stp: no schema name in its header\n"));
+}
+
 TEST(Stpa, CannotTakeEncryptedMembers) {
     const TestFolder folder;
     std::vector<Member> members = Machine();

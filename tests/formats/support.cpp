@@ -69,11 +69,12 @@ Tables::Tables() {
     parts.Allocate();
 }
 
-ReadDocument::ReadDocument(Tables& tables, std::string_view text, int boxMode) {
+ReadDocument::ReadDocument(Tables& tables, std::string_view text, int boxMode, bool plainly) {
     document.text = block.Get(text.size());
     std::memcpy(document.text, text.data(), text.size());
     document.size = text.size();
     document.name = "test.stpx";
+    document.plainly = plainly;
     problem = ReadStpxDocument(document, boxMode, tables.assemblies, tables.parts, tables.arena);
 }
 

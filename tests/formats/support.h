@@ -48,7 +48,7 @@ struct Tables {
     Arena arena;
 };
 struct ReadDocument {
-    ReadDocument(Tables& tables, std::string_view text, int boxMode = 0);
+    ReadDocument(Tables& tables, std::string_view text, int boxMode = 0, bool plainly = false);
     const char* problem;
     StpxDocument document;
     TextBlock block;

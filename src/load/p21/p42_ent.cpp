@@ -46,17 +46,39 @@ P42Ent* ListP42Ent::Next() {
     return cursor_ != nullptr ? cursor_->record : nullptr;
 }
 
-MapP42Ent::MapP42Ent(Arena* arena, std::int32_t bits)
-    : bits_(bits), bucketCount_(std::int32_t{1} << bits), mask_(bucketCount_ - 1) {
-    void* const block = arena->Allocate(static_cast<std::size_t>(bucketCount_) * sizeof(ListP42Ent));
-    if (block == nullptr) {
-        bucketCount_ = 0;
-        return;
+MapP42Ent::MapP42Ent(Arena* arena, std::int32_t bits, BucketsOnDemand)
+    : arena_(arena), bits_(bits), bucketCount_(std::int32_t{1} << bits), mask_(bucketCount_ - 1) {
+    buckets_ = static_cast<ListP42Ent*>(
+        arena->Allocate(static_cast<std::size_t>(bucketCount_) * sizeof(ListP42Ent)));
+    if (buckets_ == nullptr) { bucketCount_ = 0; }
+}
+
+MapP42Ent::MapP42Ent(Arena* arena, std::int32_t bits) : MapP42Ent(arena, bits, kBucketsOnDemand) {
+    MakeAllBuckets();
+}
+
+void MapP42Ent::MakeBuckets(std::int32_t upTo) {
+    for (; made_ < upTo; ++made_) { ::new (static_cast<void*>(buckets_ + made_)) ListP42Ent(arena_); }
+}
+
+bool MapP42Ent::AddAll(P42Ent* const* records, std::int32_t count) {
+    constexpr std::int32_t kStretch = 256;
+    for (std::int32_t done = 0; done < count;) {
+        const std::int32_t here = std::min(count - done, kStretch);
+        P42Node* const nodes =
+            static_cast<P42Node*>(arena_->Allocate(static_cast<std::size_t>(here) * sizeof(P42Node)));
+        if (nodes == nullptr) { return false; }
+        for (std::int32_t i = 0; i < here; ++i) {
+            P42Ent* const record = records[done + i];
+            P42Node* const node = ::new (static_cast<void*>(nodes + i)) P42Node{record, nullptr};
+            const std::int32_t bucket = BucketOf(record->id, bits_, mask_);
+            if (bucket >= made_) { MakeBuckets(std::min(bucket + kStretch, bucketCount_)); }
+            buckets_[bucket].AddNode(node);
+        }
+        done += here;
     }
-    buckets_ = static_cast<ListP42Ent*>(block);
-    for (std::int32_t i = 0; i < bucketCount_; ++i) {
-        ::new (static_cast<void*>(buckets_ + i)) ListP42Ent(arena);
-    }
+    count_ += count;
+    return true;
 }
 
 void MapP42Ent::Clear() {

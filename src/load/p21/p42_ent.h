@@ -110,6 +110,16 @@ public:
     // memory ran out.
     MapP42Ent(Arena* arena, std::int32_t bits);
 
+    // The same for a table that gets all of its records by AddAll: the buckets are made shortly before they
+    // are filled, while they are on their way into the cache. Until MakeAllBuckets was called nothing else
+    // may be done with it.
+    struct BucketsOnDemand {};
+    static constexpr BucketsOnDemand kBucketsOnDemand{};
+    MapP42Ent(Arena* arena, std::int32_t bits, BucketsOnDemand);
+    // Adds `count` records in their order; false when memory runs out.
+    bool AddAll(P42Ent* const* records, std::int32_t count);
+    void MakeAllBuckets() { MakeBuckets(bucketCount_); }
+
     void Clear() override;
     std::int32_t Add(P42Ent* record) override;
     std::int32_t Contains(const P42Ent* record) override;
@@ -122,8 +132,12 @@ public:
     std::int32_t BucketCount() const { return bucketCount_; }
 
 private:
+    void MakeBuckets(std::int32_t upTo);
+
     std::int32_t count_ = 0;
     ListP42Ent* buckets_ = nullptr;
+    Arena* arena_;
+    std::int32_t made_ = 0; // buckets
     std::int32_t bits_;
     std::int32_t bucketCount_;
     std::int32_t mask_;

@@ -4,42 +4,42 @@
 #include "load/p21/keyword_codes.h"
 #include "load/p21/parse_real.h"
 #include "load/p21/step_model.h"
+#include "platform/char_bits.h"
 #include "platform/console.h"
 
-#include <algorithm>
+#include <bit>
+#include <cstddef>
 #include <cstring>
+#include <new>
 
 namespace tarnwick {
 
 namespace {
 
-// Finds line ends in a text that may hold a NUL, which ends the scan. Since lines are mostly found by memchr
-// for a line feed, the NULs are looked for a stretch ahead, while that stretch is on its way into the cache
-// anyway.
+// Finds line ends, one behind another, in a text that ends at its first NUL; there is one behind the text.
 class LineFinder {
 public:
-    LineFinder(char* start, char* end) : end_(end), checked_(start) {}
+    explicit LineFinder(char* start) : block_(start), ends_(CharBits<'\n', '\0'>(start)) {}
 
-    // The next line feed or NUL at or after `p`; there is always one, since a NUL stands at the end of the
-    // text.
+    // The next line feed or NUL at or after `p`, which doesn't lie before the one found last.
     char* LineEnd(char* p) {
-        void* const feed = std::memchr(p, '\n', static_cast<std::size_t>(end_ - p));
-        char* const found = feed != nullptr ? static_cast<char*>(feed) : end_;
-        if (found >= checked_) { CheckUpTo(found); }
-        return std::min(found, end_);
+        const std::ptrdiff_t passed = p - block_;
+        if (passed < kCharBlock) {
+            ends_ &= ~std::uint64_t{0} << passed;
+        } else {
+            block_ = p;
+            ends_ = CharBits<'\n', '\0'>(p);
+        }
+        while (ends_ == 0) {
+            block_ += kCharBlock;
+            ends_ = CharBits<'\n', '\0'>(block_);
+        }
+        return block_ + std::countr_zero(ends_);
     }
 
 private:
-    void CheckUpTo(char* found) {
-        constexpr std::ptrdiff_t kStretch = 1 << 16;
-        char* const upTo = end_ - found > kStretch ? found + kStretch : end_;
-        void* const nul = std::memchr(checked_, '\0', static_cast<std::size_t>(upTo - checked_));
-        if (nul != nullptr) { end_ = static_cast<char*>(nul); }
-        checked_ = upTo;
-    }
-
-    char* end_;
-    char* checked_;
+    char* block_;
+    std::uint64_t ends_; // of the block, from the place of the last search on
 };
 
 bool IsTrailing(char c) {
@@ -62,61 +62,6 @@ char* StepModel::FindDataSection() const {
     }
 }
 
-bool StepModel::ScanEntities() {
-    char* const data = FindDataSection();
-    if (data == nullptr) {
-        GiveUp("no DATA section");
-        return false;
-    }
-    void* const memory = workspace_.index.Allocate(sizeof(ListP42Ent));
-    if (memory == nullptr || !AddBlock()) {
-        GiveUp("no memory for its entities");
-        return false;
-    }
-    structureList = ::new (memory) ListP42Ent(&workspace_.index);
-    LineFinder lines(data, textEnd);
-    bool continuing = false;
-    char* p = data;
-    while (*p != '\0') {
-        while (*p == '\n' || *p == '\r') { ++p; }
-        char* const line = p;
-        p = lines.LineEnd(line);
-        char* last = p;
-        while (last > line && IsTrailing(*last)) { --last; }
-        const bool complete = *last == ';';
-        if (continuing) {
-            // The tail of an unfinished statement: neither an entity nor the end of the section in it counts.
-            continuing = !complete;
-            continue;
-        }
-        continuing = !complete;
-        if (*line != '#') {
-            if (std::memcmp(line, "ENDSEC", 6) == 0) { break; }
-            continue;
-        }
-        const char* equals = line + 1;
-        while (*equals != '=' && *equals != '\n' && equals < textEnd) { ++equals; }
-        if (equals == textEnd) {
-            GiveUp("its last line breaks off in an entity number");
-            return false;
-        }
-        if (*equals != '=') {
-            OutputPrint("<E> Definition d'entite non reconnue:\n");
-            continue;
-        }
-        const std::int32_t id = StringToInteger(line + 1);
-        if (id < 1) { continue; }
-        const char* keyword = equals + 1;
-        while (*keyword == ' ') { ++keyword; }
-        if (!AddEntity(id, line, ClassifyEntity(keyword), complete)) {
-            GiveUp("no memory for its entities");
-            return false;
-        }
-    }
-    OutputPrint("\nNombre d'entites dans le fichier d'entree: %d\n", entityCount);
-    return true;
-}
-
 // The next block of record pointers, with ten times the room of the one before. A block is made as soon as
 // its predecessor is full, so the last one can stand empty.
 bool StepModel::AddBlock() {
@@ -129,10 +74,18 @@ bool StepModel::AddBlock() {
     return true;
 }
 
+// Memory for some more records; they are small and many. False when it runs out.
+bool StepModel::AddRecords() {
+    constexpr std::size_t kRecords = 256;
+    nextRecord_ = static_cast<P42Ent*>(workspace_.index.Allocate(kRecords * sizeof(P42Ent)));
+    recordLimit_ = nextRecord_ != nullptr ? nextRecord_ + kRecords : nullptr;
+    return nextRecord_ != nullptr;
+}
+
 // False when memory runs out.
-bool StepModel::AddEntity(std::int32_t id, const char* line, std::int32_t code, bool complete) {
-    P42Ent* const record = workspace_.index.New<P42Ent>();
-    if (record == nullptr) { return false; }
+inline bool StepModel::AddEntity(std::int32_t id, const char* line, std::int32_t code, bool complete) {
+    if (nextRecord_ == recordLimit_ && !AddRecords()) { return false; }
+    P42Ent* const record = ::new (static_cast<void*>(nextRecord_++)) P42Ent{};
     record->id = id;
     record->offset = static_cast<std::int32_t>(line - text);
     record->multiLine = complete ? 0 : 1;
@@ -165,6 +118,70 @@ bool StepModel::AddEntity(std::int32_t id, const char* line, std::int32_t code, 
     default:
         break;
     }
+    return true;
+}
+
+bool StepModel::ScanEntities() {
+    char* const data = FindDataSection();
+    if (data == nullptr) {
+        GiveUp("no DATA section");
+        return false;
+    }
+    void* const memory = workspace_.index.Allocate(sizeof(ListP42Ent));
+    if (memory == nullptr || !AddBlock()) {
+        GiveUp("no memory for its entities");
+        return false;
+    }
+    structureList = ::new (memory) ListP42Ent(&workspace_.index);
+    LineFinder lines(data);
+    bool continuing = false;
+    char* p = data;
+    while (*p != '\0') {
+        while (*p == '\n' || *p == '\r') { ++p; }
+        char* const line = p;
+        p = lines.LineEnd(line);
+        char* last = p;
+        while (last > line && IsTrailing(*last)) { --last; }
+        const bool complete = *last == ';';
+        if (continuing) {
+            // The tail of an unfinished statement: neither an entity nor the end of the section in it counts.
+            continuing = !complete;
+            continue;
+        }
+        continuing = !complete;
+        if (*line != '#') {
+            if (std::memcmp(line, "ENDSEC", 6) == 0) { break; }
+            continue;
+        }
+        const char* equals = line + 1;
+        std::int32_t id = 0;
+        // A number as it is mostly written, of up to eight digits and right in front of the "=".
+        const std::uint64_t word = real::LoadEight(equals);
+        const unsigned digits = real::LeadingDigits(word);
+        if (digits > 0 && equals[digits] == '=') [[likely]] {
+            id = static_cast<std::int32_t>(real::DigitsValue(word, digits));
+            equals += digits;
+        } else {
+            while (*equals != '=' && *equals != '\n' && equals < textEnd) { ++equals; }
+            if (equals == textEnd) {
+                GiveUp("its last line breaks off in an entity number");
+                return false;
+            }
+            if (*equals != '=') {
+                OutputPrint("<E> Definition d'entite non reconnue:\n");
+                continue;
+            }
+            id = StringToInteger(line + 1);
+        }
+        if (id < 1) { continue; }
+        const char* keyword = equals + 1;
+        while (*keyword == ' ') { ++keyword; }
+        if (!AddEntity(id, line, ClassifyEntity(keyword), complete)) {
+            GiveUp("no memory for its entities");
+            return false;
+        }
+    }
+    OutputPrint("\nNombre d'entites dans le fichier d'entree: %d\n", entityCount);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "load/p21/opened_file.h"
 #include "load/p21/p42_ent.h"
 #include "load/p21/text_walk.h"
 #include "platform/arena.h"
@@ -83,11 +84,12 @@ struct StepModel {
 
 private:
     int ReadFile();
-    bool ReadBytes(int file, TextBlock& block, char** bytes, std::size_t* size);
+    bool ReadBytes(const OpenedFile& file, TextBlock& block, char** bytes, std::size_t* size);
     int Inflate(const unsigned char* data, std::uint32_t size);
     bool ScanEntities();
     char* FindDataSection() const;
     bool AddBlock();
+    bool AddRecords();
     bool AddEntity(std::int32_t id, const char* line, std::int32_t code, bool complete);
     bool BuildEntityMap();
     bool ReadSchemaNumber();
@@ -99,6 +101,8 @@ private:
     P42Ent** currentBlock_ = nullptr; // the last of them
     std::int32_t blockRoom_ = 0;      // its room
     std::int32_t blockCount_ = 0;     // records in it
+    P42Ent* nextRecord_ = nullptr;    // room for further records, up to
+    P42Ent* recordLimit_ = nullptr;
 };
 
 } // namespace tarnwick

@@ -63,7 +63,7 @@ int LoadAndReport(const LoadOptions& options) {
     StatusOnly controls;
     LoadDispatch dispatch{view, controls, kLoadCommands};
     std::vector<std::string> words{options.path};
-    if (!options.product.empty()) { words.push_back(options.product); }
+    if (options.product) { words.push_back(*options.product); }
     const std::vector<std::string> arguments = SplitArguments(JoinArguments(words));
     const char* const rootName = arguments.size() > 1 ? arguments[1].c_str() : nullptr;
     for (int i = 0; i < options.repeat; ++i) {

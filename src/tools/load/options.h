@@ -8,7 +8,7 @@ namespace tarnwick::tools {
 
 struct LoadOptions {
     std::string path;
-    std::string product;  // empty for none
+    std::optional<std::string> product; // a product may well have an empty name
     std::string jsonFile; // where the scene report goes, "-" for standard output; empty for none
     bool arrays = false;
     std::optional<std::int32_t> depth; // of the Depth slider after the load

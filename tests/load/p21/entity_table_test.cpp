@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <random>
 #include <vector>
 
 namespace tarnwick::test {
@@ -68,6 +69,30 @@ TEST(HashBits, SizeTheTableOfAFile) {
         EXPECT_EQ(file.model->entityCount, count);
         EXPECT_EQ(file.model->entityMap->BucketCount(), buckets) << count << " entities";
         EXPECT_EQ(file.model->entityMap->Count(), count);
+    }
+}
+
+TEST(MapP42Ent, FilledAtOnceEqualsOneFilledRecordByRecord) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 200; ++round) {
+        const int count = static_cast<int>(random() % 2000);
+        const int range = 1 + static_cast<int>(random() % 5000);
+        const bool dense = round % 3 == 0;
+        Table table;
+        std::vector<P42Ent*> records;
+        for (int i = 0; i < count; ++i) {
+            records.push_back(table.Record(dense ? i + 1 : static_cast<int>(random()) % range));
+        }
+        MapP42Ent one(&table.arena, HashBits(count));
+        for (P42Ent* const record : records) { one.Add(record); }
+        MapP42Ent all(&table.arena, HashBits(count), MapP42Ent::kBucketsOnDemand);
+        const std::int32_t first = count / 3;
+        ASSERT_TRUE(all.AddAll(records.data(), first));
+        ASSERT_TRUE(all.AddAll(records.data() + first, count - first));
+        all.MakeAllBuckets();
+        ASSERT_EQ(all.Count(), count);
+        ASSERT_EQ(Iterated(all), Iterated(one));
+        for (int id = -1; id <= range; ++id) { ASSERT_EQ(all.Find(id), one.Find(id)) << id; }
     }
 }
 

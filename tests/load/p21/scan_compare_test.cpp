@@ -154,10 +154,13 @@ public:
         std::string line = OneIn(15) ? " " : OneIn(30) ? "\r" : "";
         line += OneIn(20) ? "" : "#";
         line += OneIn(15) ? std::to_string(Below(5) - 3) : std::to_string(1 + Below(300));
+        if (OneIn(8)) { line.insert(line.find('#') + 1, static_cast<std::size_t>(Below(9)), '0'); }
+        if (OneIn(8)) { line.append(static_cast<std::size_t>(Below(7)), '7'); }
         line += OneIn(10) ? " = " : OneIn(30) ? "=\t" : OneIn(30) ? " " : "=";
         line += kKeywords[static_cast<std::size_t>(Below(static_cast<int>(std::size(kKeywords))))];
         line += OneIn(10) ? "('a long text that stands for all the others that files may have in their lines'"
                           : "('',1.";
+        if (OneIn(10)) { line.append(static_cast<std::size_t>(Below(400)), '1'); }
         line += ")";
         line += OneIn(4) ? kEnds[static_cast<std::size_t>(Below(static_cast<int>(std::size(kEnds))))] : ";";
         return line;

@@ -31,6 +31,19 @@ TEST_F(LoadProgram, WritesNothingElseToStandardOutputWithTheReport) {
     EXPECT_EQ(json::parse(bad.output)["triangles"], 0);
 }
 
+TEST_F(LoadProgram, ShowsAProductOfAnEmptyNameWhenAsked) {
+    const std::string path = folder_.Write(
+        "a.stpx",
+        "<DataContainer>\n<Part>\n<Name><CharacterString></CharacterString></Name>\n"
+        "<PartView><Occurrence uid=\"o\"></Occurrence></PartView>\n</Part>\n"
+        "<Part>\n<Name><CharacterString>top</CharacterString></Name>\n"
+        "<PartView><ViewOccurrenceRelationship><Related uidRef=\"o\"/>\n<Placement>"
+        "<RotationMatrix>1 0 0 0 1 0 0 0 1</RotationMatrix><TranslationVector>0 0 0</TranslationVector>"
+        "</Placement></ViewOccurrenceRelationship></PartView>\n</Part>\n</DataContainer>\n");
+    EXPECT_EQ(json::parse(Run({path, "--json", "-"}).output)["products"].size(), 2u);
+    EXPECT_EQ(json::parse(Run({path, "", "--json", "-"}).output)["products"].size(), 1u);
+}
+
 TEST_F(LoadProgram, ReportsAFailedLoadAsTheFirstState) {
     const json report = json::parse(Run({"/nowhere/x.stp", "--json", "-"}).output);
     EXPECT_EQ(report["path"], "/nowhere/x.stp");

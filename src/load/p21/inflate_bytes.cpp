@@ -1,12 +1,19 @@
-#include "formats/inflate_bytes.h"
+#include "load/p21/inflate_bytes.h"
 
 #include "platform/console.h"
 
 #include <zlib.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace tarnwick {
+
+std::size_t InflatedRoom(std::uint64_t size) {
+    constexpr std::uint64_t kLargest = std::numeric_limits<std::int32_t>::max();
+    const std::uint64_t room = (size + size / 16) * 20 + 272384;
+    return size > kLargest || room > kLargest ? 0 : static_cast<std::size_t>(room);
+}
 
 std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* out, std::size_t room) {
     constexpr std::uint32_t kStep = 0x40000;

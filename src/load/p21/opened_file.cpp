@@ -1,4 +1,4 @@
-#include "formats/opened_file.h"
+#include "load/p21/opened_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

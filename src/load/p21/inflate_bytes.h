@@ -5,6 +5,10 @@
 
 namespace tarnwick {
 
+// Bytes of the one output block for `size` bytes of compressed input: a ratio of 21.25 and a little more. 0
+// when that would exceed what 32 bits hold.
+std::size_t InflatedRoom(std::uint64_t size);
+
 // Inflates a zlib or gzip stream of `size` bytes into `room` characters at `out`, and says on standard output
 // how much came out. A damaged stream, one without its trailer and a full block all end it like a finished
 // stream. Returns the characters written.

@@ -1,0 +1,68 @@
+# Completion of tarnwick, tarnwick-load and tarnwick-make for bash.
+
+_tarnwick_words() {
+  mapfile -t COMPREPLY < <(compgen -W "$1" -- "${COMP_WORDS[COMP_CWORD]}")
+}
+
+# Folders, and files of the kinds that can be loaded.
+_tarnwick_files() {
+  local path
+  COMPREPLY=()
+  compopt -o filenames
+  while IFS= read -r path; do
+    case "${path,,}" in
+      *.stp | *.stpz | *.stpx | *.stpxz | *.stpj | *.stpa) COMPREPLY+=("$path") ;;
+      *) [ -d "$path" ] && COMPREPLY+=("$path") ;;
+    esac
+  done < <(compgen -f -- "${COMP_WORDS[COMP_CWORD]}")
+}
+
+_tarnwick() {
+  case ${COMP_WORDS[COMP_CWORD]} in
+    -*) _tarnwick_words "--help --version" ;;
+    *) _tarnwick_files ;;
+  esac
+}
+
+_tarnwick_load() {
+  case ${COMP_WORDS[COMP_CWORD - 1]} in
+    --depth | --repeat) COMPREPLY=() && return ;;
+    --json) compopt -o default && COMPREPLY=() && return ;;
+  esac
+  case ${COMP_WORDS[COMP_CWORD]} in
+    -*) _tarnwick_words "--json --arrays --depth --no-threads --repeat --index --entities --check --help --version" ;;
+    *) _tarnwick_files ;;
+  esac
+}
+
+_tarnwick_make() {
+  local kind=${COMP_WORDS[1]} mesh="--kind --normals --shared-coordinates --pnindex"
+  if [ "$COMP_CWORD" = 1 ]; then
+    _tarnwick_words "part assembly fem stpx stpa stpj --help --version"
+    return
+  fi
+  case ${COMP_WORDS[COMP_CWORD - 1]} in
+    --kind) _tarnwick_words "faces fans sets strips" && return ;;
+    --normals) _tarnwick_words "all none one" && return ;;
+    --route) _tarnwick_words "direct documents" && return ;;
+    --shape) _tarnwick_words "bolt bracket flange gear plate shaft washer" && return ;;
+  esac
+  local options="--help --seed"
+  local machine="--parts --uses --depth --triangles-per-part"
+  case $kind in
+    part) options+=" --triangles --faces --solids --shape --name $mesh --colours --transparent --material --compress" ;;
+    assembly) options+=" $machine $mesh --compress --one-missing" ;;
+    fem) options+=" --quads --compress" ;;
+    stpx) options+=" $machine $mesh --documents --route --no-parts --compress" ;;
+    stpa) options+=" $machine $mesh --documents --route --no-parts --stored-documents" ;;
+    stpj) options+=" $machine --occurrences" ;;
+  esac
+  case ${COMP_WORDS[COMP_CWORD]} in
+    -*) _tarnwick_words "$options" ;;
+    *) compopt -o default && COMPREPLY=() ;;
+  esac
+}
+
+complete -F _tarnwick tarnwick
+complete -F _tarnwick_load tarnwick-load
+complete -F _tarnwick_make tarnwick-make
