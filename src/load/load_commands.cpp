@@ -2,6 +2,8 @@
 
 #include "load/load_driver.h"
 #include "platform/clock.h"
+#include "platform/console.h"
+#include "platform/within_memory.h"
 
 #include <algorithm>
 #include <utility>
@@ -65,9 +67,14 @@ void LoadStepFile(SceneView& view, const char* path, int useThreads) {
     DropRecords(view);
     LoadSession session;
     session.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
-    const int result = TraiteSTEPFile(session, path, useThreads);
+    int result = 0;
+    const bool enough = WithinMemory([&] { result = TraiteSTEPFile(session, path, useThreads); });
     view.unreadFiles = std::move(session.unreadFiles);
-    if (result != 0) { return; }
+    if (!enough) {
+        ConsolePrint("<E> %s: given up, no memory\n", path);
+        view.unreadFiles.push_back({0, path, "", "needs more memory than there is"});
+    }
+    if (!enough || result != 0) { return; }
     view.readSeconds = session.readSeconds;
     view.inflateSeconds = session.inflateSeconds;
     view.partSeconds = session.partSeconds;

@@ -3,6 +3,7 @@
 #include "geometry/part_reader.h"
 #include "load/p21/step_model.h"
 #include "platform/console.h"
+#include "platform/within_memory.h"
 #include "product/assembly_reader.h"
 
 #include <algorithm>
@@ -86,6 +87,15 @@ void ReadEntry(LoadSession& session, ReadingOrder& order, QueueThread& thread, s
     session.partSeconds.fetch_add(reader.parseSeconds, std::memory_order_relaxed);
 }
 
+// For a file that a library has no memory for: the others may still do.
+void GiveUpEntry(LoadSession& session, ReadingOrder& order, std::int32_t entry, const ProductNode& product) {
+    order.Settle(entry);
+    std::string path = FormPath(session, product);
+    ConsolePrint("<E> %s: given up, no memory\n", path.c_str());
+    const std::lock_guard guard(session.unreadLock);
+    session.unreadFiles.push_back({entry, std::move(path), product.name, "needs more memory than there is"});
+}
+
 void RunWorker(LoadSession& session, ReadingOrder& order, int number) {
     RunPartQueue(session, order, false);
     session.done[number].store(1, std::memory_order_release);
@@ -98,7 +108,9 @@ void RunPartQueue(LoadSession& session, ReadingOrder& order, bool isLoadThread) 
     QueueThread thread;
     std::int32_t entry = 0;
     while (ProductNode* const product = Claim(session, &entry)) {
-        ReadEntry(session, order, thread, entry, product);
+        if (!WithinMemory([&] { ReadEntry(session, order, thread, entry, product); })) {
+            GiveUpEntry(session, order, entry, *product);
+        }
         if (isLoadThread) { ShowProgress(session); }
     }
     session.scene->HandOver(std::move(thread.arena));
@@ -106,12 +118,12 @@ void RunPartQueue(LoadSession& session, ReadingOrder& order, bool isLoadThread) 
 
 void ReadQueuedFiles(LoadSession& session) {
     ReadingOrder order;
-    std::array<std::thread, LoadSession::kWorkers> workers;
+    std::array<std::jthread, LoadSession::kWorkers> workers;
     if (session.useThreads != 0) {
         for (int k = 0; k < LoadSession::kWorkers; ++k) {
             try {
                 workers[static_cast<std::size_t>(k)] =
-                    std::thread(RunWorker, std::ref(session), std::ref(order), k);
+                    std::jthread(RunWorker, std::ref(session), std::ref(order), k);
             } catch (const std::system_error&) { session.done[k] = 1; }
         }
     }
@@ -125,7 +137,7 @@ void ReadQueuedFiles(LoadSession& session) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
             ShowProgress(session);
         }
-        for (std::thread& worker : workers) {
+        for (std::jthread& worker : workers) {
             if (worker.joinable()) { worker.join(); }
         }
     }
