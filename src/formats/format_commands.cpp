@@ -5,9 +5,9 @@
 #include "formats/stpj_reader.h"
 #include "formats/stpx_driver.h"
 #include "load/load_commands.h"
+#include "load/no_memory.h"
 #include "platform/clock.h"
 #include "platform/console.h"
-#include "platform/within_memory.h"
 #include "product/draw_list.h"
 
 #include <algorithm>
@@ -69,8 +69,7 @@ void ShowNothing(SceneView& view) {
 template <class Load>
 bool LoadWithinMemory(const char* path, std::vector<UnreadFile>* unreadFiles, Load load) {
     if (WithinMemory(load)) { return true; }
-    ConsolePrint("<E> %s: given up, no memory\n", path);
-    unreadFiles->push_back({0, path, "", "needs more memory than there is"});
+    GiveUpForMemory(path, "", 0, unreadFiles);
     return false;
 }
 

@@ -3,10 +3,10 @@
 #include "formats/stpa_archive.h"
 #include "formats/stpx_file.h"
 #include "geometry/part_reader.h"
+#include "load/no_memory.h"
 #include "load/p21/step_model.h"
 #include "load/part_queue.h"
 #include "platform/console.h"
-#include "platform/within_memory.h"
 
 #include <algorithm>
 #include <array>
@@ -125,8 +125,9 @@ void RunPartLoop(StpxSession& session, bool isMain) {
     while (const StpxSession::Part* const part = Claim(session, &place)) {
         if (!WithinMemory([&] { ReadPart(session, thread, *part, place, isMain); })) {
             // The others may still do.
-            ConsolePrint("<E> %s: given up, no memory\n", thread.path.c_str());
-            NoteUnread(session, place, thread.path, *part->product, "needs more memory than there is");
+            const std::lock_guard guard(session.unreadLock);
+            GiveUpForMemory(part->product->fileName, part->product->name,
+                            session.asmProdExt.Count() + 1 + place, &session.unreadFiles);
         }
         if (isMain) { ShowProgress(session); }
     }

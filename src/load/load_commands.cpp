@@ -1,9 +1,8 @@
 #include "load/load_commands.h"
 
 #include "load/load_driver.h"
+#include "load/no_memory.h"
 #include "platform/clock.h"
-#include "platform/console.h"
-#include "platform/within_memory.h"
 
 #include <algorithm>
 #include <utility>
@@ -70,10 +69,7 @@ void LoadStepFile(SceneView& view, const char* path, int useThreads) {
     int result = 0;
     const bool enough = WithinMemory([&] { result = TraiteSTEPFile(session, path, useThreads); });
     view.unreadFiles = std::move(session.unreadFiles);
-    if (!enough) {
-        ConsolePrint("<E> %s: given up, no memory\n", path);
-        view.unreadFiles.push_back({0, path, "", "needs more memory than there is"});
-    }
+    if (!enough) { GiveUpForMemory(path, "", 0, &view.unreadFiles); }
     if (!enough || result != 0) { return; }
     view.readSeconds = session.readSeconds;
     view.inflateSeconds = session.inflateSeconds;

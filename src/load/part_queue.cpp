@@ -1,9 +1,9 @@
 #include "load/part_queue.h"
 
 #include "geometry/part_reader.h"
+#include "load/no_memory.h"
 #include "load/p21/step_model.h"
 #include "platform/console.h"
-#include "platform/within_memory.h"
 #include "product/assembly_reader.h"
 
 #include <algorithm>
@@ -89,11 +89,12 @@ void ReadEntry(LoadSession& session, ReadingOrder& order, QueueThread& thread, s
 
 // For a file that a library has no memory for: the others may still do.
 void GiveUpEntry(LoadSession& session, ReadingOrder& order, std::int32_t entry, const ProductNode& product) {
-    order.Settle(entry);
-    std::string path = FormPath(session, product);
-    ConsolePrint("<E> %s: given up, no memory\n", path.c_str());
+    // Later entries wait for this one. The threads that don't wait will give memory back.
+    while (!WithinMemory([&] { order.Settle(entry); })) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     const std::lock_guard guard(session.unreadLock);
-    session.unreadFiles.push_back({entry, std::move(path), product.name, "needs more memory than there is"});
+    GiveUpForMemory(product.fileName, product.name, entry, &session.unreadFiles);
 }
 
 void RunWorker(LoadSession& session, ReadingOrder& order, int number) {
