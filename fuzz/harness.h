@@ -47,8 +47,11 @@ private:
     std::vector<std::string> written_;
 };
 
-// Reads every number, name and index that the scene in the view holds.
+// Reads every number and index of what the view draws.
 void Touch(const SceneView& view);
+
+// Writes the scene report, the whole tree with all names; much slower.
+void Report(const SceneView& view);
 
 inline std::string_view Text(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};

@@ -120,6 +120,14 @@ TEST_F(SnapshotTest, WhatOfTheViewportLiesOutsideOfTheWindowIsNotReadAndIsZero) 
     EXPECT_EQ(bytes[bytes.size() - 3], 0);
 }
 
+TEST_F(SnapshotTest, FailsWhereTheDiskIsFull) {
+    if (!std::filesystem::exists("/dev/full")) { GTEST_SKIP() << "no device that is always full"; }
+    for (const int size : {4, 400}) { // all in the stream's buffer, and more than that
+        view.OnSize(OpenGLControl::kRestored, size, size);
+        EXPECT_EQ(view.grab_GL("/dev/full"), 0) << size;
+    }
+}
+
 TEST_F(SnapshotTest, AFileThatCannotBeOpenedIsToldOnStandardOutput) {
     ::testing::internal::CaptureStdout();
     ::testing::internal::CaptureStderr();

@@ -77,7 +77,7 @@ TEST_F(MemoryLimit, TakesTheCountsOfAFileForHints) {
     const std::string face = "#11=TRIANGULATED_FACE('',#10,2147483647,$,$,$,((1,2,3)));";
     const std::string shell = "#12=TESSELLATED_SHELL('',(#11),$);";
     const std::string summary =
-        R"({"products_table":{"nb_products":2147483647,"products":[{"idx":1,"name":"a","bbox":[0 1 0 1 0 1 ]}]},)"
+        R"({"products_table":{"nb_products":1,"products":[{"idx":1,"name":"a","bbox":[0 1 0 1 0 1 ]}]},)"
         R"("occurrences_table":{"nb_occurrences":2147483647,"max_depth":0,"occurrences":[)"
         R"({"depth":0,"idx_prd":1,"rotation":[1 0 0 0 1 0 0 0 1 ],"translation":[0 0 0 ]}]}})";
     for (const std::string& path : {folder_.Write("x.stp", PartText("(#12)", {points, face, shell})),
