@@ -5,6 +5,7 @@
 #include "formats/stpj_reader.h"
 #include "formats/stpx_driver.h"
 #include "load/load_commands.h"
+#include "load/no_memory.h"
 #include "platform/clock.h"
 #include "platform/console.h"
 #include "product/draw_list.h"
@@ -64,6 +65,14 @@ void ShowNothing(SceneView& view) {
     std::fill(std::begin(view.eye), std::end(view.eye), 0.0f);
 }
 
+// Runs a load; false when a library had no memory for it, which is then said.
+template <class Load>
+bool LoadWithinMemory(const char* path, std::vector<UnreadFile>* unreadFiles, Load load) {
+    if (WithinMemory(load)) { return true; }
+    GiveUpForMemory(path, "", 0, unreadFiles);
+    return false;
+}
+
 void EndLoad(SceneView& view, double start) {
     SetUpView(view);
     view.loadSeconds = ClockSeconds() - start;
@@ -85,10 +94,12 @@ void LoadStpxFile(SceneView& view, const char* path, const char* rootName, int u
     session.scene = ReplaceScene(view);
     const double start = ClockSeconds();
     view.boxMode = 0;
-    TraiteSTEPXFileNewMT(session, path, rootName, view.boxMode, useThreads);
+    const bool enough = LoadWithinMemory(path, &session.unreadFiles, [&] {
+        TraiteSTEPXFileNewMT(session, path, rootName, view.boxMode, useThreads);
+    });
     view.unreadFiles = std::move(session.unreadFiles);
     view.scene = std::move(session.scene);
-    if (session.gaveUp) {
+    if (!enough || session.gaveUp) {
         ShowNothing(view);
         return;
     }
@@ -108,10 +119,10 @@ void LoadStpjFile(SceneView& view, const char* path) {
     result.scene = ReplaceScene(view);
     const double start = ClockSeconds();
     view.selectedIndex = -1;
-    TraiteSTPJFile(result, path);
+    const bool enough = LoadWithinMemory(path, &result.unreadFiles, [&] { TraiteSTPJFile(result, path); });
     view.unreadFiles = std::move(result.unreadFiles);
     view.scene = std::move(result.scene);
-    if (result.file == nullptr) {
+    if (!enough || result.file == nullptr) {
         ShowNothing(view);
         return;
     }
@@ -133,10 +144,12 @@ void LoadZIPFile(SceneView& view, const char* path, const char* rootName, int us
     reader.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
     reader.scene = ReplaceScene(view);
     ConsolePrint("LoadZIPFile : ZIPReader::TraiteZIPFile %s\n", path);
-    const int result = TraiteSTPA(reader, path, rootName, useThreads);
+    int result = 0;
+    const bool enough = LoadWithinMemory(path, &reader.unreadFiles,
+                                         [&] { result = TraiteSTPA(reader, path, rootName, useThreads); });
     view.unreadFiles = std::move(reader.unreadFiles);
     view.scene = std::move(reader.scene);
-    if (result != ZIPReader::kSuccess) { return; }
+    if (!enough || result != ZIPReader::kSuccess) { return; }
     view.readSeconds = reader.readSeconds;
     view.inflateSeconds = reader.inflateSeconds;
     view.partSeconds = reader.parseSeconds;

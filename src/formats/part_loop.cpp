@@ -3,6 +3,7 @@
 #include "formats/stpa_archive.h"
 #include "formats/stpx_file.h"
 #include "geometry/part_reader.h"
+#include "load/no_memory.h"
 #include "load/p21/step_model.h"
 #include "load/part_queue.h"
 #include "platform/console.h"
@@ -122,7 +123,12 @@ void RunPartLoop(StpxSession& session, bool isMain) {
     PartThread thread;
     std::int32_t place = 0;
     while (const StpxSession::Part* const part = Claim(session, &place)) {
-        ReadPart(session, thread, *part, place, isMain);
+        if (!WithinMemory([&] { ReadPart(session, thread, *part, place, isMain); })) {
+            // The others may still do.
+            const std::lock_guard guard(session.unreadLock);
+            GiveUpForMemory(part->product->fileName, part->product->name,
+                            session.asmProdExt.Count() + 1 + place, &session.unreadFiles);
+        }
         if (isMain) { ShowProgress(session); }
     }
     session.scene->HandOver(std::move(thread.arena));
@@ -145,11 +151,11 @@ std::string StpxPath(const StpxSession& session, const ProductNode& product) {
 
 void ReadParts(StpxSession& session) {
     FillQueue(session);
-    std::array<std::thread, StpxSession::kWorkers> workers;
+    std::array<std::jthread, StpxSession::kWorkers> workers;
     if (session.threads != 0) {
         for (int k = 0; k < StpxSession::kWorkers; ++k) {
             try {
-                workers[static_cast<std::size_t>(k)] = std::thread(WorkerEntry, std::ref(session), k);
+                workers[static_cast<std::size_t>(k)] = std::jthread(WorkerEntry, std::ref(session), k);
             } catch (const std::system_error&) { session.threadDone[k] = 1; }
         }
     }
@@ -163,7 +169,7 @@ void ReadParts(StpxSession& session) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
             ShowProgress(session);
         }
-        for (std::thread& worker : workers) {
+        for (std::jthread& worker : workers) {
             if (worker.joinable()) { worker.join(); }
         }
     }

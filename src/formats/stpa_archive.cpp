@@ -18,6 +18,7 @@ namespace tarnwick {
 namespace {
 
 constexpr std::size_t kNameRoom = 256;
+constexpr std::size_t kLongBucket = 64;
 constexpr std::uint64_t kLargestMember = std::numeric_limits<std::int32_t>::max();
 constexpr std::uint64_t kSmallestRecord = 46;  // of a member in the central directory
 constexpr std::uint64_t kMostInflation = 1032; // deflate packs no tighter, whatever a record claims
@@ -33,6 +34,17 @@ constexpr const char* kNoRecord = "can't be read, its record in the archive is d
 constexpr const char* kForeignMethod = "is packed by a method that isn't known here";
 constexpr const char* kEncrypted = "is encrypted";
 constexpr const char* kTooLarge = "is too large";
+
+// Names that were chosen to meet in one bucket would make every look-up a walk over all of them.
+const ZipEntry* FindFar(ZipIndex& index, std::string_view name) {
+    if (index.far.empty()) {
+        for (const std::vector<ZipEntry>& bucket : index.buckets) {
+            for (const ZipEntry& entry : bucket) { index.far.emplace(entry.name, &entry); }
+        }
+    }
+    const auto found = index.far.find(name);
+    return found != index.far.end() ? found->second : nullptr;
+}
 
 } // namespace
 
@@ -57,10 +69,16 @@ const ZipEntry* ZipLookup(ZipIndex& index, std::string_view name) {
     if (index.size == 0) { return nullptr; }
     const double start = ClockSeconds();
     const std::vector<ZipEntry>& bucket = index.buckets[static_cast<std::size_t>(ZipHash(index, name))];
-    const auto found =
-        std::find_if(bucket.begin(), bucket.end(), [name](const ZipEntry& e) { return e.name == name; });
+    const ZipEntry* entry = nullptr;
+    if (bucket.size() <= kLongBucket) {
+        const auto found =
+            std::find_if(bucket.begin(), bucket.end(), [name](const ZipEntry& e) { return e.name == name; });
+        if (found != bucket.end()) { entry = &*found; }
+    } else {
+        entry = FindFar(index, name);
+    }
     index.lookupSeconds += ClockSeconds() - start;
-    return found != bucket.end() ? &*found : nullptr;
+    return entry;
 }
 
 ZipArchive::ZipArchive(const char* path) {

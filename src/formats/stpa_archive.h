@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace tarnwick {
@@ -28,6 +29,8 @@ struct ZipIndex {
     std::int32_t mask = 0;
     double lookupSeconds = 0;
     std::vector<std::vector<ZipEntry>> buckets;
+    // All members, made when a bucket turns out too long to be searched time and again.
+    std::unordered_map<std::string_view, const ZipEntry*> far;
 };
 
 // An index of 2 to the power `bits` empty buckets.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace tarnwick {
@@ -50,6 +51,7 @@ public:
         mask = size - 1;
         count = static_cast<std::int32_t>(nodes_.size());
         buckets_.assign(static_cast<std::size_t>(size), {});
+        far_.clear();
         for (std::int32_t place = 0; place < count; ++place) {
             Bucket& bucket = buckets_[BucketOf(nodes_[static_cast<std::size_t>(place)].hash)];
             if (bucket.head < 0) {
@@ -67,9 +69,10 @@ public:
     // The same for a key whose hash is known.
     const Value* Find(std::string_view key, std::uint32_t hash) const {
         std::int32_t place = buckets_[BucketOf(hash)].head;
-        while (place >= 0) {
+        for (int steps = 0; place >= 0; ++steps) {
             const Node& node = nodes_[static_cast<std::size_t>(place)];
             if (node.hash == hash && node.Key() == key) { return &node.value; }
+            if (steps == kFar) { return FindFar(key); }
             place = node.next;
         }
         return nullptr;
@@ -108,6 +111,17 @@ private:
 
     std::size_t BucketOf(std::uint32_t hash) const { return hash & static_cast<std::uint32_t>(mask); }
 
+    // Keys that were chosen to meet in one bucket would make every look-up a walk over all of them.
+    static constexpr int kFar = 64;
+    [[gnu::noinline]] const Value* FindFar(std::string_view key) const {
+        if (far_.empty()) {
+            for (const Node& node : nodes_) { far_.emplace(node.Key(), &node.value); }
+        }
+        const auto found = far_.find(key);
+        return found != far_.end() ? found->second : nullptr;
+    }
+
+    mutable std::unordered_map<std::string_view, const Value*> far_; // all entries, once it was needed
     std::vector<Bucket> buckets_;
     std::vector<Node> nodes_;
 };

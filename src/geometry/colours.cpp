@@ -67,9 +67,15 @@ bool ReadColourRows(PartReader& reader) {
     return true;
 }
 
-// Which rows a colour has, in the table's order: a search through the whole table for each style would cost
-// their product.
-using RowsOfColour = std::unordered_map<std::int32_t, std::vector<std::int32_t>>;
+// The rows of a colour, in the table's order. Those that styles use stand first, since a style takes the
+// first one that is free; which of them has an alpha is looked up, since a search for each style would cost
+// the product of styles and rows.
+struct ColourRows {
+    std::vector<std::int32_t> places;
+    std::size_t used = 0; // the rest is free
+    std::unordered_map<float, std::int32_t> usedByAlpha;
+};
+using RowsOfColour = std::unordered_map<std::int32_t, ColourRows>;
 
 // The row of a colour with an alpha: one that no style uses yet or that has this alpha, else a new one.
 // kNoRow when the table doesn't have the colour.
@@ -77,18 +83,24 @@ std::int32_t RowOf(std::int32_t colourId, float alpha, std::vector<ColourEntry>*
                    RowsOfColour* rowsOfColour) {
     const auto found = rowsOfColour->find(colourId);
     if (found == rowsOfColour->end()) { return kNoRow; }
-    for (const std::int32_t place : found->second) {
-        ColourEntry& row = (*rows)[static_cast<std::size_t>(place)];
-        if (row.alpha == kUnused || row.alpha == alpha) {
-            row.alpha = alpha;
-            return place;
-        }
+    ColourRows& own = found->second;
+    const auto known = own.usedByAlpha.find(alpha);
+    if (known != own.usedByAlpha.end()) {
+        (*rows)[static_cast<std::size_t>(known->second)].alpha = alpha; // zeros differ in their sign
+        return known->second;
     }
-    ColourEntry added = (*rows)[static_cast<std::size_t>(found->second.back())];
-    added.alpha = alpha;
-    const auto place = static_cast<std::int32_t>(rows->size());
-    rows->push_back(added);
-    found->second.push_back(place);
+    if (own.used == own.places.size()) {
+        ColourEntry added = (*rows)[static_cast<std::size_t>(own.places.back())];
+        added.alpha = kUnused;
+        own.places.push_back(static_cast<std::int32_t>(rows->size()));
+        rows->push_back(added);
+    }
+    const std::int32_t place = own.places[own.used];
+    (*rows)[static_cast<std::size_t>(place)].alpha = alpha;
+    if (alpha != kUnused) { // a row with that alpha stays free
+        if (alpha == alpha) { own.usedByAlpha.emplace(alpha, place); }
+        ++own.used;
+    }
     return place;
 }
 
@@ -208,7 +220,7 @@ bool ReadColours(PartReader& reader) {
     RowsOfColour rowsOfColour;
     std::vector<ColourEntry>& rows = reader.scratch.colours;
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        rowsOfColour[rows[i].colourId].push_back(static_cast<std::int32_t>(i));
+        rowsOfColour[rows[i].colourId].places.push_back(static_cast<std::int32_t>(i));
     }
     Arena* const arena = model.IndexArena();
     const std::int32_t bits = HashBits(static_cast<std::int32_t>(itemIds.size()));

@@ -1,6 +1,7 @@
 #include "load/load_commands.h"
 
 #include "load/load_driver.h"
+#include "load/no_memory.h"
 #include "platform/clock.h"
 
 #include <algorithm>
@@ -65,9 +66,11 @@ void LoadStepFile(SceneView& view, const char* path, int useThreads) {
     DropRecords(view);
     LoadSession session;
     session.progress = [&view](std::int32_t read, std::int32_t known) { view.ShowProgress(read, known); };
-    const int result = TraiteSTEPFile(session, path, useThreads);
+    int result = 0;
+    const bool enough = WithinMemory([&] { result = TraiteSTEPFile(session, path, useThreads); });
     view.unreadFiles = std::move(session.unreadFiles);
-    if (result != 0) { return; }
+    if (!enough) { GiveUpForMemory(path, "", 0, &view.unreadFiles); }
+    if (!enough || result != 0) { return; }
     view.readSeconds = session.readSeconds;
     view.inflateSeconds = session.inflateSeconds;
     view.partSeconds = session.partSeconds;

@@ -1,6 +1,7 @@
 #include "load/part_queue.h"
 
 #include "geometry/part_reader.h"
+#include "load/no_memory.h"
 #include "load/p21/step_model.h"
 #include "platform/console.h"
 #include "product/assembly_reader.h"
@@ -86,6 +87,16 @@ void ReadEntry(LoadSession& session, ReadingOrder& order, QueueThread& thread, s
     session.partSeconds.fetch_add(reader.parseSeconds, std::memory_order_relaxed);
 }
 
+// For a file that a library has no memory for: the others may still do.
+void GiveUpEntry(LoadSession& session, ReadingOrder& order, std::int32_t entry, const ProductNode& product) {
+    // Later entries wait for this one. The threads that don't wait will give memory back.
+    while (!WithinMemory([&] { order.Settle(entry); })) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    const std::lock_guard guard(session.unreadLock);
+    GiveUpForMemory(product.fileName, product.name, entry, &session.unreadFiles);
+}
+
 void RunWorker(LoadSession& session, ReadingOrder& order, int number) {
     RunPartQueue(session, order, false);
     session.done[number].store(1, std::memory_order_release);
@@ -98,7 +109,9 @@ void RunPartQueue(LoadSession& session, ReadingOrder& order, bool isLoadThread) 
     QueueThread thread;
     std::int32_t entry = 0;
     while (ProductNode* const product = Claim(session, &entry)) {
-        ReadEntry(session, order, thread, entry, product);
+        if (!WithinMemory([&] { ReadEntry(session, order, thread, entry, product); })) {
+            GiveUpEntry(session, order, entry, *product);
+        }
         if (isLoadThread) { ShowProgress(session); }
     }
     session.scene->HandOver(std::move(thread.arena));
@@ -106,12 +119,12 @@ void RunPartQueue(LoadSession& session, ReadingOrder& order, bool isLoadThread) 
 
 void ReadQueuedFiles(LoadSession& session) {
     ReadingOrder order;
-    std::array<std::thread, LoadSession::kWorkers> workers;
+    std::array<std::jthread, LoadSession::kWorkers> workers;
     if (session.useThreads != 0) {
         for (int k = 0; k < LoadSession::kWorkers; ++k) {
             try {
                 workers[static_cast<std::size_t>(k)] =
-                    std::thread(RunWorker, std::ref(session), std::ref(order), k);
+                    std::jthread(RunWorker, std::ref(session), std::ref(order), k);
             } catch (const std::system_error&) { session.done[k] = 1; }
         }
     }
@@ -125,7 +138,7 @@ void ReadQueuedFiles(LoadSession& session) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
             ShowProgress(session);
         }
-        for (std::thread& worker : workers) {
+        for (std::jthread& worker : workers) {
             if (worker.joinable()) { worker.join(); }
         }
     }

@@ -30,6 +30,8 @@ std::size_t RoundUp(std::size_t bytes) {
 bool Arena::AddChunk(std::size_t atLeast) {
     nextChunk_ = std::clamp(nextChunk_ * 2, kFirstChunk, kLargestChunk);
     const std::size_t bytes = std::max(nextChunk_, RoundUp(atLeast));
+    // A few lines can fill any memory, by what they list again and again.
+    if (bytes >= kLargestChunk && !IsMemoryLeft(bytes)) { return false; }
     char* const start = static_cast<char*>(AllocatePages(bytes));
     if (start == nullptr) { return false; }
     chunks_.push_back({start, bytes});

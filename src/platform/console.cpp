@@ -1,5 +1,7 @@
 #include "platform/console.h"
 
+#include "platform/within_memory.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
@@ -21,21 +23,27 @@ Channels& TheChannels() {
     return channels;
 }
 
-std::string Formatted(const char* format, std::va_list arguments) {
+// Formats and hands the text to `write`. One of the usual length needs no memory, since some tell that there
+// is none; a longer one is then cut.
+template <class Write>
+void Format(const char* format, std::va_list arguments, Write write) {
     std::va_list again;
     va_copy(again, arguments);
-    char small[512];
+    char small[1024];
     const int length = std::vsnprintf(small, sizeof small, format, arguments);
-    std::string text;
-    if (length >= 0 && static_cast<std::size_t>(length) < sizeof small) {
-        text.assign(small, static_cast<std::size_t>(length));
-    } else if (length > 0) {
-        text.resize(static_cast<std::size_t>(length) + 1);
-        std::vsnprintf(text.data(), text.size(), format, again);
-        text.pop_back();
+    std::size_t size = length > 0 ? static_cast<std::size_t>(length) : 0;
+    const char* text = small;
+    std::string large;
+    if (size >= sizeof small) {
+        if (WithinMemory([&] { large.resize(size + 1); })) {
+            std::vsnprintf(large.data(), large.size(), format, again);
+            text = large.data();
+        } else {
+            size = sizeof small - 1;
+        }
     }
     va_end(again);
-    return text;
+    write(text, size);
 }
 
 } // namespace
@@ -43,22 +51,24 @@ std::string Formatted(const char* format, std::va_list arguments) {
 void ConsolePrint(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    const std::string text = Formatted(format, arguments);
+    Format(format, arguments, [](const char* text, std::size_t size) {
+        Channels& channels = TheChannels();
+        const std::lock_guard guard(channels.lock);
+        std::fwrite(text, 1, size, stderr);
+        if (channels.sink != nullptr) { channels.sink(channels.sinkContext, text, size); }
+    });
     va_end(arguments);
-    Channels& channels = TheChannels();
-    const std::lock_guard guard(channels.lock);
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    if (channels.sink != nullptr) { channels.sink(channels.sinkContext, text.data(), text.size()); }
 }
 
 void OutputPrint(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    const std::string text = Formatted(format, arguments);
+    Format(format, arguments, [](const char* text, std::size_t size) {
+        Channels& channels = TheChannels();
+        const std::lock_guard guard(channels.lock);
+        if (channels.outputEnabled) { std::fwrite(text, 1, size, stdout); }
+    });
     va_end(arguments);
-    Channels& channels = TheChannels();
-    const std::lock_guard guard(channels.lock);
-    if (channels.outputEnabled) { std::fwrite(text.data(), 1, text.size(), stdout); }
 }
 
 void SetConsoleSink(ConsoleSink sink, void* context) {

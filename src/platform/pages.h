@@ -9,6 +9,10 @@ namespace tarnwick {
 // least 1.
 void* AllocatePages(std::size_t bytes);
 
+// Whether the system has `bytes` of memory left for a block that will be filled, and some more for others. It
+// hands out more than it has, and ends a process that then uses it.
+bool IsMemoryLeft(std::size_t bytes);
+
 // Gives back what AllocatePages returned for the same number of bytes.
 void FreePages(void* pages, std::size_t bytes);
 

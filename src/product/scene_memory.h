@@ -2,6 +2,7 @@
 
 #include "platform/arena.h"
 
+#include <cstddef>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -12,6 +13,8 @@ namespace tarnwick {
 // its end; the load that replaces the scene drops them all in one step.
 class SceneMemory {
 public:
+    SceneMemory() { others_.reserve(kOtherThreads); }
+
     // The arena of the thread that runs the load.
     Arena& Main() { return main_; }
 
@@ -22,6 +25,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t kOtherThreads = 6; // so that handing over needs no memory
+
     Arena main_;
     std::mutex lock_;
     std::vector<Arena> others_;

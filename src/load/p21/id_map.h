@@ -1,5 +1,6 @@
 #pragma once
 
+#include "load/p21/far_index.h"
 #include "load/p21/p42_ent.h"
 #include "platform/arena.h"
 
@@ -34,15 +35,18 @@ public:
         }
         bucket.tail = node;
         ++count_;
+        far_.Drop();
         return true;
     }
 
     // The item of `key`, or null.
     Item* Find(std::int32_t key) const {
         if (buckets_ == nullptr) { return nullptr; }
+        int steps = 0;
         for (const Node* node = buckets_[BucketOf(key, bits_, mask_)].head; node != nullptr;
              node = node->next) {
             if (node->item->*Key == key) { return node->item; }
+            if (++steps == FarIndex<Item>::kFar && MakeFarIndex()) { return far_.Find(key); }
         }
         return nullptr;
     }
@@ -59,6 +63,18 @@ private:
         Node* tail;
     };
 
+    [[gnu::noinline]] bool MakeFarIndex() const {
+        if (far_.IsMade()) { return true; }
+        if (!far_.Make(arena_, count_)) { return false; }
+        for (std::int32_t i = 0; i <= mask_; ++i) {
+            for (const Node* node = buckets_[i].head; node != nullptr; node = node->next) {
+                far_.Add(node->item->*Key, node->item);
+            }
+        }
+        return true;
+    }
+
+    mutable FarIndex<Item> far_;
     Bucket* buckets_ = nullptr;
     std::int32_t count_ = 0;
     std::int32_t bits_ = 0;

@@ -78,6 +78,7 @@ bool MapP42Ent::AddAll(P42Ent* const* records, std::int32_t count) {
         done += here;
     }
     count_ += count;
+    far_.Drop();
     return true;
 }
 
@@ -85,11 +86,13 @@ void MapP42Ent::Clear() {
     for (std::int32_t i = 0; i < bucketCount_; ++i) { buckets_[i].Clear(); }
     count_ = 0;
     cursorBucket_ = 0;
+    far_.Drop();
 }
 
 std::int32_t MapP42Ent::Add(P42Ent* record) {
     const std::int32_t inBucket = buckets_[BucketOf(record->id, bits_, mask_)].Add(record);
     if (inBucket > 0) { ++count_; }
+    far_.Drop();
     return inBucket;
 }
 
@@ -98,7 +101,25 @@ std::int32_t MapP42Ent::Contains(const P42Ent* record) {
 }
 
 P42Ent* MapP42Ent::Find(std::int32_t id) {
-    return bucketCount_ == 0 ? nullptr : buckets_[BucketOf(id, bits_, mask_)].Find(id);
+    if (bucketCount_ == 0) { return nullptr; }
+    int steps = 0;
+    for (const P42Node* node = buckets_[BucketOf(id, bits_, mask_)].Head(); node != nullptr;
+         node = node->next) {
+        if (node->record->id == id) { return node->record; }
+        if (++steps == FarIndex<P42Ent>::kFar && MakeFarIndex()) { return far_.Find(id); }
+    }
+    return nullptr;
+}
+
+bool MapP42Ent::MakeFarIndex() {
+    if (far_.IsMade()) { return true; }
+    if (!far_.Make(arena_, count_)) { return false; }
+    for (std::int32_t i = 0; i < bucketCount_; ++i) {
+        for (const P42Node* node = buckets_[i].Head(); node != nullptr; node = node->next) {
+            far_.Add(node->record->id, node->record);
+        }
+    }
+    return true;
 }
 
 P42Ent* MapP42Ent::First() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "load/p21/far_index.h"
 #include "platform/arena.h"
 
 #include <cstdint>
@@ -61,6 +62,8 @@ public:
     P42Ent* Next() override;
     std::int32_t Count() const override { return count_; }
     void PrintStatistics() override {}
+
+    const P42Node* Head() const { return head_; }
 
     // Appends a node that the caller made, for a table that makes all of its nodes at once.
     std::int32_t AddNode(P42Node* node) {
@@ -133,8 +136,10 @@ public:
 
 private:
     void MakeBuckets(std::int32_t upTo);
+    bool MakeFarIndex();
 
     std::int32_t count_ = 0;
+    FarIndex<P42Ent> far_;
     ListP42Ent* buckets_ = nullptr;
     Arena* arena_;
     std::int32_t made_ = 0; // buckets

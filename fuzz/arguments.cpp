@@ -1,0 +1,24 @@
+// The text of a path or of a command line, split and joined again.
+#include "harness.h"
+#include "load/load_file.h"
+#include "platform/wide_text.h"
+
+using namespace tarnwick;
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    return fuzz::Outcome(size, [&] {
+        const std::wstring line = WideFromNarrow(fuzz::Text(data, size));
+        if (NarrowFromWide(line) != fuzz::Text(data, size)) {
+            fuzz::Finding("a text that comes back changed");
+        }
+        const std::vector<std::string> arguments = SplitArguments(line);
+        if (arguments.size() > kMostArguments) { fuzz::Finding("too many arguments"); }
+        bool hasQuote = false;
+        for (const std::string& argument : arguments) {
+            hasQuote = hasQuote || argument.find('"') != std::string::npos;
+        }
+        if (!hasQuote && SplitArguments(JoinArguments(arguments)) != arguments) {
+            fuzz::Finding("arguments that don't come back");
+        }
+    });
+}

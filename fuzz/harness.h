@@ -1,0 +1,62 @@
+// What all fuzz targets share: a folder in memory for the files of an input, and the stated ways out of a
+// load as outcomes like any other.
+#pragma once
+
+#include "load/scene_view.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarnwick::fuzz {
+
+// Thrown where the program would end by a bounds check, or would stand still for good.
+struct StatedEnd {};
+
+// Runs one input of `size` bytes, which bounds the memory that it may ask for at once. Returns 0, which tells
+// libFuzzer to keep the input if it found something new.
+template <class Run>
+int Outcome(std::size_t size, Run run) {
+    void SetInputSize(std::size_t);
+    SetInputSize(size);
+    try {
+        run();
+    } catch (const StatedEnd&) {}
+    return 0;
+}
+
+// The folder of this process; it goes with it.
+class Folder {
+public:
+    static Folder& Own();
+    // Writes a file of that name; returns its path.
+    std::string Write(const std::string& name, std::string_view bytes);
+    // Removes what was written.
+    void Clear();
+
+    // Writes the files of a bundle: what stands behind a line "@@name" is the file of that name. Text ahead
+    // of the first such line, or without any, is the file `firstName`. Returns the paths, in their order.
+    std::vector<std::string> WriteBundle(std::string_view bundle, const std::string& firstName);
+
+private:
+    Folder();
+    ~Folder();
+    std::string path_;
+    std::vector<std::string> written_;
+};
+
+// Reads every number, name and index that the scene in the view holds.
+void Touch(const SceneView& view);
+
+inline std::string_view Text(const std::uint8_t* data, std::size_t size) {
+    return {reinterpret_cast<const char*>(data), size};
+}
+
+// Ends the process with a finding.
+[[noreturn]] void Finding(const char* what);
+
+} // namespace tarnwick::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

@@ -1,0 +1,36 @@
+// An archive, as its bytes or as a bundle of the members that it is to have, on one thread.
+#include "formats/stpa_archive.h"
+#include "formats/stpa_driver.h"
+#include "formats/stpx_driver.h"
+#include "harness.h"
+#include "zip_bundle.h"
+
+using namespace tarnwick;
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    return fuzz::Outcome(size, [&] {
+        fuzz::Folder& folder = fuzz::Folder::Own();
+        folder.Clear();
+        const std::string_view bytes = fuzz::Text(data, size);
+        const std::string path = folder.Write("x.stpa", bytes);
+        if (bytes.starts_with("@@")) { fuzz::WriteZip(path, bytes); }
+        ZIPReader reader;
+        if (TraiteSTPA(reader, path.c_str(), nullptr, 0) != ZIPReader::kSuccess) { return; }
+        // Without threads nothing was read, and with them an ending on another thread would be the process's.
+        ZipArchive archive(path.c_str());
+        DocumentMemory memory;
+        std::size_t length = 0;
+        const char* problem = nullptr;
+        std::string root;
+        int isStpx = 0;
+        ParseStpaIni(archive.ReadMember("stpa.ini", memory, &length, &problem), &root, &isStpx);
+        StpxSession session;
+        session.zip = &archive;
+        TraiteSTEPXFileNewMT(session, root.c_str(), nullptr, 0, 0);
+        SceneView view;
+        view.drawList = session.drawList;
+        view.root = session.root;
+        view.scene = std::move(session.scene);
+        fuzz::Touch(view);
+    });
+}

@@ -1,0 +1,17 @@
+// STEP XML: its documents and the parts that they lead to, and the boxes of the first document.
+#include "formats/format_commands.h"
+#include "formats/stpx_driver.h"
+#include "harness.h"
+
+using namespace tarnwick;
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    return fuzz::Outcome(size, [&] {
+        const auto paths = fuzz::Folder::Own().WriteBundle(fuzz::Text(data, size), "top.stpx");
+        StpxSession boxes;
+        TraiteSTEPXFileNewMT(boxes, paths[0].c_str(), nullptr, 1, 0);
+        SceneView view;
+        LoadStpxFile(view, paths[0].c_str(), "wheel", 0);
+        fuzz::Touch(view);
+    });
+}
