@@ -370,5 +370,20 @@ TEST(Stpa, ReadsHundredsOfPartsOnSixThreads) {
     EXPECT_EQ(archive, LoadReport(folder.Write("main.stpx", root), nullptr, 0));
 }
 
+TEST(ZipIndex, FindsTheFirstOfTheMembersThatMeetInOneBucket) {
+    ZipIndex index;
+    ZipIndexInit(index, 2);
+    const auto add = [&index](const std::string& name, std::uint64_t number) {
+        index.buckets[static_cast<std::size_t>(ZipHash(index, name))].push_back({number, number, name});
+    };
+    for (std::uint64_t i = 0; i < 3000; ++i) { add("part" + std::to_string(i % 1000), i); }
+    for (std::uint64_t i = 0; i < 1000; ++i) {
+        const ZipEntry* const entry = ZipLookup(index, "part" + std::to_string(i));
+        ASSERT_NE(entry, nullptr);
+        ASSERT_EQ(entry->memberIndex, i);
+    }
+    EXPECT_EQ(ZipLookup(index, "part1000"), nullptr);
+}
+
 } // namespace
 } // namespace tarnwick

@@ -54,5 +54,27 @@ TEST(StringMap, FindsTheFirstOfTwoEqualKeysAndNothingForAnother) {
     EXPECT_EQ(empty.Find("a"), nullptr);
 }
 
+TEST(StringMap, FindsTheFirstOfTheKeysThatMeetInOneBucket) {
+    // "Aa" and "BB" have one hash, and so have all texts that are put together from as many of them.
+    std::vector<std::string> keys{""};
+    for (int i = 0; i < 10; ++i) {
+        std::vector<std::string> longer;
+        for (const std::string& key : keys) {
+            longer.push_back(key + "Aa");
+            longer.push_back(key + "BB");
+        }
+        keys = std::move(longer);
+    }
+    StringMap<int> map;
+    for (int i = 0; i < 2048; ++i) { map.Add(keys[static_cast<std::size_t>(i) % keys.size()], i); }
+    map.Build();
+    for (int i = 0; i < 1024; ++i) {
+        const int* const found = map.Find(keys[static_cast<std::size_t>(i)]);
+        ASSERT_NE(found, nullptr);
+        ASSERT_EQ(*found, i);
+    }
+    EXPECT_EQ(map.Find("AaAaAaAaAaAaAaAaAaAB"), nullptr);
+}
+
 } // namespace
 } // namespace tarnwick

@@ -277,5 +277,21 @@ TEST(CollP42Ent, IsTreatedAlikeAsListAndAsMap) {
     }
 }
 
+TEST(MapP42Ent, FindsTheFirstOfEqualNumbersInALongBucketToo) {
+    Table table;
+    MapP42Ent map(&table.arena, 2);
+    for (std::int32_t i = 0; i < 4000; ++i) { map.Add(table.Record(4 * (i % 1000) + 4)); }
+    const Ids order = Iterated(map);
+    for (std::int32_t i = 0; i < 1000; ++i) {
+        ASSERT_EQ(map.Find(4 * i + 4), &table.records[static_cast<std::size_t>(i)]);
+    }
+    for (const std::int32_t id : {-4, 0, 1, 4004, INT32_MAX}) { EXPECT_EQ(map.Find(id), nullptr); }
+    EXPECT_EQ(map.Count(), 4000);
+    EXPECT_EQ(Iterated(map), order);
+    P42Ent* const late = table.Record(1);
+    map.Add(late);
+    EXPECT_EQ(map.Find(1), late);
+}
+
 } // namespace
 } // namespace tarnwick::test

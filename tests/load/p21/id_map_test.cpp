@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace tarnwick::test {
 namespace {
 
@@ -55,6 +57,24 @@ TEST(IdMap, AnswersNothingWhenItWasNeverMade) {
     Item item{1, 1};
     EXPECT_EQ(map.Find(1), nullptr);
     EXPECT_FALSE(map.Add(&item));
+}
+
+TEST(IdMap, FindsTheItemThatWasAddedFirstInALongBucketToo) {
+    Arena arena;
+    Map map(&arena, 2);
+    std::vector<Item> items;
+    for (std::int32_t i = 0; i < 5000; ++i) { items.push_back({i % 1000 * 4, i}); } // all in few buckets
+    for (Item& item : items) { map.Add(&item); }
+    for (std::int32_t i = 0; i < 1000; ++i) {
+        ASSERT_EQ(map.Find(i * 4), &items[static_cast<std::size_t>(i)]);
+    }
+    for (const std::int32_t key : {-4, 1, 3, 4001, INT32_MAX, INT32_MIN}) {
+        EXPECT_EQ(map.Find(key), nullptr);
+    }
+    Item late{1, 1};
+    map.Add(&late);
+    EXPECT_EQ(map.Find(1), &late);
+    EXPECT_EQ(map.Find(3996), &items[999]);
 }
 
 } // namespace
