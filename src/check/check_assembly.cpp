@@ -45,23 +45,25 @@ private:
     }
     bool IsFirstVisit(const P42Ent* entity) { return entity != nullptr && visited_.insert(entity).second; }
 
-    void CheckCommas(const P42Ent* entity, const Arguments& arguments, std::size_t count) {
-        for (std::size_t i = 0; i < count && i < arguments.size(); ++i) {
-            if (file_.HasComma(entity, arguments[i])) { return; }
-        }
+    // The reader goes past as many commas as arguments stand before this reference.
+    void CheckWay(const P42Ent* entity, const Arguments& arguments, std::size_t place, int commas) {
+        if (place >= arguments.size()) { return; }
+        file_.IsMissed(entity, EntityText(model_, entity), commas, '#', arguments[place]);
     }
 
     void CheckUse(const P42Ent* use) {
         const Arguments arguments = ArgumentsAt(use);
-        const Arguments shape = ArgumentsAt(At(arguments, 1));
+        const P42Ent* const definitionShape = At(arguments, 1);
+        const Arguments shape = ArgumentsAt(definitionShape);
         const P42Ent* const usage = At(shape, 2);
         if (usage == nullptr || usage->code != code::kNextAssemblyUsage) {
             file_.Add(FindingKind::kUse, use, "doesn't lead to a NEXT_ASSEMBLY_USAGE_OCCURRENCE");
             return;
         }
+        if (IsFirstVisit(definitionShape)) { CheckWay(definitionShape, shape, 2, 0); }
         reached_.insert(usage);
         const Arguments usageArguments = ArgumentsAt(usage);
-        if (IsFirstVisit(usage)) { CheckCommas(usage, usageArguments, 2); }
+        if (IsFirstVisit(usage)) { CheckWay(usage, usageArguments, 3, 2); }
         const P42Ent* const parent = At(usageArguments, 3);
         const P42Ent* const child = At(usageArguments, 4);
         CheckProduct(parent);
@@ -90,7 +92,7 @@ private:
         }
         if (!IsFirstVisit(transform)) { return; }
         const Arguments arguments = ArgumentsAt(transform);
-        CheckCommas(transform, arguments, 2);
+        CheckWay(transform, arguments, 2, 2);
         CheckPlacement(transform, At(arguments, 2));
         CheckPlacement(transform, At(arguments, 3));
     }
@@ -102,7 +104,7 @@ private:
         }
         if (!IsFirstVisit(placement)) { return; }
         const Arguments arguments = ArgumentsAt(placement);
-        CheckCommas(placement, arguments, 1);
+        CheckWay(placement, arguments, 1, 1);
         for (std::size_t i = 1; i < 4; ++i) {
             const P42Ent* const triple = At(arguments, i);
             if (i >= arguments.size() || ReferenceOf(arguments[i]) == 0) {
@@ -117,7 +119,7 @@ private:
     // A point or direction.
     void CheckTriple(const P42Ent* triple) {
         const Arguments arguments = ArgumentsAt(triple);
-        CheckCommas(triple, arguments, 1);
+        if (!arguments.empty() && file_.HasComma(triple, arguments[0])) { return; }
         if (arguments.size() < 2 || ShapeOf(arguments[1]).values != 3) {
             file_.Add(FindingKind::kUse, triple, "isn't three numbers");
         } else if (!arguments[1].starts_with('(')) {
@@ -129,10 +131,10 @@ private:
     void CheckProduct(const P42Ent* definition) {
         if (!IsFirstVisit(definition)) { return; }
         const Arguments arguments = ArgumentsAt(definition);
-        CheckCommas(definition, arguments, 2);
+        CheckWay(definition, arguments, 2, 2);
         const P42Ent* const formation = At(arguments, 2);
         const Arguments formationArguments = ArgumentsAt(formation);
-        if (IsFirstVisit(formation)) { CheckCommas(formation, formationArguments, 2); }
+        if (IsFirstVisit(formation)) { CheckWay(formation, formationArguments, 2, 2); }
         const P42Ent* const product = At(formationArguments, 2);
         if (product == nullptr) {
             file_.Add(FindingKind::kUse, definition, "doesn't lead to a PRODUCT");
@@ -216,10 +218,10 @@ private:
     const StepModel& model_;
     FileReferences* references_;
     std::unordered_set<const P42Ent*> visited_;
-    std::unordered_set<const P42Ent*> reached_;  // uses
-    std::unordered_set<const P42Ent*> parents_;  // definitions
-    std::unordered_set<const P42Ent*> children_; // definitions
-    std::unordered_set<const P42Ent*> withFile_; // definitions
+    std::unordered_set<const P42Ent*> reached_;                 // uses
+    std::unordered_set<const P42Ent*> parents_;                 // definitions
+    std::unordered_set<const P42Ent*> children_;                // definitions
+    std::unordered_set<const P42Ent*> withFile_;                // definitions
     std::unordered_map<const P42Ent*, std::string_view> names_; // of the products of definitions
 };
 

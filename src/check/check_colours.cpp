@@ -58,17 +58,19 @@ private:
     void ReadList() {
         presentation_ = model_.Find(model_.presentationId);
         if (presentation_ == nullptr) { return; }
-        const auto arguments = ArgumentsOf(EntityText(model_, presentation_));
+        const std::string_view text = EntityText(model_, presentation_);
+        const auto arguments = ArgumentsOf(text);
         if (arguments.size() < 2) {
             file_.Add(FindingKind::kColour, presentation_, "has no list as its second argument");
             return;
         }
-        if (file_.HasComma(presentation_, arguments[0])) { return; }
+        if (file_.IsMissed(presentation_, text, 1, '(', arguments[1])) { return; }
         file_.CheckBreakInReferences(presentation_, arguments[1]);
         for (const std::int32_t id : ReferencesIn(arguments[1])) {
             if (model_.Find(id) == nullptr) {
                 file_.Add(FindingKind::kColour, presentation_,
-                          "lists " + Number(id) + ", which isn't there: what is listed behind it has no effect");
+                          "lists " + Number(id) +
+                              ", which isn't there: what is listed behind it has no effect");
                 return;
             }
             listed_.insert(id);
@@ -76,7 +78,8 @@ private:
     }
 
     void CheckStyledItem(const P42Ent* styled) {
-        const auto arguments = ArgumentsOf(EntityText(model_, styled));
+        const std::string_view text = EntityText(model_, styled);
+        const auto arguments = ArgumentsOf(text);
         if (arguments.size() < 3) { return; }
         const std::int32_t item = ReferenceOf(arguments[2]);
         if (!file_.drawn.contains(item)) { return; }
@@ -92,7 +95,7 @@ private:
             file_.Add(FindingKind::kColour, styled, "doesn't list exactly one style" + lost);
         } else if (!arguments[2].starts_with('#')) {
             file_.Add(FindingKind::kBlank, styled, "a blank stands before its item" + lost);
-        } else {
+        } else if (!file_.IsMissed(styled, text, 0, '#', arguments[1])) {
             CheckStyle(styled, ReferencesIn(arguments[1]).front(), lost);
         }
     }
@@ -123,7 +126,9 @@ private:
         if (colour == nullptr) { return {.problem = "its colour " + Number(colourId) + " isn't there"}; }
         const auto arguments = ArgumentsOf(EntityText(model_, colour));
         if (colour->code == code::kColourRgb) {
-            if (!arguments.empty()) { file_.HasComma(colour, arguments[0]); }
+            if (!arguments.empty() && colours_.insert(colourId).second) {
+                file_.HasComma(colour, arguments[0]);
+            }
         } else if (colour->code != code::kDraughtingPreDefinedColour) {
             return {.problem = Number(colourId) + " is no colour that is known"};
         } else if (arguments.empty() || !IsKnownColourName(StringOf(arguments[0]))) {
@@ -137,6 +142,7 @@ private:
     const P42Ent* presentation_ = nullptr; // the first
     std::unordered_set<std::int32_t> listed_;
     std::unordered_map<std::int32_t, Outcome> styles_;
+    std::unordered_set<std::int32_t> colours_; // whose names were looked at
     bool stylesDrawn_ = false;
 };
 

@@ -36,7 +36,8 @@ std::string Number(std::int32_t id) {
 }
 
 void CheckedFile::Add(FindingKind kind, const P42Ent* entity, std::string text) {
-    findings.push_back({.kind = kind, .entity = entity->id, .offset = entity->offset, .text = std::move(text)});
+    findings.push_back(
+        {.kind = kind, .entity = entity->id, .offset = entity->offset, .text = std::move(text)});
 }
 
 void CheckedFile::AddAt(FindingKind kind, const P42Ent* entity, const char* place, std::string text) {
@@ -48,9 +49,21 @@ void CheckedFile::Add(FindingKind kind, std::string text) {
     findings.push_back({.kind = kind, .text = std::move(text)});
 }
 
-bool CheckedFile::HasComma(const P42Ent* entity, std::string_view argument) {
-    if (argument.find(',') == std::string_view::npos) { return false; }
-    Add(FindingKind::kComma, entity, "a string that is skipped to the first comma holds one");
+bool CheckedFile::HasComma(const P42Ent* entity, std::string_view name) {
+    if (name.find(',') == std::string_view::npos) { return false; }
+    Add(FindingKind::kName, entity, "its name holds a comma: what follows is read wrongly");
+    return true;
+}
+
+bool CheckedFile::IsMissed(const P42Ent* entity, std::string_view entityText, int commas, char target,
+                           std::string_view argument) {
+    const std::size_t place = argument.find(target);
+    if (place == std::string_view::npos ||
+        PlaceBehind(entityText, commas, target) == argument.data() + place) {
+        return false;
+    }
+    Add(FindingKind::kName, entity,
+        std::string("a name in it holds a \"") + target + "\" that is taken for another: it is read wrongly");
     return true;
 }
 
@@ -67,15 +80,15 @@ void CheckedFile::CheckBreakInReferences(const P42Ent* entity, std::string_view 
 }
 
 void CheckedFile::CheckProductName(const P42Ent* product) {
-    // By the moves of the readers: a quote that is absent makes a name go on to that of another entity.
+    // By the moves of the readers: where a quote is absent, a name goes on to that of another entity.
     constexpr std::size_t kLimit = 300;
-    TextWalk walk = model.WalkFrom(product);
-    walk.GoTo('(');
-    walk.GoTo('\'');
-    walk.Step();
-    const std::string_view rest(walk.at, static_cast<std::size_t>(walk.end - walk.at));
-    if (rest.size() > kLimit && rest.substr(0, kLimit).find('\'') == std::string_view::npos &&
-        rest.find('\'') != std::string_view::npos) {
+    const std::string_view own = EntityText(model, product);
+    const std::size_t open = own.find('(');
+    const std::size_t quote = open != std::string_view::npos ? own.find('\'', open) : open;
+    if (quote == std::string_view::npos) { return; }
+    const char* const name = own.data() + quote + 1;
+    const std::string_view rest(name, static_cast<std::size_t>(model.textEnd - name));
+    if (rest.size() >= kLimit && rest.substr(0, kLimit).find('\'') == std::string_view::npos) {
         Add(FindingKind::kTooLong, product, "its name has 300 characters or more");
     }
 }

@@ -36,8 +36,12 @@ struct CheckedFile {
     // Adds one on the whole file.
     void Add(FindingKind kind, std::string text);
 
-    // Whether an argument that is skipped up to its first comma holds one itself; adds that finding.
-    bool HasComma(const P42Ent* entity, std::string_view argument);
+    // Whether a name that is skipped to its first comma holds one itself; adds that finding.
+    bool HasComma(const P42Ent* entity, std::string_view name);
+    // Whether a reader that goes past `commas` commas to the next `target`, wherever they stand, misses the
+    // one that starts `argument`; adds that finding.
+    bool IsMissed(const P42Ent* entity, std::string_view entityText, int commas, char target,
+                  std::string_view argument);
     // Adds a finding when a line ends where an item of a list of references should follow.
     void CheckBreakInReferences(const P42Ent* entity, std::string_view list);
     // Adds a finding when the first string of a PRODUCT is longer than the program bears.

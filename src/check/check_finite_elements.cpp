@@ -30,8 +30,9 @@ void CheckFiniteElements(CheckedFile& file) {
             if (nodes == 4) {
                 ++quads;
             } else {
-                file.Add(FindingKind::kNotDrawn, entity,
-                         "an element of " + std::to_string(nodes) + " nodes isn't drawn: only those of 4 are");
+                file.Add(FindingKind::kElement, entity,
+                         "an element of " + std::to_string(nodes) +
+                             " nodes isn't drawn: only those of 4 are");
             }
         } else if (entity->code == code::kNode) {
             ListAt(file, entity, 1);
@@ -40,12 +41,12 @@ void CheckFiniteElements(CheckedFile& file) {
         } else {
             const std::string_view keyword = KeywordOf(EntityText(model, entity));
             if (keyword.ends_with("ELEMENT_REPRESENTATION")) {
-                file.Add(FindingKind::kNotDrawn, entity, std::string(keyword) + " isn't drawn");
+                file.Add(FindingKind::kElement, entity, std::string(keyword) + " isn't drawn");
             }
         }
     }
     if (quads == 0) {
-        file.Add(FindingKind::kNotDrawn, "the file has no SURFACE_3D_ELEMENT_REPRESENTATION of four nodes");
+        file.Add(FindingKind::kElement, "the file has no SURFACE_3D_ELEMENT_REPRESENTATION of four nodes");
     }
 }
 

@@ -37,6 +37,9 @@ bool IsRead(std::int32_t keywordCode) {
     return keywordCode >= code::kTessellatedShapeRepresentation && keywordCode != 15;
 }
 
+// How far a keyword is looked for behind its "=".
+constexpr std::size_t kLongestGap = 1000;
+
 class LineCheck {
 public:
     explicit LineCheck(CheckedFile& file) : file_(file) {}
@@ -108,23 +111,24 @@ private:
         CheckKeyword(line, id, line.substr(equals + 1));
     }
 
+    // The scan passes over blanks behind the "=", and nothing else.
     void CheckKeyword(std::string_view line, std::int32_t id, std::string_view behind) {
         while (!behind.empty() && behind.front() == ' ') { behind.remove_prefix(1); }
-        const std::string_view keyword = Trimmed(behind);
-        if (keyword.empty()) {
-            Add(FindingKind::kBrokenList, id, line, "its keyword doesn't stand on its first line");
-            return;
-        }
-        if (IsBlank(behind.front())) {
-            if (IsRead(ClassifyEntity(keyword.data()))) {
-                Add(FindingKind::kBlank, id, line, "isn't known, since a tab stands behind its \"=\"");
-            }
+        const char* const end = file_.model.textEnd;
+        const std::string_view rest(behind.data(), static_cast<std::size_t>(end - behind.data()));
+        const std::string_view keyword = SkipSpace(rest.substr(0, kLongestGap));
+        if (keyword.data() != behind.data()) {
+            if (keyword.empty() || !IsRead(ClassifyEntity(keyword.data()))) { return; }
+            const bool sameLine = keyword.data() < line.data() + line.size();
+            Add(sameLine ? FindingKind::kBlank : FindingKind::kBrokenList, id, line,
+                sameLine ? "isn't known, since a tab or comment stands behind its \"=\""
+                         : "isn't known, since its keyword doesn't stand on its first line");
             return;
         }
         for (const std::string_view name : {std::string_view("PRODUCT"), std::string_view("NODE")}) {
             if (!keyword.starts_with(name)) { continue; }
-            const std::string_view rest = keyword.substr(name.size());
-            if (!rest.empty() && IsBlank(rest.front()) && WithoutBlanks(rest).starts_with("(")) {
+            const std::string_view gap = keyword.substr(name.size());
+            if (!gap.empty() && IsBlank(gap.front()) && WithoutBlanks(gap.substr(0, 20)).starts_with("(")) {
                 Add(FindingKind::kBlank, id, line,
                     "isn't known, since a blank stands between " + std::string(name) + " and \"(\"");
             }
@@ -135,7 +139,9 @@ private:
     void CheckBehind(std::string_view line) {
         for (std::size_t end = line.find(';'); end != std::string_view::npos; end = line.find(';', end + 1)) {
             const std::int32_t id = EntityAtStart(WithoutBlanks(line.substr(end + 1)));
-            if (id != 0) { Add(FindingKind::kOneLine, id, line, "is lost behind another entity on its line"); }
+            if (id != 0) {
+                Add(FindingKind::kOneLine, id, line, "is lost behind another entity on its line");
+            }
         }
     }
 

@@ -80,12 +80,13 @@ private:
     // The entities of the list that is the second argument.
     std::vector<const P42Ent*> Listed(const P42Ent* entity) {
         std::vector<const P42Ent*> items;
-        const auto arguments = ArgumentsOf(EntityText(model_, entity));
+        const std::string_view text = EntityText(model_, entity);
+        const auto arguments = ArgumentsOf(text);
         if (arguments.size() < 2) {
             file_.Add(FindingKind::kDamaged, entity, "has no list as its second argument");
             return items;
         }
-        if (file_.HasComma(entity, arguments[0])) { return items; }
+        if (file_.IsMissed(entity, text, 1, '(', arguments[1])) { return items; }
         file_.CheckBreakInReferences(entity, arguments[1]);
         for (const std::int32_t id : ReferencesIn(arguments[1])) {
             const P42Ent* const item = model_.Find(id);
@@ -99,9 +100,8 @@ private:
         const std::string keyword = Keyword(item);
         if (keyword.starts_with("AXIS2_PLACEMENT") || !seen_.insert(item).second) { return; }
         file_.Add(FindingKind::kNotDrawn, item,
-                  IsFace(item->code)
-                      ? keyword + " directly under the representation isn't drawn"
-                      : (keyword.empty() ? "a complex instance" : keyword) + " isn't drawn");
+                  IsFace(item->code) ? keyword + " directly under the representation isn't drawn"
+                                     : (keyword.empty() ? "a complex instance" : keyword) + " isn't drawn");
     }
 
     void CheckContainer(const P42Ent* container) {
@@ -152,12 +152,15 @@ private:
         if (known != points_.end()) { return known->second; }
         std::int64_t& points = points_[list];
         points = -1;
-        const auto arguments = ArgumentsOf(EntityText(model_, list));
+        const std::string_view text = EntityText(model_, list);
+        const auto arguments = ArgumentsOf(text);
         if (arguments.size() < 3) {
             file_.Add(FindingKind::kDamaged, list, "has no list of points as its third argument");
             return -1;
         }
-        if (file_.HasComma(list, arguments[0]) || file_.CheckBreak(list, arguments[2])) { return -1; }
+        if (file_.IsMissed(list, text, 2, '(', arguments[2]) || file_.CheckBreak(list, arguments[2])) {
+            return -1;
+        }
         const ListShape shape = ShapeOf(arguments[2]);
         if (!shape.triples) {
             file_.Add(FindingKind::kDamaged, list, "has a point that isn't three numbers");
@@ -256,9 +259,11 @@ private:
 
     void NoteLeftOut(const P42Ent* entity) {
         seen_.insert(entity);
-        file_.Add(FindingKind::kNotDrawn, entity,
-                  Keyword(entity) + " isn't drawn: the TESSELLATED_SHAPE_REPRESENTATION that counts doesn't "
-                                    "lead to it");
+        const char* const why = model_.shapeRepresentationId != 0
+                                    ? " isn't drawn: the TESSELLATED_SHAPE_REPRESENTATION that counts "
+                                      "doesn't lead to it"
+                                    : " isn't drawn: no TESSELLATED_SHAPE_REPRESENTATION leads to it";
+        file_.Add(FindingKind::kNotListed, entity, Keyword(entity) + why);
     }
 
     void CheckExact(bool hasRepresentation) {
@@ -281,8 +286,10 @@ private:
                       "the first of " + count + ", but the file has no TESSELLATED_SHAPE_REPRESENTATION");
         } else if (drawnFaces_ < exact && !hasSet_) {
             file_.Add(FindingKind::kExactOnly, first,
-                      "the first of " + count + ", but only " + std::to_string(drawnFaces_) +
-                          " tessellated faces are drawn");
+                      "the first of " + count +
+                          (drawnFaces_ == 0 ? ", but no tessellated face is drawn"
+                                            : ", but only " + std::to_string(drawnFaces_) +
+                                                  " tessellated faces are drawn"));
         }
     }
 

@@ -14,7 +14,9 @@ std::string FindingLine(const CheckReport& report, const Finding& finding) {
         if (!place.empty()) { place += ", "; }
         place += piece;
     };
-    if (report.files.size() > 1) { add(report.files[static_cast<std::size_t>(finding.file)]); }
+    if (report.files.size() > 1 || finding.kind == FindingKind::kUnread) {
+        add(report.files[static_cast<std::size_t>(finding.file)]);
+    }
     if (finding.line > 0) { add("line " + std::to_string(finding.line)); }
     if (finding.entity > 0) { add(Number(finding.entity)); }
     return place.empty() ? finding.text : place + ": " + finding.text;

@@ -57,11 +57,29 @@ std::string_view EntityText(const StepModel& model, const P42Ent* entity) {
 std::string_view KeywordOf(std::string_view entityText) {
     const std::size_t equals = entityText.find('=');
     if (equals == std::string_view::npos) { return {}; }
-    std::size_t start = equals + 1;
-    while (start < entityText.size() && IsSpace(entityText[start])) { ++start; }
-    std::size_t end = start;
-    while (end < entityText.size() && entityText[end] != '(' && !IsSpace(entityText[end])) { ++end; }
-    return entityText.substr(start, end - start);
+    const std::string_view keyword = SkipSpace(entityText.substr(equals + 1));
+    std::size_t end = 0;
+    while (end < keyword.size() && keyword[end] != '(' && !IsSpace(keyword[end])) { ++end; }
+    return keyword.substr(0, end);
+}
+
+const char* PlaceBehind(std::string_view entityText, int commas, char target) {
+    std::size_t place = entityText.find('(');
+    for (int i = 0; i < commas && place != std::string_view::npos; ++i) {
+        place = entityText.find(',', place + 1);
+    }
+    if (place != std::string_view::npos) { place = entityText.find(target, place + 1); }
+    return place != std::string_view::npos ? entityText.data() + place : nullptr;
+}
+
+std::string_view SkipSpace(std::string_view text) {
+    for (;;) {
+        while (!text.empty() && IsSpace(text.front())) { text.remove_prefix(1); }
+        if (!text.starts_with("/*")) { return text; }
+        const std::size_t end = text.find("*/", 2);
+        if (end == std::string_view::npos) { return text; }
+        text.remove_prefix(end + 2);
+    }
 }
 
 std::vector<std::string_view> ArgumentsOf(std::string_view entityText) {

@@ -20,6 +20,13 @@ std::string_view KeywordOf(std::string_view entityText);
 // what is there.
 std::vector<std::string_view> ArgumentsOf(std::string_view entityText);
 
+// The place that a reader comes to which goes to the first "(", past a number of commas, wherever they stand,
+// and then to the first `target`; null when there is none.
+const char* PlaceBehind(std::string_view entityText, int commas, char target);
+
+// Without the blanks, tabs, line ends and comments at its start.
+std::string_view SkipSpace(std::string_view text);
+
 // Without blanks, tabs and line ends around it.
 std::string_view Trimmed(std::string_view text);
 

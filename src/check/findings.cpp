@@ -30,11 +30,15 @@ constexpr FindingKindText kTexts[kFindingKinds] = {
     {"not-drawn", "Items that are not drawn",
      "Write shapes as faces of a TESSELLATED_SOLID or TESSELLATED_SHELL, or as "
      "COMPLEX_TRIANGULATED_SURFACE_SETs, that the representation lists: others aren't drawn."},
+    {"element", "Elements that are not drawn",
+     "Mesh the model with surface elements of four nodes: others aren't drawn."},
     {"swallowed-line", "Entities that the line before has swallowed",
      "End each line of the data section with \";\", and take out comments and lines of blanks."},
     {"blank", "Blanks and tabs where none may stand",
      "Take out the blanks and tabs: the readers take the text to the character."},
-    {"comma-in-name", "Names with commas", "Take the commas out of the names: they put the readers out of step."},
+    {"name", "Names that put the readers out of step",
+     "Take commas, \"#\" and parentheses out of the names: the readers don't tell them from those of the "
+     "entity."},
     {"several-on-a-line", "Entities behind others on a line",
      "Start each entity on a line of its own: what else stands on a line is lost."},
     {"use", "Uses that the tree doesn't show",
@@ -47,8 +51,12 @@ constexpr FindingKindText kTexts[kFindingKinds] = {
     {"transparent", "Faces of opacity 0",
      "Mind that the number of a SURFACE_STYLE_TRANSPARENT is the opacity: with 0 nothing is seen."},
     {"colour", "Colours that don't reach their faces",
-     "List the styled items in the file's first MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION, with "
+     "List the styled items in the file's first MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION, "
+     "with "
      "the usual chain from style to colour."},
+    {"not-listed", "Shapes that the representation doesn't lead to",
+     "List these shapes in the TESSELLATED_SHAPE_REPRESENTATION if they belong to the part; annotations "
+     "needn't be there."},
     {"no-normals", "Faces without normals",
      "Export with normals, one for each point or one for each face: without them the light is wrong."},
 };
@@ -75,9 +83,8 @@ void FindLines(std::string_view text, std::vector<Finding>* findings, std::size_
 }
 
 const char* AdviceFor(const std::vector<Finding>& findings) {
-    const auto worst = std::min_element(findings.begin(), findings.end(), [](const auto& a, const auto& b) {
-        return a.kind < b.kind;
-    });
+    const auto worst = std::min_element(findings.begin(), findings.end(),
+                                        [](const auto& a, const auto& b) { return a.kind < b.kind; });
     return worst != findings.end() ? TextOf(worst->kind).advice : "Nothing is wrong with this file.";
 }
 

@@ -21,18 +21,20 @@ enum class FindingKind {
     kNoFile,
     kSeveralRepresentations,
     kNotDrawn,
+    kElement,
     kSwallowed,
     kBlank,
-    kComma,
+    kName,
     kOneLine,
     kUse,
     kMissing,
     kDoubled,
     kTransparent,
     kColour,
+    kNotListed,
     kNoNormals,
 };
-inline constexpr std::size_t kFindingKinds = 20;
+inline constexpr std::size_t kFindingKinds = 22;
 
 // How a kind is called in reports, above its findings, and what to do about it.
 struct FindingKindText {

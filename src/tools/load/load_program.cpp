@@ -106,7 +106,8 @@ int PrintCheck(const LoadOptions& options) {
     const char* const rootName = options.product ? options.product->c_str() : nullptr;
     const CheckReport report = CheckPath(dispatch, options.path, rootName, options.noThreads ? 0 : 1);
     const bool asJson = !options.jsonFile.empty();
-    const bool written = WriteReport(asJson ? CheckJson(report) : CheckText(report), asJson ? options.jsonFile : "-");
+    const bool written =
+        WriteReport(asJson ? CheckJson(report) : CheckText(report), asJson ? options.jsonFile : "-");
     return written && report.findings.empty() ? 0 : 1;
 }
 
