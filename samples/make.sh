@@ -27,3 +27,4 @@ style="--kind strips --normals one --shared-coordinates"
 "$make" stpx machine-xml/machine.stpx --uses 4 --triangles-per-part 300 $style
 "$make" stpa machine.stpa --uses 4 --triangles-per-part 300 $style --route documents
 "$make" stpj machine.stpj --uses 4 --triangles-per-part 300
+"$make" part machine.stpz --machine 300 $style --compress

@@ -50,7 +50,7 @@ _tarnwick_make() {
   local options="--help --seed"
   local machine="--parts --uses --depth --triangles-per-part"
   case $kind in
-    part) options+=" --triangles --faces --solids --shape --name $mesh --colours --transparent --material --compress" ;;
+    part) options+=" --triangles --faces --solids --shape --machine --name $mesh --colours --transparent --material --compress" ;;
     assembly) options+=" $machine $mesh --compress --one-missing" ;;
     fem) options+=" --quads --compress" ;;
     stpx) options+=" $machine $mesh --documents --route --no-parts --compress" ;;

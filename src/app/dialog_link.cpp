@@ -76,16 +76,15 @@ void DialogLink::StopWaiting() {
 }
 
 bool DialogLink::OnDialogThread(std::function<void()> work) {
-    if (QThread::currentThread() == dialog_.thread()) {
+    if (QThread::currentThread() == receiver_.thread()) {
         work();
         return true;
     }
     std::unique_lock<std::mutex> hold(lock_);
     if (closing_) { return false; }
     done_ = false;
-    // The event dies with the dialog. It is only posted here, under the lock, while the dialog isn't closing.
     QMetaObject::invokeMethod(
-        &dialog_,
+        &receiver_,
         [this, work = std::move(work)] {
             if (IsClosing()) { return; }
             work();

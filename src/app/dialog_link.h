@@ -4,6 +4,8 @@
 #include "link/link_port.h"
 #include "link/server_link.h"
 
+#include <QObject>
+
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -48,6 +50,7 @@ private:
     std::condition_variable changed_;
     bool closing_ = false;
     bool done_ = false; // of the one piece of work that is handed over at a time
+    QObject receiver_;  // of that work, which so can't outlive this
     ServerLink link_;   // its thread ends first
 };
 

@@ -274,7 +274,7 @@ char* ZipArchive::ReadDeflated(const MemberInfo& info, DocumentMemory& memory, s
     }
     std::uint32_t packedSize = 0;
     GetBufferCurrentFile(info, packed, &packedSize);
-    const std::size_t inflated = InflateBytes(packed, packedSize, text, room);
+    const std::size_t inflated = InflateBytes(packed, packedSize, text, room, true);
     // The text counts as long as the record says; one that is longer has a NUL in it.
     text[inflated] = '\0';
     if (claimed < inflated) { text[claimed] = '\0'; }

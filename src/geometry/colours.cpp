@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -25,6 +26,14 @@ constexpr NamedColour kNamedColours[] = {
     {"yel", 1, 1, 0}, {"blu", 0, 0, 1}, {"cya", 0, 1, 1}, {"mag", 1, 0, 1},
 };
 
+// By three characters, which must be readable; null for a name that isn't known.
+const NamedColour* FindNamedColour(const char* name) {
+    for (const NamedColour& colour : kNamedColours) {
+        if (std::memcmp(name, colour.prefix, 3) == 0) { return &colour; }
+    }
+    return nullptr;
+}
+
 // COLOUR_RGB(name, red, green, blue): the numbers behind the first three commas.
 void AddRgbRow(TextWalk* walk, std::int32_t id, std::vector<ColourEntry>* rows) {
     float values[3];
@@ -43,12 +52,8 @@ void AddNamedRow(TextWalk* walk, std::int32_t id, std::vector<ColourEntry>* rows
     walk->GoTo('(');
     walk->Step();
     walk->Step();
-    for (const NamedColour& colour : kNamedColours) {
-        if (std::memcmp(walk->at, colour.prefix, 3) == 0) {
-            rows->push_back({id, colour.red, colour.green, colour.blue, kUnused});
-            return;
-        }
-    }
+    const NamedColour* const colour = FindNamedColour(walk->at);
+    if (colour != nullptr) { rows->push_back({id, colour->red, colour->green, colour->blue, kUnused}); }
 }
 
 // One row for each colour of the file. A number that isn't there ends the table, not just its own row.
@@ -201,6 +206,10 @@ int ResolveStyle(const StepModel& model, std::int32_t styleId, std::int32_t* col
     return chosen->code == code::kSurfaceStyleFillArea
                ? ResolveFillArea(model, model.WalkFrom(chosen), colourId)
                : ResolveRendering(model, model.WalkFrom(chosen), colourId, alpha);
+}
+
+bool IsKnownColourName(std::string_view name) {
+    return name.size() >= 3 && FindNamedColour(name.data()) != nullptr;
 }
 
 bool ReadColours(PartReader& reader) {

@@ -7,6 +7,7 @@
 #include "product/scene_records.h"
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 namespace tarnwick {
@@ -96,6 +97,9 @@ bool ReadColours(PartReader& reader);
 // expected, as that of a curve's style, or ends nowhere. The number of a SURFACE_STYLE_TRANSPARENT is the
 // alpha as it stands.
 int ResolveStyle(const StepModel& model, std::int32_t styleId, std::int32_t* colourId, float* alpha);
+
+// Whether a DRAUGHTING_PRE_DEFINED_COLOUR of this name has a colour.
+bool IsKnownColourName(std::string_view name);
 
 // Writes the names of raw materials on the reader's containers: those of the products that a
 // MAKE_FROM_USAGE_OPTION names, on the solids that its own shape representation lists. False when a line runs

@@ -1,6 +1,7 @@
 // What the screen shows and what a click hits, through the real graphics library.
 
 #include "dialog_fixture.h"
+#include "formats/format_commands.h"
 #include "product/draw_list.h"
 
 #include <gmock/gmock.h>
@@ -310,6 +311,33 @@ TEST_F(DrawingTest, ThePictureComesBackAfterBeingCovered) {
     }
     QTest::qWait(200);
     EXPECT_TRUE(IsNear(ColourAt(Picture(), kRed), 244, 0, 0));
+}
+
+TEST_F(DrawingTest, OneMachineInFourFormatsGivesOnePicture) {
+    const std::string samples = TARNWICK_SAMPLES;
+    Open(L"", kLoadCommands);
+    Load(samples + "/machine/machine.stp");
+    const QImage assembly = Picture();
+    for (const char* const file : {"/machine-xml/machine.stpx", "/machine.stpa", "/machine.stpz"}) {
+        Load(samples + file);
+        const QImage picture = Picture();
+        ASSERT_EQ(picture.size(), assembly.size());
+        // Where two parts meet in a plane, the last bits of a placement decide which one shows.
+        int different = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                different += picture.pixel(x, y) != assembly.pixel(x, y);
+            }
+        }
+        EXPECT_LT(different, picture.width() * picture.height() / 1000) << file;
+    }
+    int background = 0;
+    for (int y = 0; y < assembly.height(); ++y) {
+        for (int x = 0; x < assembly.width(); ++x) {
+            background += assembly.pixelColor(x, y) == QColor(204, 204, 204);
+        }
+    }
+    EXPECT_LT(background, assembly.width() * assembly.height() * 9 / 10);
 }
 
 } // namespace

@@ -15,11 +15,13 @@ std::size_t InflatedRoom(std::uint64_t size) {
     return size > kLargest || room > kLargest ? 0 : static_cast<std::size_t>(room);
 }
 
-std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* out, std::size_t room) {
+std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* out, std::size_t room,
+                         bool isMember) {
     constexpr std::uint32_t kStep = 0x40000;
     constexpr int kDetectHeader = 47; // zlib's largest window, and either header
     z_stream stream{};
     if (inflateInit2(&stream, kDetectHeader) != Z_OK) { return 0; }
+    if (isMember) { inflateValidate(&stream, 0); }
     stream.next_in = const_cast<unsigned char*>(data);
     stream.next_out = reinterpret_cast<unsigned char*>(out);
     std::uint32_t left = size;

@@ -88,7 +88,7 @@ int StepModel::Inflate(const unsigned char* data, std::uint32_t size) {
         ConsolePrint("<E> %s: no room to inflate its %u bytes\n", fileName.c_str(), size);
         return kNotP21;
     }
-    const std::size_t total = InflateBytes(data, size, out, room);
+    const std::size_t total = InflateBytes(data, size, out, room, data == compressedData.get());
     std::memset(out + total, 0, TextBlock::kPadding);
     text = out;
     textEnd = out + total;

@@ -1,5 +1,6 @@
 #include "tools/load/load_program.h"
 
+#include "check/check_path.h"
 #include "formats/format_commands.h"
 #include "load/load_file.h"
 #include "platform/console.h"
@@ -95,6 +96,19 @@ int PrintIndex(const LoadOptions& options) {
         std::fprintf(stderr, "tarnwick-load: %s can't be opened\n", options.path.c_str());
     }
     return written && result == StepModel::kRead ? 0 : 1;
+}
+
+int PrintCheck(const LoadOptions& options) {
+    EnableOutput(false);
+    SceneView view;
+    StatusOnly controls;
+    LoadDispatch dispatch{view, controls, kLoadCommands};
+    const char* const rootName = options.product ? options.product->c_str() : nullptr;
+    const CheckReport report = CheckPath(dispatch, options.path, rootName, options.noThreads ? 0 : 1);
+    const bool asJson = !options.jsonFile.empty();
+    const bool written =
+        WriteReport(asJson ? CheckJson(report) : CheckText(report), asJson ? options.jsonFile : "-");
+    return written && report.findings.empty() ? 0 : 1;
 }
 
 } // namespace tarnwick::tools

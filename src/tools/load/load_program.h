@@ -11,4 +11,8 @@ int LoadAndReport(const LoadOptions& options);
 // Prints the entity index of the file. Returns 0 when it could be read, else 1.
 int PrintIndex(const LoadOptions& options);
 
+// Prints why the file shows less than it should, or writes it as JSON where that was asked for. Returns 0
+// when nothing was found, else 1.
+int PrintCheck(const LoadOptions& options);
+
 } // namespace tarnwick::tools

@@ -8,5 +8,6 @@ int main(int argc, char** argv) {
     LoadOptions options;
     int status = 0;
     if (!ReadOptions(argc, argv, &options, &status)) { return status; }
+    if (options.check) { return PrintCheck(options); }
     return options.index ? PrintIndex(options) : LoadAndReport(options);
 }

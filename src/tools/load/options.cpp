@@ -31,9 +31,12 @@ bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
         app.add_flag("--index", options->index, "print the entity index of one P21 file instead");
     auto* const entities =
         app.add_flag("--entities", options->entities, "put the whole entity table into the index");
+    auto* const check = app.add_flag(
+        "--check", options->check, "tell instead why a file shows less than it should; with --json as JSON");
     arrays->needs(json);
     entities->needs(index);
     for (CLI::Option* const other : {json, arrays, depth, noThreads, repeat}) { index->excludes(other); }
+    for (CLI::Option* const other : {arrays, depth, repeat, index}) { check->excludes(other); }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

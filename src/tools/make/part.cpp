@@ -3,6 +3,7 @@
 
 #include "tools/make/command_line.h"
 #include "tools/make/exact.h"
+#include "tools/make/machine.h"
 #include "tools/make/output.h"
 
 #include <algorithm>
@@ -103,9 +104,10 @@ private:
 
     // Each solid makes good what the ones before it have spent too much or too little.
     Solid MakeNextSolid(std::size_t number) {
+        const PartPlan::Item& item = plan_.items[number];
         std::size_t solids = plan_.items.size(), due = plan_.triangles * (number + 1) / solids;
-        Solid solid =
-            MakeSolid(plan_.items[number].dims, due > counts_.triangles ? due - counts_.triangles : 0);
+        std::size_t share = due > counts_.triangles ? due - counts_.triangles : 0;
+        Solid solid = MakeSolid(item.dims, item.triangles != 0 ? item.triangles : share);
         counts_.triangles += TriangleCount(solid);
         if (plan_.faces != 0)
             SetFaceCount(&solid, plan_.faces * (number + 1) / solids - plan_.faces * number / solids);
@@ -225,12 +227,13 @@ private:
     // With no more colours than solids, solids take turns; with more, each solid has a range of its own,
     // which its faces run through.
     std::size_t FirstColour(std::size_t solid) const {
+        if (plan_.items[solid].colour >= 0) return static_cast<std::size_t>(plan_.items[solid].colour);
         std::size_t solids = plan_.items.size();
         return Colours() <= solids ? solid % Colours() : solid * Colours() / solids;
     }
     std::size_t FaceColour(std::size_t solid, std::size_t face, std::size_t faces) const {
         std::size_t solids = plan_.items.size();
-        if (Colours() <= solids) return FirstColour(solid);
+        if (Colours() <= solids || plan_.items[solid].colour >= 0) return FirstColour(solid);
         std::size_t range = (solid + 1) * Colours() / solids - FirstColour(solid);
         return FirstColour(solid) + face * range / faces;
     }
@@ -329,6 +332,36 @@ ShapeDims ChooseDims(const PartOptions& o, std::size_t number, std::size_t first
     return PlateDims{1, 1, prng->Range(30, 100), prng->Range(30, 100), prng->Range(10, 60), 0, 0};
 }
 
+void AddUses(const Machine& machine, int node, const Placement& at, std::size_t triangles, PartPlan* plan) {
+    for (const Machine::Use& use : machine.nodes[static_cast<std::size_t>(node)].uses) {
+        Placement inner = Place(at, use.at);
+        if (!use.ofPart) {
+            AddUses(machine, use.number, inner, triangles, plan);
+            continue;
+        }
+        const Machine::Part& part = machine.parts[static_cast<std::size_t>(use.number)];
+        plan->items.push_back({part.dims, inner, triangles, part.colour});
+    }
+}
+
+PartPlan PlanMachine(const PartOptions& o) {
+    MachineOptions options;
+    options.seed = o.style.seed;
+    Machine machine = MakeMachine(options);
+    PartPlan plan;
+    plan.id = plan.name = o.name.empty() ? machine.nodes[0].name : o.name;
+    AddUses(machine, 0, {}, o.machine, &plan);
+    return plan;
+}
+
+int ColoursOf(const PartOptions& o, const PartPlan& plan) {
+    if (o.colours != 0) return o.colours;
+    if (o.machine == 0) return static_cast<int>(std::min<std::size_t>(plan.items.size(), 8));
+    int most = 0;
+    for (const PartPlan::Item& item : plan.items) most = std::max(most, item.colour);
+    return most + 1;
+}
+
 } // namespace
 
 PartCounts WritePart(const PartPlan& plan, const PartStyle& style, P21Writer* out) {
@@ -336,6 +369,10 @@ PartCounts WritePart(const PartPlan& plan, const PartStyle& style, P21Writer* ou
 }
 
 std::string CheckPartOptions(const PartOptions& o) {
+    if (o.machine != 0) {
+        bool sheet = o.solids != 0 || o.faces != 0 || o.colours != 0 || o.shape;
+        return sheet ? "--machine: goes with neither --solids, --faces, --colours nor --shape" : "";
+    }
     std::size_t solids = SolidsOf(o);
     if (o.triangles / solids < fewestOfAnySolid) return "--triangles: at least 12 for each solid";
     if (o.faces != 0 && o.faces < solids) return "--faces: at least one for each solid";
@@ -346,6 +383,7 @@ std::string CheckPartOptions(const PartOptions& o) {
 }
 
 PartPlan PlanPart(const PartOptions& o) {
+    if (o.machine != 0) return PlanMachine(o);
     PartPlan plan;
     std::size_t solids = SolidsOf(o);
     plan.name = !o.name.empty() ? o.name : o.shape ? std::string(NameOf(*o.shape)) : "Sample sheet";
@@ -367,8 +405,7 @@ PartPlan PlanPart(const PartOptions& o) {
 int RunPart(const PartOptions& o) {
     PartPlan plan = PlanPart(o);
     PartStyle style = o.style;
-    style.colours =
-        o.colours != 0 ? o.colours : static_cast<int>(std::min<std::size_t>(plan.items.size(), 8));
+    style.colours = ColoursOf(o, plan);
     PartCounts counts;
     bool written =
         WriteFile(o.out, o.compress, [&](P21Writer* out) { counts = WritePart(plan, style, out); });
@@ -406,6 +443,8 @@ CLI::App* AddPartCommand(CLI::App* app, PartOptions* o) {
     AddNumber(part, "--solids", &o->solids, 1, mostTriangles,
               "Solids (default: one for each 20,000 triangles)");
     AddChoice(part, "--shape", &o->shape, shapes, "Shape of all solids (default: all shapes in turn)");
+    AddNumber(part, "--machine", &o->machine, 12, 10000000,
+              "The machine of the other kinds as one part, N triangles for each of its parts, about");
     part->add_option("--name", o->name, "Id and name of the product (default: after the shape)");
     AddStyleOptions(part, &o->style);
     AddNumber(part, "--colours", &o->colours, 1, 1000, "Colours (default: one for each solid, up to 8)");

@@ -37,6 +37,8 @@ struct PartPlan {
     struct Item {
         ShapeDims dims;
         Placement placement;
+        std::size_t triangles = 0; // 0: its share of those of all
+        int colour = -1;           // of the palette; -1: the colours of the style in turn
     };
     std::string id, name;
     std::vector<Item> items;   // one solid each
@@ -58,7 +60,8 @@ struct PartOptions {
     std::size_t solids = 0;     // 0: one for each 20,000 triangles
     int colours = 0;            // 0: one for each solid, up to 8
     std::optional<Shape> shape; // none: all of them in turn
-    std::string name;           // of the product; empty: that of the shape
+    std::size_t machine = 0; // triangles for each part of a machine that is written as one part; 0: a sheet
+    std::string name;        // of the product; empty: that of the shape
     bool compress = false;
     PartStyle style;
 };
@@ -66,7 +69,8 @@ struct PartOptions {
 // Empty when the options go together, else what is wrong with them.
 std::string CheckPartOptions(const PartOptions& options);
 
-// Solids in rows on a sheet, one to a cell of sheetCell and a little between.
+// Solids in rows on a sheet, one to a cell of sheetCell and a little between; or a machine, with a solid for
+// each use of a part.
 PartPlan PlanPart(const PartOptions& options);
 
 // Exit status of the program: 0, or 1 with a line on standard error.

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <set>
 
 namespace tarnwick::make {
 namespace {
@@ -253,6 +254,32 @@ TEST_F(MakeFiles, SummaryBoxesHoldWhatIsInThem) {
             EXPECT_LT(middle, top[2 * axis + 1].get<double>());
         }
     }
+}
+
+TEST_F(MakeFiles, TheMachineAsOnePartHasTheTrianglesAndTheBoxOfTheAssembly) {
+    const Arguments style{"--kind", "strips", "--normals", "one", "--shared-coordinates"};
+    ASSERT_EQ(Run(Joined({"assembly", Path("top.stp"), "--triangles-per-part", "100"}, style)), 0);
+    ASSERT_EQ(Run(Joined({"part", Path("all.stp"), "--machine", "100"}, style)), 0);
+    const json assembly = Load(Path("top.stp"));
+    const json part = Load(Path("all.stp"));
+    EXPECT_EQ(part["triangles"], assembly["triangles"]);
+    EXPECT_EQ(part["pickMode"], 1);
+    EXPECT_EQ(part["drawList"].size(), 1u);
+    EXPECT_EQ(assembly["drawList"].size(), 72u);
+    for (std::size_t i = 0; i < 6; ++i) {
+        EXPECT_NEAR(part["box"][i].get<double>(), assembly["box"][i].get<double>(), 1e-3) << i;
+    }
+    std::set<json> colours[2];
+    for (const json& mesh : part["meshes"]) { colours[0].insert(mesh["colour"]); }
+    for (const json& mesh : assembly["meshes"]) { colours[1].insert(mesh["colour"]); }
+    EXPECT_EQ(colours[0], colours[1]);
+}
+
+TEST_F(MakeFiles, AMachineAsOnePartHasItsOwnSolidsAndColours) {
+    for (const char* const option : {"--solids", "--faces", "--colours"}) {
+        EXPECT_EQ(Run({"part", Path("all.stp"), "--machine", "100", option, "9"}), 2) << option;
+    }
+    EXPECT_EQ(FileCount(), 0u);
 }
 
 } // namespace

@@ -1,0 +1,234 @@
+// From each CONTEXT_DEPENDENT_SHAPE_REPRESENTATION by the chain that the assembly reader knows, and from each
+// document reference to the name of a file.
+
+#include "check/check_file.h"
+#include "check/entity_text.h"
+#include "load/p21/keyword_codes.h"
+
+#include <unordered_map>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr std::int32_t kAdvancedFace = 6;
+
+class AssemblyCheck {
+public:
+    AssemblyCheck(CheckedFile& file, FileReferences* references)
+        : file_(file), model_(file.model), references_(references) {}
+
+    void Run(bool isTop) {
+        const auto forAll = [this](std::int32_t wanted, auto check) {
+            for (std::int32_t i = 0; i < model_.entityCount; ++i) {
+                const P42Ent* const entity = model_.EntityAt(i);
+                if (entity->code == wanted) { check(entity); }
+            }
+        };
+        forAll(code::kContextDependentShapeRepresentation, [this](const P42Ent* e) { CheckUse(e); });
+        forAll(code::kNextAssemblyUsage, [this](const P42Ent* e) { CheckUsed(e); });
+        forAll(code::kAppliedDocumentReference, [this](const P42Ent* e) { CheckDocument(e); });
+        NoteBareLeaves();
+        if (isTop) { CheckRoot(); }
+    }
+
+private:
+    using Arguments = std::vector<std::string_view>;
+
+    // The entity that an argument refers to; null when there is none, which is a finding of its own where it
+    // is a reference.
+    const P42Ent* At(const Arguments& arguments, std::size_t place) const {
+        return place < arguments.size() ? model_.Find(ReferenceOf(arguments[place])) : nullptr;
+    }
+    Arguments ArgumentsAt(const P42Ent* entity) const {
+        return entity != nullptr ? ArgumentsOf(EntityText(model_, entity)) : Arguments{};
+    }
+    bool IsFirstVisit(const P42Ent* entity) { return entity != nullptr && visited_.insert(entity).second; }
+
+    // The reader goes past as many commas as arguments stand before this reference.
+    void CheckWay(const P42Ent* entity, const Arguments& arguments, std::size_t place, int commas) {
+        if (place >= arguments.size()) { return; }
+        file_.IsMissed(entity, EntityText(model_, entity), commas, '#', arguments[place]);
+    }
+
+    void CheckUse(const P42Ent* use) {
+        const Arguments arguments = ArgumentsAt(use);
+        const P42Ent* const definitionShape = At(arguments, 1);
+        const Arguments shape = ArgumentsAt(definitionShape);
+        const P42Ent* const usage = At(shape, 2);
+        if (usage == nullptr || usage->code != code::kNextAssemblyUsage) {
+            file_.Add(FindingKind::kUse, use, "doesn't lead to a NEXT_ASSEMBLY_USAGE_OCCURRENCE");
+            return;
+        }
+        if (IsFirstVisit(definitionShape)) { CheckWay(definitionShape, shape, 2, 0); }
+        reached_.insert(usage);
+        const Arguments usageArguments = ArgumentsAt(usage);
+        if (IsFirstVisit(usage)) { CheckWay(usage, usageArguments, 3, 2); }
+        const P42Ent* const parent = At(usageArguments, 3);
+        const P42Ent* const child = At(usageArguments, 4);
+        CheckProduct(parent);
+        CheckProduct(child);
+        if (parent != nullptr) { parents_.insert(parent); }
+        if (child != nullptr) { children_.insert(child); }
+        CheckRelationship(use, At(arguments, 0));
+    }
+
+    // The transformation stands behind the third "(" of the relationship.
+    void CheckRelationship(const P42Ent* use, const P42Ent* relationship) {
+        if (relationship == nullptr) { return; }
+        std::string_view text = EntityText(model_, relationship);
+        for (int i = 0; i < 3 && !text.empty(); ++i) {
+            const std::size_t open = text.find('(');
+            text = open != std::string_view::npos ? text.substr(open + 1) : std::string_view();
+        }
+        const P42Ent* const transform = model_.Find(ReferenceOf(text));
+        const std::string_view keyword =
+            transform != nullptr ? KeywordOf(EntityText(model_, transform)) : std::string_view();
+        if (keyword != "ITEM_DEFINED_TRANSFORMATION") {
+            file_.Add(FindingKind::kUse, use,
+                      "its relationship " + Number(relationship->id) +
+                          " doesn't lead to an ITEM_DEFINED_TRANSFORMATION where it is looked for");
+            return;
+        }
+        if (!IsFirstVisit(transform)) { return; }
+        const Arguments arguments = ArgumentsAt(transform);
+        CheckWay(transform, arguments, 2, 2);
+        CheckPlacement(transform, At(arguments, 2));
+        CheckPlacement(transform, At(arguments, 3));
+    }
+
+    void CheckPlacement(const P42Ent* transform, const P42Ent* placement) {
+        if (placement == nullptr) {
+            file_.Add(FindingKind::kUse, transform, "has no two placements");
+            return;
+        }
+        if (!IsFirstVisit(placement)) { return; }
+        const Arguments arguments = ArgumentsAt(placement);
+        CheckWay(placement, arguments, 1, 1);
+        for (std::size_t i = 1; i < 4; ++i) {
+            const P42Ent* const triple = At(arguments, i);
+            if (i >= arguments.size() || ReferenceOf(arguments[i]) == 0) {
+                file_.Add(FindingKind::kUse, placement,
+                          "a placement must give location, axis and direction: it is read wrongly");
+                return;
+            }
+            if (IsFirstVisit(triple)) { CheckTriple(triple); }
+        }
+    }
+
+    // A point or direction.
+    void CheckTriple(const P42Ent* triple) {
+        const Arguments arguments = ArgumentsAt(triple);
+        if (!arguments.empty() && file_.HasComma(triple, arguments[0])) { return; }
+        if (arguments.size() < 2 || ShapeOf(arguments[1]).values != 3) {
+            file_.Add(FindingKind::kUse, triple, "isn't three numbers");
+        } else if (!arguments[1].starts_with('(')) {
+            file_.Add(FindingKind::kBlank, triple,
+                      "a blank stands before its list: the first number reads as 0");
+        }
+    }
+
+    void CheckProduct(const P42Ent* definition) {
+        if (!IsFirstVisit(definition)) { return; }
+        const Arguments arguments = ArgumentsAt(definition);
+        CheckWay(definition, arguments, 2, 2);
+        const P42Ent* const formation = At(arguments, 2);
+        const Arguments formationArguments = ArgumentsAt(formation);
+        if (IsFirstVisit(formation)) { CheckWay(formation, formationArguments, 2, 2); }
+        const P42Ent* const product = At(formationArguments, 2);
+        if (product == nullptr) {
+            file_.Add(FindingKind::kUse, definition, "doesn't lead to a PRODUCT");
+            return;
+        }
+        file_.CheckProductName(product);
+        const Arguments productArguments = ArgumentsAt(product);
+        if (!productArguments.empty()) { names_[definition] = StringOf(productArguments[0]); }
+    }
+
+    void CheckUsed(const P42Ent* usage) {
+        if (reached_.contains(usage)) { return; }
+        file_.Add(FindingKind::kUse, usage,
+                  "isn't in the tree: no CONTEXT_DEPENDENT_SHAPE_REPRESENTATION leads to it");
+    }
+
+    void CheckDocument(const P42Ent* reference) {
+        const Arguments arguments = ArgumentsAt(reference);
+        const P42Ent* const document = At(arguments, 0);
+        if (document == nullptr || arguments.size() < 3) { return; }
+        const std::vector<std::int32_t> items = ReferencesIn(arguments[2]);
+        const P42Ent* const definition = items.empty() ? nullptr : model_.Find(items.front());
+        if (definition == nullptr) { return; }
+        CheckProduct(definition);
+        const auto product = names_.find(definition);
+        if (product == names_.end()) { return; }
+        const Arguments documentArguments = ArgumentsAt(document);
+        if (documentArguments.empty()) { return; }
+        std::string name(StringOf(documentArguments[0]));
+        withFile_.insert(definition);
+        if (name.find("...") != std::string::npos) {
+            file_.Add(FindingKind::kNoFile, document,
+                      "the file name '" + name + "' of product '" + std::string(product->second) +
+                          "' is no name, since it holds \"...\"");
+            return;
+        }
+        if (name.ends_with(".cgr")) { name.replace(name.size() - 3, 3, "stp"); }
+        references_->names.push_back(std::move(name));
+        references_->products.emplace_back(product->second);
+    }
+
+    // Products that nothing hangs under and that no reference gives a file.
+    void NoteBareLeaves() {
+        bool hasShapes = false;
+        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
+            const std::int32_t entityCode = model_.EntityAt(i)->code;
+            if (entityCode == kAdvancedFace || entityCode == code::kTriangulatedFace ||
+                entityCode == code::kComplexTriangulatedFace ||
+                entityCode == code::kComplexTriangulatedSurfaceSet) {
+                hasShapes = true;
+            }
+        }
+        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
+            const P42Ent* const definition = model_.EntityAt(i);
+            if (!children_.contains(definition) || parents_.contains(definition) ||
+                withFile_.contains(definition)) {
+                continue;
+            }
+            const auto name = names_.find(definition);
+            if (name == names_.end()) { continue; }
+            const std::string product(name->second);
+            references_->bareProducts.push_back(product);
+            references_->bareFindings.push_back(
+                {.kind = FindingKind::kOwnGeometry,
+                 .entity = definition->id,
+                 .offset = definition->offset,
+                 .text = "product '" + product + "' has no file" +
+                         (hasShapes ? ": shapes in the file of the assembly aren't drawn" : "")});
+        }
+    }
+
+    void CheckRoot() {
+        if (parents_.empty()) { return; }
+        for (const P42Ent* const parent : parents_) {
+            if (!children_.contains(parent)) { return; }
+        }
+        file_.Add(FindingKind::kUse, "the file has no root: each product is used by another");
+    }
+
+    CheckedFile& file_;
+    const StepModel& model_;
+    FileReferences* references_;
+    std::unordered_set<const P42Ent*> visited_;
+    std::unordered_set<const P42Ent*> reached_;                 // uses
+    std::unordered_set<const P42Ent*> parents_;                 // definitions
+    std::unordered_set<const P42Ent*> children_;                // definitions
+    std::unordered_set<const P42Ent*> withFile_;                // definitions
+    std::unordered_map<const P42Ent*, std::string_view> names_; // of the products of definitions
+};
+
+} // namespace
+
+void CheckAssembly(CheckedFile& file, bool isTop, FileReferences* references) {
+    AssemblyCheck(file, references).Run(isTop);
+}
+
+} // namespace tarnwick

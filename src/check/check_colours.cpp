@@ -1,0 +1,155 @@
+// Which of the styles reach what is drawn.
+
+#include "check/check_file.h"
+#include "check/entity_text.h"
+#include "geometry/part_reader.h"
+#include "load/p21/keyword_codes.h"
+#include "load/p21/parse_real.h"
+
+#include <string>
+#include <unordered_map>
+
+namespace tarnwick {
+
+namespace {
+
+// Whether the text holds a reference of 15 digits, which ends the program where a style's chain meets it.
+bool HasLongReference(const StepModel& model) {
+    const std::string_view text(model.text, static_cast<std::size_t>(model.textEnd - model.text));
+    for (std::size_t at = text.find('#'); at != std::string_view::npos; at = text.find('#', at + 1)) {
+        std::size_t digits = 0;
+        while (digits < 15 && real::IsDigit(model.text[at + 1 + digits])) { ++digits; }
+        if (digits == 15) { return true; }
+    }
+    return false;
+}
+
+class ColourCheck {
+public:
+    explicit ColourCheck(CheckedFile& file) : file_(file), model_(file.model) {}
+
+    void Run() {
+        if (file_.drawn.empty() || HasLongReference(model_)) { return; }
+        ReadList();
+        const P42Ent* firstStyled = nullptr;
+        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
+            const P42Ent* const entity = model_.EntityAt(i);
+            const std::string_view keyword = KeywordOf(Head(entity));
+            if (keyword != "STYLED_ITEM" && keyword != "OVER_RIDING_STYLED_ITEM") { continue; }
+            if (firstStyled == nullptr) { firstStyled = entity; }
+            CheckStyledItem(entity);
+        }
+        if (firstStyled != nullptr && !stylesDrawn_) {
+            file_.Add(FindingKind::kColour, firstStyled,
+                      "neither it nor another styled item names a solid, shell, set or face that is drawn");
+        }
+    }
+
+private:
+    // Enough of an entity for its keyword.
+    std::string_view Head(const P42Ent* entity) const {
+        const std::string_view rest(model_.text + entity->offset,
+                                    static_cast<std::size_t>(model_.textEnd - model_.text) -
+                                        static_cast<std::size_t>(entity->offset));
+        return rest.substr(0, 60);
+    }
+
+    // What the first presentation lists.
+    void ReadList() {
+        presentation_ = model_.Find(model_.presentationId);
+        if (presentation_ == nullptr) { return; }
+        const std::string_view text = EntityText(model_, presentation_);
+        const auto arguments = ArgumentsOf(text);
+        if (arguments.size() < 2) {
+            file_.Add(FindingKind::kColour, presentation_, "has no list as its second argument");
+            return;
+        }
+        if (file_.IsMissed(presentation_, text, 1, '(', arguments[1])) { return; }
+        file_.CheckBreakInReferences(presentation_, arguments[1]);
+        for (const std::int32_t id : ReferencesIn(arguments[1])) {
+            if (model_.Find(id) == nullptr) {
+                file_.Add(FindingKind::kColour, presentation_,
+                          "lists " + Number(id) +
+                              ", which isn't there: what is listed behind it has no effect");
+                return;
+            }
+            listed_.insert(id);
+        }
+    }
+
+    void CheckStyledItem(const P42Ent* styled) {
+        const std::string_view text = EntityText(model_, styled);
+        const auto arguments = ArgumentsOf(text);
+        if (arguments.size() < 3) { return; }
+        const std::int32_t item = ReferenceOf(arguments[2]);
+        if (!file_.drawn.contains(item)) { return; }
+        stylesDrawn_ = true;
+        const std::string lost = ": " + Number(item) + " doesn't get its colour";
+        if (presentation_ == nullptr) {
+            file_.Add(FindingKind::kColour, styled,
+                      "the file has no MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION" + lost);
+        } else if (!listed_.contains(styled->id)) {
+            file_.Add(FindingKind::kColour, styled,
+                      "isn't listed by the first presentation, " + Number(presentation_->id) + lost);
+        } else if (ReferencesIn(arguments[1]).size() != 1) {
+            file_.Add(FindingKind::kColour, styled, "doesn't list exactly one style" + lost);
+        } else if (!arguments[2].starts_with('#')) {
+            file_.Add(FindingKind::kBlank, styled, "a blank stands before its item" + lost);
+        } else if (!file_.IsMissed(styled, text, 0, '#', arguments[1])) {
+            CheckStyle(styled, ReferencesIn(arguments[1]).front(), lost);
+        }
+    }
+
+    void CheckStyle(const P42Ent* styled, std::int32_t styleId, const std::string& lost) {
+        const auto [place, isNew] = styles_.try_emplace(styleId);
+        if (isNew) { place->second = Resolve(styleId); }
+        const Outcome& outcome = place->second;
+        if (!outcome.problem.empty()) { file_.Add(FindingKind::kColour, styled, outcome.problem + lost); }
+        if (outcome.isTransparent) {
+            file_.Add(FindingKind::kTransparent, styled,
+                      "its style " + Number(styleId) + " has the opacity 0: it can't be seen");
+        }
+    }
+
+    struct Outcome {
+        std::string problem; // empty for a style with a colour
+        bool isTransparent = false;
+    };
+
+    Outcome Resolve(std::int32_t styleId) {
+        std::int32_t colourId = 0;
+        float alpha = 1;
+        if (ResolveStyle(model_, styleId, &colourId, &alpha) != 0) {
+            return {.problem = "no colour is reached from its style " + Number(styleId)};
+        }
+        const P42Ent* const colour = model_.Find(colourId);
+        if (colour == nullptr) { return {.problem = "its colour " + Number(colourId) + " isn't there"}; }
+        const auto arguments = ArgumentsOf(EntityText(model_, colour));
+        if (colour->code == code::kColourRgb) {
+            if (!arguments.empty() && colours_.insert(colourId).second) {
+                file_.HasComma(colour, arguments[0]);
+            }
+        } else if (colour->code != code::kDraughtingPreDefinedColour) {
+            return {.problem = Number(colourId) + " is no colour that is known"};
+        } else if (arguments.empty() || !IsKnownColourName(StringOf(arguments[0]))) {
+            return {.problem = "the name of its colour " + Number(colourId) + " isn't known"};
+        }
+        return {.problem = {}, .isTransparent = alpha == 0.0f};
+    }
+
+    CheckedFile& file_;
+    const StepModel& model_;
+    const P42Ent* presentation_ = nullptr; // the first
+    std::unordered_set<std::int32_t> listed_;
+    std::unordered_map<std::int32_t, Outcome> styles_;
+    std::unordered_set<std::int32_t> colours_; // whose names were looked at
+    bool stylesDrawn_ = false;
+};
+
+} // namespace
+
+void CheckColours(CheckedFile& file) {
+    ColourCheck(file).Run();
+}
+
+} // namespace tarnwick

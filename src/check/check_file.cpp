@@ -1,0 +1,136 @@
+#include "check/check_file.h"
+
+#include "check/entity_text.h"
+#include "load/part_queue.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr std::int32_t kFiniteElementSchema = 209;
+
+// Why a file that was opened isn't a P21 file for the readers.
+std::string WhyNotStep(const StepModel& model) {
+    const std::string reason = "the file isn't read: ";
+    if (model.text == nullptr || model.textEnd == model.text) { return reason + "it is empty"; }
+    const std::string_view text(model.text, static_cast<std::size_t>(model.textEnd - model.text));
+    if (!text.starts_with("ISO-10303-21")) {
+        const bool later = text.substr(0, 1000).find("ISO-10303-21") != std::string_view::npos;
+        return reason + (later ? "something stands before its ISO-10303-21, which must come first"
+                               : "it doesn't start with ISO-10303-21");
+    }
+    if (text.find("\nDATA;") == std::string_view::npos) { return reason + "no line starts with DATA;"; }
+    if (text.find("FILE_SCHEMA(") == std::string_view::npos) {
+        return reason + "its header has no FILE_SCHEMA( (without a blank)";
+    }
+    return reason + "it breaks off";
+}
+
+} // namespace
+
+std::string Number(std::int32_t id) {
+    return "#" + std::to_string(id);
+}
+
+void CheckedFile::Add(FindingKind kind, const P42Ent* entity, std::string text) {
+    findings.push_back(
+        {.kind = kind, .entity = entity->id, .offset = entity->offset, .text = std::move(text)});
+}
+
+void CheckedFile::AddAt(FindingKind kind, const P42Ent* entity, const char* place, std::string text) {
+    findings.push_back(
+        {.kind = kind, .entity = entity->id, .offset = OffsetOf(model, place), .text = std::move(text)});
+}
+
+void CheckedFile::Add(FindingKind kind, std::string text) {
+    findings.push_back({.kind = kind, .text = std::move(text)});
+}
+
+bool CheckedFile::HasComma(const P42Ent* entity, std::string_view name) {
+    if (name.find(',') == std::string_view::npos) { return false; }
+    Add(FindingKind::kName, entity, "its name holds a comma: what follows is read wrongly");
+    return true;
+}
+
+bool CheckedFile::IsMissed(const P42Ent* entity, std::string_view entityText, int commas, char target,
+                           std::string_view argument) {
+    const std::size_t place = argument.find(target);
+    if (place == std::string_view::npos ||
+        PlaceBehind(entityText, commas, target) == argument.data() + place) {
+        return false;
+    }
+    Add(FindingKind::kName, entity,
+        std::string("a name in it holds a \"") + target + "\" that is taken for another: it is read wrongly");
+    return true;
+}
+
+void CheckedFile::CheckBreakInReferences(const P42Ent* entity, std::string_view list) {
+    char before = '('; // the last character that is no blank
+    for (const char& c : list) {
+        if (c == '\n' && (before == '(' || before == ',')) {
+            AddAt(FindingKind::kBrokenList, entity, &c,
+                  "its list is broken here: the item that starts the next line is lost");
+            return;
+        }
+        if (c != ' ' && c != '\t' && c != '\r' && c != '\n') { before = c; }
+    }
+}
+
+void CheckedFile::CheckProductName(const P42Ent* product) {
+    // By the moves of the readers: where a quote is absent, a name goes on to that of another entity.
+    constexpr std::size_t kLimit = 300;
+    const std::string_view own = EntityText(model, product);
+    const std::size_t open = own.find('(');
+    const std::size_t quote = open != std::string_view::npos ? own.find('\'', open) : open;
+    if (quote == std::string_view::npos) { return; }
+    const char* const name = own.data() + quote + 1;
+    const std::string_view rest(name, static_cast<std::size_t>(model.textEnd - name));
+    if (rest.size() >= kLimit && rest.substr(0, kLimit).find('\'') == std::string_view::npos) {
+        Add(FindingKind::kTooLong, product, "its name has 300 characters or more");
+    }
+}
+
+bool CheckedFile::CheckBreak(const P42Ent* entity, std::string_view text) {
+    const std::size_t lineEnd = text.find('\n');
+    if (lineEnd == std::string_view::npos) { return false; }
+    AddAt(FindingKind::kBrokenList, entity, text.data() + lineEnd,
+          "its lists are broken here: they must stand on the entity's first line");
+    return true;
+}
+
+void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCounts* counts,
+                   std::vector<Finding>* findings, FileReferences* references) {
+    const std::size_t first = findings->size();
+    CheckedFile file{model, *findings, {}};
+    if (result == StepModel::kNotOpened) {
+        file.Add(FindingKind::kUnread, UnreadReason(result));
+        return;
+    }
+    if (result != StepModel::kRead) {
+        file.Add(FindingKind::kUnread, WhyNotStep(model));
+        return;
+    }
+    CheckLines(file);
+    CheckEntities(file, counts);
+    const bool isTop = role == FileRole::kTop;
+    if (model.isAssembly != 0) {
+        if (role == FileRole::kPart) {
+            file.Add(FindingKind::kUnread, "is a P21 assembly, which can't be a part here");
+        } else {
+            CheckAssembly(file, isTop, references);
+        }
+    } else if (isTop && model.apNumber == kFiniteElementSchema) {
+        CheckFiniteElements(file);
+    } else {
+        CheckPart(file, isTop);
+        CheckColours(file);
+    }
+    const std::string_view text(model.text, static_cast<std::size_t>(model.textEnd - model.text));
+    FindLines(text, findings, first);
+    FindLines(text, &references->bareFindings, 0);
+}
+
+} // namespace tarnwick

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "check/findings.h"
+#include "load/p21/step_model.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace tarnwick {
+
+// How many entities there are of each keyword.
+using KeywordCounts = std::map<std::string, std::int64_t, std::less<>>;
+
+// What one file of an assembly says of other files.
+struct FileReferences {
+    std::vector<std::string> names;        // of files, as its document references have them
+    std::vector<std::string> products;     // which they belong to
+    std::vector<std::string> bareProducts; // that nothing hangs under and that have no file here
+    std::vector<Finding> bareFindings;     // on each of them; it holds unless another file names one
+};
+
+// The check of one P21 file: what its pieces share. Used by one thread, as the model is.
+struct CheckedFile {
+    const StepModel& model;
+    std::vector<Finding>& findings;
+    std::unordered_set<std::int32_t> drawn; // solids, shells, surface sets and faces that are read
+
+    // Adds a finding at the line of an entity.
+    void Add(FindingKind kind, const P42Ent* entity, std::string text);
+    // The same at another place in the file's text.
+    void AddAt(FindingKind kind, const P42Ent* entity, const char* place, std::string text);
+    // Adds one on the whole file.
+    void Add(FindingKind kind, std::string text);
+
+    // Whether a name that is skipped to its first comma holds one itself; adds that finding.
+    bool HasComma(const P42Ent* entity, std::string_view name);
+    // Whether a reader that goes past `commas` commas to the next `target`, wherever they stand, misses the
+    // one that starts `argument`; adds that finding.
+    bool IsMissed(const P42Ent* entity, std::string_view entityText, int commas, char target,
+                  std::string_view argument);
+    // Adds a finding when a line ends where an item of a list of references should follow.
+    void CheckBreakInReferences(const P42Ent* entity, std::string_view list);
+    // Adds a finding when the first string of a PRODUCT is longer than the program bears.
+    void CheckProductName(const P42Ent* product);
+    // Adds a finding when a line ends within a text.
+    bool CheckBreak(const P42Ent* entity, std::string_view text);
+};
+
+// What a file is in a load.
+enum class FileRole { kTop, kPartOrAssembly, kPart };
+
+// Checks one file that Read returned `result` for. `references` takes what an assembly says of others.
+void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCounts* counts,
+                   std::vector<Finding>* findings, FileReferences* references);
+
+// The pieces. None of them changes the model's text.
+
+// How entities stand on their lines: what the scan doesn't see of them.
+void CheckLines(CheckedFile& file);
+// Keywords, numbers and references of all entities.
+void CheckEntities(CheckedFile& file, KeywordCounts* counts);
+// The way from the representation to the faces, and what is left out by it. `isTop` for a part that is the
+// whole document.
+void CheckPart(CheckedFile& file, bool isTop);
+// The way from the faces that are drawn to their colours.
+void CheckColours(CheckedFile& file);
+// Products, their placements and their files.
+void CheckAssembly(CheckedFile& file, bool isTop, FileReferences* references);
+// Elements of a finite element mesh.
+void CheckFiniteElements(CheckedFile& file);
+
+// "#12"
+std::string Number(std::int32_t id);
+
+} // namespace tarnwick

@@ -1,0 +1,310 @@
+// From the representation that counts to its faces, by the same steps as the part reader, and then what the
+// file holds beside them.
+
+#include "check/check_file.h"
+#include "check/entity_text.h"
+#include "load/p21/keyword_codes.h"
+#include "load/p21/parse_real.h"
+#include "load/p21/text_walk.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr std::int32_t kAdvancedFace = 6;
+constexpr std::size_t kMostDigits = 14;
+
+bool IsContainer(std::int32_t entityCode) {
+    return entityCode == code::kTessellatedSolid || entityCode == code::kTessellatedShell;
+}
+
+bool IsFace(std::int32_t entityCode) {
+    return entityCode == code::kTriangulatedFace || entityCode == code::kComplexTriangulatedFace;
+}
+
+class PartCheck {
+public:
+    explicit PartCheck(CheckedFile& file) : file_(file), model_(file.model) {}
+
+    void Run(bool isTop) {
+        if (isTop) { CheckProduct(); }
+        CheckRepresentations();
+        const P42Ent* const representation = model_.Find(model_.shapeRepresentationId);
+        if (representation != nullptr) { CheckItems(representation); }
+        CheckLeftOut();
+        CheckExact(representation != nullptr);
+    }
+
+private:
+    std::string Keyword(const P42Ent* entity) const {
+        return std::string(KeywordOf(EntityText(model_, entity)));
+    }
+
+    void CheckProduct() {
+        const P42Ent* const product = model_.Find(model_.rootProductId);
+        if (product == nullptr) {
+            file_.Add(FindingKind::kDamaged, "the file has no PRODUCT: it isn't read");
+        } else {
+            file_.CheckProductName(product);
+        }
+    }
+
+    void CheckRepresentations() {
+        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
+            const P42Ent* const entity = model_.EntityAt(i);
+            if (entity->code == code::kTessellatedShapeRepresentation &&
+                entity->id != model_.shapeRepresentationId) {
+                file_.Add(FindingKind::kSeveralRepresentations, entity,
+                          "isn't read: only the last one, " + Number(model_.shapeRepresentationId) +
+                              ", counts");
+            }
+        }
+    }
+
+    void CheckItems(const P42Ent* representation) {
+        for (const P42Ent* const item : Listed(representation)) {
+            if (IsContainer(item->code)) {
+                CheckContainer(item);
+            } else if (item->code == code::kComplexTriangulatedSurfaceSet) {
+                hasSet_ = true;
+                CheckFace(item);
+            } else {
+                NoteItem(item);
+            }
+        }
+    }
+
+    // The entities of the list that is the second argument.
+    std::vector<const P42Ent*> Listed(const P42Ent* entity) {
+        std::vector<const P42Ent*> items;
+        const std::string_view text = EntityText(model_, entity);
+        const auto arguments = ArgumentsOf(text);
+        if (arguments.size() < 2) {
+            file_.Add(FindingKind::kDamaged, entity, "has no list as its second argument");
+            return items;
+        }
+        if (file_.IsMissed(entity, text, 1, '(', arguments[1])) { return items; }
+        file_.CheckBreakInReferences(entity, arguments[1]);
+        for (const std::int32_t id : ReferencesIn(arguments[1])) {
+            const P42Ent* const item = model_.Find(id);
+            if (item != nullptr) { items.push_back(item); }
+        }
+        return items;
+    }
+
+    // An item of the representation that isn't read.
+    void NoteItem(const P42Ent* item) {
+        const std::string keyword = Keyword(item);
+        if (keyword.starts_with("AXIS2_PLACEMENT") || !seen_.insert(item).second) { return; }
+        file_.Add(FindingKind::kNotDrawn, item,
+                  IsFace(item->code) ? keyword + " directly under the representation isn't drawn"
+                                     : (keyword.empty() ? "a complex instance" : keyword) + " isn't drawn");
+    }
+
+    void CheckContainer(const P42Ent* container) {
+        if (!seen_.insert(container).second) { return; }
+        file_.drawn.insert(container->id);
+        for (const P42Ent* const face : Listed(container)) {
+            if (IsFace(face->code)) {
+                CheckFace(face);
+            } else if (seen_.insert(face).second) {
+                file_.Add(FindingKind::kNotDrawn, face,
+                          Keyword(face) + " in " + Number(container->id) +
+                              " isn't drawn: only faces of a solid or shell are");
+            }
+        }
+    }
+
+    void CheckFace(const P42Ent* face) {
+        if (!seen_.insert(face).second) { return; }
+        file_.drawn.insert(face->id);
+        ++drawnFaces_;
+        const bool isSet = face->code == code::kComplexTriangulatedSurfaceSet;
+        const bool isComplex = face->code != code::kTriangulatedFace;
+        const auto arguments = ArgumentsOf(EntityText(model_, face));
+        const std::size_t pnindex = isSet ? 4 : 5;
+        const std::size_t wanted = pnindex + (isComplex ? 3 : 2);
+        if (arguments.size() < wanted) {
+            file_.Add(FindingKind::kDamaged, face,
+                      "has " + std::to_string(arguments.size()) + " arguments where " +
+                          std::to_string(wanted) + " are read");
+            return;
+        }
+        if (file_.HasComma(face, arguments[0])) { return; }
+        const std::string_view pnmax = Trimmed(arguments[2]);
+        if (std::all_of(pnmax.begin(), pnmax.end(), real::IsDigit) && pnmax.size() > kMostDigits) {
+            file_.Add(FindingKind::kTooLong, face, "its third argument has more than 14 digits");
+        }
+        const char* const lists = arguments[2].data() + arguments[2].size();
+        const char* const end = arguments[wanted - 1].data() + arguments[wanted - 1].size();
+        if (file_.CheckBreak(face, {lists, static_cast<std::size_t>(end - lists)})) { return; }
+        const std::int64_t vertices = CheckPoints(face, arguments[1], arguments[pnindex]);
+        if (vertices >= 0) { CheckNormals(face, arguments[3], vertices); }
+        CheckTriangles(face, arguments, pnindex + 1);
+    }
+
+    // The number of points of a list; -1 for one that can't be read.
+    std::int64_t PointsOf(const P42Ent* list) {
+        const auto known = points_.find(list);
+        if (known != points_.end()) { return known->second; }
+        std::int64_t& points = points_[list];
+        points = -1;
+        const std::string_view text = EntityText(model_, list);
+        const auto arguments = ArgumentsOf(text);
+        if (arguments.size() < 3) {
+            file_.Add(FindingKind::kDamaged, list, "has no list of points as its third argument");
+            return -1;
+        }
+        if (file_.IsMissed(list, text, 2, '(', arguments[2]) || file_.CheckBreak(list, arguments[2])) {
+            return -1;
+        }
+        const ListShape shape = ShapeOf(arguments[2]);
+        if (!shape.triples) {
+            file_.Add(FindingKind::kDamaged, list, "has a point that isn't three numbers");
+            return -1;
+        }
+        points = shape.inner;
+        return points;
+    }
+
+    // The number of vertices that a face has; -1 when it can't be told.
+    std::int64_t CheckPoints(const P42Ent* face, std::string_view coordinates, std::string_view pnindex) {
+        const std::int32_t id = ReferenceOf(coordinates);
+        const P42Ent* const list = model_.Find(id);
+        if (list == nullptr) {
+            if (id == 0) { file_.Add(FindingKind::kDamaged, face, "names no COORDINATES_LIST"); }
+            return -1;
+        }
+        const std::int64_t points = PointsOf(list);
+        if (points < 0) { return -1; }
+        std::int64_t picked = 0;
+        const char* const end = pnindex.data() + pnindex.size();
+        for (const char* p = pnindex.data(); p < end;) {
+            if (!real::IsDigit(*p) && *p != '-') {
+                ++p;
+                continue;
+            }
+            const std::int32_t place = StringToInteger(p);
+            if (place < 1 || place > points) {
+                file_.AddAt(FindingKind::kDamaged, face, p,
+                            "names point " + std::to_string(place) + ", but " + Number(id) + " has " +
+                                std::to_string(points));
+                return -1;
+            }
+            ++picked;
+            for (++p; p < end && real::IsDigit(*p);) { ++p; }
+        }
+        const std::int64_t vertices = picked > 0 ? picked : points;
+        if (vertices == 0) { file_.Add(FindingKind::kDamaged, face, "has no points"); }
+        return vertices;
+    }
+
+    void CheckNormals(const P42Ent* face, std::string_view normals, std::int64_t vertices) {
+        const ListShape shape = ShapeOf(normals);
+        if (shape.inner == 0) {
+            file_.Add(FindingKind::kNoNormals, face, "has no normals: it is lit as if they were 0, 0, 1");
+        } else if (!shape.triples) {
+            file_.Add(FindingKind::kDamaged, face, "has a normal that isn't three numbers");
+        } else if (shape.inner > 1 && shape.inner > vertices) {
+            file_.Add(FindingKind::kManyNormals, face,
+                      "has " + std::to_string(shape.inner) + " normals for " + std::to_string(vertices) +
+                          " points: the whole part is given up");
+        } else if (shape.inner > 1 && shape.inner < vertices) {
+            file_.Add(FindingKind::kNoNormals, face,
+                      "has " + std::to_string(shape.inner) + " normals for " + std::to_string(vertices) +
+                          " points: it is lit as if they were 0, 0, 1");
+        }
+    }
+
+    void CheckTriangles(const P42Ent* face, const std::vector<std::string_view>& arguments,
+                        std::size_t first) {
+        const bool isComplex = face->code != code::kTriangulatedFace;
+        std::int64_t values = 0;
+        for (std::size_t i = first; i < first + (isComplex ? 2 : 1); ++i) {
+            const ListShape shape = ShapeOf(arguments[i]);
+            values += shape.values;
+            if (isComplex && shape.blankBetween) {
+                file_.AddAt(FindingKind::kBlank, face, arguments[i].data(),
+                            "has a blank between its strips or fans: what follows is read wrongly");
+            }
+            if (!isComplex && !shape.triples) {
+                file_.AddAt(FindingKind::kDamaged, face, arguments[i].data(),
+                            "has a triangle that isn't three numbers");
+            }
+        }
+        if (values < 3) { file_.Add(FindingKind::kNotDrawn, face, "has no triangles"); }
+    }
+
+    // Tessellated shapes that the representation doesn't lead to.
+    void CheckLeftOut() {
+        const auto isLeftOut = [this](const P42Ent* entity) { return !seen_.contains(entity); };
+        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
+            const P42Ent* const entity = model_.EntityAt(i);
+            if (!IsContainer(entity->code) || !isLeftOut(entity)) { continue; }
+            NoteLeftOut(entity);
+            const auto arguments = ArgumentsOf(EntityText(model_, entity));
+            if (arguments.size() < 2) { continue; }
+            for (const std::int32_t id : ReferencesIn(arguments[1])) { seen_.insert(model_.Find(id)); }
+        }
+        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
+            const P42Ent* const entity = model_.EntityAt(i);
+            const bool isShape = IsFace(entity->code) || entity->code == code::kTriangulatedSurfaceSet ||
+                                 entity->code == code::kComplexTriangulatedSurfaceSet;
+            if (isShape && isLeftOut(entity)) { NoteLeftOut(entity); }
+        }
+    }
+
+    void NoteLeftOut(const P42Ent* entity) {
+        seen_.insert(entity);
+        const char* const why = model_.shapeRepresentationId != 0
+                                    ? " isn't drawn: the TESSELLATED_SHAPE_REPRESENTATION that counts "
+                                      "doesn't lead to it"
+                                    : " isn't drawn: no TESSELLATED_SHAPE_REPRESENTATION leads to it";
+        file_.Add(FindingKind::kNotListed, entity, Keyword(entity) + why);
+    }
+
+    void CheckExact(bool hasRepresentation) {
+        const P42Ent* first = nullptr;
+        std::int64_t exact = 0;
+        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
+            const P42Ent* const entity = model_.EntityAt(i);
+            if (entity->code != kAdvancedFace) { continue; }
+            if (exact++ == 0) { first = entity; }
+        }
+        if (exact == 0) {
+            if (!hasRepresentation) {
+                file_.Add(FindingKind::kNotDrawn, "the file has no TESSELLATED_SHAPE_REPRESENTATION");
+            }
+            return;
+        }
+        const std::string count = std::to_string(exact) + " ADVANCED_FACE" + (exact > 1 ? "s" : "");
+        if (!hasRepresentation) {
+            file_.Add(FindingKind::kExactOnly, first,
+                      "the first of " + count + ", but the file has no TESSELLATED_SHAPE_REPRESENTATION");
+        } else if (drawnFaces_ < exact && !hasSet_) {
+            file_.Add(FindingKind::kExactOnly, first,
+                      "the first of " + count +
+                          (drawnFaces_ == 0 ? ", but no tessellated face is drawn"
+                                            : ", but only " + std::to_string(drawnFaces_) +
+                                                  " tessellated faces are drawn"));
+        }
+    }
+
+    CheckedFile& file_;
+    const StepModel& model_;
+    std::unordered_set<const P42Ent*> seen_;
+    std::unordered_map<const P42Ent*, std::int64_t> points_;
+    std::int64_t drawnFaces_ = 0;
+    bool hasSet_ = false; // a surface set may stand for any number of faces
+};
+
+} // namespace
+
+void CheckPart(CheckedFile& file, bool isTop) {
+    PartCheck(file).Run(isTop);
+}
+
+} // namespace tarnwick

@@ -1,0 +1,195 @@
+#include "check/check_path.h"
+
+#include "formats/stpa_archive.h"
+#include "formats/stpx_file.h"
+#include "load/part_queue.h"
+#include "platform/paths.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+#include <tuple>
+#include <unordered_set>
+#include <utility>
+
+namespace tarnwick {
+
+namespace {
+
+// The extension in small letters.
+std::string ExtensionOf(std::string_view path) {
+    const std::size_t dot = path.rfind('.');
+    if (dot == std::string_view::npos || dot == 0) { return {}; }
+    std::string extension(path.substr(dot + 1));
+    for (char& c : extension) {
+        if (c >= 'A' && c <= 'Z') { c = static_cast<char>(c - 'A' + 'a'); }
+    }
+    return extension;
+}
+
+// Adds a file's findings to the report, as those of one more file.
+void AddFile(CheckReport* report, std::string path, std::vector<Finding> findings) {
+    const auto number = static_cast<std::int32_t>(report->files.size());
+    report->files.push_back(std::move(path));
+    for (Finding& finding : findings) {
+        finding.file = number;
+        report->findings.push_back(std::move(finding));
+    }
+}
+
+void AddUnread(CheckReport* report, const std::string& path, const std::string& product,
+               const std::string& reason) {
+    Finding finding{.kind = FindingKind::kUnread, .text = reason};
+    if (!product.empty()) { finding.text = "the file of product '" + product + "' " + reason; }
+    AddFile(report, path, {finding});
+}
+
+// The file and what its documents lead to, in the order of the references.
+class StepFiles {
+public:
+    explicit StepFiles(CheckReport* report) : report_(report) {}
+
+    void Check(const std::string& path) {
+        wanted_.push_back({path, ""});
+        folder_ = FolderOf(path);
+        for (std::size_t i = 0; i < wanted_.size(); ++i) { CheckOne(i); }
+        for (auto& [product, finding] : bareLeaves_) {
+            if (!productsWithFile_.contains(product)) { report_->findings.push_back(std::move(finding)); }
+        }
+    }
+
+private:
+    struct Wanted {
+        std::string path;
+        std::string product;
+    };
+
+    void CheckOne(std::size_t number) {
+        const Wanted wanted = wanted_[number];
+        StepModel model(workspace_, wanted.path);
+        const int result = model.Read();
+        if (result == StepModel::kNotOpened) {
+            AddUnread(report_, wanted.path, wanted.product, UnreadReason(result));
+            return;
+        }
+        std::vector<Finding> findings;
+        FileReferences references;
+        CheckStepFile(model, result, number == 0 ? FileRole::kTop : FileRole::kPartOrAssembly,
+                      &report_->counts, &findings, &references);
+        if (number == 0) { compression_ = model.compression; }
+        const auto file = static_cast<std::int32_t>(report_->files.size());
+        for (std::size_t i = 0; i < references.bareProducts.size(); ++i) {
+            references.bareFindings[i].file = file;
+            bareLeaves_.emplace_back(references.bareProducts[i], references.bareFindings[i]);
+        }
+        AddFile(report_, wanted.path, std::move(findings));
+        for (std::size_t i = 0; i < references.names.size(); ++i) {
+            productsWithFile_.insert(references.products[i]);
+            std::string path = folder_ + PartName(references.names[i]);
+            if (paths_.insert(path).second) { wanted_.push_back({std::move(path), references.products[i]}); }
+        }
+    }
+
+    // As the load forms it: a "\" separates too, and parts are packed as the top file is.
+    std::string PartName(std::string name) const {
+        std::replace(name.begin(), name.end(), '\\', '/');
+        if (compression_ == StepModel::kTwoCharacterSuffix) { name += ".Z"; }
+        if (compression_ == StepModel::kOneCharacterSuffix) { name += 'z'; }
+        return name;
+    }
+
+    CheckReport* report_;
+    ReaderWorkspace workspace_;
+    std::string folder_;
+    std::int32_t compression_ = 0;
+    std::vector<Wanted> wanted_;
+    std::unordered_set<std::string> paths_;
+    std::unordered_set<std::string> productsWithFile_;
+    std::vector<std::pair<std::string, Finding>> bareLeaves_; // by product
+};
+
+// The part files of a tree that was loaded from documents, each once.
+std::vector<std::string> PartFiles(const ProductNode* root) {
+    std::vector<std::string> names;
+    if (root == nullptr) { return names; }
+    std::unordered_set<const ProductNode*> seen{root};
+    std::unordered_set<std::string_view> known;
+    std::vector<const ProductNode*> open{root};
+    while (!open.empty()) {
+        const ProductNode& product = *open.back();
+        open.pop_back();
+        if (product.fileName != nullptr && IsXmlFileName(product.fileName) == 0 &&
+            known.insert(product.fileName).second) {
+            names.emplace_back(product.fileName);
+        }
+        for (std::int32_t i = 0; i < product.occurrenceCount; ++i) {
+            const ProductNode* const child = product.occurrences[i]->child;
+            if (child != nullptr && seen.insert(child).second) { open.push_back(child); }
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+void CheckDocumentPart(CheckReport* report, StepModel& model, const std::string& name) {
+    const int result = model.Read();
+    if (result != StepModel::kRead) { return; } // told by the load
+    std::vector<Finding> findings;
+    FileReferences none;
+    if (model.isAssembly != 0) { return; } // told by the load
+    CheckStepFile(model, result, FileRole::kPart, &report->counts, &findings, &none);
+    AddFile(report, name, std::move(findings));
+}
+
+// STEP XML, archives and summaries: what the load could not read, and the parts.
+void CheckLoaded(CheckReport* report, const SceneView& view, const std::string& extension) {
+    const std::string& path = report->path;
+    report->files.push_back(path);
+    for (const UnreadFile& file : view.unreadFiles) {
+        AddUnread(report, file.path, file.productName, file.reason);
+    }
+    if (extension == "stpj") { return; }
+    if (view.root == nullptr && view.unreadFiles.empty()) {
+        report->findings.push_back({.kind = FindingKind::kUse, .text = "the document has no root product"});
+    }
+    std::unique_ptr<ZipArchive> archive;
+    if (extension == "stpa") { archive = std::make_unique<ZipArchive>(path.c_str()); }
+    ReaderWorkspace workspace;
+    for (const std::string& name : PartFiles(view.root)) {
+        if (archive == nullptr) {
+            std::string part = name;
+            std::replace(part.begin(), part.end(), '\\', '/');
+            part.insert(0, FolderOf(path));
+            StepModel model(workspace, part);
+            CheckDocumentPart(report, model, part);
+        } else if (archive->IsOpen()) {
+            ZipArchive::Packed packed = archive->ReadPacked(name.c_str());
+            if (packed.data == nullptr) { continue; }
+            StepModel model(workspace, std::move(packed.data), packed.size);
+            model.fileName = name;
+            CheckDocumentPart(report, model, name);
+        }
+    }
+}
+
+} // namespace
+
+CheckReport CheckPath(LoadDispatch& dispatch, const std::string& path, const char* rootName, int useThreads) {
+    CheckReport report;
+    report.path = path;
+    const std::string extension = ExtensionOf(path);
+    if (extension == "stp" || extension == "stpz") {
+        StepFiles(&report).Check(path);
+    } else if (extension == "stpx" || extension == "stpxz" || extension == "stpa" || extension == "stpj") {
+        LoadFile(dispatch, path.c_str(), rootName, useThreads);
+        CheckLoaded(&report, dispatch.view, extension);
+    } else {
+        AddUnread(&report, path, "", "isn't of a kind that can be loaded, by its extension");
+    }
+    std::stable_sort(report.findings.begin(), report.findings.end(), [](const Finding& a, const Finding& b) {
+        return std::tie(a.kind, a.file, a.line) < std::tie(b.kind, b.file, b.line);
+    });
+    return report;
+}
+
+} // namespace tarnwick

@@ -1,0 +1,182 @@
+#include "check/entity_text.h"
+
+#include "load/p21/parse_real.h"
+
+#include <limits>
+
+namespace tarnwick {
+
+namespace {
+
+bool IsSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// Where the first entity behind `offset` starts: records stand in the order of the file.
+std::size_t NextEntity(const StepModel& model, std::int32_t offset) {
+    std::int32_t low = 0;
+    std::int32_t high = model.entityCount;
+    while (low < high) {
+        const std::int32_t middle = low + (high - low) / 2;
+        if (model.EntityAt(middle)->offset <= offset) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return low < model.entityCount ? static_cast<std::size_t>(model.EntityAt(low)->offset)
+                                   : static_cast<std::size_t>(model.textEnd - model.text);
+}
+
+std::int32_t NumberAt(std::string_view text, std::size_t* digits) {
+    std::int64_t value = 0;
+    std::size_t count = 0;
+    for (; count < text.size() && real::IsDigit(text[count]); ++count) {
+        if (value <= std::numeric_limits<std::int32_t>::max()) { value = value * 10 + (text[count] - '0'); }
+    }
+    *digits = count;
+    return value > std::numeric_limits<std::int32_t>::max() ? 0 : static_cast<std::int32_t>(value);
+}
+
+} // namespace
+
+std::string_view EntityText(const StepModel& model, const P42Ent* entity) {
+    const auto start = static_cast<std::size_t>(entity->offset);
+    const std::string_view room(model.text + start, NextEntity(model, entity->offset) - start);
+    bool inString = false;
+    for (std::size_t i = 0; i < room.size(); ++i) {
+        if (room[i] == '\'') {
+            inString = !inString;
+        } else if (room[i] == ';' && !inString) {
+            return room.substr(0, i);
+        }
+    }
+    return room;
+}
+
+std::string_view KeywordOf(std::string_view entityText) {
+    const std::size_t equals = entityText.find('=');
+    if (equals == std::string_view::npos) { return {}; }
+    const std::string_view keyword = SkipSpace(entityText.substr(equals + 1));
+    std::size_t end = 0;
+    while (end < keyword.size() && keyword[end] != '(' && !IsSpace(keyword[end])) { ++end; }
+    return keyword.substr(0, end);
+}
+
+const char* PlaceBehind(std::string_view entityText, int commas, char target) {
+    std::size_t place = entityText.find('(');
+    for (int i = 0; i < commas && place != std::string_view::npos; ++i) {
+        place = entityText.find(',', place + 1);
+    }
+    if (place != std::string_view::npos) { place = entityText.find(target, place + 1); }
+    return place != std::string_view::npos ? entityText.data() + place : nullptr;
+}
+
+std::string_view SkipSpace(std::string_view text) {
+    for (;;) {
+        while (!text.empty() && IsSpace(text.front())) { text.remove_prefix(1); }
+        if (!text.starts_with("/*")) { return text; }
+        const std::size_t end = text.find("*/", 2);
+        if (end == std::string_view::npos) { return text; }
+        text.remove_prefix(end + 2);
+    }
+}
+
+std::vector<std::string_view> ArgumentsOf(std::string_view entityText) {
+    std::vector<std::string_view> arguments;
+    const std::size_t open = entityText.find('(');
+    if (open == std::string_view::npos) { return arguments; }
+    std::size_t start = open + 1;
+    int depth = 0;
+    bool inString = false;
+    std::size_t i = start;
+    for (; i < entityText.size(); ++i) {
+        const char c = entityText[i];
+        if (c == '\'') { inString = !inString; }
+        if (inString) { continue; }
+        if (c == '(') {
+            ++depth;
+        } else if (c == ')') {
+            if (depth-- == 0) { break; }
+        } else if (c == ',' && depth == 0) {
+            arguments.push_back(entityText.substr(start, i - start));
+            start = i + 1;
+        }
+    }
+    const std::string_view last = entityText.substr(start, i - start);
+    if (!arguments.empty() || !Trimmed(last).empty()) { arguments.push_back(last); }
+    return arguments;
+}
+
+std::string_view Trimmed(std::string_view text) {
+    while (!text.empty() && IsSpace(text.front())) { text.remove_prefix(1); }
+    while (!text.empty() && IsSpace(text.back())) { text.remove_suffix(1); }
+    return text;
+}
+
+std::int32_t ReferenceOf(std::string_view argument) {
+    const std::string_view text = Trimmed(argument);
+    std::size_t digits = 0;
+    return !text.empty() && text.front() == '#' ? NumberAt(text.substr(1), &digits) : 0;
+}
+
+bool ReferenceFinder::Next(std::int32_t* id, std::size_t* digits, std::size_t* at) {
+    for (; place_ < text_.size(); ++place_) {
+        if (text_[place_] == '\'') {
+            place_ = text_.find('\'', place_ + 1);
+            if (place_ == std::string_view::npos) { place_ = text_.size(); }
+        } else if (text_[place_] == '#') {
+            *id = NumberAt(text_.substr(place_ + 1), digits);
+            *at = place_;
+            place_ += 1 + *digits;
+            if (*digits > 0) { return true; }
+            --place_;
+        }
+    }
+    return false;
+}
+
+std::vector<std::int32_t> ReferencesIn(std::string_view list) {
+    std::vector<std::int32_t> ids;
+    ReferenceFinder references(list);
+    std::int32_t id = 0;
+    std::size_t digits = 0;
+    std::size_t at = 0;
+    while (references.Next(&id, &digits, &at)) { ids.push_back(id); }
+    return ids;
+}
+
+ListShape ShapeOf(std::string_view list) {
+    ListShape shape;
+    int depth = 0;
+    std::int64_t valuesBefore = 0; // those of the inner list count from here
+    bool inValue = false;
+    for (const char c : Trimmed(list)) {
+        if (c == '(') {
+            if (++depth == 2) {
+                ++shape.inner;
+                valuesBefore = shape.values;
+            }
+            inValue = false;
+        } else if (c == ')') {
+            if (depth-- == 2 && shape.values - valuesBefore != 3) { shape.triples = false; }
+            inValue = false;
+        } else if (c == ',') {
+            inValue = false;
+        } else if (!IsSpace(c) && c != '$') {
+            if (!inValue) { ++shape.values; }
+            inValue = true;
+        } else if (depth == 1 && shape.inner > 0 && (c == ' ' || c == '\t')) {
+            shape.blankBetween = true;
+        }
+    }
+    return shape;
+}
+
+std::string_view StringOf(std::string_view argument) {
+    const std::string_view text = Trimmed(argument);
+    if (text.size() < 2 || text.front() != '\'' || text.back() != '\'') { return {}; }
+    return text.substr(1, text.size() - 2);
+}
+
+} // namespace tarnwick

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "load/p21/step_model.h"
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+// The text of an entity as the standard has it, with strings and nesting understood: what the readers, which
+// go by fixed moves, are held against. All views are into the model's text.
+namespace tarnwick {
+
+// From the "#" of the entity up to its ";", or to where the next entity starts if that comes first.
+std::string_view EntityText(const StepModel& model, const P42Ent* entity);
+
+// The keyword; empty for a complex instance.
+std::string_view KeywordOf(std::string_view entityText);
+
+// The arguments of a simple entity, as they stand between the commas. Those of a text that breaks off are
+// what is there.
+std::vector<std::string_view> ArgumentsOf(std::string_view entityText);
+
+// The place that a reader comes to which goes to the first "(", past a number of commas, wherever they stand,
+// and then to the first `target`; null when there is none.
+const char* PlaceBehind(std::string_view entityText, int commas, char target);
+
+// Without the blanks, tabs, line ends and comments at its start.
+std::string_view SkipSpace(std::string_view text);
+
+// Without blanks, tabs and line ends around it.
+std::string_view Trimmed(std::string_view text);
+
+// The number of a reference, 0 for any other argument and for a number that is no entity's.
+std::int32_t ReferenceOf(std::string_view argument);
+
+// Goes through the references in a text, one call after another; strings are passed over.
+class ReferenceFinder {
+public:
+    explicit ReferenceFinder(std::string_view text) : text_(text) {}
+    // False when there is none left. `*digits` counts the digits, `*at` is the place of the "#" in the text.
+    bool Next(std::int32_t* id, std::size_t* digits, std::size_t* at);
+
+private:
+    std::string_view text_;
+    std::size_t place_ = 0;
+};
+
+// The numbers that the references of a list have.
+std::vector<std::int32_t> ReferencesIn(std::string_view list);
+
+// What a list of lists of numbers, or of numbers, holds.
+struct ListShape {
+    std::int64_t values = 0;   // at any depth
+    std::int64_t inner = 0;    // lists in the list
+    bool triples = true;       // each of them has three values
+    bool blankBetween = false; // a blank or tab between the lists of the list
+};
+ListShape ShapeOf(std::string_view list);
+
+// What is between the quotes of an argument that is a string, else empty.
+std::string_view StringOf(std::string_view argument);
+
+// An offset from the start of the model's text.
+inline std::int32_t OffsetOf(const StepModel& model, const char* place) {
+    return static_cast<std::int32_t>(place - model.text);
+}
+
+} // namespace tarnwick

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarnwick {
+
+// What can be wrong with a file, the most serious kinds first: what ends the program, what leaves the whole
+// part out, what leaves pieces of it out, what makes it look different.
+enum class FindingKind {
+    kUnread,
+    kTooLong,
+    kDamaged,
+    kManyNormals,
+    kBrokenList,
+    kExactOnly,
+    kOwnGeometry,
+    kNoFile,
+    kSeveralRepresentations,
+    kNotDrawn,
+    kElement,
+    kSwallowed,
+    kBlank,
+    kName,
+    kOneLine,
+    kUse,
+    kMissing,
+    kDoubled,
+    kTransparent,
+    kColour,
+    kNotListed,
+    kNoNormals,
+};
+inline constexpr std::size_t kFindingKinds = 22;
+
+// How a kind is called in reports, above its findings, and what to do about it.
+struct FindingKindText {
+    const char* name;
+    const char* heading;
+    const char* advice;
+};
+const FindingKindText& TextOf(FindingKind kind);
+
+// One thing that keeps a file from showing what it holds.
+struct Finding {
+    FindingKind kind;
+    std::int32_t file = 0;    // index in the report's list of files
+    std::int32_t entity = 0;  // entity number; 0 for none
+    std::int32_t offset = -1; // in the file's text; -1 for none
+    std::int32_t line = 0;    // from 1, once it is known; 0 for none
+    std::string text;
+};
+
+// Sets the line of each finding from its offset in `text`, in one pass over it.
+void FindLines(std::string_view text, std::vector<Finding>* findings, std::size_t first);
+
+// The advice for the most serious of the findings.
+const char* AdviceFor(const std::vector<Finding>& findings);
+
+} // namespace tarnwick
