@@ -68,7 +68,7 @@ bool CheckedFile::IsMissed(const P42Ent* entity, std::string_view entityText, in
 }
 
 void CheckedFile::CheckBreakInReferences(const P42Ent* entity, std::string_view list) {
-    char before = '('; // the last character that is no blank
+    char before = ' '; // the last character that is no blank
     for (const char& c : list) {
         if (c == '\n' && (before == '(' || before == ',')) {
             AddAt(FindingKind::kBrokenList, entity, &c,

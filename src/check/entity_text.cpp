@@ -129,7 +129,10 @@ bool ReferenceFinder::Next(std::int32_t* id, std::size_t* digits, std::size_t* a
             *id = NumberAt(text_.substr(place_ + 1), digits);
             *at = place_;
             place_ += 1 + *digits;
-            if (*digits > 0) { return true; }
+            std::size_t behind = place_;
+            while (behind < text_.size() && (text_[behind] == ' ' || text_[behind] == '\t')) { ++behind; }
+            const bool isEntity = behind < text_.size() && text_[behind] == '=';
+            if (*digits > 0 && !isEntity) { return true; }
             --place_;
         }
     }

@@ -33,7 +33,8 @@ std::string_view Trimmed(std::string_view text);
 // The number of a reference, 0 for any other argument and for a number that is no entity's.
 std::int32_t ReferenceOf(std::string_view argument);
 
-// Goes through the references in a text, one call after another; strings are passed over.
+// Goes through the references in a text, one call after another; strings are passed over, and the numbers of
+// entities that stand in the text by mistake.
 class ReferenceFinder {
 public:
     explicit ReferenceFinder(std::string_view text) : text_(text) {}
