@@ -103,7 +103,7 @@ private:
             return items;
         }
         if (file_.IsMissed(entity, text, 1, '(', arguments[1])) { return items; }
-        file_.CheckBreakInReferences(entity, arguments[1]);
+        file_.CheckReferenceList(entity, arguments[1]);
         for (const std::int32_t id : ReferencesIn(arguments[1])) {
             const P42Ent* const item = model_.Find(id);
             if (item != nullptr) { items.push_back(item); }
@@ -150,16 +150,31 @@ private:
             return;
         }
         if (file_.HasComma(face, arguments[0])) { return; }
-        const std::string_view pnmax = Trimmed(arguments[2]);
-        if (std::all_of(pnmax.begin(), pnmax.end(), real::IsDigit) && pnmax.size() > kMostDigits) {
-            file_.Add(FindingKind::kTooLong, face, "its third argument has more than 14 digits");
-        }
+        if (!CheckSingleArguments(face, arguments)) { return; }
         const char* const lists = arguments[2].data() + arguments[2].size();
         const char* const end = arguments[wanted - 1].data() + arguments[wanted - 1].size();
         if (file_.CheckBreak(face, {lists, static_cast<std::size_t>(end - lists)})) { return; }
         const std::int64_t vertices = CheckPoints(face, arguments[1], arguments[pnindex]);
         if (vertices >= 0) { CheckNormals(face, arguments[3], vertices); }
         CheckTriangles(face, arguments, pnindex + 1, vertices);
+    }
+
+    // The arguments that are no lists: pnmax, and the link of a face.
+    bool CheckSingleArguments(const P42Ent* face, const std::vector<std::string_view>& arguments) {
+        const std::string_view pnmax = Trimmed(arguments[2]);
+        const bool isNumber = !pnmax.empty() && std::all_of(pnmax.begin(), pnmax.end(), real::IsDigit);
+        if (!isNumber && pnmax != "$") {
+            file_.Add(FindingKind::kDamaged, face, "its third argument is neither a number nor $");
+            return false;
+        }
+        if (pnmax.size() > kMostDigits) {
+            file_.Add(FindingKind::kTooLong, face, "its third argument has more than 14 digits");
+        }
+        if (IsFace(face->code) && Trimmed(arguments[4]) != "$" && ReferenceOf(arguments[4]) == 0) {
+            file_.Add(FindingKind::kDamaged, face, "its fifth argument is neither a reference nor $");
+            return false;
+        }
+        return true;
     }
 
     // The number of points of a list; -1 for one that can't be read.
@@ -179,7 +194,7 @@ private:
             return -1;
         }
         const ListShape shape = ShapeOf(arguments[2]);
-        if (!shape.triples) {
+        if (!shape.triples || !shape.sound) {
             file_.Add(FindingKind::kDamaged, list, "has a point that isn't three numbers");
             return -1;
         }
@@ -197,6 +212,11 @@ private:
         }
         const std::int64_t points = PointsOf(list);
         if (points < 0) { return -1; }
+        if (!ShapeOf(pnindex).sound) {
+            file_.AddAt(FindingKind::kDamaged, face, pnindex.data(),
+                        "has a pnindex that isn't a list of numbers");
+            return -1;
+        }
         std::int64_t picked = 0;
         const char* const outside = PlaceOutside(pnindex, points, &picked);
         if (outside != nullptr) {
@@ -214,7 +234,7 @@ private:
         const ListShape shape = ShapeOf(normals);
         if (shape.inner == 0) {
             file_.Add(FindingKind::kNoNormals, face, "has no normals: it is lit as if they were 0, 0, 1");
-        } else if (!shape.triples) {
+        } else if (!shape.triples || !shape.sound) {
             file_.Add(FindingKind::kDamaged, face, "has a normal that isn't three numbers");
         } else if (shape.inner > 1 && shape.inner > vertices) {
             file_.Add(FindingKind::kManyNormals, face,
@@ -245,7 +265,11 @@ private:
                 file_.AddAt(FindingKind::kBlank, face, arguments[i].data(),
                             "has a blank between its strips or fans: what follows is read wrongly");
             }
-            if (!isComplex && !shape.triples) {
+            if (isComplex && !shape.sound) {
+                file_.AddAt(FindingKind::kDamaged, face, arguments[i].data(),
+                            "has strips or fans that aren't lists of numbers");
+            }
+            if (!isComplex && !(shape.triples && shape.sound)) {
                 file_.AddAt(FindingKind::kDamaged, face, arguments[i].data(),
                             "has a triangle that isn't three numbers");
             }
