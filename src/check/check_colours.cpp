@@ -29,6 +29,7 @@ public:
     explicit ColourCheck(CheckedFile& file) : file_(file), model_(file.model) {}
 
     void Run() {
+        CheckColourLines();
         if (file_.drawn.empty() || HasLongReference(model_)) { return; }
         ReadList();
         const P42Ent* firstStyled = nullptr;
@@ -46,6 +47,18 @@ public:
     }
 
 private:
+    // A colour that breaks off makes its reader go on to the end of the file.
+    void CheckColourLines() {
+        if (model_.Find(model_.presentationId) == nullptr) { return; }
+        for (const std::int32_t id : model_.colourIds) {
+            const P42Ent* const colour = model_.Find(id);
+            if (colour == nullptr || colour->code != code::kColourRgb) { continue; }
+            if (ArgumentsOf(EntityText(model_, colour)).size() < 4) {
+                file_.Add(FindingKind::kDamaged, colour, "isn't a name and three numbers");
+            }
+        }
+    }
+
     // Enough of an entity for its keyword.
     std::string_view Head(const P42Ent* entity) const {
         const std::string_view rest(model_.text + entity->offset,
@@ -65,7 +78,7 @@ private:
             return;
         }
         if (file_.IsMissed(presentation_, text, 1, '(', arguments[1])) { return; }
-        file_.CheckBreakInReferences(presentation_, arguments[1]);
+        file_.CheckReferenceList(presentation_, arguments[1]);
         for (const std::int32_t id : ReferencesIn(arguments[1])) {
             if (model_.Find(id) == nullptr) {
                 file_.Add(FindingKind::kColour, presentation_,

@@ -67,8 +67,13 @@ bool CheckedFile::IsMissed(const P42Ent* entity, std::string_view entityText, in
     return true;
 }
 
-void CheckedFile::CheckBreakInReferences(const P42Ent* entity, std::string_view list) {
-    char before = '('; // the last character that is no blank
+void CheckedFile::CheckReferenceList(const P42Ent* entity, std::string_view list) {
+    const ListShape shape = ShapeOf(list, ListOf::kReferences);
+    if (!shape.sound || shape.inner > 0) {
+        AddAt(FindingKind::kDamaged, entity, list.data(), "its list isn't one of references");
+        return;
+    }
+    char before = ' '; // the last character that is no blank
     for (const char& c : list) {
         if (c == '\n' && (before == '(' || before == ',')) {
             AddAt(FindingKind::kBrokenList, entity, &c,

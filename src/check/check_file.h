@@ -42,8 +42,8 @@ struct CheckedFile {
     // one that starts `argument`; adds that finding.
     bool IsMissed(const P42Ent* entity, std::string_view entityText, int commas, char target,
                   std::string_view argument);
-    // Adds a finding when a line ends where an item of a list of references should follow.
-    void CheckBreakInReferences(const P42Ent* entity, std::string_view list);
+    // Adds a finding for a list of references that is damaged, or when a line ends where one should follow.
+    void CheckReferenceList(const P42Ent* entity, std::string_view list);
     // Adds a finding when the first string of a PRODUCT is longer than the program bears.
     void CheckProductName(const P42Ent* product);
     // Adds a finding when a line ends within a text.

@@ -14,7 +14,7 @@ std::string_view ListAt(CheckedFile& file, const P42Ent* entity, std::size_t pla
                  "has " + std::to_string(arguments.size()) + " arguments where more are read");
         return {};
     }
-    file.CheckBreakInReferences(entity, arguments[place]);
+    file.CheckReferenceList(entity, arguments[place]);
     return arguments[place];
 }
 

@@ -25,6 +25,22 @@ bool IsFace(std::int32_t entityCode) {
     return entityCode == code::kTriangulatedFace || entityCode == code::kComplexTriangulatedFace;
 }
 
+// The first number of a list that isn't from 1 to `most`, and how many there are up to it; null when all are.
+const char* PlaceOutside(std::string_view list, std::int64_t most, std::int64_t* count) {
+    const char* const end = list.data() + list.size();
+    for (const char* p = list.data(); p < end;) {
+        if (!real::IsDigit(*p) && *p != '-') {
+            ++p;
+            continue;
+        }
+        const std::int32_t number = StringToInteger(p);
+        if (number < 1 || number > most) { return p; }
+        ++*count;
+        for (++p; p < end && real::IsDigit(*p);) { ++p; }
+    }
+    return nullptr;
+}
+
 class PartCheck {
 public:
     explicit PartCheck(CheckedFile& file) : file_(file), model_(file.model) {}
@@ -87,7 +103,7 @@ private:
             return items;
         }
         if (file_.IsMissed(entity, text, 1, '(', arguments[1])) { return items; }
-        file_.CheckBreakInReferences(entity, arguments[1]);
+        file_.CheckReferenceList(entity, arguments[1]);
         for (const std::int32_t id : ReferencesIn(arguments[1])) {
             const P42Ent* const item = model_.Find(id);
             if (item != nullptr) { items.push_back(item); }
@@ -134,16 +150,31 @@ private:
             return;
         }
         if (file_.HasComma(face, arguments[0])) { return; }
-        const std::string_view pnmax = Trimmed(arguments[2]);
-        if (std::all_of(pnmax.begin(), pnmax.end(), real::IsDigit) && pnmax.size() > kMostDigits) {
-            file_.Add(FindingKind::kTooLong, face, "its third argument has more than 14 digits");
-        }
+        if (!CheckSingleArguments(face, arguments)) { return; }
         const char* const lists = arguments[2].data() + arguments[2].size();
         const char* const end = arguments[wanted - 1].data() + arguments[wanted - 1].size();
         if (file_.CheckBreak(face, {lists, static_cast<std::size_t>(end - lists)})) { return; }
         const std::int64_t vertices = CheckPoints(face, arguments[1], arguments[pnindex]);
         if (vertices >= 0) { CheckNormals(face, arguments[3], vertices); }
-        CheckTriangles(face, arguments, pnindex + 1);
+        CheckTriangles(face, arguments, pnindex + 1, vertices);
+    }
+
+    // The arguments that are no lists: pnmax, and the link of a face.
+    bool CheckSingleArguments(const P42Ent* face, const std::vector<std::string_view>& arguments) {
+        const std::string_view pnmax = Trimmed(arguments[2]);
+        const bool isNumber = !pnmax.empty() && std::all_of(pnmax.begin(), pnmax.end(), real::IsDigit);
+        if (!isNumber && pnmax != "$") {
+            file_.Add(FindingKind::kDamaged, face, "its third argument is neither a number nor $");
+            return false;
+        }
+        if (pnmax.size() > kMostDigits) {
+            file_.Add(FindingKind::kTooLong, face, "its third argument has more than 14 digits");
+        }
+        if (IsFace(face->code) && Trimmed(arguments[4]) != "$" && ReferenceOf(arguments[4]) == 0) {
+            file_.Add(FindingKind::kDamaged, face, "its fifth argument is neither a reference nor $");
+            return false;
+        }
+        return true;
     }
 
     // The number of points of a list; -1 for one that can't be read.
@@ -158,11 +189,12 @@ private:
             file_.Add(FindingKind::kDamaged, list, "has no list of points as its third argument");
             return -1;
         }
-        if (file_.IsMissed(list, text, 2, '(', arguments[2]) || file_.CheckBreak(list, arguments[2])) {
+        if (file_.IsMissed(list, text, 2, '(', arguments[2]) ||
+            file_.CheckBreak(list, Trimmed(arguments[2]))) {
             return -1;
         }
         const ListShape shape = ShapeOf(arguments[2]);
-        if (!shape.triples) {
+        if (!shape.triples || !shape.sound) {
             file_.Add(FindingKind::kDamaged, list, "has a point that isn't three numbers");
             return -1;
         }
@@ -180,22 +212,18 @@ private:
         }
         const std::int64_t points = PointsOf(list);
         if (points < 0) { return -1; }
+        if (!ShapeOf(pnindex).sound) {
+            file_.AddAt(FindingKind::kDamaged, face, pnindex.data(),
+                        "has a pnindex that isn't a list of numbers");
+            return -1;
+        }
         std::int64_t picked = 0;
-        const char* const end = pnindex.data() + pnindex.size();
-        for (const char* p = pnindex.data(); p < end;) {
-            if (!real::IsDigit(*p) && *p != '-') {
-                ++p;
-                continue;
-            }
-            const std::int32_t place = StringToInteger(p);
-            if (place < 1 || place > points) {
-                file_.AddAt(FindingKind::kDamaged, face, p,
-                            "names point " + std::to_string(place) + ", but " + Number(id) + " has " +
-                                std::to_string(points));
-                return -1;
-            }
-            ++picked;
-            for (++p; p < end && real::IsDigit(*p);) { ++p; }
+        const char* const outside = PlaceOutside(pnindex, points, &picked);
+        if (outside != nullptr) {
+            file_.AddAt(FindingKind::kDamaged, face, outside,
+                        "names point " + std::to_string(StringToInteger(outside)) + ", but " + Number(id) +
+                            " has " + std::to_string(points));
+            return -1;
         }
         const std::int64_t vertices = picked > 0 ? picked : points;
         if (vertices == 0) { file_.Add(FindingKind::kDamaged, face, "has no points"); }
@@ -206,7 +234,7 @@ private:
         const ListShape shape = ShapeOf(normals);
         if (shape.inner == 0) {
             file_.Add(FindingKind::kNoNormals, face, "has no normals: it is lit as if they were 0, 0, 1");
-        } else if (!shape.triples) {
+        } else if (!shape.triples || !shape.sound) {
             file_.Add(FindingKind::kDamaged, face, "has a normal that isn't three numbers");
         } else if (shape.inner > 1 && shape.inner > vertices) {
             file_.Add(FindingKind::kManyNormals, face,
@@ -219,18 +247,29 @@ private:
         }
     }
 
-    void CheckTriangles(const P42Ent* face, const std::vector<std::string_view>& arguments,
-                        std::size_t first) {
+    void CheckTriangles(const P42Ent* face, const std::vector<std::string_view>& arguments, std::size_t first,
+                        std::int64_t vertices) {
         const bool isComplex = face->code != code::kTriangulatedFace;
         std::int64_t values = 0;
         for (std::size_t i = first; i < first + (isComplex ? 2 : 1); ++i) {
             const ListShape shape = ShapeOf(arguments[i]);
             values += shape.values;
+            std::int64_t sound = 0;
+            const char* const outside = vertices > 0 ? PlaceOutside(arguments[i], vertices, &sound) : nullptr;
+            if (outside != nullptr) {
+                file_.AddAt(FindingKind::kNotDrawn, face, outside,
+                            "has a triangle with vertex " + std::to_string(StringToInteger(outside)) +
+                                " of " + std::to_string(vertices) + ": it isn't drawn");
+            }
             if (isComplex && shape.blankBetween) {
                 file_.AddAt(FindingKind::kBlank, face, arguments[i].data(),
                             "has a blank between its strips or fans: what follows is read wrongly");
             }
-            if (!isComplex && !shape.triples) {
+            if (isComplex && !shape.sound) {
+                file_.AddAt(FindingKind::kDamaged, face, arguments[i].data(),
+                            "has strips or fans that aren't lists of numbers");
+            }
+            if (!isComplex && !(shape.triples && shape.sound)) {
                 file_.AddAt(FindingKind::kDamaged, face, arguments[i].data(),
                             "has a triangle that isn't three numbers");
             }
@@ -280,16 +319,16 @@ private:
             }
             return;
         }
-        const std::string count = std::to_string(exact) + " ADVANCED_FACE" + (exact > 1 ? "s" : "");
+        const std::string count =
+            exact == 1 ? "an ADVANCED_FACE" : "the first of " + std::to_string(exact) + " ADVANCED_FACEs";
         if (!hasRepresentation) {
             file_.Add(FindingKind::kExactOnly, first,
-                      "the first of " + count + ", but the file has no TESSELLATED_SHAPE_REPRESENTATION");
+                      count + ", but the file has no TESSELLATED_SHAPE_REPRESENTATION");
         } else if (drawnFaces_ < exact && !hasSet_) {
             file_.Add(FindingKind::kExactOnly, first,
-                      "the first of " + count +
-                          (drawnFaces_ == 0 ? ", but no tessellated face is drawn"
-                                            : ", but only " + std::to_string(drawnFaces_) +
-                                                  " tessellated faces are drawn"));
+                      count + (drawnFaces_ == 0 ? ", but no tessellated face is drawn"
+                                                : ", but only " + std::to_string(drawnFaces_) +
+                                                      " tessellated faces are drawn"));
         }
     }
 

@@ -38,6 +38,11 @@ std::int32_t NumberAt(std::string_view text, std::size_t* digits) {
     return value > std::numeric_limits<std::int32_t>::max() ? 0 : static_cast<std::int32_t>(value);
 }
 
+bool IsPartOfValue(char c, bool starts, ListOf values) {
+    if (values == ListOf::kReferences) { return starts ? c == '#' : real::IsDigit(c); }
+    return real::IsDigit(c) || c == '.' || c == '-' || c == '+' || c == 'E' || c == 'e';
+}
+
 } // namespace
 
 std::string_view EntityText(const StepModel& model, const P42Ent* entity) {
@@ -129,7 +134,10 @@ bool ReferenceFinder::Next(std::int32_t* id, std::size_t* digits, std::size_t* a
             *id = NumberAt(text_.substr(place_ + 1), digits);
             *at = place_;
             place_ += 1 + *digits;
-            if (*digits > 0) { return true; }
+            std::size_t behind = place_;
+            while (behind < text_.size() && (text_[behind] == ' ' || text_[behind] == '\t')) { ++behind; }
+            const bool isEntity = behind < text_.size() && text_[behind] == '=';
+            if (*digits > 0 && !isEntity) { return true; }
             --place_;
         }
     }
@@ -146,30 +154,45 @@ std::vector<std::int32_t> ReferencesIn(std::string_view list) {
     return ids;
 }
 
-ListShape ShapeOf(std::string_view list) {
+ListShape ShapeOf(std::string_view list, ListOf values) {
     ListShape shape;
+    const std::string_view text = Trimmed(list);
+    if (text == "$") { return shape; }
     int depth = 0;
     std::int64_t valuesBefore = 0; // those of the inner list count from here
-    bool inValue = false;
-    for (const char c : Trimmed(list)) {
+    char before = '\0';            // what stands before: "(", ")", ",", or "1" for a value
+    bool spaceBefore = false;
+    bool hasOuterValue = false; // beside the inner lists, where none may be
+    for (const char c : text) {
+        if (IsSpace(c)) {
+            spaceBefore = true;
+            if (depth == 1 && shape.inner > 0 && (c == ' ' || c == '\t')) { shape.blankBetween = true; }
+            continue;
+        }
         if (c == '(') {
+            shape.sound &= before == '(' || before == ',' || before == '\0';
             if (++depth == 2) {
                 ++shape.inner;
                 valuesBefore = shape.values;
             }
-            inValue = false;
         } else if (c == ')') {
+            shape.sound &= before != ',' && depth > 0;
             if (depth-- == 2 && shape.values - valuesBefore != 3) { shape.triples = false; }
-            inValue = false;
         } else if (c == ',') {
-            inValue = false;
-        } else if (!IsSpace(c) && c != '$') {
-            if (!inValue) { ++shape.values; }
-            inValue = true;
-        } else if (depth == 1 && shape.inner > 0 && (c == ' ' || c == '\t')) {
-            shape.blankBetween = true;
+            shape.sound &= (before == '1' || before == ')') && depth > 0;
+        } else {
+            const bool starts = before != '1' || spaceBefore;
+            if (starts) {
+                ++shape.values;
+                if (depth == 1) { hasOuterValue = true; }
+            }
+            shape.sound &=
+                depth > 0 && before != ')' && IsPartOfValue(c, starts, values) && !(starts && before == '1');
         }
+        before = c == '(' || c == ')' || c == ',' ? c : '1';
+        spaceBefore = false;
     }
+    shape.sound &= depth == 0 && before == ')' && !(hasOuterValue && shape.inner > 0);
     return shape;
 }
 

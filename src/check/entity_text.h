@@ -33,7 +33,8 @@ std::string_view Trimmed(std::string_view text);
 // The number of a reference, 0 for any other argument and for a number that is no entity's.
 std::int32_t ReferenceOf(std::string_view argument);
 
-// Goes through the references in a text, one call after another; strings are passed over.
+// Goes through the references in a text, one call after another; strings are passed over, and the numbers of
+// entities that stand in the text by mistake.
 class ReferenceFinder {
 public:
     explicit ReferenceFinder(std::string_view text) : text_(text) {}
@@ -48,14 +49,17 @@ private:
 // The numbers that the references of a list have.
 std::vector<std::int32_t> ReferencesIn(std::string_view list);
 
-// What a list of lists of numbers, or of numbers, holds.
+// What a list of lists of values, or of values, holds.
 struct ListShape {
+    bool sound = true;         // values of the kind asked for, with commas between them, and nothing else
     std::int64_t values = 0;   // at any depth
     std::int64_t inner = 0;    // lists in the list
     bool triples = true;       // each of them has three values
     bool blankBetween = false; // a blank or tab between the lists of the list
 };
-ListShape ShapeOf(std::string_view list);
+enum class ListOf { kNumbers, kReferences };
+// "$" has the shape of an empty list.
+ListShape ShapeOf(std::string_view list, ListOf values = ListOf::kNumbers);
 
 // What is between the quotes of an argument that is a string, else empty.
 std::string_view StringOf(std::string_view argument);

@@ -1,0 +1,53 @@
+#include "check/checked.h"
+
+namespace tarnwick::test {
+namespace {
+
+const std::string kDocument =
+    "<DataContainer>\n<Part>\n<Name><CharacterString>wheel</CharacterString></Name>\n<PartView>\n"
+    "<Occurrence uid=\"o1\"></Occurrence>\n<DocumentAssignment><AssignedDocument uidRef=\"f1\"/>"
+    "</DocumentAssignment>\n</PartView>\n</Part>\n<File uid=\"f1\"><Id id=\"x\"><Identifier "
+    "id=\"wheel.stp\"/>"
+    "</Id></File>\n<Part>\n<Name><CharacterString>top</CharacterString></Name>\n<PartView>\n"
+    "<ViewOccurrenceRelationship>\n<Related uidRef=\"o1\"/>\n<Placement>\n"
+    "<RotationMatrix>1 0 0 0 1 0 0 0 1</RotationMatrix>\n<TranslationVector>10 0 0</TranslationVector>\n"
+    "</Placement>\n</ViewOccurrenceRelationship>\n</PartView>\n</Part>\n</DataContainer>\n";
+
+TEST(CheckDocuments, FindNothingInAGoodOne) {
+    const TempFolder folder;
+    folder.Write("wheel.stp", GoodPart());
+    const CheckReport report = Checked(folder.Write("top.stpx", kDocument));
+    EXPECT_THAT(Brief(report), IsEmpty());
+    EXPECT_EQ(report.counts.at("TESSELLATED_SOLID"), 1);
+}
+
+TEST(CheckDocuments, TellOfPartsThatAreNotThere) {
+    const TempFolder folder;
+    const CheckReport report = Checked(folder.Write("top.stpx", kDocument));
+    EXPECT_THAT(Brief(report), ElementsAre("wheel.stp unread-file"));
+    EXPECT_EQ(report.findings[0].text, "the file of product 'wheel' can't be opened");
+}
+
+TEST(CheckDocuments, CheckTheirParts) {
+    const TempFolder folder;
+    folder.Write("wheel.stp", Edited("TRANSPARENT(0.5)", "TRANSPARENT(0.)"));
+    EXPECT_THAT(Brief(Checked(folder.Write("top.stpx", kDocument))),
+                ElementsAre("wheel.stp transparent 18 #42"));
+}
+
+TEST(CheckDocuments, TellOfADocumentThatBreaksOff) {
+    const TempFolder folder;
+    EXPECT_THAT(Brief(Checked(folder.Write("top.stpx", "<DataContainer>\n<Part>\n<Name>"))),
+                testing::Contains(testing::HasSubstr("unread-file")));
+}
+
+TEST(CheckDocuments, TellOfAnArchiveThatIsNone) {
+    EXPECT_THAT(Findings("no archive", "a.stpa"), ElementsAre("a.stpa unread-file"));
+}
+
+TEST(CheckDocuments, TellOfASummaryThatIsNotThere) {
+    EXPECT_THAT(Brief(Checked("/nowhere/a.stpj")), ElementsAre("a.stpj unread-file"));
+}
+
+} // namespace
+} // namespace tarnwick::test

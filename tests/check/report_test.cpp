@@ -1,0 +1,85 @@
+#include "check/checked.h"
+
+#include <nlohmann/json.hpp>
+
+namespace tarnwick::test {
+namespace {
+
+using nlohmann::json;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+CheckReport ReportOf(std::string_view text) {
+    const TempFolder folder;
+    return Checked(folder.Write("part.stp", text));
+}
+
+// A good part with `count` items that aren't drawn, from line 10 on.
+std::string WithWires(int count) {
+    std::string wires;
+    std::string items = "(#20,#22";
+    for (int i = 100; i < 100 + count; ++i) {
+        wires += "#" + std::to_string(i) + "=TESSELLATED_WIRE();\n";
+        items += ",#" + std::to_string(i);
+    }
+    return EditedIn(Edited("(#20,#22", items), "#9=", wires + "#9=");
+}
+
+TEST(CheckReports, SayThatNothingIsWrong) {
+    const std::string text = CheckText(ReportOf(GoodPart()));
+    EXPECT_THAT(text, EndsWith("\n\nNothing is wrong with this file.\n"));
+    EXPECT_THAT(text, HasSubstr("        2  STYLED_ITEM\n"));
+}
+
+TEST(CheckReports, NameLineAndEntityOfAFinding) {
+    EXPECT_THAT(
+        CheckText(ReportOf(WithWires(1))),
+        EndsWith(
+            "\nItems that are not drawn\n  line 10, #100: TESSELLATED_WIRE isn't drawn\n\nWrite shapes as "
+            "faces of a TESSELLATED_SOLID or TESSELLATED_SHELL, or as "
+            "COMPLEX_TRIANGULATED_SURFACE_SETs, that the representation lists: others aren't "
+            "drawn.\n"));
+}
+
+TEST(CheckReports, ShowTenOfAKind) {
+    const std::string ten = CheckText(ReportOf(WithWires(10)));
+    EXPECT_THAT(ten, HasSubstr("line 19, #109"));
+    EXPECT_THAT(ten, Not(HasSubstr("more\n")));
+    const std::string more = CheckText(ReportOf(WithWires(12)));
+    EXPECT_THAT(more, HasSubstr("line 19, #109"));
+    EXPECT_THAT(more, Not(HasSubstr("#110:")));
+    EXPECT_THAT(more, HasSubstr("  and 2 more\n"));
+}
+
+TEST(CheckReports, GiveTheAdviceOfTheMostSeriousFinding) {
+    const std::string text =
+        EditedIn(Edited("4,((0.,0.,1.)),$", "4,$,$"), "TRANSPARENT(0.5)", "TRANSPARENT(0.)");
+    EXPECT_STREQ(AdviceFor(ReportOf(text).findings), TextOf(FindingKind::kTransparent).advice);
+    const std::string both = EditedIn(text, "(1,2,3,4),((1,2,3),", "(1,2,3,4),\n((1,2,3),");
+    EXPECT_STREQ(AdviceFor(ReportOf(both).findings), TextOf(FindingKind::kBrokenList).advice);
+}
+
+TEST(CheckReports, HoldAllFindingsAsJson) {
+    const json report = json::parse(CheckJson(ReportOf(WithWires(12))));
+    EXPECT_EQ(report["format"], "tarnwick.check/1");
+    EXPECT_EQ(report["counts"]["TESSELLATED_WIRE"], 12);
+    ASSERT_EQ(report["findings"].size(), 12U);
+    EXPECT_EQ(report["findings"][11], json::parse(R"({"kind": "not-drawn", "entity": 111, "line": 21,
+                                                       "text": "TESSELLATED_WIRE isn't drawn"})"));
+    EXPECT_EQ(report["advice"], TextOf(FindingKind::kNotDrawn).advice);
+}
+
+TEST(CheckReports, HaveNullForWhatThereIsNone) {
+    const json report = json::parse(CheckJson(ReportOf(Edited("#1=PRODUCT(", "#1=PRODUKT("))));
+    EXPECT_EQ(report["findings"][0]["entity"], nullptr);
+    EXPECT_EQ(report["findings"][0]["line"], nullptr);
+}
+
+TEST(CheckReports, HaveEachByteOfAName) {
+    const json report = json::parse(CheckJson(ReportOf(Edited("#62=", "#70=\xE9TAT();\n#62="))));
+    EXPECT_EQ(report["counts"]["\xC3\xA9TAT"], 1);
+}
+
+} // namespace
+} // namespace tarnwick::test
