@@ -61,7 +61,7 @@ TEST_P(CheckDamaged, FilesWithAnotherCharacterAnywhere) {
 INSTANTIATE_TEST_SUITE_P(Each, CheckDamaged,
                          testing::Values(Model{"Part", GoodPart}, Model{"OtherPart", SmallPartText},
                                          Model{"Assembly", SmallAssembly}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& model) { return std::string(model.param.name); });
 
 } // namespace
 } // namespace tarnwick::test
