@@ -8,6 +8,7 @@
 #include "support/sanitized.h"
 
 #include <algorithm>
+#include <ostream>
 
 namespace tarnwick::test {
 namespace {
@@ -34,6 +35,10 @@ struct Model {
     const char* name;
     std::string (*text)();
 };
+
+void PrintTo(const Model& model, std::ostream* out) {
+    *out << model.name;
+}
 
 class CheckDamaged : public testing::TestWithParam<Model> {};
 
