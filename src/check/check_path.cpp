@@ -108,8 +108,8 @@ private:
     std::vector<std::pair<std::string, Finding>> bareLeaves_; // by product
 };
 
-// The part files of a tree that was loaded from documents, each once.
-std::vector<std::string> PartFiles(const ProductNode* root) {
+// The part files of a tree that was loaded from documents, each once. Uses without a product become findings.
+std::vector<std::string> PartFiles(const ProductNode* root, std::vector<Finding>* findings) {
     std::vector<std::string> names;
     if (root == nullptr) { return names; }
     std::unordered_set<const ProductNode*> seen{root};
@@ -123,8 +123,15 @@ std::vector<std::string> PartFiles(const ProductNode* root) {
             names.emplace_back(product.fileName);
         }
         for (std::int32_t i = 0; i < product.occurrenceCount; ++i) {
-            const ProductNode* const child = product.occurrences[i]->child;
-            if (child != nullptr && seen.insert(child).second) { open.push_back(child); }
+            const Occurrence& use = *product.occurrences[i];
+            if (use.child == nullptr) {
+                findings->push_back({.kind = FindingKind::kUse,
+                                     .text = std::string("product '") + product.name + "' uses '" +
+                                             (use.relatedUid != nullptr ? use.relatedUid : "") +
+                                             "', which is no product's"});
+            } else if (seen.insert(use.child).second) {
+                open.push_back(use.child);
+            }
         }
     }
     std::sort(names.begin(), names.end());
@@ -155,7 +162,7 @@ void CheckLoaded(CheckReport* report, const SceneView& view, const std::string& 
     std::unique_ptr<ZipArchive> archive;
     if (extension == "stpa") { archive = std::make_unique<ZipArchive>(path.c_str()); }
     ReaderWorkspace workspace;
-    for (const std::string& name : PartFiles(view.root)) {
+    for (const std::string& name : PartFiles(view.root, &report->findings)) {
         if (archive == nullptr) {
             std::string part = name;
             std::replace(part.begin(), part.end(), '\\', '/');

@@ -8,6 +8,7 @@
 #include "support/sanitized.h"
 
 #include <algorithm>
+#include <ostream>
 
 namespace tarnwick::test {
 namespace {
@@ -30,11 +31,20 @@ bool HasSoundLines(const TempFolder& folder, const std::string& text) {
     });
 }
 
-class CheckDamaged : public testing::TestWithParam<std::string> {};
+struct Model {
+    const char* name;
+    std::string (*text)();
+};
+
+void PrintTo(const Model& model, std::ostream* out) {
+    *out << model.name;
+}
+
+class CheckDamaged : public testing::TestWithParam<Model> {};
 
 TEST_P(CheckDamaged, FilesThatAreCutAnywhere) {
     const TempFolder folder;
-    const std::string good = GetParam();
+    const std::string good = GetParam().text();
     for (std::size_t size = 0; size < good.size(); ++size) {
         EXPECT_TRUE(HasSoundLines(folder, good.substr(0, size))) << size;
     }
@@ -42,7 +52,7 @@ TEST_P(CheckDamaged, FilesThatAreCutAnywhere) {
 
 TEST_P(CheckDamaged, FilesWithAnotherCharacterAnywhere) {
     const TempFolder folder;
-    const std::string good = GetParam();
+    const std::string good = GetParam().text();
     const std::size_t step = kSanitized ? 3 : 1;
     for (const char c : std::string_view("'(),#\n;9\0", 9)) {
         for (std::size_t place = 0; place < good.size(); place += step) {
@@ -53,7 +63,10 @@ TEST_P(CheckDamaged, FilesWithAnotherCharacterAnywhere) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, CheckDamaged, testing::Values(GoodPart(), SmallPartText(), SmallAssembly()));
+INSTANTIATE_TEST_SUITE_P(Each, CheckDamaged,
+                         testing::Values(Model{"Part", GoodPart}, Model{"OtherPart", SmallPartText},
+                                         Model{"Assembly", SmallAssembly}),
+                         [](const auto& model) { return std::string(model.param.name); });
 
 } // namespace
 } // namespace tarnwick::test

@@ -35,6 +35,15 @@ TEST(CheckDocuments, CheckTheirParts) {
                 ElementsAre("wheel.stp transparent 18 #42"));
 }
 
+TEST(CheckDocuments, TellOfAUseWithoutAProduct) {
+    const TempFolder folder;
+    folder.Write("wheel.stp", GoodPart());
+    const std::string text = EditedIn(kDocument, "<Related uidRef=\"o1\"/>", "<Related uidRef=\"o2\"/>");
+    const CheckReport report = Checked(folder.Write("top.stpx", text));
+    EXPECT_THAT(Brief(report), ElementsAre("use"));
+    EXPECT_EQ(report.findings[0].text, "product 'top' uses 'o2', which is no product's");
+}
+
 TEST(CheckDocuments, TellOfADocumentThatBreaksOff) {
     const TempFolder folder;
     EXPECT_THAT(Brief(Checked(folder.Write("top.stpx", "<DataContainer>\n<Part>\n<Name>"))),

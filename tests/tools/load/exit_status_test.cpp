@@ -74,7 +74,7 @@ TEST_F(LoadProgram, ExplainsItself) {
     const ProgramRun help = Run({"--help"});
     EXPECT_EQ(help.status, 0);
     for (const char* const word : {"PATH", "PRODUCT", "--json", "--arrays", "--no-threads", "--repeat",
-                                   "--index", "--entities", "--help", "--version"}) {
+                                   "--index", "--entities", "--check", "--help", "--version"}) {
         EXPECT_THAT(help.output, HasSubstr(word));
     }
     EXPECT_EQ(help.errors, "");
