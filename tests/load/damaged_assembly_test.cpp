@@ -29,7 +29,9 @@ protected:
         if (view_.drawList != nullptr && triangles != view_.drawnTriangles) { unsound_ = "the count"; }
         const ResultMesh* const mesh = view_.resultMesh;
         float sum = 0;
-        for (std::int32_t i = 0; mesh != nullptr && i < 3 * mesh->nodeCount; ++i) { sum += mesh->vertices[i]; }
+        for (std::int32_t i = 0; mesh != nullptr && i < 3 * mesh->nodeCount; ++i) {
+            sum += mesh->vertices[i];
+        }
         for (std::int32_t i = 0; mesh != nullptr && i < 4 * mesh->quadCount; ++i) {
             if (mesh->quadIndices[i] >= static_cast<std::uint32_t>(mesh->nodeCount)) { unsound_ = "a quad"; }
         }
