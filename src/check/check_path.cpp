@@ -2,6 +2,7 @@
 
 #include "formats/stpa_archive.h"
 #include "formats/stpx_file.h"
+#include "load/load_file.h"
 #include "load/part_queue.h"
 #include "platform/paths.h"
 
@@ -15,17 +16,6 @@
 namespace tarnwick {
 
 namespace {
-
-// The extension in small letters.
-std::string ExtensionOf(std::string_view path) {
-    const std::size_t dot = path.rfind('.');
-    if (dot == std::string_view::npos || dot == 0) { return {}; }
-    std::string extension(path.substr(dot + 1));
-    for (char& c : extension) {
-        if (c >= 'A' && c <= 'Z') { c = static_cast<char>(c - 'A' + 'a'); }
-    }
-    return extension;
-}
 
 // Adds a file's findings to the report, as those of one more file.
 void AddFile(CheckReport* report, std::string path, std::vector<Finding> findings) {

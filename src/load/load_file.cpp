@@ -2,14 +2,9 @@
 
 #include <charconv>
 #include <cstdio>
-#include <string_view>
 
 namespace tarnwick {
 
-namespace {
-
-// The extension in small letters; empty for a path that has none, whose only "." is its first character, or
-// with 9 characters and more.
 std::string ExtensionOf(std::string_view path) {
     const std::size_t dot = path.rfind('.');
     if (dot == std::string_view::npos || dot == 0) { return {}; }
@@ -20,8 +15,6 @@ std::string ExtensionOf(std::string_view path) {
     }
     return extension;
 }
-
-} // namespace
 
 std::string StatusText(const SceneView& view, bool withWords) {
     char seconds[64];

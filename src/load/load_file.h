@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarnwick {
@@ -53,6 +54,10 @@ std::vector<std::string> SplitArguments(const std::wstring& text);
 
 // The text of one control line from program arguments: each in double quotes, so that blanks in them survive.
 std::wstring JoinArguments(const std::vector<std::string>& arguments);
+
+// The extension of a path, by which it is loaded, in small letters; empty for a path that has none, whose
+// only "." is its first character, or with 9 characters and more.
+std::string ExtensionOf(std::string_view path);
 
 // Shows the file at `path` by the load command of its extension and puts the outcome into the status text.
 // `rootName` names a product for the STEP XML and archive loads, or is null. A path without a known extension
