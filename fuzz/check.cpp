@@ -2,23 +2,9 @@
 #include "check/check_path.h"
 #include "formats/format_commands.h"
 #include "harness.h"
+#include "load/no_controls.h"
 
 using namespace tarnwick;
-
-namespace {
-
-class NoControls final : public LoadControls {
-public:
-    void SetStatusText(const std::string&) override {}
-    void ShowDepthSlider(bool) override {}
-    void EnableDepthSlider(bool) override {}
-    void SetDepthRange(std::int32_t, std::int32_t) override {}
-    void SetDepthPosition(std::int32_t) override {}
-    void SetDepthLabel(std::int32_t) override {}
-    void UpdateData() override {}
-};
-
-} // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     return fuzz::Outcome(size, [&] {

@@ -39,7 +39,8 @@ Folder& Folder::Own() {
 
 Folder::Folder() {
     const char* const base = std::getenv("TMPDIR");
-    path_ = std::string(base != nullptr ? base : "/dev/shm") + "/tarnwick-fuzz-XXXXXX";
+    path_ = std::string(base != nullptr ? base : "/dev/shm") + "/tarnwick-fuzz-" +
+            std::string(6, 'X'); // mkdtemp puts something else for these
     if (mkdtemp(path_.data()) == nullptr) { std::abort(); }
     path_ += '/';
 }

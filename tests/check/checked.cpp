@@ -1,6 +1,7 @@
 #include "check/checked.h"
 
 #include "formats/format_commands.h"
+#include "load/no_controls.h"
 #include "platform/console.h"
 #include "support/capture.h"
 #include "support/p21_text.h"
@@ -8,21 +9,6 @@
 #include <cstdlib>
 
 namespace tarnwick::test {
-
-namespace {
-
-class NoControls final : public LoadControls {
-public:
-    void SetStatusText(const std::string&) override {}
-    void ShowDepthSlider(bool) override {}
-    void EnableDepthSlider(bool) override {}
-    void SetDepthRange(std::int32_t, std::int32_t) override {}
-    void SetDepthPosition(std::int32_t) override {}
-    void SetDepthLabel(std::int32_t) override {}
-    void UpdateData() override {}
-};
-
-} // namespace
 
 CheckReport Checked(const std::string& path) {
     LogCapture log;

@@ -16,32 +16,16 @@
 
 namespace tarnwick::test {
 
-TestFolder::TestFolder() {
-    // In memory where the machine has such a folder: some tests write thousands of files.
-    const std::filesystem::path memory = "/dev/shm";
-    const std::filesystem::path base =
-        std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
-    std::string name = (base / "tarnwick_formats_XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) { std::abort(); }
-    path_ = name + "/";
-}
-
-TestFolder::~TestFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 std::string TestFolder::Write(const std::string& name, std::string_view content) const {
-    std::filesystem::create_directories(std::filesystem::path(path_ + name).parent_path());
-    std::ofstream(path_ + name, std::ios::binary) << content;
-    return path_ + name;
+    std::filesystem::create_directories(std::filesystem::path(Path(name)).parent_path());
+    return folder_.Write(name, content);
 }
 
 std::string TestFolder::WriteGzip(const std::string& name, std::string_view content) const {
-    gzFile file = gzopen((path_ + name).c_str(), "wb");
+    gzFile file = gzopen(Path(name).c_str(), "wb");
     gzwrite(file, content.data(), static_cast<unsigned>(content.size()));
     gzclose(file);
-    return path_ + name;
+    return Path(name);
 }
 
 ConsoleText::ConsoleText() {

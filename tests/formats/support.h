@@ -3,6 +3,7 @@
 #include "formats/stpx_document.h"
 #include "load/scene_view.h"
 #include "platform/text_block.h"
+#include "support/temp_folder.h"
 
 #include <nlohmann/json.hpp>
 
@@ -15,15 +16,13 @@ namespace tarnwick::test {
 // A folder of its own for each test, gone with it.
 class TestFolder {
 public:
-    TestFolder();
-    ~TestFolder();
     // Writes a file and returns its path.
     std::string Write(const std::string& name, std::string_view content) const;
     std::string WriteGzip(const std::string& name, std::string_view content) const;
-    std::string Path(const std::string& name) const { return path_ + name; }
+    std::string Path(const std::string& name) const { return folder_.Path(name); }
 
 private:
-    std::string path_; // with its "/"
+    TempFolder folder_;
 };
 
 // What the console says while this lives.

@@ -12,7 +12,8 @@ TempFolder::TempFolder() {
     std::error_code ignored;
     const bool inMemory = std::filesystem::is_directory("/dev/shm", ignored);
     const std::filesystem::path above = inMemory ? "/dev/shm" : std::filesystem::temp_directory_path();
-    path_ = (above / "tarnwick-test-XXXXXX").string();
+    path_ =
+        (above / ("tarnwick-test-" + std::string(6, 'X'))).string(); // mkdtemp puts something else for these
     if (mkdtemp(path_.data()) == nullptr) { std::abort(); }
 }
 

@@ -2,7 +2,7 @@
 
 #include "check/check_path.h"
 #include "formats/format_commands.h"
-#include "load/load_file.h"
+#include "load/no_controls.h"
 #include "platform/console.h"
 #include "report/report.h"
 
@@ -15,15 +15,9 @@ namespace tarnwick::tools {
 namespace {
 
 // A dialog of one control: the status text.
-class StatusOnly final : public LoadControls {
+class StatusOnly final : public NoControls {
 public:
     void SetStatusText(const std::string& text) override { status = text; }
-    void ShowDepthSlider(bool) override {}
-    void EnableDepthSlider(bool) override {}
-    void SetDepthRange(std::int32_t, std::int32_t) override {}
-    void SetDepthPosition(std::int32_t) override {}
-    void SetDepthLabel(std::int32_t) override {}
-    void UpdateData() override {}
 
     std::optional<std::string> status;
 };

@@ -1,6 +1,7 @@
 // Runs the sample writer in a folder of its own.
 #pragma once
 
+#include "support/temp_folder.h"
 #include "tools/make/kinds.h"
 
 #include <cstdlib>
@@ -22,13 +23,6 @@ inline std::string ReadFile(const fs::path& path) {
 
 class MakeFiles : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string name = testing::TempDir() + "tarnwick-make-XXXXXX";
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        folder = name;
-    }
-    void TearDown() override { fs::remove_all(folder); }
-
     int Run(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "tarnwick-make");
         std::vector<char*> argv;
@@ -41,7 +35,11 @@ protected:
             std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
     }
 
-    fs::path folder;
+private:
+    test::TempFolder own_;
+
+protected:
+    const fs::path folder = own_.Path("");
 };
 
 } // namespace tarnwick::make
