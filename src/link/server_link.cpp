@@ -2,6 +2,7 @@
 #include "link/message_queue.h"
 #include "link/server_messages.h"
 #include "platform/console.h"
+#include "platform/or_null.h"
 #include "platform/wide_text.h"
 
 #include <cpprest/json.h>
@@ -25,10 +26,6 @@ constexpr const char* kViewerFolder = TARNWICK_BASE_FOLDER "/Velquist/viewer";
 std::string EnvironmentOr(const char* name, const char* otherwise) {
     const char* const value = std::getenv(name);
     return value != nullptr && *value != '\0' ? value : otherwise;
-}
-
-const char* OrNull(const char* text) {
-    return text != nullptr ? text : "(null)";
 }
 
 void TellFailure(const std::exception& failure) {

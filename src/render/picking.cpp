@@ -2,6 +2,7 @@
 // that spells its index, and one pixel is read back.
 
 #include "platform/console.h"
+#include "platform/or_null.h"
 #include "render/opengl_control.h"
 #include "render/pick_code.h"
 
@@ -10,15 +11,6 @@
 #include <string>
 
 namespace tarnwick {
-
-namespace {
-
-// What printf makes of a text that isn't there, the same in every C library.
-const char* OrNull(const char* text) {
-    return text != nullptr ? text : "(null)";
-}
-
-} // namespace
 
 void OpenGLControl::PickAt(WindowPoint point) {
     if (!hasContext_ || (drawList == nullptr && boxList == nullptr)) { return; }
