@@ -332,18 +332,18 @@ FaceWalk WalkToPoints(const StepModel& model, const P42Ent* list) {
 // copied. False when the walk fails.
 bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, Arena& arena,
                    FaceScratch* scratch, const char** problem) {
-    CoordCache& known = scratch->allPoints;
+    const std::optional<CoordCache>& known = scratch->allPoints;
     TipArray<float> points(arena);
-    if (known.coordinatesId == list->id) {
-        const auto count = 3 * static_cast<std::size_t>(known.count);
+    if (known && known->coordinatesId == list->id) {
+        const auto count = 3 * static_cast<std::size_t>(known->count);
         if (!points.Reserve(count)) {
             *problem = kNoMemory;
             return false;
         }
-        std::copy_n(known.points, count, points.Next());
+        std::copy_n(known->points, count, points.Next());
         points.Advance(count);
         face->vertices = points.Close();
-        face->vertexCount = known.count;
+        face->vertexCount = known->count;
         return true;
     }
     FaceWalk walk = WalkToPoints(model, list);
@@ -356,15 +356,15 @@ bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, 
     face->vertexCount = static_cast<std::int32_t>(points.Count() / 3);
     face->vertices = points.Close();
     // One that broke off says so each time it is read.
-    if (whole) { known = {list->id, face->vertexCount, face->vertices}; }
+    if (whole) { scratch->allPoints = CoordCache{list->id, face->vertexCount, face->vertices}; }
     return true;
 }
 
 // Fills the cache from a list that it doesn't hold.
 bool FillCoordCache(FaceScratch* scratch, const StepModel& model, const P42Ent* list, const char** problem) {
     CoordCache& cache = scratch->coordCache;
-    if (scratch->allPoints.coordinatesId == list->id) {
-        cache = scratch->allPoints;
+    if (scratch->allPoints && scratch->allPoints->coordinatesId == list->id) {
+        cache = *scratch->allPoints;
         return true;
     }
     scratch->list.Clear();

@@ -6,6 +6,7 @@
 #include "product/scene_records.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace tarnwick {
 
@@ -22,14 +23,14 @@ struct FaceScratch {
     // list, one after another, pay for parsing it once.
     CoordCache coordCache;
     ScratchArray<float> list; // what `coordCache` mostly points into
-    // The last whole list that a face without pnindex has read, which is its vertices.
-    CoordCache allPoints;
+    // The last whole list that a face without pnindex has read, which is its vertices. A list may be #0.
+    std::optional<CoordCache> allPoints;
     ScratchArray<std::int32_t> strip; // the values of one strip or fan
 
     // Forgets the lists of the part before.
     void Reset() {
         coordCache = {};
-        allPoints = {};
+        allPoints.reset();
     }
 };
 

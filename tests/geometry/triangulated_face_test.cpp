@@ -407,6 +407,12 @@ TEST(CoordCache, ServesFacesOfOneListAndOfAlternatingLists) {
     EXPECT_THAT(file.Read(17).vertices, ElementsAre(1, 0, 0, 0, 0, 0));
 }
 
+TEST(CoordCache, DoesNotTakeTheListOfNumberZeroForOneThatIsHeld) {
+    FaceFile file({"#0=COORDINATES_LIST('',2,((7.,7.,7.),(8.,8.,8.)));", Whole(11, 0), Whole(12, 0)});
+    EXPECT_THAT(file.Read(11).vertices, ElementsAre(7, 7, 7, 8, 8, 8));
+    EXPECT_THAT(file.Read(12).vertices, ElementsAre(7, 7, 7, 8, 8, 8));
+}
+
 const std::string kBroken = "#8=COORDINATES_LIST('',3,((1.,1.,1.),(2.,2.,2.),\n(3.,3.,3.)));";
 
 TEST(CoordCache, SaysOnceThatAListIsBrokenToFacesThatPickFromIt) {
