@@ -140,7 +140,7 @@ private:
             file_.Add(FindingKind::kUse, definition, "doesn't lead to a PRODUCT");
             return;
         }
-        file_.CheckProductName(product);
+        file_.CheckName(product);
         const Arguments productArguments = ArgumentsAt(product);
         if (!productArguments.empty()) { names_[definition] = StringOf(productArguments[0]); }
     }

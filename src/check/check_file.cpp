@@ -1,6 +1,7 @@
 #include "check/check_file.h"
 
 #include "check/entity_text.h"
+#include "load/p21/keyword_codes.h"
 #include "load/part_queue.h"
 
 #include <algorithm>
@@ -84,18 +85,17 @@ void CheckedFile::CheckReferenceList(const P42Ent* entity, std::string_view list
     }
 }
 
-void CheckedFile::CheckProductName(const P42Ent* product) {
-    // By the moves of the readers: where a quote is absent, a name goes on to that of another entity.
+bool CheckedFile::CheckName(const P42Ent* entity) {
+    // By the moves of the readers: where a quote is absent, they go on to those of other entities.
     constexpr std::size_t kLimit = 300;
-    const std::string_view own = EntityText(model, product);
-    const std::size_t open = own.find('(');
-    const std::size_t quote = open != std::string_view::npos ? own.find('\'', open) : open;
-    if (quote == std::string_view::npos) { return; }
-    const char* const name = own.data() + quote + 1;
-    const std::string_view rest(name, static_cast<std::size_t>(model.textEnd - name));
-    if (rest.size() >= kLimit && rest.substr(0, kLimit).find('\'') == std::string_view::npos) {
-        Add(FindingKind::kTooLong, product, "its name has 300 characters or more");
-    }
+    const char* const line = model.text + entity->offset;
+    const std::string_view rest(line, static_cast<std::size_t>(model.textEnd - line));
+    const std::size_t quote = rest.find('\'', std::min(rest.find('('), rest.size()));
+    if (quote == std::string_view::npos) { return true; }
+    const std::string_view name = rest.substr(quote + 1);
+    if (name.size() < kLimit || name.substr(0, kLimit).find('\'') != std::string_view::npos) { return true; }
+    Add(FindingKind::kTooLong, entity, "its name has 300 characters or more");
+    return false;
 }
 
 bool CheckedFile::CheckBreak(const P42Ent* entity, std::string_view text) {
@@ -106,9 +106,24 @@ bool CheckedFile::CheckBreak(const P42Ent* entity, std::string_view text) {
     return true;
 }
 
+int ReadToCheck(StepModel& model, std::vector<Finding>* findings) {
+    const int result = model.ReadIndex();
+    if (result != StepModel::kRead) { return result; }
+    CheckedFile file{model, *findings, {}};
+    bool areNamesBorne = true;
+    if (model.isAssembly == 0 && model.productCount >= 2) {
+        for (const P42Ent* record = model.structureList->First(); record != nullptr;
+             record = model.structureList->Next()) {
+            if (record->code == code::kProductRelatedProductCategory && !file.CheckName(record)) {
+                areNamesBorne = false;
+            }
+        }
+    }
+    return areNamesBorne ? model.DiscoverRoot() : result;
+}
+
 void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCounts* counts,
                    std::vector<Finding>* findings, FileReferences* references) {
-    const std::size_t first = findings->size();
     CheckedFile file{model, *findings, {}};
     if (result == StepModel::kNotOpened) {
         file.Add(FindingKind::kUnread, UnreadReason(result));
@@ -134,8 +149,8 @@ void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCou
         CheckColours(file);
     }
     const std::string_view text(model.text, static_cast<std::size_t>(model.textEnd - model.text));
-    FindLines(text, findings, first);
-    FindLines(text, &references->bareFindings, 0);
+    FindLines(text, findings);
+    FindLines(text, &references->bareFindings);
 }
 
 } // namespace tarnwick

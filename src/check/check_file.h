@@ -44,8 +44,8 @@ struct CheckedFile {
                   std::string_view argument);
     // Adds a finding for a list of references that is damaged, or when a line ends where one should follow.
     void CheckReferenceList(const P42Ent* entity, std::string_view list);
-    // Adds a finding when the first string of a PRODUCT is longer than the program bears.
-    void CheckProductName(const P42Ent* product);
+    // Adds a finding when the first string of an entity is longer than the program bears. True if it isn't.
+    bool CheckName(const P42Ent* entity);
     // Adds a finding when a line ends within a text.
     bool CheckBreak(const P42Ent* entity, std::string_view text);
 };
@@ -53,7 +53,11 @@ struct CheckedFile {
 // What a file is in a load.
 enum class FileRole { kTop, kPartOrAssembly, kPart };
 
-// Checks one file that Read returned `result` for. `references` takes what an assembly says of others.
+// Reads the model as StepModel::Read does, but for a name of a category on which that would end the process:
+// it adds a finding for it and leaves the root as the scan found it.
+int ReadToCheck(StepModel& model, std::vector<Finding>* findings);
+
+// Checks one file that ReadToCheck returned `result` for. `references` takes what an assembly says of others.
 void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCounts* counts,
                    std::vector<Finding>* findings, FileReferences* references);
 

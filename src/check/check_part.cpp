@@ -64,7 +64,7 @@ private:
         if (product == nullptr) {
             file_.Add(FindingKind::kDamaged, "the file has no PRODUCT: it isn't read");
         } else {
-            file_.CheckProductName(product);
+            file_.CheckName(product);
         }
     }
 

@@ -57,12 +57,12 @@ private:
     void CheckOne(std::size_t number) {
         const Wanted wanted = wanted_[number];
         StepModel model(workspace_, wanted.path);
-        const int result = model.Read();
+        std::vector<Finding> findings;
+        const int result = ReadToCheck(model, &findings);
         if (result == StepModel::kNotOpened) {
             AddUnread(report_, wanted.path, wanted.product, UnreadReason(result));
             return;
         }
-        std::vector<Finding> findings;
         FileReferences references;
         CheckStepFile(model, result, number == 0 ? FileRole::kTop : FileRole::kPartOrAssembly,
                       &report_->counts, &findings, &references);
@@ -129,9 +129,9 @@ std::vector<std::string> PartFiles(const ProductNode* root, std::vector<Finding>
 }
 
 void CheckDocumentPart(CheckReport* report, StepModel& model, const std::string& name) {
-    const int result = model.Read();
-    if (result != StepModel::kRead) { return; } // told by the load
     std::vector<Finding> findings;
+    const int result = ReadToCheck(model, &findings);
+    if (result != StepModel::kRead) { return; } // told by the load
     FileReferences none;
     if (model.isAssembly != 0) { return; } // told by the load
     CheckStepFile(model, result, FileRole::kPart, &report->counts, &findings, &none);

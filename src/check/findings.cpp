@@ -67,18 +67,17 @@ const FindingKindText& TextOf(FindingKind kind) {
     return kTexts[static_cast<std::size_t>(kind)];
 }
 
-void FindLines(std::string_view text, std::vector<Finding>* findings, std::size_t first) {
-    const auto begin = findings->begin() + static_cast<std::ptrdiff_t>(first);
-    std::stable_sort(begin, findings->end(),
+void FindLines(std::string_view text, std::vector<Finding>* findings) {
+    std::stable_sort(findings->begin(), findings->end(),
                      [](const Finding& a, const Finding& b) { return a.offset < b.offset; });
     std::int32_t line = 1;
     std::size_t counted = 0;
-    for (auto finding = begin; finding != findings->end(); ++finding) {
-        if (finding->offset < 0) { continue; }
-        const std::size_t offset = std::min(static_cast<std::size_t>(finding->offset), text.size());
+    for (Finding& finding : *findings) {
+        if (finding.offset < 0) { continue; }
+        const std::size_t offset = std::min(static_cast<std::size_t>(finding.offset), text.size());
         line += static_cast<std::int32_t>(std::count(text.data() + counted, text.data() + offset, '\n'));
         counted = offset;
-        finding->line = line;
+        finding.line = line;
     }
 }
 

@@ -55,7 +55,7 @@ struct Finding {
 };
 
 // Sets the line of each finding from its offset in `text`, in one pass over it.
-void FindLines(std::string_view text, std::vector<Finding>* findings, std::size_t first);
+void FindLines(std::string_view text, std::vector<Finding>* findings);
 
 // The advice for the most serious of the findings.
 const char* AdviceFor(const std::vector<Finding>& findings);

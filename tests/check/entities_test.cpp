@@ -47,6 +47,17 @@ TEST(CheckEntities, TellsOfANameThatEndsTheProgram) {
     EXPECT_THAT(Findings(Edited("'P1'", "'" + std::string(299, 'n') + "'")), IsEmpty());
 }
 
+TEST(CheckEntities, TellsOfACategoryAmongSeveralProductsThatEndsTheProgram) {
+    const auto withCategory = [](int length, const char* products) {
+        return Edited("#62=", "#6=PRODUCT_RELATED_PRODUCT_CATEGORY('" + std::string(length, 'n') +
+                                  "',$,(#1));\n" + products + "#62=");
+    };
+    constexpr const char* kAnother = "#7=PRODUCT('P2','','',());\n";
+    EXPECT_THAT(Findings(withCategory(300, kAnother)), ElementsAre("too-long 31 #6"));
+    EXPECT_THAT(Findings(withCategory(299, kAnother)), IsEmpty());
+    EXPECT_THAT(Findings(withCategory(300, "")), IsEmpty()) << "it isn't read for one product";
+}
+
 TEST(CheckEntities, TellsWhyAFileIsNoP21) {
     const std::string good = GoodPart();
     EXPECT_THAT(Findings("\xEF\xBB\xBF" + good), ElementsAre("unread-file"));

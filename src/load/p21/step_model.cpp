@@ -41,6 +41,11 @@ int StepModel::GiveUp(const char* reason) {
 }
 
 int StepModel::Read() {
+    const int result = ReadIndex();
+    return result == kRead ? DiscoverRoot() : result;
+}
+
+int StepModel::ReadIndex() {
     const int opened = compressedData != nullptr ? kRead : ReadFile();
     if (compressedData != nullptr) {
         const double start = ClockSeconds();
@@ -60,6 +65,10 @@ int StepModel::Read() {
     if (!ScanEntities()) { return kNotP21; }
     if (!BuildEntityMap()) { return GiveUp("no memory for its entity table"); }
     if (!ReadSchemaNumber()) { return GiveUp("no schema name in its header"); }
+    return kRead;
+}
+
+int StepModel::DiscoverRoot() {
     if (isAssembly == 0 && productCount >= 2 && !FindRootProduct()) {
         return GiveUp("a product category runs past the end of the file");
     }

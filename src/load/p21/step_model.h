@@ -52,6 +52,11 @@ struct StepModel {
     // returned.
     int Read();
 
+    // The two halves of Read, for who wants to look at a table before the process may end on a name in it.
+    int ReadIndex();
+    // Behind ReadIndex: names the root among several products. kRead or kNotP21.
+    int DiscoverRoot();
+
     // The record of an entity number, or null.
     P42Ent* Find(std::int32_t id) const { return entityMap->Find(id); }
     // Memory for what readers need for as long as the model lives.
