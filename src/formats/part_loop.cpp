@@ -113,6 +113,7 @@ void ReadPart(StpxSession& session, PartThread& thread, const StpxSession::Part&
     }
     PartReader reader(*model, &product, thread.arena, thread.scratch);
     reader.Run();
+    if (reader.givenUp) { NoteUnread(session, place, path, product, kGivenUpReason); }
     session.partsRead.fetch_add(part.times, std::memory_order_relaxed);
     session.readSeconds.fetch_add(reader.readSeconds, std::memory_order_relaxed);
     session.inflateSeconds.fetch_add(reader.inflateSeconds, std::memory_order_relaxed);
@@ -160,6 +161,7 @@ void ReadParts(StpxSession& session) {
         }
     }
     RunPartLoop(session, true);
+    ShowProgress(session); // where the workers have taken all, too
     if (session.threads != 0) {
         const auto allDone = [&session] {
             return std::all_of(std::begin(session.threadDone), std::end(session.threadDone),

@@ -267,9 +267,11 @@ int ReadFiniteElements(FiniteElementReader& reader) {
     part.inflateSeconds += part.model.inflateSeconds;
     if (!part.MakeProduct()) {
         ConsolePrint("<E> %s: given up, it has no PRODUCT\n", part.model.fileName.c_str());
+        part.givenUp = true;
         return 0;
     }
-    if (!ReadMesh(reader)) { return 0; }
+    part.givenUp = !ReadMesh(reader);
+    if (part.givenUp) { return 0; }
     for (FeNode& node : reader.nodes) { ColourNode(&node, reader.minValue, reader.maxValue); }
     BuildResultMesh(reader);
     part.triangleSum += static_cast<std::uint32_t>(part.triangleTotal);

@@ -29,7 +29,7 @@ int PartReader::Run() {
     readSeconds += model.readSeconds;
     inflateSeconds += model.inflateSeconds;
     const double start = ClockSeconds();
-    ReadPart();
+    givenUp = ReadPart() != 0;
     parseSeconds += ClockSeconds() - start;
     return 0;
 }

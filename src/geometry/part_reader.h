@@ -67,6 +67,7 @@ public:
     double readSeconds = 0;
     double inflateSeconds = 0;
     double parseSeconds = 0;
+    bool givenUp = false;            // its product gets no meshes
     ColourIndex colourIndex;         // by the entity number of a solid, shell, surface set or face
     std::int32_t currentColour = -1; // row of the container in hand, -1 for none
     float box[6] = {};               // of all faces read so far

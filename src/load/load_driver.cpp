@@ -32,8 +32,13 @@ void MergeBox(LoadSession& session, const float box[6]) {
     }
 }
 
+void NoteGivenUp(LoadSession& session, const std::string& path) {
+    session.unreadFiles.push_back({0, path, "", kGivenUpReason});
+}
+
 // What a file that is the whole document leaves.
 void TakeOver(LoadSession& session, const PartReader& reader) {
+    if (reader.givenUp) { NoteGivenUp(session, reader.model.fileName); }
     ++session.partCount;
     session.root = reader.product;
     session.triangleCount += static_cast<std::int32_t>(reader.triangleSum);
@@ -65,7 +70,7 @@ void ReadAssembly(LoadSession& session, StepModel& model, const char* path) {
     session.drawList = MakeDrawList(arena, 100);
     session.compression = model.compression;
     session.folder = FolderOf(path);
-    ReadAssemblyStructure(session, model, true, arena);
+    if (ReadAssemblyStructure(session, model, true, arena) != 0) { NoteGivenUp(session, path); }
     ReadQueuedFiles(session);
     if (session.root != nullptr) {
         BuildDrawLists(arena, session.root, path, nullptr);

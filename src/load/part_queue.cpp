@@ -48,9 +48,9 @@ void ShowProgress(LoadSession& session) {
 }
 
 void NoteUnread(LoadSession& session, std::int32_t entry, std::string path, const ProductNode& product,
-                int result) {
+                const char* reason) {
     const std::lock_guard guard(session.unreadLock);
-    session.unreadFiles.push_back({entry, std::move(path), product.name, UnreadReason(result)});
+    session.unreadFiles.push_back({entry, std::move(path), product.name, reason});
 }
 
 // What one thread keeps from entry to entry.
@@ -67,20 +67,23 @@ void ReadEntry(LoadSession& session, ReadingOrder& order, QueueThread& thread, s
     const int result = model.Read();
     if (result == StepModel::kRead && model.isAssembly != 0) {
         order.WaitFor(entry);
+        bool givenUp = false;
         {
             const std::lock_guard guard(session.structureLock);
-            ReadAssemblyStructure(session, model, false, thread.arena);
+            givenUp = ReadAssemblyStructure(session, model, false, thread.arena) != 0;
         }
         order.Settle(entry);
+        if (givenUp) { NoteUnread(session, entry, std::move(path), *product, kGivenUpReason); }
         return;
     }
     order.Settle(entry);
     if (result != StepModel::kRead) {
-        NoteUnread(session, entry, std::move(path), *product, result);
+        NoteUnread(session, entry, std::move(path), *product, UnreadReason(result));
         return;
     }
     PartReader reader(model, product, thread.arena, thread.scratch);
     reader.Run();
+    if (reader.givenUp) { NoteUnread(session, entry, std::move(path), *product, kGivenUpReason); }
     session.partCount.fetch_add(1, std::memory_order_relaxed);
     session.readSeconds.fetch_add(reader.readSeconds, std::memory_order_relaxed);
     session.inflateSeconds.fetch_add(reader.inflateSeconds, std::memory_order_relaxed);
@@ -129,6 +132,7 @@ void ReadQueuedFiles(LoadSession& session) {
         }
     }
     RunPartQueue(session, order, true);
+    ShowProgress(session); // where the workers have taken all, too
     if (session.useThreads != 0) {
         const auto allDone = [&session] {
             return std::all_of(std::begin(session.done), std::end(session.done),

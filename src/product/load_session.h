@@ -23,6 +23,9 @@ struct UnreadFile {
     const char* reason;      // a phrase, in static memory
 };
 
+// Of a file that was opened, when its part, its structure or its mesh is given up. Why is on the console.
+inline constexpr const char* kGivenUpReason = "can't be read to its end";
+
 // A growable array of pointers to products, with its capacity as the readers state it.
 struct ProductArray {
     std::unique_ptr<ProductNode*[]> items;

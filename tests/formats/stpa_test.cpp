@@ -93,6 +93,20 @@ TEST(Stpa, NamesTheMemberThatItGivesUp) {
     EXPECT_TRUE(loaded.Says("<E> parts/w.stp: no schema name in its header\n"));
 }
 
+TEST(Stpa, NotesAPartThatIsGivenUpAmongTheUnreadFiles) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    std::string& part = members[0].content;
+    const std::size_t points = part.find('#', part.find("TRIANGULATED_FACE("));
+    ASSERT_NE(points, std::string::npos);
+    part.insert(part.find(',', part.find(',', points) + 1) + 1, "\n"); // its face ends behind pnmax
+    const Loaded loaded(folder, members);
+    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
+    EXPECT_EQ(loaded.view.unreadFiles[0].path, "parts/w.stp");
+    EXPECT_STREQ(loaded.view.unreadFiles[0].reason, kGivenUpReason);
+}
+
 TEST(Stpa, CannotTakeEncryptedMembers) {
     const TestFolder folder;
     std::vector<Member> members = Machine();

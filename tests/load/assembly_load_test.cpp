@@ -193,6 +193,9 @@ TEST(AssemblyLoad, GivesUpATopFileWhoseStructureRunsPastItsEnd) {
                                 std::to_string(broken) + " runs past the end of the file\n" +
                                 "<E> Root not found\n" + Counts(0));
     EXPECT_EQ(load.session.products.count, 0);
+    ASSERT_EQ(load.session.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.unreadFiles[0].path, path);
+    EXPECT_EQ(load.session.unreadFiles[0].productName, "");
 }
 
 TEST(AssemblyLoad, GivesUpASubAssemblyWhoseStructureRunsPastItsEndAndGoesOn) {
@@ -206,6 +209,23 @@ TEST(AssemblyLoad, GivesUpASubAssemblyWhoseStructureRunsPastItsEndAndGoesOn) {
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n<E> " + subPath + ": its structure is given up, #" +
                                 std::to_string(broken) + " runs past the end of the file\n" + Counts(1));
     EXPECT_EQ(load.session.triangleCount, 3);
+    ASSERT_EQ(load.session.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.unreadFiles[0].path, subPath);
+    EXPECT_EQ(load.session.unreadFiles[0].productName, "sub");
+}
+
+TEST(AssemblyLoad, NotesAPartThatIsGivenUpAmongTheUnreadFiles) {
+    const TempFolder folder;
+    std::string text = PlateText(3);
+    text.insert(text.find("#10,$") + 5, "\n");
+    const std::string damaged = folder.Write("a.stp", text);
+    folder.Write("b.stp", PlateText(2));
+    const LoadedFile load(folder.Write("top.stp", TopOf({"a", "b"})));
+    EXPECT_EQ(load.session.triangleCount, 2);
+    ASSERT_EQ(load.session.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.unreadFiles[0].path, damaged);
+    EXPECT_EQ(load.session.unreadFiles[0].productName, "a");
+    EXPECT_STREQ(load.session.unreadFiles[0].reason, kGivenUpReason);
 }
 
 TEST(AssemblyLoad, LeavesAQueuedProductAsItWasWhenItsFileIsGivenUp) {

@@ -81,6 +81,7 @@ TEST(FemLoad, OfAFileThatIsGivenUpStillHasItsBoxAndName) {
     EXPECT_EQ(load.result, 0);
     EXPECT_EQ(load.console,
               "Start TraiteSTEPFile\n<E> " + path + ": given up, #9 names a point that isn't there\n");
+    EXPECT_EQ(load.session.unreadFiles.size(), 1u);
     EXPECT_EQ(load.session.resultMesh, nullptr);
     EXPECT_EQ(load.session.rootName, "shell");
     EXPECT_EQ(load.session.triangleCount, 0);
@@ -96,6 +97,7 @@ TEST(FemLoad, OfAFileWithoutAProductHasNoRoot) {
     const LoadedFile load(path);
     EXPECT_EQ(load.result, 0);
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n<E> " + path + ": given up, it has no PRODUCT\n");
+    EXPECT_EQ(load.session.unreadFiles.size(), 1u);
     EXPECT_EQ(load.session.root, nullptr);
     EXPECT_FALSE(load.session.hasRootName);
     EXPECT_EQ(load.session.resultMesh, nullptr);

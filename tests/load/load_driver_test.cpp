@@ -92,6 +92,7 @@ TEST(TraiteSTEPFile, GoesOnWithoutAPart) {
     EXPECT_EQ(driven.session.drawList, nullptr);
     EXPECT_FALSE(driven.session.hasRootName);
     EXPECT_EQ(driven.session.partCount, 1);
+    EXPECT_EQ(driven.session.unreadFiles.size(), 1u);
 }
 
 TEST(TraiteSTEPFile, EndsTheNameAtANul) {
