@@ -144,10 +144,10 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
     std::string_view childName;
     std::int32_t parentFormation = 0;
     std::int32_t childFormation = 0;
-    if (ReadProductName(reader, parentId, &parentName, &parentFormation) != 0 ||
-        ReadProductName(reader, childId, &childName, &childFormation) != 0) {
-        return 1;
-    }
+    // The child's is read in any case: a name that the process ends on must not hide behind a missing parent.
+    const int parentResult = ReadProductName(reader, parentId, &parentName, &parentFormation);
+    const int childResult = ReadProductName(reader, childId, &childName, &childFormation);
+    if (parentResult != 0 || childResult != 0) { return 1; }
     // A complex instance: the transformation stands behind its third opening parenthesis.
     if (!OpenBehindCommas(reader, relationshipId, 0, &walk)) { return 1; }
     for (int i = 0; i < 2; ++i) {

@@ -200,6 +200,15 @@ TEST(ProductIdentityDeathTest, OfANameOf300CharactersEndsTheProcess) {
     EXPECT_EXIT(run.ReadTop(text), ::testing::ExitedWithCode(kFailFastStatus), "");
 }
 
+TEST(ProductIdentityDeathTest, OfAChildEndsTheProcessAlsoWhereTheParentIsMissing) {
+    Chain chain;
+    chain.lines[Chain::kUsage] = "NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#77,#6,$)";
+    const std::string text =
+        chain.With(Chain::kLeafProduct, "PRODUCT('" + std::string(300, 'n') + "','',$,(#90))");
+    StructureRun run; // made here: the process that ends leaves its folder behind
+    EXPECT_EXIT(run.ReadTop(text), ::testing::ExitedWithCode(kFailFastStatus), "");
+}
+
 TEST(ProductIdentity, OfALongNameWithoutAnEndGivesTheFileUp) {
     // It has no length that could be too long: the text ends before the name does.
     Chain chain;

@@ -137,7 +137,7 @@ bool StepModel::FindRootProduct() {
             ids.clear();
             ParseIdList(&walk, &ids);
             root = ids.empty() ? 0 : ids.front();
-            if (ids.size() != 1) { ConsolePrint("<W> StepModel: several root products\n"); }
+            if (!walk.overrun && ids.size() != 1) { ConsolePrint("<W> StepModel: several root products\n"); }
         }
         if (walk.overrun) { return false; }
     }

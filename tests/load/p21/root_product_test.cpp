@@ -115,5 +115,12 @@ TEST(FindRootProduct, GivesUpAFileThatEndsInACategory) {
     EXPECT_EQ(file.console.substr(0, 4), "<E> ");
 }
 
+TEST(FindRootProduct, HasOneLineForACategoryWhoseListRunsPastTheEnd) {
+    const ModelFile file(P21Header() + "#1=PRODUCT('a','','',());\n#2=PRODUCT('b','','',());\n"
+                                       "#9=PRODUCT_RELATED_PRODUCT_CATEGORY('part','',(#1,#2");
+    EXPECT_NE(file.result, StepModel::kRead);
+    EXPECT_EQ(file.console.find("<W>"), std::string::npos) << file.console;
+}
+
 } // namespace
 } // namespace tarnwick::test
