@@ -16,6 +16,9 @@
 #include <QTcpServer>
 #include <QTimer>
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <functional>
 #include <memory>
 
@@ -254,6 +257,51 @@ TEST_F(DialogLinkTest, AFailedDownloadIsAFileThatIsNotThere) {
     QTest::qWait(100);
     EXPECT_THAT(dialog->windowTitle().toStdString(), HasSubstr("gone.stp"));
     EXPECT_EQ(dialog->View().drawnTriangles, 0);
+}
+
+// For as long as it lives, no file may grow beyond so many bytes, as on a disk that is full there. Programs
+// that are started in that time are bound too.
+class FullDisk {
+public:
+    explicit FullDisk(rlim_t bytes) {
+        former_ = std::signal(SIGXFSZ, SIG_IGN); // the writer is told instead
+        rlimit limit{};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        most_ = limit.rlim_cur;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk() {
+        rlimit limit{};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        limit.rlim_cur = most_;
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::signal(SIGXFSZ, former_);
+    }
+
+private:
+    rlim_t most_ = 0;
+    void (*former_)(int) = nullptr;
+};
+
+TEST_F(DialogLinkTest, ADownloadThatFillsTheDiskIsADamagedFileAndNothingElse) {
+    constexpr rlim_t kRoom = 8192;
+    std::string text = PlateText();
+    text.insert(text.find("DATA;"), "/* " + std::string(2 * kRoom, '-') + " */\n");
+    const auto server = WebServer::Plain();
+    server->Serve("/full.stp", text);
+    Connect(*server);
+    {
+        const FullDisk disk(kRoom);
+        server->SendText(LoadOrder(Url(*server, "/full.stp")));
+        ASSERT_TRUE(WaitForPath(Downloaded("full.stp")));
+    }
+    EXPECT_LE(QFileInfo(QString::fromStdString(Downloaded("full.stp"))).size(), static_cast<qint64>(kRoom));
+    EXPECT_EQ(dialog->View().drawnTriangles, 0);
+    server->SendText(LoadOrder(Url(*server, "/full.stp")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return dialog->View().drawnTriangles == 8; }, kPatience));
 }
 
 TEST_F(DialogLinkTest, AHostileUrlIsOneArgumentOfTheDownloadAndNothingElse) {
