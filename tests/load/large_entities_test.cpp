@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
 namespace tarnwick::test {
 namespace {
@@ -83,12 +84,13 @@ TEST(LargePart, MayHaveManyLinesOfOneNumberAheadOfThoseThatItNeeds) {
     EXPECT_STREQ(view.root->name, "P") << "the first of them counts";
 }
 
-TEST(LargePart, MayHaveAnyNumberOfTransparenciesOfOneColour) {
-    constexpr int kStyles = kMany / 5;
+// A shell of as many faces as there may be, each with a style of its own: an opacity, and the name of its
+// SURFACE_SIDE_STYLE.
+std::string StyledShell(int count, std::string_view sideStyleName, int opacityStep) {
     std::string ids;
     std::string styled;
     std::string lines = "#5=COLOUR_RGB('',0.1,0.2,0.3);\n";
-    for (int i = 0; i < kStyles; ++i) {
+    for (int i = 0; i < count; ++i) {
         const int n = 100 + 10 * i;
         if (i > 0) {
             ids += ',';
@@ -97,23 +99,39 @@ TEST(LargePart, MayHaveAnyNumberOfTransparenciesOfOneColour) {
         ids += Number(n);
         styled += Number(n + 6);
         lines += Number(n) + "=TRIANGULATED_FACE('',#2,3,$,$,$,((1,2,3)));\n";
-        lines += Number(n + 1) + "=SURFACE_STYLE_TRANSPARENT(" + std::to_string(i) + ".);\n";
+        lines += Number(n + 1) + "=SURFACE_STYLE_TRANSPARENT(" + std::to_string(i * opacityStep) + ".);\n";
         lines += Number(n + 2) + "=SURFACE_STYLE_RENDERING_WITH_PROPERTIES($,#5,(" + Number(n + 1) + "));\n";
-        lines += Number(n + 3) + "=SURFACE_SIDE_STYLE('',(" + Number(n + 2) + "));\n";
+        lines += Number(n + 3) + "=SURFACE_SIDE_STYLE('" + std::string(sideStyleName) + "',(" +
+                 Number(n + 2) + "));\n";
         lines += Number(n + 4) + "=SURFACE_STYLE_USAGE(.BOTH.," + Number(n + 3) + ");\n";
         lines += Number(n + 5) + "=PRESENTATION_STYLE_ASSIGNMENT((" + Number(n + 4) + "));\n";
         lines += Number(n + 6) + "=STYLED_ITEM('',(" + Number(n + 5) + ")," + Number(n) + ");\n";
     }
     lines += "#6=MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION('',(" + styled + "),#9);\n";
+    return Shell(ids, lines);
+}
+
+TEST(LargePart, MayHaveAnyNumberOfTransparenciesOfOneColour) {
+    constexpr int kStyles = kMany / 5;
     const TempFolder folder;
     CountingView view;
-    view.Load(folder.Write("x.stp", Shell(ids, lines)));
+    view.Load(folder.Write("x.stp", StyledShell(kStyles, "", 1)));
     const auto faces = view.Faces();
     ASSERT_EQ(faces.size(), static_cast<std::size_t>(kStyles));
     for (int i = 0; i < kStyles; ++i) {
         ASSERT_EQ(faces[static_cast<std::size_t>(i)]->colour[3], static_cast<float>(i));
         ASSERT_EQ(faces[static_cast<std::size_t>(i)]->colour[0], 0.1f);
     }
+}
+
+// The walk past such a name finds no comma outside the parentheses up to the end of the file.
+TEST(LargePart, MayHaveAnyNumberOfStylesWithAnOpenParenthesisInTheirName) {
+    constexpr int kStyles = kMany / 5;
+    const TempFolder folder;
+    CountingView view;
+    view.Load(folder.Write("x.stp", StyledShell(kStyles, "(", 0)));
+    EXPECT_EQ(view.Faces().size(), static_cast<std::size_t>(kStyles));
+    EXPECT_NE(view.Faces()[0]->colour[0], 0.1f) << "such a style is left out";
 }
 
 } // namespace

@@ -62,6 +62,7 @@ int StepModel::ReadIndex() {
         ConsolePrint("<E> Invalid P21 file\n");
         return kNotP21;
     }
+    far_ = std::make_unique<FarPlaces>(text, textEnd);
     if (!ScanEntities()) { return kNotP21; }
     if (!BuildEntityMap()) { return GiveUp("no memory for its entity table"); }
     if (!ReadSchemaNumber()) { return GiveUp("no schema name in its header"); }

@@ -62,7 +62,9 @@ struct StepModel {
     // Memory for what readers need for as long as the model lives.
     Arena* IndexArena() const { return &workspace_.index; }
     // A walk from the "#" of an entity's line.
-    TextWalk WalkFrom(const P42Ent* entity) const { return {text + entity->offset, textEnd}; }
+    TextWalk WalkFrom(const P42Ent* entity) const {
+        return {text + entity->offset, textEnd, false, far_.get()};
+    }
     // The record number `index` (from 0) in file order.
     P42Ent* EntityAt(std::int32_t index) const;
 
@@ -102,6 +104,7 @@ private:
     int GiveUp(const char* reason);
 
     ReaderWorkspace& workspace_;
+    std::unique_ptr<FarPlaces> far_;  // of the text, from the scan on
     int blocks_ = 0;                  // blocks made
     P42Ent** currentBlock_ = nullptr; // the last of them
     std::int32_t blockRoom_ = 0;      // its room

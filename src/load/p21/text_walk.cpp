@@ -3,24 +3,45 @@
 #include "load/p21/parse_real.h"
 #include "platform/fail_fast.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
 namespace tarnwick {
 
+namespace {
+
+// How far a walk at `at` scans the text itself.
+const char* NearEnd(const TextWalk& walk, const char* at) {
+    return walk.far != nullptr && walk.end - at > FarPlaces::kNear ? at + FarPlaces::kNear : walk.end;
+}
+
+// The next `c` at or after `at`; the end of the text where there is none.
+const char* Next(const TextWalk& walk, const char* at, char c) {
+    const char* const nearEnd = NearEnd(walk, at);
+    const void* found = std::memchr(at, c, static_cast<std::size_t>(nearEnd - at));
+    if (found == nullptr && nearEnd < walk.end) { found = walk.far->Find(nearEnd, c); }
+    return found != nullptr ? static_cast<const char*>(found) : walk.end;
+}
+
+// The next "," or ")" at or after `at`; the end of the text where there is none.
+const char* NextDelimiter(const TextWalk& walk, const char* at) {
+    const char* const nearEnd = NearEnd(walk, at);
+    while (at < nearEnd && *at != ',' && *at != ')') { ++at; }
+    return at < nearEnd || at == walk.end ? at : std::min(Next(walk, at, ','), Next(walk, at, ')'));
+}
+
+} // namespace
+
 void TextWalk::GoTo(char c) {
-    const void* const found = std::memchr(at, c, static_cast<std::size_t>(end - at));
-    if (found != nullptr) {
-        at = static_cast<const char*>(found);
-    } else {
-        at = end;
-        overrun = true;
-    }
+    at = Next(*this, at, c);
+    if (at == end) { overrun = true; }
 }
 
 void TextWalk::GoToArgumentComma() {
-    std::int32_t depth = 0;
-    for (; at < end; ++at) {
+    const char* const nearEnd = NearEnd(*this, at);
+    std::int64_t depth = 0;
+    for (; at < nearEnd; ++at) {
         if (*at == '(') {
             ++depth;
         } else if (*at == ')') {
@@ -29,7 +50,9 @@ void TextWalk::GoToArgumentComma() {
             return;
         }
     }
-    overrun = true;
+    const char* const found = nearEnd < end ? far->FindComma(nearEnd, depth) : nullptr;
+    at = found != nullptr ? found : end;
+    overrun = overrun || found == nullptr;
 }
 
 std::int32_t StringToInteger(const char* p) {
@@ -88,8 +111,7 @@ void ParseIdList(TextWalk* walk, std::vector<std::int32_t>* ids) {
             ids->push_back(static_cast<std::int32_t>(id));
         } else {
             ids->push_back(StringToInteger(p + 1));
-            next = p + 1;
-            while (next < end && *next != ',' && *next != ')') { ++next; }
+            next = NextDelimiter(*walk, p + 1);
             if (next == end) { break; }
         }
         if (*next == ')') {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "load/p21/far_places.h"
+
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -13,6 +15,7 @@ struct TextWalk {
     const char* at;
     const char* end;
     bool overrun = false;
+    FarPlaces* far = nullptr; // of the same text, for moves that come far; without it they scan all of it
 
     char Current() const { return *at; }
 
