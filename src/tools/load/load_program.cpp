@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <optional>
+#include <string>
 
 namespace tarnwick::tools {
 
@@ -38,13 +39,21 @@ bool WriteReport(const std::string& report, const std::string& name) {
     return written;
 }
 
+// Names come from files: a line feed in one would make two lines of its own.
+std::string OnOneLine(std::string name) {
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
+    return name;
+}
+
 void SayUnread(const SceneView& view) {
     for (const UnreadFile& file : view.unreadFiles) {
+        const std::string path = OnOneLine(file.path);
         if (file.productName.empty()) {
-            std::fprintf(stderr, "tarnwick-load: %s %s\n", file.path.c_str(), file.reason);
+            std::fprintf(stderr, "tarnwick-load: %s %s\n", path.c_str(), file.reason);
         } else {
-            std::fprintf(stderr, "tarnwick-load: %s, the file of product '%s', %s\n", file.path.c_str(),
-                         file.productName.c_str(), file.reason);
+            std::fprintf(stderr, "tarnwick-load: %s, the file of product '%s', %s\n", path.c_str(),
+                         OnOneLine(file.productName).c_str(), file.reason);
         }
     }
 }

@@ -1,4 +1,5 @@
 #include "platform/fail_fast.h"
+#include "support/assembly_text.h"
 #include "tools/load/load_program.h"
 
 namespace tarnwick::test {
@@ -84,6 +85,17 @@ TEST_F(LoadProgram, TellsItsVersion) {
     const ProgramRun run = Run({"--version"});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.output, std::string("tarnwick-load ") + TARNWICK_VERSION + "\n");
+}
+
+TEST_F(LoadProgram, NamesAnUnreadFileOnOneLineWhateverItsProductIsCalled) {
+    AssemblyText top;
+    const int root = top.Product("root");
+    const int leaf = top.Product("a\nb\x1b[2J");
+    top.Use(root, leaf);
+    top.File(leaf, "gone.stp");
+    const ProgramRun run = Run({folder_.Write("top.stp", top.Text())});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.errors, HasSubstr("gone.stp, the file of product 'a?b?[2J', can't be opened\n"));
 }
 
 } // namespace
