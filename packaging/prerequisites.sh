@@ -24,9 +24,10 @@ viewer_test_packages=(xvfb openbox xdotool wmctrl x11-utils libx11-dev libegl-de
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libfast-float-dev)
 
-# What the package and its check need.
-package_packages=(dpkg-dev file lintian desktop-file-utils appstream libxml2-utils groff shared-mime-info libglib2.0-bin
-  dbus-x11 bash-completion)
+package_packages=(dpkg-dev file)
+# What only the check of the package needs.
+package_check_packages=(lintian desktop-file-utils appstream libxml2-utils groff shared-mime-info libglib2.0-bin dbus-x11
+  bash-completion)
 
 # build PRESET [TARGET...]: configures if need be, and builds.
 build() {

@@ -4,15 +4,14 @@ _tarnwick_words() {
   mapfile -t COMPREPLY < <(compgen -W "$1" -- "${COMP_WORDS[COMP_CWORD]}")
 }
 
-# Folders, and files of the kinds that can be loaded.
+# Folders, and files of the kinds that can be loaded. compgen knows folders behind a ~ too, a test doesn't.
 _tarnwick_files() {
   local path
-  COMPREPLY=()
+  mapfile -t COMPREPLY < <(compgen -d -- "${COMP_WORDS[COMP_CWORD]}")
   compopt -o filenames
   while IFS= read -r path; do
     case "${path,,}" in
       *.stp | *.stpz | *.stpx | *.stpxz | *.stpj | *.stpa) COMPREPLY+=("$path") ;;
-      *) [ -d "$path" ] && COMPREPLY+=("$path") ;;
     esac
   done < <(compgen -f -- "${COMP_WORDS[COMP_CWORD]}")
 }
