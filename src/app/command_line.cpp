@@ -8,16 +8,16 @@ namespace tarnwick {
 
 namespace {
 
-constexpr const char* kHelp =
-    "Usage: tarnwick [FILE [PRODUCT]]\n"
-    "Shows STEP product data with tessellated geometry.\n"
-    "\n"
-    "  FILE       the file to show: stp, stpz, stpx, stpxz, stpj or stpa\n"
-    "  PRODUCT    name of the product to show (STEP XML and archives)\n"
-    "  --help     print this text and exit\n"
-    "  --version  print the version and exit\n"
-    "\n"
-    "Left button: turn, and click to select. Right button: zoom. Middle button: pan. P: snapshot.\n";
+constexpr const char* kHelp = "Usage: tarnwick [FILE [PRODUCT]]\n"
+                              "Shows STEP product data with tessellated geometry.\n"
+                              "\n"
+                              "  FILE       the file to show: stp, stpz, stpx, stpxz, stpj or stpa\n"
+                              "  PRODUCT    name of the product to show (STEP XML and archives)\n"
+                              "  --help     print this text and exit\n"
+                              "  --version  print the version and exit\n"
+                              "\n"
+                              "Left button: turn, and click to select. Right button: zoom. Middle button: "
+                              "pan. P: snapshot. Escape: close.\n";
 
 bool IsSet(const char* variable) {
     const char* const value = std::getenv(variable);

@@ -331,5 +331,18 @@ TEST_F(ViewerTest, HelpAndVersionNeedNoDisplay) {
     EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("no display"));
 }
 
+TEST_F(ViewerTest, ADisplayThatCannotBeReachedIsSaidInASentence) {
+    QProcess process;
+    QProcessEnvironment elsewhere = QProcessEnvironment::systemEnvironment();
+    elsewhere.insert("DISPLAY", ":65432");
+    elsewhere.insert("QT_QPA_PLATFORM", "xcb");
+    process.setProcessEnvironment(elsewhere);
+    process.start(TARNWICK_VIEWER, {Path("plate.stp")});
+    ASSERT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("the display can't be reached"));
+}
+
 } // namespace
 } // namespace tarnwick::test
