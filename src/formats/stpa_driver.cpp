@@ -61,7 +61,12 @@ int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, int th
     session.zip = &archive;
     session.progress = std::move(reader.progress);
     session.scene = std::move(reader.scene);
-    if (threads != 0) { TraiteSTEPXFileNewMT(session, root.c_str(), rootName, 0, threads); }
+    if (threads != 0) {
+        TraiteSTEPXFileNewMT(session, root.c_str(), rootName, 0, threads);
+    } else {
+        session.unreadFiles.push_back(
+            {0, path, "", "is an archive, which can't be dropped or read without threads"});
+    }
     TakeOver(reader, session);
     return session.gaveUp ? ZIPReader::kRootUnread : ZIPReader::kSuccess;
 }

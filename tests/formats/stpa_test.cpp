@@ -260,7 +260,9 @@ TEST(Stpa, ReadsNothingWithoutThreads) {
     EXPECT_EQ(loaded.view.drawnTriangles, 0);
     EXPECT_EQ(loaded.view.pickMode, 2);
     EXPECT_EQ(loaded.view.modelSize, 10);
-    EXPECT_TRUE(loaded.view.unreadFiles.empty());
+    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
+    EXPECT_EQ(loaded.view.unreadFiles[0].path, loaded.path);
+    EXPECT_EQ(loaded.view.unreadFiles[0].productName, "") << "so that the title says it";
 }
 
 TEST(Stpa, KeepsWhatTheViewHadWhenItFails) {
