@@ -88,11 +88,12 @@ void CheckedFile::CheckReferenceList(const P42Ent* entity, std::string_view list
 bool CheckedFile::CheckName(const P42Ent* entity) {
     // By the moves of the readers: where a quote is absent, they go on to those of other entities.
     constexpr std::size_t kLimit = 300;
-    const char* const line = model.text + entity->offset;
-    const std::string_view rest(line, static_cast<std::size_t>(model.textEnd - line));
-    const std::size_t quote = rest.find('\'', std::min(rest.find('('), rest.size()));
-    if (quote == std::string_view::npos) { return true; }
-    const std::string_view name = rest.substr(quote + 1);
+    TextWalk walk = model.WalkFrom(entity);
+    walk.GoTo('(');
+    walk.GoTo('\'');
+    walk.Step();
+    if (walk.overrun) { return true; }
+    const std::string_view name(walk.at, static_cast<std::size_t>(walk.end - walk.at));
     if (name.size() < kLimit || name.substr(0, kLimit).find('\'') != std::string_view::npos) { return true; }
     Add(FindingKind::kTooLong, entity, "its name has 300 characters or more");
     return false;
@@ -110,16 +111,16 @@ int ReadToCheck(StepModel& model, std::vector<Finding>* findings) {
     const int result = model.ReadIndex();
     if (result != StepModel::kRead) { return result; }
     CheckedFile file{model, *findings, {}};
-    bool areNamesBorne = true;
+    bool hasTooLongName = false;
     if (model.isAssembly == 0 && model.productCount >= 2) {
         for (const P42Ent* record = model.structureList->First(); record != nullptr;
              record = model.structureList->Next()) {
             if (record->code == code::kProductRelatedProductCategory && !file.CheckName(record)) {
-                areNamesBorne = false;
+                hasTooLongName = true;
             }
         }
     }
-    return areNamesBorne ? model.DiscoverRoot() : result;
+    return hasTooLongName ? result : model.DiscoverRoot();
 }
 
 void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCounts* counts,
