@@ -168,7 +168,10 @@ bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactCon
     if (walk.overrun || walk.at == walk.end) { return false; }
     // Marks where the link was looked for, also where there is none: a container that is listed twice finds
     // it again.
-    model.text[walk.at - model.text] = '#';
+    if (walk.Current() != '#') {
+        model.text[walk.at - model.text] = '#';
+        walk.far->NoteWritten('#');
+    }
     walk.Step();
     *exactContainerId = ReadDigits(&walk);
     return true;

@@ -14,6 +14,7 @@ using testing::ElementsAre;
 
 // A part with two solids, #20 (exact #91) and #21 (exact #92), and a link from the option #74 to steel.
 struct Material {
+    std::string solid = "#20=TESSELLATED_SOLID('',(#30),#91);";
     std::string category = "#70=PRODUCT_RELATED_PRODUCT_CATEGORY('raw material','',(#71));";
     std::string product = "#71=PRODUCT('M1','steel','',());";
     std::string formation = "#72=PRODUCT_DEFINITION_FORMATION('','',#71);";
@@ -26,7 +27,7 @@ struct Material {
 
     std::string Text() const {
         Lines lines{kSquare,
-                    "#20=TESSELLATED_SOLID('',(#30),#91);",
+                    solid,
                     "#21=TESSELLATED_SOLID('',(#31),#92);",
                     FaceLine(30),
                     FaceLine(31),
@@ -67,6 +68,19 @@ TEST(LinkRawMaterial, FindsASolidByItsExactNumber) {
     EXPECT_THAT(Names(material), ElementsAre("-", "steel"));
     material.representation = "#76=SHAPE_REPRESENTATION('',(#1,#92,#20),#9);";
     EXPECT_THAT(Names(material), ElementsAre("steel", "steel"));
+}
+
+// The option leads to a solid, and from there to the mark in the place of its "$", behind which no number
+// stands. Walks of a colour have gone far over the text before the mark was made.
+TEST(LinkRawMaterial, StopsAtTheMarkOfASolidWithoutALink) {
+    const std::string far(9000, ' ');
+    Material material;
+    material.solid = "#20=TESSELLATED_SOLID('',(#30)," + far + '$' + far + ");";
+    material.option = "#74=MAKE_FROM_USAGE_OPTION('','','',#9,#20,$,1,'',$);";
+    material.more = {"#92=PRODUCT('M1','steel','',());",
+                     "#50=MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION('',(#51),#1);",
+                     "#51=STYLED_ITEM('',(" + far + "#52),#1);"};
+    EXPECT_THAT(Names(material), ElementsAre("-", "-"));
 }
 
 TEST(LinkRawMaterial, NeedsACategoryThatStartsWithRawMaterial) {

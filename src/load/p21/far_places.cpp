@@ -46,6 +46,11 @@ const char* FarPlaces::Find(const char* from, char c) {
     return nullptr;
 }
 
+void FarPlaces::NoteWritten(char c) {
+    blocksWith_[static_cast<unsigned char>(c)].clear();
+    levels_.clear(); // it may have been a parenthesis
+}
+
 void FarPlaces::MakeLevels() {
     std::vector<Stretch>& blocks = levels_.emplace_back(BlockCount());
     for (std::size_t i = 0; i < blocks.size(); ++i) {

@@ -9,8 +9,8 @@ namespace tarnwick {
 
 // Where characters stand in a text, coarsely: for walks that don't find theirs nearby. Without it every line
 // of a file that lacks a character would be a walk to the one line that has it. What is asked for first is
-// made then, in one pass over the text; nothing is made for a text whose walks are short. Characters may be
-// taken out of the text meanwhile, but none put in. Used by one thread.
+// made then, in one pass over the text; nothing is made for a text whose walks are short. Used by one
+// thread.
 class FarPlaces {
 public:
     // How far a walk goes by itself.
@@ -25,6 +25,10 @@ public:
     // The next comma at or after `from` that is at depth 0 or less, when `from` is at `depth` and each
     // parenthesis behind it counts; null where there is none.
     const char* FindComma(const char* from, std::int64_t depth);
+
+    // To be called when `c` has been written over another character of the text. A NUL that is written over
+    // a "#" needs no call.
+    void NoteWritten(char c);
 
 private:
     static constexpr std::size_t kFanOut = 16;

@@ -75,6 +75,23 @@ TEST(FarPlaces, CountDepthOverBlocks) {
     EXPECT_EQ(far.FindComma(text.data() + text.size(), -1), nullptr);
 }
 
+TEST(FarPlaces, FindWhatIsWrittenIntoTheText) {
+    constexpr std::size_t kNear = FarPlaces::kNear;
+    std::string text(10 * kNear, ' ');
+    text[1] = '(';
+    text[3 * kNear] = ')';
+    text[5 * kNear] = ',';
+    text[7 * kNear] = ')';
+    text[8 * kNear] = ',';
+    FarPlaces far(text.data(), text.data() + text.size());
+    EXPECT_EQ(far.Find(text.data(), '#'), nullptr);
+    EXPECT_EQ(far.FindComma(text.data(), 0), &text[5 * kNear]);
+    text[3 * kNear] = '#';
+    far.NoteWritten('#');
+    EXPECT_EQ(far.Find(text.data(), '#'), &text[3 * kNear]);
+    EXPECT_EQ(far.FindComma(text.data(), 0), &text[8 * kNear]);
+}
+
 TEST(FarPlaces, HaveNothingInAnEmptyText) {
     const char* const nowhere = "";
     EXPECT_EQ(FarPlaces(nowhere, nowhere).Find(nowhere, ','), nullptr);
