@@ -6,14 +6,11 @@
 #include "load/no_memory.h"
 #include "load/p21/step_model.h"
 #include "load/part_queue.h"
+#include "load/worker_threads.h"
 #include "platform/console.h"
 
 #include <algorithm>
-#include <array>
-#include <chrono>
 #include <optional>
-#include <system_error>
-#include <thread>
 #include <unordered_map>
 #include <utility>
 
@@ -135,12 +132,6 @@ void RunPartLoop(StpxSession& session, bool isMain) {
     session.scene->HandOver(std::move(thread.arena));
 }
 
-void WorkerEntry(StpxSession& session, int number) {
-    RunPartLoop(session, false);
-    session.threadDone[number].store(1, std::memory_order_release);
-    ConsolePrint("End thread %d\n", number + 1);
-}
-
 } // namespace
 
 std::string StpxPath(const StpxSession& session, const ProductNode& product) {
@@ -152,29 +143,10 @@ std::string StpxPath(const StpxSession& session, const ProductNode& product) {
 
 void ReadParts(StpxSession& session) {
     FillQueue(session);
-    std::array<std::jthread, StpxSession::kWorkers> workers;
-    if (session.threads != 0) {
-        for (int k = 0; k < StpxSession::kWorkers; ++k) {
-            try {
-                workers[static_cast<std::size_t>(k)] = std::jthread(WorkerEntry, std::ref(session), k);
-            } catch (const std::system_error&) { session.threadDone[k] = 1; }
-        }
-    }
-    RunPartLoop(session, true);
-    ShowProgress(session); // where the workers have taken all, too
-    if (session.threads != 0) {
-        const auto allDone = [&session] {
-            return std::all_of(std::begin(session.threadDone), std::end(session.threadDone),
-                               [](const auto& done) { return done.load(std::memory_order_acquire) != 0; });
-        };
-        while (!allDone()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            ShowProgress(session);
-        }
-        for (std::jthread& worker : workers) {
-            if (worker.joinable()) { worker.join(); }
-        }
-    }
+    RunWithWorkers(
+        static_cast<std::uint32_t>(session.threads), session.threadDone,
+        [&session](bool isLoadThread) { RunPartLoop(session, isLoadThread); },
+        [&session] { ShowProgress(session); });
     std::sort(session.unreadFiles.begin(), session.unreadFiles.end(),
               [](const UnreadFile& a, const UnreadFile& b) { return a.place < b.place; });
 }

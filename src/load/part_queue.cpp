@@ -3,15 +3,16 @@
 #include "geometry/part_reader.h"
 #include "load/no_memory.h"
 #include "load/p21/step_model.h"
+#include "load/reading_order.h"
+#include "load/worker_threads.h"
 #include "platform/console.h"
 #include "product/assembly_reader.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <string>
-#include <system_error>
 #include <thread>
+#include <utility>
 
 namespace tarnwick {
 
@@ -100,14 +101,6 @@ void GiveUpEntry(LoadSession& session, ReadingOrder& order, std::int32_t entry, 
     GiveUpForMemory(product.fileName, product.name, entry, &session.unreadFiles);
 }
 
-void RunWorker(LoadSession& session, ReadingOrder& order, int number) {
-    RunPartQueue(session, order, false);
-    session.done[number].store(1, std::memory_order_release);
-    ConsolePrint("End thread %d\n", number + 1);
-}
-
-} // namespace
-
 void RunPartQueue(LoadSession& session, ReadingOrder& order, bool isLoadThread) {
     QueueThread thread;
     std::int32_t entry = 0;
@@ -120,32 +113,14 @@ void RunPartQueue(LoadSession& session, ReadingOrder& order, bool isLoadThread) 
     session.scene->HandOver(std::move(thread.arena));
 }
 
+} // namespace
+
 void ReadQueuedFiles(LoadSession& session) {
     ReadingOrder order;
-    std::array<std::jthread, LoadSession::kWorkers> workers;
-    if (session.useThreads != 0) {
-        for (int k = 0; k < LoadSession::kWorkers; ++k) {
-            try {
-                workers[static_cast<std::size_t>(k)] =
-                    std::jthread(RunWorker, std::ref(session), std::ref(order), k);
-            } catch (const std::system_error&) { session.done[k] = 1; }
-        }
-    }
-    RunPartQueue(session, order, true);
-    ShowProgress(session); // where the workers have taken all, too
-    if (session.useThreads != 0) {
-        const auto allDone = [&session] {
-            return std::all_of(std::begin(session.done), std::end(session.done),
-                               [](const auto& done) { return done.load(std::memory_order_acquire) != 0; });
-        };
-        while (!allDone()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            ShowProgress(session);
-        }
-        for (std::jthread& worker : workers) {
-            if (worker.joinable()) { worker.join(); }
-        }
-    }
+    RunWithWorkers(
+        session.useThreads, session.done,
+        [&](bool isLoadThread) { RunPartQueue(session, order, isLoadThread); },
+        [&session] { ShowProgress(session); });
     std::sort(session.unreadFiles.begin(), session.unreadFiles.end(),
               [](const UnreadFile& a, const UnreadFile& b) { return a.place < b.place; });
 }

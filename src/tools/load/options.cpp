@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 
 #include <limits>
+#include <string>
+#include <vector>
 
 namespace tarnwick::tools {
 
@@ -39,6 +41,12 @@ bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
     for (CLI::Option* const other : {arrays, depth, repeat, index}) { check->excludes(other); }
     try {
         app.parse(argc, argv);
+    } catch (const CLI::RequiredError& error) {
+        // An option that isn't known says more about what went wrong than that PATH is missing.
+        const std::vector<std::string> unknown = app.remaining();
+        unknown.empty() ? app.exit(error) : app.exit(CLI::ExtrasError(unknown));
+        *status = 2;
+        return false;
     } catch (const CLI::ParseError& error) {
         *status = app.exit(error) == 0 ? 0 : 2;
         return false;

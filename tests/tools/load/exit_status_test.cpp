@@ -61,6 +61,13 @@ TEST_F(LoadProgram, Returns2ForAWrongCommandLine) {
     }
 }
 
+TEST_F(LoadProgram, NamesAnUnknownOptionRatherThanTheMissingPath) {
+    const ProgramRun unknown = Run({"--no-such-option"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_THAT(unknown.errors, HasSubstr("--no-such-option"));
+    EXPECT_THAT(Run({}).errors, HasSubstr("PATH"));
+}
+
 TEST_F(LoadProgram, EndsAtOnceWhereABoundsCheckFails) {
     const std::string report = folder_.Path("report.json");
     const ProgramRun run =
