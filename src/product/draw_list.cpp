@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <unordered_map>
 #include <vector>
 
 namespace tarnwick {
@@ -11,8 +12,10 @@ namespace tarnwick {
 namespace {
 
 constexpr std::int32_t kFirstCapacity = 100;
-// Beyond this a list is no assembly any more but a few lines that multiply each other without end.
+// Beyond this a list is no assembly any more but a few lines that multiply each other without end. A list
+// that has come to the lesser number has all that are still to come counted before it goes on.
 constexpr std::int64_t kMostItems = std::int64_t{1} << 24;
+constexpr std::int64_t kManyItems = std::int64_t{1} << 20;
 
 template <class Item>
 bool Regrow(Arena& arena, Item*** items, DrawList* list, std::int32_t capacity) {
@@ -49,6 +52,42 @@ void PlacementMatrix(const double* rotation, const double* translation, float m[
     const double columns[3][3] = {{r[0], r[1], r[2]}, {-r[3], r[4], -r[5]}, {r[6], r[7], r[8]}};
     for (int c = 0; c < 3; ++c) {
         for (int i = 0; i < 3; ++i) { m[4 * c + i] = static_cast<float>(columns[c][i]); }
+    }
+}
+
+// How many items the walk places in the list of `product`, or any number above kMostItems. A product that has
+// a list, other than `inWork`, counts by that; the others by their occurrences, of which those that lead back
+// to a product on the way to them place nothing.
+std::int64_t CountPlacedItems(const ProductNode* product, const DrawList* inWork) {
+    struct Frame {
+        const ProductNode* product;
+        std::int32_t next; // occurrence
+        std::int64_t items;
+    };
+    std::unordered_map<const ProductNode*, std::int64_t> known{{product, 0}};
+    std::vector<Frame> stack{{product, 0, 0}};
+    for (;;) {
+        Frame& frame = stack.back();
+        if (frame.next == frame.product->occurrenceCount) {
+            const std::int64_t items = frame.items;
+            known[frame.product] = items;
+            stack.pop_back();
+            if (stack.empty()) { return items; }
+            continue;
+        }
+        const ProductNode* const child = frame.product->occurrences[frame.next]->child;
+        if (child != nullptr && child->drawList != nullptr && child->drawList != inWork) {
+            frame.items += child->drawList->count;
+        } else if (child != nullptr) {
+            const auto [found, isNew] = known.emplace(child, 0);
+            if (isNew) {
+                stack.push_back({child, 0, 0});
+                continue;
+            }
+            frame.items += found->second;
+        }
+        frame.items = std::min(frame.items, kMostItems + 1);
+        ++frame.next;
     }
 }
 
@@ -160,6 +199,8 @@ int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, Pre
         return list != nullptr;
     };
     bool cycleSaid = false;
+    bool counted = false;
+    bool tooMany = false;
     bool enough = enter(product);
     while (!stack.empty()) {
         Frame& frame = stack.back();
@@ -188,11 +229,22 @@ int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, Pre
             cycleSaid = true;
             continue;
         }
+        if (!counted && frame.list->count + std::int64_t{child->drawList->count} > kManyItems) {
+            counted = true;
+            tooMany = CountPlacedItems(product, &inWork) > kMostItems;
+            enough = !tooMany;
+            if (tooMany) { continue; }
+        }
         if (prepare != nullptr) { prepare(occurrence); }
         enough = AppendPlacedItems(arena, frame.list, child->drawList->count, child->drawList->items,
                                    occurrence->rotation, occurrence->translation);
     }
-    if (!enough) { ConsolePrint("<E> %s: no memory to place all of its parts\n", fileName); }
+    if (tooMany) {
+        ConsolePrint("<E> %s: not all of its parts are placed, they are more than %lld\n", fileName,
+                     static_cast<long long>(kMostItems));
+    } else if (!enough) {
+        ConsolePrint("<E> %s: no memory to place all of its parts\n", fileName);
+    }
     return enough ? 0 : 1;
 }
 

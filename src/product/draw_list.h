@@ -34,8 +34,9 @@ using PrepareOccurrence = void (*)(Occurrence* occurrence);
 
 // Gives the product and all that it uses a draw list and a box, from the leaves upward; a child that has a
 // list already isn't walked again. An occurrence that leads back to a product on the way to it is left out,
-// with a line on the console that names `fileName`. Returns 1 for a null product or when memory runs out,
-// else 0. `prepare` may be null.
+// with a line on the console that names `fileName`. A tree that would place more than 2^24 items is given up
+// with such a line, before it takes the memory for them. Returns 1 for a null product, for such a tree or
+// when memory runs out, else 0. `prepare` may be null.
 int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, PrepareOccurrence prepare);
 
 // The triangles of all meshes of all items, a mesh counted once for each of its uses; at most 2^31 - 1.

@@ -197,12 +197,11 @@ TEST(WideAssembly, MayFindItsPartsByNameInALongQueue) {
     EXPECT_EQ(load.session.unreadFiles.size(), static_cast<std::size_t>(kParts));
 }
 
-TEST(DeepAssembly, ThatMultipliesWithoutEndIsCutOffWhereMemoryEnds) {
-    if (kSanitized) { GTEST_SKIP() << "a sanitizer needs more address space than the limit leaves"; }
-    const TempFolder folder;
+// An assembly of as many levels, each of which uses the next one twice; the last one is a part.
+std::string WriteDoubling(const TempFolder& folder, int levels) {
     ShortText text;
     int parent = text.Product("0");
-    for (int i = 1; i <= 60; ++i) {
+    for (int i = 1; i <= levels; ++i) {
         const int child = text.Product(std::to_string(i));
         const std::string shape = text.Shape(parent, child);
         text.Occurrence(shape);
@@ -211,18 +210,22 @@ TEST(DeepAssembly, ThatMultipliesWithoutEndIsCutOffWhereMemoryEnds) {
     }
     text.File(parent, "part.stp");
     folder.Write("part.stp", PlateText(1));
-    const std::string path = folder.Write("top.stp", text.Text());
+    return folder.Write("top.stp", text.Text());
+}
+
+// What the load of a file says when the process may have `megabytes` of address space.
+void ExpectLineWithin(std::size_t megabytes, const std::string& path, const std::string& line) {
+    if (kSanitized) { GTEST_SKIP() << "a sanitizer needs more address space than the limit leaves"; }
     std::fflush(nullptr);
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        const rlimit limit{std::size_t{1} << 29, std::size_t{1} << 29};
+        const rlimit limit{megabytes << 20, megabytes << 20};
         if (setrlimit(RLIMIT_AS, &limit) != 0) { _exit(77); }
         bool said = false;
         {
             const LoadedFile load(path);
-            said = load.console.find("<E> " + path + ": no memory to place all of its parts\n") !=
-                   std::string::npos;
+            said = load.console.find(line) != std::string::npos;
         }
         _exit(said ? 0 : 1);
     }
@@ -232,21 +235,25 @@ TEST(DeepAssembly, ThatMultipliesWithoutEndIsCutOffWhereMemoryEnds) {
     EXPECT_EQ(WEXITSTATUS(state), 0);
 }
 
-TEST(DeepAssembly, FlattensASubTreeOnceForEachLevel) {
-    // Two uses of the level below on each of 16 levels: 65,536 items at the top.
+TEST(DeepAssembly, ThatMultipliesIsCutOffWhereMemoryEnds) {
     const TempFolder folder;
-    ShortText text;
-    int parent = text.Product("0");
-    for (int i = 1; i <= 16; ++i) {
-        const int child = text.Product(std::to_string(i));
-        const std::string shape = text.Shape(parent, child);
-        text.Occurrence(shape);
-        text.Occurrence(shape);
-        parent = child;
+    const std::string path = WriteDoubling(folder, 23);
+    ExpectLineWithin(512, path, "<E> " + path + ": no memory to place all of its parts\n");
+}
+
+TEST(DeepAssembly, ThatMultipliesWithoutEndIsGivenUpBeforeItTakesTheMemory) {
+    const TempFolder folder;
+    for (const int levels : {25, 30, 60, 1000}) {
+        const std::string path = WriteDoubling(folder, levels);
+        ExpectLineWithin(512, path,
+                         "<E> " + path + ": not all of its parts are placed, they are more than 16777216\n");
     }
-    text.File(parent, "part.stp");
-    folder.Write("part.stp", PlateText(1));
-    const LoadedFile load(folder.Write("top.stp", text.Text()));
+}
+
+TEST(DeepAssembly, FlattensASubTreeOnceForEachLevel) {
+    // 65,536 items at the top.
+    const TempFolder folder;
+    const LoadedFile load(WriteDoubling(folder, 16));
     EXPECT_EQ(load.session.drawList->count, 65536);
     EXPECT_EQ(load.session.triangleCount, 65536);
     EXPECT_EQ(load.Find("15")->drawList->count, 2);
