@@ -7,8 +7,7 @@ namespace tarnwick {
 bool SelectDepth(const StpjFile& file, std::int32_t depth, DrawList* list, Arena& boxMemory) {
     if (depth == 0) {
         const StpjOccurrence& top = *file.occurrences[0];
-        ProductNode* const product = ProductOf(file, top);
-        return product == nullptr || AddBoxItem(boxMemory, list, top.box, product, nullptr);
+        return AddBoxItem(boxMemory, list, top.box, ProductOf(file, top), nullptr);
     }
     for (std::int32_t i = 0; i < file.occurrenceCount; ++i) {
         const StpjOccurrence& occurrence = *file.occurrences[i];
