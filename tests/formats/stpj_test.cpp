@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -203,23 +204,30 @@ TEST(Stpj, HasNothingToShowWithoutAnyOccurrence) {
     }
 }
 
-TEST(Stpj, ShowsNothingForAnOccurrenceOfAProductThatIsNotThereButAsTheFirstAtDepth0) {
+TEST(Stpj, ShowsNothingForAnOccurrenceOfAProductThatIsNotThere) {
     for (const int product : {0, -1, 2, 2000000000}) {
         Loaded loaded(
             Summary({kBoxed}, {Row(0, product, "1 0 0"), Row(0, 1, "2 0 0"), Row(0, product, "3 0 0")}));
         EXPECT_EQ(loaded.At(1), (std::vector<float>{2})) << product;
-        EXPECT_EQ(loaded.At(0), (std::vector<float>{-1}));
-        Arena memory;
-        DrawList list{};
-        ASSERT_TRUE(SelectDepth(*loaded.result.file, 0, &list, memory));
-        const BoxItem& whole = *list.boxes[0];
-        EXPECT_EQ(whole.product, nullptr);
-        EXPECT_TRUE(std::all_of(whole.vertices, whole.vertices + 72, [](float v) { return v == 0; }));
         // An index below 1 stands for no product; one above the last can only be an error.
         EXPECT_EQ(loaded.console.Count("<E>"), product > 0 ? 1 : 0);
         EXPECT_EQ(loaded.console.Count("occurrences of products that it doesn't have: 2"),
                   product > 0 ? 1 : 0);
         EXPECT_EQ(loaded.result.box[1], 0);
+    }
+}
+
+TEST(Stpj, ShowsABoxWithoutSizeOrProductAtDepth0WhereTheFirstOccurrenceHasNoProduct) {
+    for (const int product : {0, -1, 2, 2000000000}) {
+        Loaded loaded(Summary({kBoxed}, {Row(0, product, "1 0 0"), Row(0, 1, "2 0 0")}));
+        Arena memory;
+        DrawList list{};
+        ASSERT_TRUE(SelectDepth(*loaded.result.file, 0, &list, memory));
+        ASSERT_EQ(list.count, 1) << product;
+        const BoxItem& whole = *list.boxes[0];
+        EXPECT_EQ(whole.matrix, nullptr);
+        EXPECT_EQ(whole.product, nullptr);
+        EXPECT_TRUE(std::all_of(whole.vertices, whole.vertices + 72, [](float v) { return v == 0; }));
     }
 }
 

@@ -44,7 +44,11 @@ bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
     } catch (const CLI::RequiredError& error) {
         // An option that isn't known says more about what went wrong than that PATH is missing.
         const std::vector<std::string> unknown = app.remaining();
-        unknown.empty() ? app.exit(error) : app.exit(CLI::ExtrasError(unknown));
+        if (unknown.empty()) {
+            app.exit(error);
+        } else {
+            app.exit(CLI::ExtrasError(unknown));
+        }
         *status = 2;
         return false;
     } catch (const CLI::ParseError& error) {
