@@ -179,6 +179,15 @@ TEST(Stpa, NeedsAPartUnderExactlyItsName) {
     EXPECT_STREQ(loaded.view.unreadFiles[0].reason, "isn't a member of the archive");
 }
 
+TEST(Stpa, ReadsNoPartFromTheFileSystem) {
+    const TestFolder folder;
+    const std::string outside = folder.WriteGzip("w.stpz", PartFile("w"));
+    const Loaded loaded(folder, {kIni, {"main.stpx", RootText(outside)}});
+    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
+    EXPECT_STREQ(loaded.view.unreadFiles[0].reason, "isn't a member of the archive");
+}
+
 TEST(Stpa, TakesTheFirstOfTwoMembersWithTheSameName) {
     const TestFolder folder;
     std::vector<Member> members = Machine();

@@ -81,6 +81,15 @@ int StepModel::ReadFile() {
     return inflated;
 }
 
+int StepModel::InflateData() {
+    if (compressedData == nullptr) { return kNotOpened; }
+    const double start = ClockSeconds();
+    const int inflated = Inflate(compressedData.get(), compressedSize);
+    compressedData.reset();
+    inflateSeconds += ClockSeconds() - start;
+    return inflated;
+}
+
 int StepModel::Inflate(const unsigned char* data, std::uint32_t size) {
     const std::size_t room = InflatedRoom(size);
     char* const out = room > 0 ? workspace_.text.Get(room) : nullptr;

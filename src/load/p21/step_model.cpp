@@ -1,7 +1,6 @@
 #include "load/p21/step_model.h"
 
 #include "load/p21/keyword_codes.h"
-#include "platform/clock.h"
 #include "platform/console.h"
 
 #include <cstring>
@@ -23,11 +22,12 @@ std::int32_t CompressionFromName(const std::string& name) {
 } // namespace
 
 StepModel::StepModel(ReaderWorkspace& workspace, std::string path)
-    : fileName(std::move(path)), compression(CompressionFromName(fileName)), workspace_(workspace) {}
+    : fileName(std::move(path)), compression(CompressionFromName(fileName)), workspace_(workspace),
+      isFile_(true) {}
 
 StepModel::StepModel(ReaderWorkspace& workspace, std::unique_ptr<unsigned char[]> data, std::uint32_t size)
     : compressedData(std::move(data)), compressedSize(size), compression(kTwoCharacterSuffix),
-      workspace_(workspace) {}
+      workspace_(workspace), isFile_(false) {}
 
 StepModel::~StepModel() {
     workspace_.index.Reset();
@@ -46,16 +46,8 @@ int StepModel::Read() {
 }
 
 int StepModel::ReadIndex() {
-    const int opened = compressedData != nullptr ? kRead : ReadFile();
-    if (compressedData != nullptr) {
-        const double start = ClockSeconds();
-        const int inflated = Inflate(compressedData.get(), compressedSize);
-        compressedData.reset();
-        inflateSeconds += ClockSeconds() - start;
-        if (inflated != kRead) { return inflated; }
-    } else if (opened != kRead) {
-        return opened;
-    }
+    const int opened = isFile_ ? ReadFile() : InflateData();
+    if (opened != kRead) { return opened; }
     constexpr std::string_view kHeader = "ISO-10303-21";
     if (text == nullptr || static_cast<std::size_t>(textEnd - text) < kHeader.size() ||
         std::memcmp(text, kHeader.data(), kHeader.size()) != 0) {

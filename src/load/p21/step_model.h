@@ -41,7 +41,7 @@ struct StepModel {
 
     // A model of the file at `path`; reads nothing yet.
     StepModel(ReaderWorkspace& workspace, std::string path);
-    // A model of `size` compressed bytes in memory, which it takes over.
+    // A model of `size` compressed bytes in memory, which it takes over. With null it can't be opened.
     StepModel(ReaderWorkspace& workspace, std::unique_ptr<unsigned char[]> data, std::uint32_t size);
     StepModel(const StepModel&) = delete;
     StepModel& operator=(const StepModel&) = delete;
@@ -91,6 +91,7 @@ struct StepModel {
 
 private:
     int ReadFile();
+    int InflateData();
     bool ReadBytes(const OpenedFile& file, TextBlock& block, char** bytes, std::size_t* size);
     int Inflate(const unsigned char* data, std::uint32_t size);
     bool ScanEntities();
@@ -104,6 +105,7 @@ private:
     int GiveUp(const char* reason);
 
     ReaderWorkspace& workspace_;
+    const bool isFile_;               // else `compressedData` is all there is, whatever the model's name
     std::unique_ptr<FarPlaces> far_;  // of the text, from the scan on
     int blocks_ = 0;                  // blocks made
     P42Ent** currentBlock_ = nullptr; // the last of them
