@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kLongestFileName = 299;
 
-// The first string of the document's line, cut at the longest name.
+// The first string of the document's line, cut at the longest name and at a NUL in it.
 bool ReadFileName(AssemblyReader& reader, const P42Ent* document, std::string* name) {
     TextWalk walk = reader.model.WalkFrom(document);
     walk.GoTo('(');
@@ -22,7 +22,8 @@ bool ReadFileName(AssemblyReader& reader, const P42Ent* document, std::string* n
     const std::size_t quote = rest.find('\'');
     if (quote == std::string_view::npos && rest.size() < kLongestFileName) { walk.overrun = true; }
     if (NoteOverrun(reader, walk, document->id)) { return false; }
-    name->assign(rest.substr(0, std::min(quote, kLongestFileName)));
+    const std::string_view text = rest.substr(0, std::min(quote, kLongestFileName));
+    name->assign(text.substr(0, text.find('\0')));
     return true;
 }
 

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace tarnwick::test {
 namespace {
 
@@ -87,6 +89,17 @@ TEST(DocumentReference, CutsANameAt299Characters) {
     EXPECT_EQ(FileFrom(std::string(295, 'f') + ".cgr..."), std::string(295, 'f') + ".stp");
     EXPECT_EQ(FileFrom(std::string(297, 'f') + "...stp"), std::string(297, 'f') + "..");
     EXPECT_EQ(FileFrom(std::string(296, 'f') + "...stp"), "(none)");
+}
+
+TEST(DocumentReference, EndsTheNameAtANul) {
+    // What is left is what is looked at, and the scan has gone no further.
+    for (const auto& [name, fileName] : {std::pair{std::string("axle.cgr\0...", 12), "axle.stp"},
+                                         std::pair{std::string("axle\0.cgr", 9), "axle"}}) {
+        StructureRun run;
+        run.ReadTop(WithPart(
+            {"#6=APPLIED_DOCUMENT_REFERENCE(#5,'',(#3));", "#5=DOCUMENT_FILE('" + name + "','',$);"}));
+        EXPECT_STREQ(run.Product(0)->fileName, fileName);
+    }
 }
 
 TEST(DocumentReference, TakesTheFirstStringOfTheDocument) {
