@@ -10,12 +10,12 @@
 
 namespace tarnwick::test {
 
-CheckReport Checked(const std::string& path) {
+CheckReport Checked(const std::string& path, int useThreads) {
     LogCapture log;
     SceneView view;
     NoControls controls;
     LoadDispatch dispatch{view, controls, kLoadCommands};
-    return CheckPath(dispatch, path, nullptr, 0);
+    return CheckPath(dispatch, path, nullptr, useThreads);
 }
 
 std::vector<std::string> Brief(const CheckReport& report) {

@@ -1,4 +1,6 @@
 #include "check/checked.h"
+#include "support/archive.h"
+#include "support/p21_text.h"
 
 namespace tarnwick::test {
 namespace {
@@ -48,6 +50,23 @@ TEST(CheckDocuments, TellOfADocumentThatBreaksOff) {
     const TempFolder folder;
     EXPECT_THAT(Brief(Checked(folder.Write("top.stpx", "<DataContainer>\n<Part>\n<Name>"))),
                 testing::Contains(testing::HasSubstr("unread-file")));
+}
+
+// The findings in an archive of the document and this part.
+std::vector<std::string> FindingsInArchive(const std::string& part) {
+    const TempFolder folder;
+    const std::string path = folder.Path("a.stpa");
+    WriteArchive(path, {{"stpa.ini", "root=\"top.stpx\"\n"}, {"top.stpx", kDocument}, {"wheel.stp", part}});
+    return Brief(Checked(path, 1));
+}
+
+TEST(CheckDocuments, CheckThePartsOfAnArchive) {
+    EXPECT_THAT(FindingsInArchive(GoodPart()), IsEmpty());
+    EXPECT_THAT(FindingsInArchive(Edited("TRANSPARENT(0.5)", "TRANSPARENT(0.)")),
+                ElementsAre("wheel.stp transparent 18 #42"));
+    EXPECT_THAT(FindingsInArchive("no part"), ElementsAre("wheel.stp unread-file"));
+    EXPECT_THAT(FindingsInArchive(P21Text({"#1=NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#2,#3,$);"})),
+                ElementsAre("wheel.stp unread-file"));
 }
 
 TEST(CheckDocuments, TellOfAnArchiveThatIsNone) {

@@ -3,6 +3,7 @@
 #include "formats/stpx_document.h"
 #include "load/scene_view.h"
 #include "platform/text_block.h"
+#include "support/archive.h"
 #include "support/temp_folder.h"
 
 #include <nlohmann/json.hpp>
@@ -54,15 +55,6 @@ struct ReadDocument {
     // The product of this name in the document, or null.
     ProductNode* Product(std::string_view name) const;
 };
-
-// One member that goes into an archive.
-struct Member {
-    std::string name;
-    std::string content;
-    int method = 8;
-    const char* password = nullptr;
-};
-void WriteArchive(const std::string& path, const std::vector<Member>& members);
 
 // The scene in the view, with all arrays.
 nlohmann::json Report(const SceneView& view);
