@@ -147,8 +147,7 @@ void ReadParts(StpxSession& session) {
         static_cast<std::uint32_t>(session.threads), session.threadDone,
         [&session](bool isLoadThread) { RunPartLoop(session, isLoadThread); },
         [&session] { ShowProgress(session); });
-    std::sort(session.unreadFiles.begin(), session.unreadFiles.end(),
-              [](const UnreadFile& a, const UnreadFile& b) { return a.place < b.place; });
+    SortUnread(&session.unreadFiles);
 }
 
 } // namespace tarnwick

@@ -6,6 +6,7 @@
 #include "formats/stpx_document.h"
 #include "formats/stpx_file.h"
 #include "platform/console.h"
+#include "platform/one_line.h"
 #include "platform/paths.h"
 #include "product/draw_list.h"
 
@@ -42,11 +43,11 @@ bool ReadDocument(StpxSession& session, DocumentMemory& memory, std::string path
                                    session.scene->Main());
         *root = document.root;
         if (problem != nullptr) {
-            ConsolePrint("<E> %s: document given up, %s\n", path.c_str(), problem);
+            ConsolePrint("<E> %s: document given up, %s\n", OnOneLine(path).c_str(), problem);
             problem = "isn't a complete STEP XML document";
         }
     } else {
-        ConsolePrint("<E> %s: it %s\n", path.c_str(), problem);
+        ConsolePrint("<E> %s: it %s\n", OnOneLine(path).c_str(), problem);
     }
     if (problem == nullptr) { return true; }
     session.unreadFiles.push_back({place, std::move(path), product != nullptr ? product->name : "", problem});
@@ -101,7 +102,7 @@ void ReadExternalDocuments(StpxSession& session, DocumentMemory& memory) {
             if (saidEndless) { continue; }
             saidEndless = true;
             ConsolePrint("<E> %s: it leads to itself without end, it isn't read any more\n",
-                         product.fileName);
+                         OnOneLine(product.fileName).c_str());
             session.unreadFiles.push_back(
                 {i + 1, product.fileName, product.name, "leads to itself without end"});
             continue;
@@ -151,7 +152,7 @@ void SayUnmatched(const ProductNode& root, const char* fileName) {
     }
     if (count > 0) {
         ConsolePrint("<E> %s: uses without a product are left out: %d, among them '%s' in '%s'\n", fileName,
-                     count, firstUid, firstParent);
+                     count, OnOneLine(firstUid).c_str(), OnOneLine(firstParent).c_str());
     }
 }
 
@@ -212,7 +213,7 @@ int TraiteSTEPXFileNewMT(StpxSession& session, const char* path, const char* roo
         session.isAssembly = IsAssembly(*session.root);
         if (session.root->occurrenceCount == 0 && session.root->fileName == nullptr) {
             ConsolePrint("<E> %s: its root '%s' has neither components nor a file\n", path,
-                         session.root->name);
+                         OnOneLine(session.root->name).c_str());
         }
     }
     ReadParts(session);

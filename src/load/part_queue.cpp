@@ -121,7 +121,11 @@ void ReadQueuedFiles(LoadSession& session) {
         session.useThreads, session.done,
         [&](bool isLoadThread) { RunPartQueue(session, order, isLoadThread); },
         [&session] { ShowProgress(session); });
-    std::sort(session.unreadFiles.begin(), session.unreadFiles.end(),
+    SortUnread(&session.unreadFiles);
+}
+
+void SortUnread(std::vector<UnreadFile>* files) {
+    std::sort(files->begin(), files->end(),
               [](const UnreadFile& a, const UnreadFile& b) { return a.place < b.place; });
 }
 

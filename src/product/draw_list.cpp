@@ -1,6 +1,7 @@
 #include "product/draw_list.h"
 
 #include "platform/console.h"
+#include "platform/one_line.h"
 
 #include <algorithm>
 #include <limits>
@@ -224,7 +225,7 @@ int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, Pre
         if (child->drawList == &inWork) {
             if (!cycleSaid) {
                 ConsolePrint("<E> %s: product '%s' is part of itself; that use of it is left out\n", fileName,
-                             child->name);
+                             OnOneLine(child->name).c_str());
             }
             cycleSaid = true;
             continue;

@@ -188,6 +188,26 @@ TEST(StpxLoad, ShowsAnEmptySceneForARootWithNeitherComponentsNorAFile) {
     EXPECT_EQ(report["products"].size(), 1u);
 }
 
+TEST(StpxLoad, PutsNamesFromTheFileOnOneLine) {
+    const TestFolder folder;
+    const std::string bare = folder.Write("bare.stpx", Document(Part("w\n", "")));
+    const std::string unmatched =
+        folder.Write("unmatched.stpx", Document(Part("w\r", UsedAs("o")) + Part("top\n", Use("x\n"))));
+    const std::string absent =
+        folder.Write("absent.stpx", Document(Part("w", UsedAs("o") + Assigned("f")) +
+                                             File("f", "gone\n.stpx") + Part("top", Use("o"))));
+    for (const auto& [path, line] :
+         {std::pair{bare, bare + ": its root 'w?' has neither components nor a file"},
+          std::pair{unmatched,
+                    unmatched + ": uses without a product are left out: 1, among them 'x?' in 'top?'"},
+          std::pair{absent, folder.Path("gone?.stpx") + ": it can't be opened"}}) {
+        const ConsoleText console;
+        LoadReport(path, nullptr, 1);
+        EXPECT_EQ(console.Count("<E>"), 1);
+        EXPECT_EQ(console.Count("<E> " + line + "\n"), 1) << console.Text();
+    }
+}
+
 TEST(StpxLoad, ShowsNothingWhenTheRootDocumentCannotBeRead) {
     const TestFolder folder;
     const std::string cut = folder.Write("a.stpx", "<DataContainer><Part>");

@@ -221,6 +221,14 @@ TEST(DrawTree, PutsTheNameOfACycleWithoutReadingItAsAFormat) {
               "<E> file.stp: product '50%s%n' is part of itself; that use of it is left out\n");
 }
 
+TEST(DrawTree, PutsTheNameOfACycleOnOneLine) {
+    SceneTree tree;
+    ProductNode* const top = tree.Product("a\n<E> b\x1b[2J");
+    tree.Use(top, top);
+    EXPECT_EQ(Build(tree, top),
+              "<E> file.stp: product 'a?<E> b?[2J' is part of itself; that use of it is left out\n");
+}
+
 TEST(DrawTree, OfARootWithGeometryThatIsPartOfItselfPlacesWhatItHasSoFar) {
     // Such a root has a list before it is walked, and that list is what a use of it is given.
     SceneTree tree;

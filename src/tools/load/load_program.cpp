@@ -4,6 +4,7 @@
 #include "formats/format_commands.h"
 #include "load/no_controls.h"
 #include "platform/console.h"
+#include "platform/one_line.h"
 #include "report/report.h"
 
 #include <algorithm>
@@ -37,13 +38,6 @@ bool WriteReport(const std::string& report, const std::string& name) {
     }
     if (!written) { std::fprintf(stderr, "tarnwick-load: %s can't be written\n", name.c_str()); }
     return written;
-}
-
-// Names come from files: a line feed in one would make two lines of its own.
-std::string OnOneLine(std::string name) {
-    std::replace_if(
-        name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
-    return name;
 }
 
 void SayUnread(const SceneView& view) {
