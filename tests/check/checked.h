@@ -15,7 +15,7 @@ namespace tarnwick::test {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// The report of a file, with nothing printed.
+// The report of a file, with nothing printed. An archive is only read with threads.
 CheckReport Checked(const std::string& path, int useThreads = 0);
 
 // "kind line #entity" of each finding, as far as it has these; in an assembly the file's name comes first.
