@@ -4,10 +4,10 @@
 // no array for each face. A compressed file is inflated first; of a ZIP archive all members are inflated, and
 // nothing else is done with them.
 
-#include "load/p21/parse_real.h"
 #include "platform/pages.h"
 #include "platform/scratch_array.h"
 #include "platform/text_block.h"
+#include "text/parse_real.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,10 +1,10 @@
 #include "pieces.h"
 
 #include "geometry/part_reader.h"
-#include "load/p21/keyword_codes.h"
-#include "load/p21/parse_real.h"
-#include "load/p21/step_model.h"
+#include "p21/keyword_codes.h"
+#include "p21/step_model.h"
 #include "platform/arena.h"
+#include "text/parse_real.h"
 #include "turns.h"
 
 #ifdef TARNWICK_HAS_FAST_FLOAT

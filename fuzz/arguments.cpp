@@ -1,7 +1,7 @@
 // The text of a path or of a command line, split and joined again.
 #include "harness.h"
 #include "load/load_file.h"
-#include "platform/wide_text.h"
+#include "text/wide_text.h"
 
 using namespace tarnwick;
 

@@ -1,11 +1,11 @@
 // Stands in for the parts of platform/ and formats/ that end or stop the process, print, or ask the system
 // for memory. A target links it ahead of the libraries, which then keep their own.
 
-#include "formats/stall.h"
 #include "harness.h"
 #include "platform/console.h"
 #include "platform/fail_fast.h"
 #include "platform/pages.h"
+#include "platform/stall.h"
 
 #include <cstdarg>
 #include <cstdio>

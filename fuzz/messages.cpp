@@ -3,7 +3,7 @@
 #include "link/selection.h"
 #include "link/server_messages.h"
 #include "load/load_file.h"
-#include "platform/wide_text.h"
+#include "text/wide_text.h"
 
 using namespace tarnwick;
 

@@ -1,6 +1,6 @@
 // The scan and the index of one file, plain or inflated.
 #include "harness.h"
-#include "load/p21/step_model.h"
+#include "p21/step_model.h"
 #include "report/report.h"
 
 using namespace tarnwick;

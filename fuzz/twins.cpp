@@ -2,9 +2,9 @@
 #include "geometry/face_outcome.h"
 #include "geometry/plain_face.h"
 #include "harness.h"
-#include "load/p21/parse_real.h"
-#include "load/p21/plain_parse_real.h"
 #include "platform/text_block.h"
+#include "text/parse_real.h"
+#include "text/plain_parse_real.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "app/dialog_link.h"
 #include "app/eye_text.h"
 #include "app/step_viewer_dlg.h"
-#include "platform/wide_text.h"
+#include "text/wide_text.h"
 
 #include <QClipboard>
 #include <QDir>

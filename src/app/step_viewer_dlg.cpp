@@ -5,8 +5,8 @@
 #include "app/snapshot_folder.h"
 #include "app/title_text.h"
 #include "platform/clock.h"
-#include "platform/wide_text.h"
 #include "render/snapshot.h"
+#include "text/wide_text.h"
 
 #include <QApplication>
 #include <QCheckBox>

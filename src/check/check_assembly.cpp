@@ -3,7 +3,7 @@
 
 #include "check/check_file.h"
 #include "check/entity_text.h"
-#include "load/p21/keyword_codes.h"
+#include "p21/keyword_codes.h"
 
 #include <unordered_map>
 

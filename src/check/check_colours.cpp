@@ -3,8 +3,8 @@
 #include "check/check_file.h"
 #include "check/entity_text.h"
 #include "geometry/part_reader.h"
-#include "load/p21/keyword_codes.h"
-#include "load/p21/parse_real.h"
+#include "p21/keyword_codes.h"
+#include "text/parse_real.h"
 
 #include <string>
 #include <unordered_map>

@@ -1,8 +1,8 @@
 #include "check/check_file.h"
 
 #include "check/entity_text.h"
-#include "load/p21/keyword_codes.h"
 #include "load/part_queue.h"
+#include "p21/keyword_codes.h"
 
 #include <algorithm>
 #include <utility>

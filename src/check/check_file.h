@@ -1,7 +1,7 @@
 #pragma once
 
 #include "check/findings.h"
-#include "load/p21/step_model.h"
+#include "p21/step_model.h"
 
 #include <cstdint>
 #include <map>

@@ -1,6 +1,6 @@
 #include "check/check_file.h"
 #include "check/entity_text.h"
-#include "load/p21/keyword_codes.h"
+#include "p21/keyword_codes.h"
 
 namespace tarnwick {
 

@@ -3,9 +3,9 @@
 
 #include "check/check_file.h"
 #include "check/entity_text.h"
-#include "load/p21/keyword_codes.h"
-#include "load/p21/parse_real.h"
-#include "load/p21/text_walk.h"
+#include "p21/keyword_codes.h"
+#include "p21/text_walk.h"
+#include "text/parse_real.h"
 
 #include <cstring>
 

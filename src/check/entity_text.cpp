@@ -1,6 +1,6 @@
 #include "check/entity_text.h"
 
-#include "load/p21/parse_real.h"
+#include "text/parse_real.h"
 
 #include <limits>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "load/p21/step_model.h"
+#include "p21/step_model.h"
 
 #include <cstdint>
 #include <string_view>

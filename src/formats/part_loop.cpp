@@ -4,9 +4,9 @@
 #include "formats/stpx_file.h"
 #include "geometry/part_reader.h"
 #include "load/no_memory.h"
-#include "load/p21/step_model.h"
 #include "load/part_queue.h"
 #include "load/worker_threads.h"
+#include "p21/step_model.h"
 #include "platform/console.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #include "formats/stpa_archive.h"
 
-#include "formats/text_find.h"
-#include "load/p21/inflate_bytes.h"
-#include "load/p21/p42_ent.h"
+#include "p21/p42_ent.h"
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "text/inflate_bytes.h"
+#include "text/text_find.h"
 
 #include <minizip/unzip.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "formats/stpx_file.h"
-#include "load/p21/opened_file.h"
+#include "text/opened_file.h"
 
 #include <cstdint>
 #include <memory>

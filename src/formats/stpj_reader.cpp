@@ -1,13 +1,13 @@
 #include "formats/stpj_reader.h"
 
 #include "formats/select_depth.h"
-#include "formats/text_find.h"
-#include "load/p21/opened_file.h"
-#include "load/p21/parse_real.h"
-#include "load/p21/text_walk.h"
+#include "p21/text_walk.h"
 #include "platform/clock.h"
 #include "platform/console.h"
 #include "platform/text_block.h"
+#include "text/opened_file.h"
+#include "text/parse_real.h"
+#include "text/text_find.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,12 +1,12 @@
 #include "formats/stpx_document.h"
 
-#include "formats/scan_reals.h"
 #include "formats/stpx_scan.h"
-#include "formats/string_map.h"
-#include "formats/text_find.h"
 #include "formats/usual_tags.h"
-#include "load/p21/append_pointer.h"
+#include "platform/append_pointer.h"
 #include "platform/console.h"
+#include "text/scan_reals.h"
+#include "text/string_map.h"
+#include "text/text_find.h"
 
 #include <algorithm>
 #include <unordered_map>

@@ -6,9 +6,9 @@
 #include "formats/stpx_document.h"
 #include "formats/stpx_file.h"
 #include "platform/console.h"
-#include "platform/one_line.h"
 #include "platform/paths.h"
 #include "product/draw_list.h"
+#include "text/one_line.h"
 
 #include <algorithm>
 #include <cstring>

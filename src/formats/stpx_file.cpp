@@ -1,9 +1,9 @@
 #include "formats/stpx_file.h"
 
-#include "load/p21/inflate_bytes.h"
-#include "load/p21/opened_file.h"
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "text/inflate_bytes.h"
+#include "text/opened_file.h"
 
 #include <limits>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "formats/stpx_scan.h"
 
-#include "formats/stall.h"
-#include "formats/text_find.h"
+#include "platform/stall.h"
+#include "text/text_find.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "formats/stpx_scan.h"
-#include "formats/text_find.h"
+#include "text/text_find.h"
 
 #include <cstddef>
 #include <cstring>

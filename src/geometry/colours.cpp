@@ -1,6 +1,6 @@
 #include "geometry/part_reader.h"
-#include "load/p21/keyword_codes.h"
-#include "load/p21/parse_real.h"
+#include "p21/keyword_codes.h"
+#include "text/parse_real.h"
 
 #include <algorithm>
 #include <cstring>

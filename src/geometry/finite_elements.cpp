@@ -1,9 +1,9 @@
 #include "geometry/finite_elements.h"
 
-#include "load/p21/keyword_codes.h"
-#include "load/p21/parse_real.h"
+#include "p21/keyword_codes.h"
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "text/parse_real.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "geometry/part_reader.h"
 
-#include "load/p21/keyword_codes.h"
+#include "p21/keyword_codes.h"
 #include "platform/clock.h"
 #include "platform/console.h"
 #include "product/draw_list.h"

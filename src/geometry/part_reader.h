@@ -1,8 +1,8 @@
 #pragma once
 
 #include "geometry/triangulated_face.h"
-#include "load/p21/id_map.h"
-#include "load/p21/step_model.h"
+#include "p21/id_map.h"
+#include "p21/step_model.h"
 #include "platform/arena.h"
 #include "product/scene_records.h"
 

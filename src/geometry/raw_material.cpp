@@ -1,5 +1,5 @@
 #include "geometry/part_reader.h"
-#include "load/p21/keyword_codes.h"
+#include "p21/keyword_codes.h"
 
 #include <string_view>
 #include <vector>

@@ -9,10 +9,10 @@
 
 #include "geometry/triangulated_face.h"
 
-#include "load/p21/keyword_codes.h"
-#include "load/p21/parse_real.h"
+#include "p21/keyword_codes.h"
 #include "platform/console.h"
 #include "platform/fail_fast.h"
+#include "text/parse_real.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "load/p21/step_model.h"
+#include "p21/step_model.h"
 #include "platform/arena.h"
 #include "platform/scratch_array.h"
 #include "product/scene_records.h"

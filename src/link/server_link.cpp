@@ -2,8 +2,8 @@
 #include "link/message_queue.h"
 #include "link/server_messages.h"
 #include "platform/console.h"
-#include "platform/or_null.h"
-#include "platform/wide_text.h"
+#include "text/or_null.h"
+#include "text/wide_text.h"
 
 #include <cpprest/json.h>
 #include <cpprest/ws_client.h>

@@ -2,8 +2,8 @@
 
 #include "geometry/finite_elements.h"
 #include "geometry/part_reader.h"
-#include "load/p21/step_model.h"
 #include "load/part_queue.h"
+#include "p21/step_model.h"
 #include "platform/console.h"
 #include "platform/paths.h"
 #include "product/assembly_reader.h"

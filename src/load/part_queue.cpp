@@ -2,9 +2,9 @@
 
 #include "geometry/part_reader.h"
 #include "load/no_memory.h"
-#include "load/p21/step_model.h"
 #include "load/reading_order.h"
 #include "load/worker_threads.h"
+#include "p21/step_model.h"
 #include "platform/console.h"
 #include "product/assembly_reader.h"
 

@@ -1,5 +1,5 @@
 #include "load/load_file.h"
-#include "platform/wide_text.h"
+#include "text/wide_text.h"
 
 namespace tarnwick {
 

@@ -3,10 +3,10 @@
 
 #include "product/assembly_reader.h"
 
-#include "load/p21/append_pointer.h"
-#include "load/p21/keyword_codes.h"
-#include "load/p21/parse_real.h"
+#include "p21/keyword_codes.h"
+#include "platform/append_pointer.h"
 #include "platform/console.h"
+#include "text/parse_real.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "load/p21/id_map.h"
-#include "load/p21/step_model.h"
+#include "p21/id_map.h"
+#include "p21/step_model.h"
 #include "platform/arena.h"
 #include "product/load_session.h"
 

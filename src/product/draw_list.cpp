@@ -1,7 +1,7 @@
 #include "product/draw_list.h"
 
 #include "platform/console.h"
-#include "platform/one_line.h"
+#include "text/one_line.h"
 
 #include <algorithm>
 #include <limits>

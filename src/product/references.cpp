@@ -1,6 +1,6 @@
 // Which file a product's geometry or structure stands in, and the queue of the files that are to be read.
 
-#include "load/p21/keyword_codes.h"
+#include "p21/keyword_codes.h"
 #include "product/assembly_reader.h"
 
 #include <algorithm>

@@ -2,9 +2,9 @@
 // that spells its index, and one pixel is read back.
 
 #include "platform/console.h"
-#include "platform/or_null.h"
 #include "render/opengl_control.h"
 #include "render/pick_code.h"
+#include "text/or_null.h"
 
 #include <GL/gl.h>
 

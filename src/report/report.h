@@ -1,7 +1,7 @@
 #pragma once
 
-#include "load/p21/step_model.h"
 #include "load/scene_view.h"
+#include "p21/step_model.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "geometry/face_outcome.h"
 
-#include "load/p21/keyword_codes.h"
-#include "load/p21/text_walk.h"
+#include "p21/keyword_codes.h"
+#include "p21/text_walk.h"
 #include "platform/text_block.h"
 
 #include <memory>

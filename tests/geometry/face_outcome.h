@@ -1,7 +1,7 @@
 #pragma once
 
 #include "geometry/triangulated_face.h"
-#include "load/p21/step_model.h"
+#include "p21/step_model.h"
 #include "support/capture.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "geometry/plain_face.h"
 
-#include "load/p21/plain_parse_real.h"
+#include "text/plain_parse_real.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -4,8 +4,8 @@
 #include "formats/format_commands.h"
 #include "load/no_controls.h"
 #include "platform/console.h"
-#include "platform/one_line.h"
 #include "report/report.h"
+#include "text/one_line.h"
 
 #include <algorithm>
 #include <cstdio>

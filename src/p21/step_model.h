@@ -1,0 +1,118 @@
+#pragma once
+
+#include "p21/p42_ent.h"
+#include "p21/text_walk.h"
+#include "platform/arena.h"
+#include "platform/text_block.h"
+#include "text/opened_file.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarnwick {
+
+// What one reading thread keeps from file to file: the block of the text, that of compressed input, and the
+// memory of the entity index. A StepModel borrows it, and only one at a time.
+struct ReaderWorkspace {
+    TextBlock text;
+    TextBlock compressed;
+    Arena index;
+};
+
+// One opened ISO 10303-21 file: its whole text in one block, a record for each entity line, and a few ids and
+// counters that the readers start from. The readers write into the text for a moment, so a model and its
+// workspace belong to one thread. Nothing that outlives the model may point into its text or its index.
+struct StepModel {
+    // What Read returns.
+    static constexpr int kRead = 0;
+    static constexpr int kNotOpened = 1;
+    static constexpr int kNotP21 = 5;
+
+    // How the bytes of the file are packed, from its name; decides the suffix that the files of an assembly
+    // get.
+    static constexpr std::int32_t kPlain = 0;
+    static constexpr std::int32_t kTwoCharacterSuffix = 1; // part.stp.Z
+    static constexpr std::int32_t kOneCharacterSuffix = 2; // part.stpz
+
+    static constexpr int kBlocks = 10;
+
+    // A model of the file at `path`; reads nothing yet.
+    StepModel(ReaderWorkspace& workspace, std::string path);
+    // A model of `size` compressed bytes in memory, which it takes over. With null it can't be opened.
+    StepModel(ReaderWorkspace& workspace, std::unique_ptr<unsigned char[]> data, std::uint32_t size);
+    StepModel(const StepModel&) = delete;
+    StepModel& operator=(const StepModel&) = delete;
+    ~StepModel();
+
+    // Reads, inflates and indexes: kRead; kNotOpened when the file can't be had under its name nor its
+    // fall-back name; kNotP21 when the text isn't an ISO 10303-21 file. `entityMap` is null unless kRead is
+    // returned.
+    int Read();
+
+    // The two halves of Read, for who wants to look at a table before the process may end on a name in it.
+    int ReadIndex();
+    // Behind ReadIndex: names the root among several products. kRead or kNotP21.
+    int DiscoverRoot();
+
+    // The record of an entity number, or null.
+    P42Ent* Find(std::int32_t id) const { return entityMap->Find(id); }
+    // Memory for what readers need for as long as the model lives.
+    Arena* IndexArena() const { return &workspace_.index; }
+    // A walk from the "#" of an entity's line.
+    TextWalk WalkFrom(const P42Ent* entity) const {
+        return {text + entity->offset, textEnd, false, far_.get()};
+    }
+    // The record number `index` (from 0) in file order.
+    P42Ent* EntityAt(std::int32_t index) const;
+
+    double readSeconds = 0;
+    double inflateSeconds = 0;
+    std::string fileName; // as given, rewritten by the fall-back rule; empty for a model made from memory
+    char* text = nullptr;
+    char* textEnd = nullptr; // where the NUL behind the text stands
+    std::unique_ptr<unsigned char[]> compressedData;
+    std::uint32_t compressedSize = 0;
+    std::int32_t compression = kPlain;
+    std::int32_t isAssembly = 0;            // 1 when an entity's keyword starts "NEXT_ASS"
+    std::int32_t apNumber = 0;              // 203, 209, 214, 242 ..., from FILE_SCHEMA
+    P42Ent** entityBlocks[kBlocks] = {};    // all records in file order; block i has room for 10000 * 10^i
+    std::int32_t entityCount = 0;           // records made
+    MapP42Ent* entityMap = nullptr;         // all records by entity number
+    ListP42Ent* structureList = nullptr;    // the records of codes 22, 28, 41 and 42 in file order
+    std::int32_t shapeRepresentationId = 0; // last TESSELLATED_SHAPE_REPRESENTATION line
+    std::int32_t presentationId = 0; // first MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION line
+    std::vector<std::int32_t>
+        colourIds;                  // lines of COLOUR_RGB and DRAUGHTING_PRE_DEFINED_COLOUR in file order
+    std::int32_t rootProductId = 0; // last PRODUCT line, until root discovery replaces it
+    std::int32_t productCount = 0;  // PRODUCT lines
+
+private:
+    int ReadFile();
+    int InflateData();
+    bool ReadBytes(const OpenedFile& file, TextBlock& block, char** bytes, std::size_t* size);
+    int Inflate(const unsigned char* data, std::uint32_t size);
+    bool ScanEntities();
+    char* FindDataSection() const;
+    bool AddBlock();
+    bool AddRecords();
+    bool AddEntity(std::int32_t id, const char* line, std::int32_t code, bool complete);
+    bool BuildEntityMap();
+    bool ReadSchemaNumber();
+    bool FindRootProduct();
+    int GiveUp(const char* reason);
+
+    ReaderWorkspace& workspace_;
+    const bool isFile_;               // else `compressedData` is all there is, whatever the model's name
+    std::unique_ptr<FarPlaces> far_;  // of the text, from the scan on
+    int blocks_ = 0;                  // blocks made
+    P42Ent** currentBlock_ = nullptr; // the last of them
+    std::int32_t blockRoom_ = 0;      // its room
+    std::int32_t blockCount_ = 0;     // records in it
+    P42Ent* nextRecord_ = nullptr;    // room for further records, up to
+    P42Ent* recordLimit_ = nullptr;
+};
+
+} // namespace tarnwick

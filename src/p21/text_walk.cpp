@@ -1,0 +1,132 @@
+#include "p21/text_walk.h"
+
+#include "platform/fail_fast.h"
+#include "text/parse_real.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace tarnwick {
+
+namespace {
+
+// How far a walk at `at` scans the text itself.
+const char* NearEnd(const TextWalk& walk, const char* at) {
+    return walk.far != nullptr && walk.end - at > FarPlaces::kNear ? at + FarPlaces::kNear : walk.end;
+}
+
+// The next `c` at or after `at`; the end of the text where there is none.
+const char* Next(const TextWalk& walk, const char* at, char c) {
+    const char* const nearEnd = NearEnd(walk, at);
+    const void* found = std::memchr(at, c, static_cast<std::size_t>(nearEnd - at));
+    if (found == nullptr && nearEnd < walk.end) { found = walk.far->Find(nearEnd, c); }
+    return found != nullptr ? static_cast<const char*>(found) : walk.end;
+}
+
+// The next "," or ")" at or after `at`; the end of the text where there is none.
+const char* NextDelimiter(const TextWalk& walk, const char* at) {
+    const char* const nearEnd = NearEnd(walk, at);
+    while (at < nearEnd && *at != ',' && *at != ')') { ++at; }
+    return at < nearEnd || at == walk.end ? at : std::min(Next(walk, at, ','), Next(walk, at, ')'));
+}
+
+} // namespace
+
+void TextWalk::GoTo(char c) {
+    at = Next(*this, at, c);
+    if (at == end) { overrun = true; }
+}
+
+void TextWalk::GoToArgumentComma() {
+    const char* const nearEnd = NearEnd(*this, at);
+    std::int64_t depth = 0;
+    for (; at < nearEnd; ++at) {
+        if (*at == '(') {
+            ++depth;
+        } else if (*at == ')') {
+            --depth;
+        } else if (*at == ',' && depth <= 0) {
+            return;
+        }
+    }
+    const char* const found = nearEnd < end ? far->FindComma(nearEnd, depth) : nullptr;
+    at = found != nullptr ? found : end;
+    overrun = overrun || found == nullptr;
+}
+
+std::int32_t StringToInteger(const char* p) {
+    while (*p == ' ' || (*p >= '\t' && *p <= '\r')) { ++p; }
+    const bool negative = *p == '-';
+    if (negative || *p == '+') { ++p; }
+    constexpr std::int64_t kLimit = std::int64_t{1} << 31;
+    std::int64_t value = 0;
+    for (; real::IsDigit(*p); ++p) {
+        value = value * 10 + (*p - '0');
+        if (value > kLimit) { value = kLimit; }
+    }
+    if (negative) { return static_cast<std::int32_t>(-value); }
+    return value == kLimit ? std::numeric_limits<std::int32_t>::max() : static_cast<std::int32_t>(value);
+}
+
+std::int32_t ReadDigits(TextWalk* walk) {
+    const char* const start = walk->at;
+    std::int64_t value = 0;
+    for (; real::IsDigit(*walk->at); ++walk->at) {
+        if (walk->at - start == 14) { FailFast(); }
+        value = value * 10 + (*walk->at - '0');
+    }
+    constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(value > kMost ? kMost : value);
+}
+
+std::int32_t ReadReference(TextWalk* walk) {
+    walk->GoTo('#');
+    walk->Step();
+    return ReadDigits(walk);
+}
+
+std::string_view ReadQuoted(TextWalk* walk, std::size_t limit) {
+    const char* const start = walk->at;
+    walk->GoTo('\'');
+    const std::size_t length = static_cast<std::size_t>(walk->at - start);
+    if (!walk->overrun && length >= limit) { FailFast(); }
+    return {start, length};
+}
+
+void ParseIdList(TextWalk* walk, std::vector<std::int32_t>* ids) {
+    walk->GoTo('(');
+    walk->Step();
+    walk->SkipBlanks();
+    if (walk->Current() == ')') { return; }
+    const char* p = walk->at;
+    const char* const end = walk->end;
+    for (;;) {
+        if (p >= end) { break; }
+        // A reference as it is mostly written, "#12," or "#12)": its digits lead to the delimiter.
+        const char* next = p + 1;
+        std::int64_t id = 0;
+        while (real::IsDigit(*next) && next - p < 10) { id = id * 10 + (*next++ - '0'); }
+        if ((*next == ',' || *next == ')') && next > p + 1) {
+            ids->push_back(static_cast<std::int32_t>(id));
+        } else {
+            ids->push_back(StringToInteger(p + 1));
+            next = NextDelimiter(*walk, p + 1);
+            if (next == end) { break; }
+        }
+        if (*next == ')') {
+            walk->at = p;
+            return;
+        }
+        p = next + 1;
+        while (*p != '#' && *p != ')' && *p != '\n' && *p != '\0') { ++p; }
+        if (*p == ')') {
+            walk->at = p;
+            return;
+        }
+    }
+    walk->at = end;
+    walk->overrun = true;
+}
+
+} // namespace tarnwick

@@ -1,0 +1,44 @@
+#include "text/inflate_bytes.h"
+
+#include "platform/console.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace tarnwick {
+
+std::size_t InflatedRoom(std::uint64_t size) {
+    constexpr std::uint64_t kLargest = std::numeric_limits<std::int32_t>::max();
+    const std::uint64_t room = (size + size / 16) * 20 + 272384;
+    return size > kLargest || room > kLargest ? 0 : static_cast<std::size_t>(room);
+}
+
+std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* out, std::size_t room,
+                         bool isMember) {
+    constexpr std::uint32_t kStep = 0x40000;
+    constexpr int kDetectHeader = 47; // zlib's largest window, and either header
+    z_stream stream{};
+    if (inflateInit2(&stream, kDetectHeader) != Z_OK) { return 0; }
+    if (isMember) { inflateValidate(&stream, 0); }
+    stream.next_in = const_cast<unsigned char*>(data);
+    stream.next_out = reinterpret_cast<unsigned char*>(out);
+    std::uint32_t left = size;
+    unsigned steps = 0;
+    int result;
+    do {
+        const uLong before = stream.total_in;
+        stream.avail_out = static_cast<uInt>(std::min<std::size_t>(room - stream.total_out, kStep));
+        stream.avail_in = std::min(left, kStep);
+        result = inflate(&stream, Z_SYNC_FLUSH);
+        ++steps;
+        left -= static_cast<std::uint32_t>(stream.total_in - before);
+    } while (result == Z_OK);
+    const std::size_t total = stream.total_out;
+    inflateEnd(&stream);
+    OutputPrint("total uncompress size = %u, in %u step\n", static_cast<unsigned>(total), steps);
+    return total;
+}
+
+} // namespace tarnwick

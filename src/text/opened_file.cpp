@@ -1,0 +1,40 @@
+#include "text/opened_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace tarnwick {
+
+OpenedFile::OpenedFile(const char* path) {
+    // Opening a pipe would else wait for its other end.
+    const int file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat status;
+    if (file < 0) { return; }
+    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+        close(file);
+        return;
+    }
+    file_ = file;
+    size_ = static_cast<std::uint64_t>(status.st_size);
+}
+
+OpenedFile::~OpenedFile() {
+    if (file_ >= 0) { close(file_); }
+}
+
+std::size_t OpenedFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes) const {
+    std::size_t done = 0;
+    while (done < bytes) {
+        const ssize_t got =
+            pread(file_, static_cast<char*>(buffer) + done, bytes - done, static_cast<off_t>(offset + done));
+        if (got < 0 && errno == EINTR) { continue; }
+        if (got <= 0) { break; }
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
+} // namespace tarnwick
