@@ -1,11 +1,11 @@
 #include "pieces.h"
 
-#include "formats/select_depth.h"
-#include "formats/stpj_reader.h"
-#include "formats/stpx_document.h"
 #include "platform/text_block.h"
 #include "product/draw_list.h"
+#include "summary/select_depth.h"
+#include "summary/stpj_reader.h"
 #include "turns.h"
+#include "xml/stpx_document.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "harness.h"
 
-#include "render/safe_indices.h"
+#include "product/safe_indices.h"
 #include "report/report.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // An archive, as its bytes or as a bundle of the members that it is to have, on one thread.
-#include "formats/stpa_archive.h"
-#include "formats/stpa_driver.h"
-#include "formats/stpx_driver.h"
+#include "archive/stpa_archive.h"
+#include "archive/stpa_driver.h"
 #include "harness.h"
+#include "xml/stpx_driver.h"
 #include "zip_bundle.h"
 
 using namespace tarnwick;

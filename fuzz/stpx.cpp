@@ -1,7 +1,7 @@
 // STEP XML: its documents and the parts that they lead to, and the boxes of the first document.
 #include "formats/format_commands.h"
-#include "formats/stpx_driver.h"
 #include "harness.h"
+#include "xml/stpx_driver.h"
 
 using namespace tarnwick;
 

@@ -1,7 +1,7 @@
 // One STEP XML text, read by way of its usual tags and plainly: both must lead to the same tree.
-#include "formats/stpx_document.h"
 #include "harness.h"
 #include "platform/text_block.h"
+#include "xml/stpx_document.h"
 
 #include <cstring>
 

@@ -1,10 +1,10 @@
 #include "check/check_path.h"
 
-#include "formats/stpa_archive.h"
-#include "formats/stpx_file.h"
+#include "archive/stpa_archive.h"
 #include "load/load_file.h"
 #include "load/part_queue.h"
 #include "platform/paths.h"
+#include "xml/stpx_file.h"
 
 #include <algorithm>
 #include <memory>

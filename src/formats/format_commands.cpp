@@ -1,14 +1,14 @@
 #include "formats/format_commands.h"
 
-#include "formats/select_depth.h"
-#include "formats/stpa_driver.h"
-#include "formats/stpj_reader.h"
-#include "formats/stpx_driver.h"
+#include "archive/stpa_driver.h"
 #include "load/load_commands.h"
 #include "load/no_memory.h"
 #include "platform/clock.h"
 #include "platform/console.h"
 #include "product/draw_list.h"
+#include "summary/select_depth.h"
+#include "summary/stpj_reader.h"
+#include "xml/stpx_driver.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "load/scene_view.h"
-#include "render/safe_indices.h"
+#include "product/safe_indices.h"
 #include "render/window_port.h"
 
 #include <cstddef>

@@ -2,8 +2,8 @@
 // behind is nothing.
 
 #include "formats/format_commands.h"
-#include "support.h"
 #include "support/capture.h"
+#include "support/formats.h"
 #include "support/sanitized.h"
 
 #include <gtest/gtest.h>

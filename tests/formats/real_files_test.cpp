@@ -1,7 +1,7 @@
 // Files that other programs wrote. They are no part of this project, so a machine may lack them.
 
 #include "formats/format_commands.h"
-#include "support.h"
+#include "support/formats.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // One machine as a P21 assembly, as STEP XML and as an archive: the same placed triangles.
 
-#include "support.h"
+#include "support/formats.h"
 
 #include <gtest/gtest.h>
 

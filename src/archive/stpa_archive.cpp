@@ -1,0 +1,285 @@
+#include "archive/stpa_archive.h"
+
+#include "p21/p42_ent.h"
+#include "platform/clock.h"
+#include "platform/console.h"
+#include "text/inflate_bytes.h"
+#include "text/text_find.h"
+
+#include <minizip/unzip.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr std::size_t kNameRoom = 256;
+constexpr std::size_t kLongBucket = 64;
+constexpr std::uint64_t kLargestMember = std::numeric_limits<std::int32_t>::max();
+constexpr std::uint64_t kSmallestRecord = 46;  // of a member in the central directory
+constexpr std::uint64_t kMostInflation = 1032; // deflate packs no tighter, whatever a record claims
+constexpr std::size_t kTextReserve = 0x40000;
+constexpr std::size_t kStoredReserve = 9;
+constexpr unsigned char kGzipHead[10] = {0x1F, 0x8B, 8, 0, 0, 0, 0, 0, 0, 13};
+constexpr std::uint64_t kStored = 0;
+constexpr std::uint64_t kDeflated = 8;
+constexpr std::uint32_t kEncryptedFlag = 1;
+
+constexpr const char* kNoMember = "isn't a member of the archive";
+constexpr const char* kNoRecord = "can't be read, its record in the archive is damaged";
+constexpr const char* kForeignMethod = "is packed by a method that isn't known here";
+constexpr const char* kEncrypted = "is encrypted";
+constexpr const char* kTooLarge = "is too large";
+
+// Names that were chosen to meet in one bucket would make every look-up a walk over all of them.
+const ZipEntry* FindFar(ZipIndex& index, std::string_view name) {
+    if (index.far.empty()) {
+        for (const std::vector<ZipEntry>& bucket : index.buckets) {
+            for (const ZipEntry& entry : bucket) { index.far.emplace(entry.name, &entry); }
+        }
+    }
+    const auto found = index.far.find(name);
+    return found != index.far.end() ? found->second : nullptr;
+}
+
+} // namespace
+
+void ZipIndexInit(ZipIndex& index, std::int32_t bits) {
+    index.bits = bits;
+    index.size = std::int32_t{1} << bits;
+    index.mask = index.size - 1;
+    index.buckets.assign(static_cast<std::size_t>(index.size), {});
+}
+
+std::int32_t ZipHash(const ZipIndex& index, std::string_view name) {
+    std::uint32_t sum = 0;
+    std::uint32_t weight = 1;
+    for (const char c : name) {
+        sum += static_cast<std::uint32_t>(static_cast<signed char>(c)) * weight;
+        weight += 7;
+    }
+    return BucketOf(static_cast<std::int32_t>(sum), index.bits, index.mask);
+}
+
+const ZipEntry* ZipLookup(ZipIndex& index, std::string_view name) {
+    if (index.size == 0) { return nullptr; }
+    const double start = ClockSeconds();
+    const std::vector<ZipEntry>& bucket = index.buckets[static_cast<std::size_t>(ZipHash(index, name))];
+    const ZipEntry* entry = nullptr;
+    if (bucket.size() <= kLongBucket) {
+        const auto found =
+            std::find_if(bucket.begin(), bucket.end(), [name](const ZipEntry& e) { return e.name == name; });
+        if (found != bucket.end()) { entry = &*found; }
+    } else {
+        entry = FindFar(index, name);
+    }
+    index.lookupSeconds += ClockSeconds() - start;
+    return entry;
+}
+
+ZipArchive::ZipArchive(const char* path) {
+    constexpr std::size_t kPathRoom = 255;
+    std::string name(path, strnlen(path, kPathRoom));
+    const auto open = [this](const char* opened) {
+        file_.emplace(opened);
+        if (file_->IsOpen()) { zip_ = unzOpen64(opened); }
+        return zip_ != nullptr;
+    };
+    if (!open(path)) {
+        name += ".zip";
+        open(name.c_str());
+    }
+    if (zip_ == nullptr) {
+        OutputPrint("Cannot open %s or %s.zip\n", path, path);
+        return;
+    }
+    ConsolePrint("%s opened\n", name.c_str());
+    IndexArchive(name.c_str());
+}
+
+ZipArchive::~ZipArchive() {
+    if (zip_ != nullptr) { unzClose(zip_); }
+}
+
+void ZipArchive::IndexArchive(const char* name) {
+    unz_global_info64 global{};
+    unzGetGlobalInfo64(zip_, &global);
+    // The count is the archive's own claim, and only a hint for the number of buckets.
+    const std::uint64_t possible = file_->Size() / kSmallestRecord;
+    ZipIndexInit(index, HashBits(static_cast<std::int32_t>(
+                            std::min({std::uint64_t{global.number_entry}, possible, kLargestMember}))));
+    for (int result = unzGoToFirstFile(zip_); result == UNZ_OK; result = unzGoToNextFile(zip_)) {
+        char buffer[kNameRoom];
+        unz_file_info64 info{};
+        unz64_file_pos position{};
+        if (unzGetCurrentFileInfo64(zip_, &info, buffer, sizeof buffer, nullptr, 0, nullptr, 0) != UNZ_OK ||
+            unzGetFilePos64(zip_, &position) != UNZ_OK) {
+            break;
+        }
+        if (info.size_filename >= kNameRoom) {
+            ConsolePrint("<E> %s: a member's name has %zu characters or more, it is left out\n", name,
+                         kNameRoom);
+            continue;
+        }
+        ZipEntry entry{position.pos_in_zip_directory, position.num_of_file, buffer};
+        index.buckets[static_cast<std::size_t>(ZipHash(index, entry.name))].push_back(std::move(entry));
+        ++index.count;
+    }
+}
+
+bool ZipArchive::GoTo(const ZipEntry& entry, MemberInfo* member) {
+    const unz64_file_pos position{entry.centralOffset, entry.memberIndex};
+    unz_file_info64 info{};
+    if (unzGoToFilePos64(zip_, &position) != UNZ_OK ||
+        unzGetCurrentFileInfo64(zip_, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK) {
+        return false;
+    }
+    *member = {info.compressed_size, info.uncompressed_size, info.compression_method,
+               (info.flag & kEncryptedFlag) != 0};
+    return true;
+}
+
+// Where the current member's bytes begin; false when its local header doesn't fit its record.
+bool ZipArchive::FindData(std::uint64_t* offset) {
+    int method;
+    int level;
+    if (unzOpenCurrentFile2(zip_, &method, &level, 1) != UNZ_OK) { return false; }
+    *offset = unzGetCurrentFileZStreamPos64(zip_);
+    unzCloseCurrentFile(zip_);
+    return true;
+}
+
+// A member's bytes, no more than the file still has behind `offset`.
+std::size_t ZipArchive::BytesThere(const MemberInfo& info, std::uint64_t offset) const {
+    const std::uint64_t left = file_->Size() > offset ? file_->Size() - offset : 0;
+    return static_cast<std::size_t>(std::min(info.compressedSize, left));
+}
+
+// The current member with the head of a gzip file in front. `buffer` has room for the head and for as many of
+// the member's bytes as there can be in the file.
+int ZipArchive::GetBufferCurrentFile(const MemberInfo& info, unsigned char* buffer, std::uint32_t* size) {
+    int error = UNZ_OK;
+    std::uint64_t offset = 0;
+    std::size_t read = 0;
+    if (!FindData(&offset)) {
+        error = UNZ_BADZIPFILE;
+    } else {
+        read = file_->ReadAt(offset, buffer + sizeof kGzipHead, BytesThere(info, offset));
+        if (read == 0) { error = UNZ_BADZIPFILE; }
+    }
+    if (read == 0) { OutputPrint("error %d with zipfile in unzGetBufferCurrentFile\n", error); }
+    std::memcpy(buffer, kGzipHead, sizeof kGzipHead);
+    *size = static_cast<std::uint32_t>(read + sizeof kGzipHead);
+    return 0;
+}
+
+ZipArchive::Packed ZipArchive::ReadPacked(const char* name) {
+    Packed packed;
+    MemberInfo info{};
+    const ZipEntry* const entry = ZipLookup(index, name);
+    if (entry == nullptr) {
+        packed.oddity = kNoMember;
+        return packed;
+    }
+    if (zip_ == nullptr || !GoTo(*entry, &info)) {
+        packed.oddity = kNoRecord;
+        return packed;
+    }
+    const std::uint64_t room = std::min(info.compressedSize, file_->Size()) + 100;
+    if (room > kLargestMember) {
+        packed.oddity = kTooLarge;
+        return packed;
+    }
+    packed.data = std::make_unique_for_overwrite<unsigned char[]>(static_cast<std::size_t>(room));
+    GetBufferCurrentFile(info, packed.data.get(), &packed.size);
+    if (info.encrypted) {
+        packed.oddity = kEncrypted;
+    } else if (info.method == kStored) {
+        packed.oddity = "is stored without compression, which a part in an archive can't be";
+    } else if (info.method != kDeflated) {
+        packed.oddity = kForeignMethod;
+    }
+    return packed;
+}
+
+char* ZipArchive::ReadMember(const char* name, DocumentMemory& memory, std::size_t* size,
+                             const char** problem) {
+    *size = 0;
+    const ZipEntry* const entry = ZipLookup(index, name);
+    if (entry == nullptr || zip_ == nullptr) {
+        *problem = kNoMember;
+        return nullptr;
+    }
+    MemberInfo info{};
+    if (!GoTo(*entry, &info)) {
+        *problem = kNoRecord;
+        return nullptr;
+    }
+    // What the record claims is more than a text may have.
+    if (std::min(info.compressedSize, file_->Size()) > kLargestMember ||
+        info.uncompressedSize > kLargestMember - kTextReserve) {
+        *problem = kTooLarge;
+        return nullptr;
+    }
+    switch (info.method) {
+    case kStored:
+        return ReadStored(info, memory, size, problem);
+    case kDeflated:
+        return ReadDeflated(info, memory, size, problem);
+    default:
+        *problem = kForeignMethod;
+        return nullptr;
+    }
+}
+
+char* ZipArchive::ReadStored(const MemberInfo& info, DocumentMemory& memory, std::size_t* size,
+                             const char** problem) {
+    std::uint64_t offset = 0;
+    if (!FindData(&offset)) {
+        *problem = kNoRecord;
+        return nullptr;
+    }
+    const std::size_t there = BytesThere(info, offset);
+    if (there > info.uncompressedSize + kStoredReserve) {
+        *problem = info.encrypted ? kEncrypted : "can't be read, it is stored with more bytes than it has";
+        return nullptr;
+    }
+    char* const text = memory.text.Get(there + 1);
+    if (text == nullptr) {
+        *problem = kTooLarge;
+        return nullptr;
+    }
+    *size = file_->ReadAt(offset, text, there);
+    text[*size] = '\0';
+    return text;
+}
+
+char* ZipArchive::ReadDeflated(const MemberInfo& info, DocumentMemory& memory, std::size_t* size,
+                               const char** problem) {
+    const std::size_t claimed = static_cast<std::size_t>(info.uncompressedSize);
+    const std::uint64_t packedRoom = std::min(info.compressedSize, file_->Size()) + 100;
+    // What the record claims, but no more than can come out of as many bytes.
+    const std::size_t room =
+        static_cast<std::size_t>(std::min(info.uncompressedSize, packedRoom * kMostInflation)) + kTextReserve;
+    auto* const packed =
+        reinterpret_cast<unsigned char*>(memory.compressed.Get(static_cast<std::size_t>(packedRoom)));
+    char* const text = memory.text.Get(room);
+    if (packed == nullptr || text == nullptr) {
+        *problem = kTooLarge;
+        return nullptr;
+    }
+    std::uint32_t packedSize = 0;
+    GetBufferCurrentFile(info, packed, &packedSize);
+    const std::size_t inflated = InflateBytes(packed, packedSize, text, room, true);
+    // The text counts as long as the record says; one that is longer has a NUL in it.
+    text[inflated] = '\0';
+    if (claimed < inflated) { text[claimed] = '\0'; }
+    *size = inflated;
+    return text;
+}
+
+} // namespace tarnwick

@@ -1,0 +1,85 @@
+#include "archive/stpa_driver.h"
+
+#include "archive/stpa_archive.h"
+#include "platform/console.h"
+#include "xml/stpx_driver.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarnwick {
+
+namespace {
+
+// The archive itself is what could not be read.
+int GiveUp(ZIPReader& reader, const char* path, const char* reason, int result) {
+    reader.unreadFiles.push_back({0, path, "", reason});
+    return result;
+}
+
+void TakeOver(ZIPReader& reader, StpxSession& session) {
+    reader.readSeconds = session.readSeconds;
+    reader.inflateSeconds = session.inflateSeconds;
+    reader.parseSeconds = session.parseSeconds;
+    reader.drawList = session.drawList;
+    reader.triangleCount = session.triangleCount;
+    std::copy_n(session.box, 6, reader.box);
+    reader.isAssembly = session.isAssembly;
+    reader.root = session.root;
+    reader.unreadFiles = std::move(session.unreadFiles);
+    reader.scene = std::move(session.scene);
+}
+
+} // namespace
+
+int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, int threads) {
+    ConsolePrint("Start TraiteSTPA\n");
+    reader.threads = threads;
+    ZipArchive archive(path);
+    if (!archive.IsOpen()) {
+        ConsolePrint("<E> %s: can't be opened as an archive\n", path);
+        return GiveUp(reader, path, "can't be opened as an archive", ZIPReader::kNoIni);
+    }
+    std::string root;
+    int isStpx = 0;
+    {
+        DocumentMemory memory;
+        std::size_t size = 0;
+        const char* problem = nullptr;
+        const char* const ini = archive.ReadMember("stpa.ini", memory, &size, &problem);
+        if (ini == nullptr) {
+            return GiveUp(reader, path, "has no member stpa.ini that can be read", ZIPReader::kNoIni);
+        }
+        const int result = ParseStpaIni(ini, &root, &isStpx);
+        if (result != 0) { return GiveUp(reader, path, "names no root in its member stpa.ini", result); }
+    }
+    if (isStpx != 1) {
+        ConsolePrint("<E> Only stpx root files are supported in sptA archives.\n");
+        return GiveUp(reader, path, "has a root that is no stpx document", ZIPReader::kNotStpx);
+    }
+    StpxSession session;
+    session.zip = &archive;
+    session.progress = std::move(reader.progress);
+    session.scene = std::move(reader.scene);
+    if (threads != 0) {
+        TraiteSTEPXFileNewMT(session, root.c_str(), rootName, 0, threads);
+    } else {
+        session.unreadFiles.push_back(
+            {0, path, "", "is an archive, which can't be dropped or read without threads"});
+    }
+    TakeOver(reader, session);
+    return session.gaveUp ? ZIPReader::kRootUnread : ZIPReader::kSuccess;
+}
+
+int ParseStpaIni(std::string_view text, std::string* name, int* isStpx) {
+    *isStpx = 0;
+    const std::size_t open = text.find('"');
+    if (open == std::string_view::npos) { return 1; }
+    const std::size_t close = text.find('"', open + 1);
+    if (close == std::string_view::npos) { return 0; }
+    *name = text.substr(open + 1, close - open - 1);
+    *isStpx = name->ends_with(".stpx") ? 1 : 0;
+    return 0;
+}
+
+} // namespace tarnwick

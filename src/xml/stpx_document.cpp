@@ -1,0 +1,615 @@
+#include "xml/stpx_document.h"
+
+#include "platform/append_pointer.h"
+#include "platform/console.h"
+#include "text/scan_reals.h"
+#include "text/string_map.h"
+#include "text/text_find.h"
+#include "xml/stpx_scan.h"
+#include "xml/usual_tags.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace tarnwick {
+
+namespace {
+
+using std::string_view;
+
+// The states bear the numbers of their element groups: one digit for the part, 10 to 19 for its properties,
+// 20 and 30 for placements and assignments, 50 and 60 for files and documents.
+enum class State {
+    kFindContainer = -1,
+    kContainer = 0,
+    kInPart = 1,
+    kInPartView = 2,
+    kCentreProperty = 10,
+    kFindContext = 11,
+    kInContext = 12,
+    kBoxProperty = 15,
+    kSkipProperty = 19,
+    kInRelation = 20,
+    kInPlacement = 21,
+    kInAssignment = 30,
+    kInFile = 50,
+    kInFileId = 51,
+    kInLocations = 52,
+    kInDocument = 60,
+    kInVersion = 61,
+    kInDefinition = 62,
+    kInFiles = 63,
+};
+
+enum class PropertyKind { kNone, kCornerPoint, kBoundingBox };
+
+// Uids and file names point into the text, or into the reader's own memory; both end with the reader.
+struct AssignedDocument {
+    ProductNode* product;
+    string_view uid;
+};
+
+// A product that stood in the table of assemblies before this document named it.
+struct JoinedProduct {
+    ProductNode former; // to go back to when the document is given up
+    bool resolved = false;
+};
+
+constexpr const char* kNoMemory = "no memory";
+constexpr const char* kNoProduct = "a view belongs to no part with a name";
+constexpr const char* kManyPoints = "a view has more points than a box";
+
+class DocumentReader {
+public:
+    DocumentReader(StpxDocument& document, int boxMode, NamedProductTable& assemblies, ProductTable& parts,
+                   Arena& arena)
+        : document_(document), boxMode_(boxMode), assemblies_(assemblies), parts_(parts), arena_(arena),
+          formerAssemblies_(assemblies.Count()),
+          formerParts_(parts.Count()), scan_{document.text, document.text + document.size, document.name} {}
+
+    const char* Read() {
+        // An occurrence takes some hundred characters; room that isn't needed is never touched.
+        constexpr std::size_t kUsualOccurrence = 400;
+        occurrenceUids_.Reserve(document_.size / kUsualOccurrence);
+        PrepareText(document_.text, document_.size);
+        if (!ScanAll() || !ResolveOccurrences()) {
+            Undo();
+            return problem_ != nullptr ? problem_ : scan_.problem;
+        }
+        if (resolvedDirectly_ < 1) { ResolveFileNames(); }
+        return nullptr;
+    }
+
+private:
+    bool ScanAll();
+    bool TakeUsualTags();
+    bool Step();
+    bool StepPartView();
+    bool StepContext();
+    bool ReadPartName();
+    bool ReadNumbers(double* values, int count);
+    bool ReadPoint();
+    bool AddUse(string_view uid);
+    bool AddOccurrence();
+    bool StoreBox();
+    void TakeIdentifier();
+    void AddPart(ProductNode* product, string_view fileName);
+    void AddAssembly(ProductNode* product, string_view fileName);
+    bool ResolveOccurrences();
+    void ResolveFileNames();
+    void Undo();
+
+    bool Fail(const char* problem) {
+        problem_ = problem;
+        return false;
+    }
+    string_view Tag() const { return scan_.tag; }
+    string_view Uid() const { return find::CutAtNul(scan_.uid); }
+
+    StpxDocument& document_;
+    const int boxMode_;
+    NamedProductTable& assemblies_;
+    ProductTable& parts_;
+    Arena& arena_;
+    Arena scratch_;
+    const std::int32_t formerAssemblies_;
+    const std::int32_t formerParts_;
+    const char* problem_ = nullptr;
+
+    StpxScan scan_;
+    State state_ = State::kFindContainer;
+    bool done_ = false;
+    char textBuffer_[kTextRoom + 8]; // with what may be read behind a number
+    string_view pointRefA_;
+    string_view pointRefB_;
+    string_view fileUid_;
+    string_view versionUid_;
+    string_view relatedUid_;
+    float box_[6] = {};
+    double rotationValues_[9] = {};
+    double translationValues_[3] = {};
+    ProductNode* currentProduct_ = nullptr; // kept after "</Part"
+    bool productIsNew_ = false;
+    std::int32_t pointCount_ = 0;
+    std::int32_t viewOccurrences_ = 0;
+    PropertyKind propertyKind_ = PropertyKind::kNone;
+    const char* resumePosition_ = nullptr; // where to come back to after a look-ahead
+    int resolvedDirectly_ = -1;            // 1 once any file name was matched to the last assignment
+    bool digitalFileSeen_ = false;
+    bool hasRelated_ = false;
+    bool hasRotation_ = false;
+    bool hasTranslation_ = false;
+
+    StringMap<ProductNode*> occurrenceUids_; // the product whose view holds the occurrence
+    std::vector<AssignedDocument> assignedDocuments_;
+    StringMap<string_view> mapDV_DF_;       // document version to digital file
+    StringMap<string_view> mapDF_Filename_; // file to file name
+    std::unordered_map<ProductNode*, JoinedProduct> joined_;
+};
+
+bool DocumentReader::ScanAll() {
+    while (!done_) {
+        if (!document_.plainly && !TakeUsualTags()) { return false; }
+        const bool scanned =
+            state_ == State::kFindContainer ? ScanTagName(&scan_) : ScanTagWithAttributes(&scan_);
+        if (!scanned || !Step()) { return false; }
+    }
+    return true;
+}
+
+// The tags that a large document mostly consists of, the uses of parts and their placements, as far as they
+// are written as usual. They do what they do in Step.
+bool DocumentReader::TakeUsualTags() {
+    if (state_ != State::kInPartView && state_ != State::kInRelation && state_ != State::kInPlacement) {
+        return true;
+    }
+    UsualTags tags(&scan_);
+    string_view value;
+    string_view type;
+    for (;;) {
+        if (state_ == State::kInPartView) {
+            if (tags.Take("<Occurrence uid=\"", &value, " xsi:type=\"", &type, ">")) {
+                if (!AddUse(find::CutAtNul(value))) { return false; }
+                tags.Take("<Id id=\"", &value, "/>");
+                tags.Take("</Occurrence>");
+            }
+            if (!tags.Take("<ViewOccurrenceRelationship uid=\"", &value, " xsi:type=\"", &type, ">")) {
+                return true;
+            }
+            hasRelated_ = hasRotation_ = hasTranslation_ = false;
+            state_ = State::kInRelation;
+        }
+        if (state_ == State::kInRelation) {
+            if (tags.Take("<Related uidRef=\"", &value, "/>")) {
+                relatedUid_ = value;
+                hasRelated_ = true;
+            }
+            if (tags.Take("</ViewOccurrenceRelationship>")) {
+                state_ = State::kInPartView;
+                if (!AddOccurrence()) { return false; }
+                continue;
+            }
+            if (!tags.Take("<Placement>")) { return true; }
+            state_ = State::kInPlacement;
+        }
+        if (tags.TakeWithText("<RotationMatrix>", kTextRoom, &value)) {
+            ScanReals(value, rotationValues_, 9);
+            hasRotation_ = true;
+            tags.Take("</RotationMatrix>");
+        }
+        if (tags.TakeWithText("<TranslationVector>", kTextRoom, &value)) {
+            ScanReals(value, translationValues_, 3);
+            hasTranslation_ = true;
+            tags.Take("</TranslationVector>");
+        }
+        if (!tags.Take("</Placement>")) { return true; }
+        state_ = State::kInRelation;
+    }
+}
+
+// What the current tag does in the current state. A tag that isn't listed does nothing.
+bool DocumentReader::Step() {
+    switch (state_) {
+    case State::kFindContainer:
+        if (Tag() == "<DataContainer") { state_ = State::kContainer; }
+        return true;
+    case State::kContainer:
+        if (Tag() == "<Part") {
+            productIsNew_ = false;
+            state_ = State::kInPart;
+        } else if (Tag() == "<File") {
+            fileUid_ = Uid();
+            state_ = State::kInFile;
+        } else if (Tag() == "<Document") {
+            state_ = State::kInDocument;
+        } else if (Tag() == "</DataContainer") {
+            done_ = true;
+        }
+        return true;
+    case State::kInPart:
+        if (Tag() == "<Name") { return ReadPartName(); }
+        if (Tag() == "</Part") {
+            document_.products.push_back(currentProduct_);
+            state_ = State::kContainer;
+        } else if (Tag() == "<PartView") {
+            pointCount_ = 0;
+            viewOccurrences_ = 0;
+            state_ = State::kInPartView;
+        }
+        return true;
+    case State::kInPartView:
+        return StepPartView();
+    case State::kCentreProperty:
+        if (Tag() == "</ShapeDependentProperty") {
+            resumePosition_ = scan_.at;
+            state_ = propertyKind_ == PropertyKind::kCornerPoint && !pointRefA_.empty() ? State::kFindContext
+                                                                                        : State::kInPartView;
+        } else if (Tag() == "<Id") {
+            if (find::CutAtNul(scan_.id) == "bounding box corner point") {
+                propertyKind_ = PropertyKind::kCornerPoint;
+            }
+        } else if (Tag() == "<CentrePoint") {
+            pointRefA_ = Uid();
+        }
+        return true;
+    case State::kFindContext:
+        if (Tag() == "<RepresentationContext") {
+            state_ = State::kInContext;
+        } else if (Tag() == "</DataContainer") {
+            scan_.at = resumePosition_;
+            state_ = State::kInPartView;
+        }
+        return true;
+    case State::kInContext:
+        return StepContext();
+    case State::kBoxProperty:
+        if (Tag() == "</ShapeDependentProperty") {
+            const bool complete =
+                propertyKind_ == PropertyKind::kBoundingBox && !pointRefA_.empty() && !pointRefB_.empty();
+            resumePosition_ = scan_.at;
+            state_ = complete ? State::kFindContext : State::kInPartView;
+        } else if (Tag() == "<PointMin") {
+            pointRefA_ = Uid();
+        } else if (Tag() == "<PointMax") {
+            pointRefB_ = Uid();
+        }
+        return true;
+    case State::kSkipProperty:
+        if (Tag() == "</ShapeDependentProperty") { state_ = State::kInPartView; }
+        return true;
+    case State::kInRelation:
+        if (Tag() == "</ViewOccurrenceRelationship") {
+            state_ = State::kInPartView;
+            return AddOccurrence();
+        }
+        if (Tag() == "<Related") {
+            relatedUid_ = scan_.uid;
+            hasRelated_ = true;
+        } else if (Tag() == "<Placement") {
+            state_ = State::kInPlacement;
+        }
+        return true;
+    case State::kInPlacement:
+        if (Tag() == "</Placement") {
+            state_ = State::kInRelation;
+        } else if (Tag() == "<RotationMatrix") {
+            hasRotation_ = true;
+            return ReadNumbers(rotationValues_, 9);
+        } else if (Tag() == "<TranslationVector") {
+            hasTranslation_ = true;
+            return ReadNumbers(translationValues_, 3);
+        }
+        return true;
+    case State::kInAssignment:
+        if (Tag() == "</DocumentAssignment") {
+            state_ = State::kInPartView;
+        } else if (Tag() == "<AssignedDocument") {
+            assignedDocuments_.push_back({currentProduct_, Uid()});
+        }
+        return true;
+    case State::kInFile:
+        if (Tag() == "</File") {
+            state_ = State::kContainer;
+        } else if (Tag() == "<Id") {
+            state_ = State::kInFileId;
+        } else if (Tag() == "<Locations") {
+            state_ = State::kInLocations;
+        }
+        return true;
+    case State::kInFileId:
+        if (Tag() == "</Id") {
+            state_ = State::kInFile;
+        } else if (Tag() == "<Identifier") {
+            TakeIdentifier();
+        }
+        return true;
+    case State::kInLocations:
+        if (Tag() == "</Locations") { state_ = State::kInFile; }
+        return true;
+    case State::kInDocument:
+        if (Tag() == "</Document") {
+            state_ = State::kContainer;
+        } else if (Tag() == "<DocumentVersion") {
+            versionUid_ = Uid();
+            state_ = State::kInVersion;
+        }
+        return true;
+    case State::kInVersion:
+        if (Tag() == "</DocumentVersion") {
+            state_ = State::kInDocument;
+        } else if (Tag() == "<DocumentDefinition") {
+            state_ = State::kInDefinition;
+        }
+        return true;
+    case State::kInDefinition:
+        if (Tag() == "</DocumentDefinition") {
+            state_ = State::kInVersion;
+        } else if (Tag() == "<Files") {
+            state_ = State::kInFiles;
+        }
+        return true;
+    case State::kInFiles:
+        if (Tag() == "</Files") {
+            state_ = State::kInDefinition;
+        } else if (Tag() == "<DigitalFile") {
+            digitalFileSeen_ = true;
+            mapDV_DF_.Add(versionUid_, Uid());
+        }
+        return true;
+    }
+    return true;
+}
+
+bool DocumentReader::StepPartView() {
+    if (Tag() == "</PartView") {
+        state_ = State::kInPart;
+        return StoreBox();
+    }
+    if (Tag() == "<ShapeDependentProperty") {
+        propertyKind_ = PropertyKind::kNone;
+        pointRefA_ = pointRefB_ = {};
+        state_ = State::kSkipProperty;
+        const string_view type = find::CutAtNul(scan_.xsiType);
+        if (type == "n0:CentreOfMass" && boxMode_ != 0) {
+            state_ = State::kCentreProperty;
+        } else if (type == "n0:BoundingBox" && boxMode_ > 0) {
+            propertyKind_ = PropertyKind::kBoundingBox;
+            state_ = State::kBoxProperty;
+        }
+    } else if (Tag() == "<ViewOccurrenceRelationship") {
+        hasRelated_ = hasRotation_ = hasTranslation_ = false;
+        state_ = State::kInRelation;
+    } else if (Tag() == "<Occurrence") {
+        return AddUse(Uid());
+    } else if (Tag() == "<DocumentAssignment") {
+        state_ = State::kInAssignment;
+    }
+    return true;
+}
+
+// The search for the points of a property, in what stands behind it.
+bool DocumentReader::StepContext() {
+    if (Tag() == "</RepresentationContext") {
+        state_ = State::kFindContext;
+        return true;
+    }
+    if (Tag() != "<RepresentationItem") { return true; }
+    // An item without a uid is equal to an empty reference.
+    const bool isA = Uid() == pointRefA_;
+    if (!isA && Uid() != pointRefB_) { return true; }
+    if (!ReadPoint()) { return false; }
+    const bool found = propertyKind_ == PropertyKind::kCornerPoint
+                           ? isA
+                           : propertyKind_ == PropertyKind::kBoundingBox && pointCount_ == 2;
+    if (found) {
+        scan_.at = resumePosition_;
+        state_ = State::kInPartView;
+    }
+    return true;
+}
+
+// The name of a part, from the element that follows; none when that is another one. A part of a further
+// document is the product that asked for the document, found by its name.
+bool DocumentReader::ReadPartName() {
+    currentProduct_ = nullptr;
+    if (!ScanTagName(&scan_)) { return false; }
+    if (Tag() != "<CharacterString") { return true; }
+    ++scan_.at;
+    char buffer[kTagRoom];
+    string_view name;
+    if (!ReadElementText(&scan_, buffer, sizeof buffer, &name)) { return false; }
+    name = find::CutAtNul(name);
+    ProductNode* const known = assemblies_.FindByName(name);
+    if (known != nullptr) {
+        joined_.emplace(known, JoinedProduct{*known});
+        currentProduct_ = known;
+        return true;
+    }
+    ProductNode* const made = arena_.New<ProductNode>();
+    const char* const copy = arena_.Copy(name.data(), name.size());
+    if (made == nullptr || copy == nullptr) { return Fail(kNoMemory); }
+    made->isRoot = 1;
+    made->name = copy;
+    currentProduct_ = made;
+    productIsNew_ = true;
+    return true;
+}
+
+// The numbers in the text of the current element. Values that can't be read keep what they were.
+bool DocumentReader::ReadNumbers(double* values, int count) {
+    ++scan_.at;
+    string_view text;
+    if (!ReadElementText(&scan_, textBuffer_, kTextRoom, &text)) { return false; }
+    ScanReals(text, values, count);
+    return true;
+}
+
+// One point of a box, from the first child of the current item, whatever it is called. The points' order in
+// the text decides which limits they are.
+bool DocumentReader::ReadPoint() {
+    if (!ScanTagName(&scan_)) { return false; }
+    ++scan_.at;
+    string_view text;
+    if (!ReadElementText(&scan_, textBuffer_, kTextRoom, &text)) { return false; }
+    if (pointCount_ >= 2) { return Fail(kManyPoints); }
+    float point[3] = {box_[pointCount_], box_[pointCount_ + 2], box_[pointCount_ + 4]};
+    ScanReals(text, point, 3);
+    for (int axis = 0; axis < 3; ++axis) { box_[pointCount_ + 2 * axis] = point[axis]; }
+    ++pointCount_;
+    return true;
+}
+
+bool DocumentReader::AddUse(string_view uid) {
+    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
+    currentProduct_->isRoot = 0;
+    // A copy: those of all occurrences lie close together when they are looked up.
+    const char* const copy = scratch_.Copy(uid.data(), uid.size());
+    if (copy == nullptr) { return Fail(kNoMemory); }
+    occurrenceUids_.Add({copy, uid.size()}, currentProduct_);
+    ++viewOccurrences_;
+    return true;
+}
+
+bool DocumentReader::AddOccurrence() {
+    if (!hasRelated_ || !hasRotation_ || !hasTranslation_) { return true; }
+    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
+    const string_view related = find::CutAtNul(relatedUid_);
+    Occurrence* const occurrence = arena_.New<Occurrence>();
+    const char* const uid = arena_.Copy(related.data(), related.size());
+    if (occurrence == nullptr || uid == nullptr) { return Fail(kNoMemory); }
+    std::copy_n(rotationValues_, 9, occurrence->rotation);
+    std::copy_n(translationValues_, 3, occurrence->translation);
+    occurrence->relatedUid = uid;
+    ProductNode& parent = *currentProduct_;
+    if (!AppendPointer(arena_, &parent.occurrences, &parent.occurrenceCapacity, &parent.occurrenceCount,
+                       occurrence)) {
+        return Fail(kNoMemory);
+    }
+    return true;
+}
+
+// A view with two points has a box; but not that of an assembly which is itself a component.
+bool DocumentReader::StoreBox() {
+    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
+    if (pointCount_ == 2 && (currentProduct_->occurrenceCount == 0 || viewOccurrences_ == 0)) {
+        std::copy_n(box_, 6, currentProduct_->box);
+        currentProduct_->hasBox = 1;
+    }
+    return true;
+}
+
+// A file's name belongs to the part that was assigned the file last, or is kept for later.
+void DocumentReader::TakeIdentifier() {
+    const string_view fileName = find::CutAtNul(scan_.id);
+    ProductNode* const product = assignedDocuments_.empty() ? nullptr : assignedDocuments_.back().product;
+    if (product == nullptr || assignedDocuments_.back().uid != fileUid_) {
+        mapDF_Filename_.Add(fileUid_, fileName);
+        return;
+    }
+    if (IsXmlByLastLetters(fileName) == 0) {
+        AddPart(product, fileName);
+    } else if (productIsNew_) {
+        AddAssembly(product, fileName);
+    }
+    resolvedDirectly_ = 1;
+}
+
+void DocumentReader::AddPart(ProductNode* product, string_view fileName) {
+    product->fileName = arena_.Copy(fileName.data(), fileName.size());
+    parts_.Append(product);
+}
+
+void DocumentReader::AddAssembly(ProductNode* product, string_view fileName) {
+    product->fileName = arena_.Copy(fileName.data(), fileName.size());
+    assemblies_.Append(product);
+}
+
+// Finds the root and the child of every occurrence.
+bool DocumentReader::ResolveOccurrences() {
+    if (occurrenceUids_.Entries().empty()) {
+        document_.root = currentProduct_;
+        return true;
+    }
+    occurrenceUids_.Build();
+    const ProductNode* former = nullptr;
+    for (ProductNode* const product : document_.products) {
+        if (product == nullptr) { break; }
+        if (product->isRoot != 0) { document_.root = product; }
+        // Where a product is listed again, its occurrences are what they are already.
+        if (product == former) { continue; }
+        former = product;
+        const auto joined = joined_.empty() ? joined_.end() : joined_.find(product);
+        if (joined != joined_.end()) {
+            if (joined->second.resolved) { continue; }
+            joined->second.resolved = true;
+        }
+        Occurrence* const* const uses = product->occurrences;
+        occurrenceUids_.FindEach(
+            product->occurrenceCount, [uses](std::int32_t i) { return string_view(uses[i]->relatedUid); },
+            [uses](std::int32_t i, ProductNode* const* child) {
+                if (child != nullptr) { uses[i]->child = *child; }
+            });
+    }
+    return true;
+}
+
+// The route of file names through documents and files, for a text in which no file stood right behind its
+// part.
+void DocumentReader::ResolveFileNames() {
+    // The byte 0xE9 is the last letter of the second-last word in Latin-1, as it always was on this channel.
+    constexpr const char* kNotInFiles = "<E> Chaine %.*s non trouv\xE9"
+                                        "e dans mapDF_Filename\n";
+    constexpr const char* kNotInVersions = "<E> Chaine %.*s non trouv\xE9"
+                                           "e dans mapDV_DF\n";
+    mapDV_DF_.Build();
+    mapDF_Filename_.Build();
+    for (const AssignedDocument& assigned : assignedDocuments_) {
+        if (assigned.product == nullptr) { break; }
+        string_view file = assigned.uid;
+        if (digitalFileSeen_) {
+            const string_view* const found = mapDV_DF_.Find(assigned.uid);
+            if (found == nullptr) {
+                ConsolePrint(kNotInVersions, static_cast<int>(file.size()), file.data());
+                continue;
+            }
+            file = *found;
+        }
+        const string_view* const fileName = mapDF_Filename_.Find(file);
+        if (fileName == nullptr) {
+            ConsolePrint(kNotInFiles, static_cast<int>(file.size()), file.data());
+            continue;
+        }
+        if (IsXmlByLastLetters(*fileName) == 0) {
+            AddPart(assigned.product, *fileName);
+        } else if (assigned.product->fileName == nullptr) {
+            AddAssembly(assigned.product, *fileName);
+        }
+    }
+}
+
+void DocumentReader::Undo() {
+    for (const auto& [product, joined] : joined_) { *product = joined.former; }
+    assemblies_.Shrink(formerAssemblies_);
+    parts_.Shrink(formerParts_);
+    document_.products.clear();
+    document_.root = nullptr;
+}
+
+} // namespace
+
+int IsXmlByLastLetters(string_view name) {
+    const auto isOne = [&](std::size_t fromEnd, char lower, char upper) {
+        const char c = name[name.size() - fromEnd];
+        return c == lower || c == upper;
+    };
+    if (name.empty()) { return 0; }
+    if (isOne(1, 'x', 'X')) { return 1; }
+    return name.size() >= 2 && isOne(2, 'x', 'X') && isOne(1, 'z', 'Z') ? 1 : 0;
+}
+
+const char* ReadStpxDocument(StpxDocument& document, int boxMode, NamedProductTable& assemblies,
+                             ProductTable& parts, Arena& arena) {
+    return DocumentReader(document, boxMode, assemblies, parts, arena).Read();
+}
+
+} // namespace tarnwick

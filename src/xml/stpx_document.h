@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/arena.h"
+#include "product/scene_records.h"
+#include "xml/product_table.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace tarnwick {
+
+// One STEP XML text that is to be read.
+struct StpxDocument {
+    char* text = nullptr;               // TextBlock::kPadding bytes behind it are the reader's
+    std::size_t size = 0;               // its characters
+    const char* name = "";              // of its file, for messages
+    bool plainly = false;               // every tag by the one general scan; slower, and nothing else
+    std::vector<ProductNode*> products; // in document order; null where a part has no name
+    ProductNode* root = nullptr;        // null when every part is a component
+};
+
+// Reads the assembly structure out of a text that lies complete in memory: products and their occurrences,
+// and which files hold the rest. What it makes is in `arena`; nothing points into the text afterwards. Files
+// that are STEP XML documents go with their products into `assemblies`, all others into `parts`; both tables
+// carry over from document to document, and a part that has the name of a product in `assemblies` is that
+// product. With `boxMode` not 0 the boxes of views are read as well. Returns null, or the reason (a phrase in
+// static memory) for which the document is given up; it has then left nothing behind.
+const char* ReadStpxDocument(StpxDocument& document, int boxMode, NamedProductTable& assemblies,
+                             ProductTable& parts, Arena& arena);
+
+// 1 when a file name's last letters make it a STEP XML document: x, or x and z, in any case.
+int IsXmlByLastLetters(std::string_view name);
+
+} // namespace tarnwick

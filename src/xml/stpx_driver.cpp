@@ -1,0 +1,239 @@
+#include "xml/stpx_driver.h"
+
+#include "archive/stpa_archive.h"
+#include "platform/console.h"
+#include "platform/paths.h"
+#include "product/draw_list.h"
+#include "text/one_line.h"
+#include "xml/part_loop.h"
+#include "xml/stpx_boxes.h"
+#include "xml/stpx_document.h"
+#include "xml/stpx_file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace tarnwick {
+
+namespace {
+
+// One document, from the file system or from the archive, with what it leads to. Null for `product` stands
+// for the root document. False when it was given up; the reason is then on the console and in the list of
+// unread files.
+bool ReadDocument(StpxSession& session, DocumentMemory& memory, std::string path, std::int32_t place,
+                  const ProductNode* product, int boxMode, ProductNode** root) {
+    StpxFile file;
+    const char* problem = nullptr;
+    if (session.zip != nullptr) {
+        file.text = session.zip->ReadMember(path.c_str(), memory, &file.size, &problem);
+    } else {
+        file = OpenStpxFile(path);
+        if (ReadStpxFile(file, memory) != 0) { problem = "can't be opened"; }
+    }
+    if (file.text != nullptr) {
+        StpxDocument document;
+        document.text = file.text;
+        document.size = file.size;
+        document.name = path.c_str();
+        problem = ReadStpxDocument(document, boxMode, session.asmProdExt, session.geomProdExt,
+                                   session.scene->Main());
+        *root = document.root;
+        if (problem != nullptr) {
+            ConsolePrint("<E> %s: document given up, %s\n", OnOneLine(path).c_str(), problem);
+            problem = "isn't a complete STEP XML document";
+        }
+    } else {
+        ConsolePrint("<E> %s: it %s\n", OnOneLine(path).c_str(), problem);
+    }
+    if (problem == nullptr) { return true; }
+    session.unreadFiles.push_back({place, std::move(path), product != nullptr ? product->name : "", problem});
+    return false;
+}
+
+// Finds the documents that lead to themselves. Reading one again may add to the table again, and so for ever.
+class DocumentCycles {
+public:
+    // What stands in the table without a place yet was added by the document at `place`; -1 is the root
+    // document.
+    void NoteAdded(std::int32_t place, std::int32_t count) {
+        addedBy_.resize(static_cast<std::size_t>(count), place);
+    }
+
+    // Whether the document at `place` is to be left out: its own reading led to it, too often for an end to
+    // come.
+    bool IsEndless(StpxSession& session, std::int32_t place) {
+        const std::string_view name = session.asmProdExt[place]->fileName;
+        if (names_.insert(name).second) { return false; }
+        std::int32_t above = addedBy_[static_cast<std::size_t>(place)];
+        while (above >= 0 && name != session.asmProdExt[above]->fileName) {
+            above = addedBy_[static_cast<std::size_t>(above)];
+        }
+        return above >= 0 && ++repeats_ > kMostRepeats;
+    }
+
+private:
+    static constexpr std::int32_t kMostRepeats = 100; // those that come to an end do so within a few
+
+    std::vector<std::int32_t> addedBy_;
+    std::unordered_set<std::string_view> names_;
+    std::int32_t repeats_ = 0;
+};
+
+// The documents of the table of assemblies, breadth first: reading one may add to the table.
+void ReadExternalDocuments(StpxSession& session, DocumentMemory& memory) {
+    std::string formerPath; // stays empty in an archive, whose names are no paths
+    DocumentCycles cycles;
+    bool saidEndless = false;
+    cycles.NoteAdded(-1, session.asmProdExt.Count());
+    for (std::int32_t i = 0; i < session.asmProdExt.Count(); ++i) {
+        const ProductNode& product = *session.asmProdExt[i];
+        if (IsXmlFileName(product.fileName) == 0) {
+            ConsolePrint("<E> Error: non XML file in _asm_prod_ext: %s\n", formerPath.c_str());
+            session.unreadFiles.push_back(
+                {i + 1, product.fileName, product.name, "has neither the extension stpx nor stpxz"});
+            continue;
+        }
+        if (session.zip == nullptr) { formerPath = StpxPath(session, product); }
+        if (cycles.IsEndless(session, i)) {
+            if (saidEndless) { continue; }
+            saidEndless = true;
+            ConsolePrint("<E> %s: it leads to itself without end, it isn't read any more\n",
+                         OnOneLine(product.fileName).c_str());
+            session.unreadFiles.push_back(
+                {i + 1, product.fileName, product.name, "leads to itself without end"});
+            continue;
+        }
+        ProductNode* ignored = nullptr;
+        ReadDocument(session, memory, session.zip != nullptr ? product.fileName : formerPath, i + 1, &product,
+                     0, &ignored);
+        cycles.NoteAdded(i, session.asmProdExt.Count());
+    }
+}
+
+// 0 for a root that is a single part, by its file's ending.
+std::int32_t IsAssembly(const ProductNode& root) {
+    if (root.occurrenceCount > 0 || root.fileName == nullptr) { return 1; }
+    const std::string_view name = root.fileName;
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos) { return 1; }
+    std::string ending(name.substr(dot));
+    for (char& c : ending) {
+        if (c >= 'A' && c <= 'Z') { c = static_cast<char>(c - 'A' + 'a'); }
+    }
+    return ending == ".stp" || ending == ".stpx" ? 0 : 1;
+}
+
+// Says once which occurrences have no child, of those that will be placed: a product with meshes of its own
+// is not looked into.
+void SayUnmatched(const ProductNode& root, const char* fileName) {
+    std::unordered_set<const ProductNode*> seen{&root};
+    std::vector<const ProductNode*> open{&root};
+    std::int32_t count = 0;
+    const char* firstUid = nullptr;
+    const char* firstParent = nullptr;
+    while (!open.empty()) {
+        const ProductNode& product = *open.back();
+        open.pop_back();
+        for (std::int32_t i = 0; i < product.occurrenceCount; ++i) {
+            const Occurrence& occurrence = *product.occurrences[i];
+            if (occurrence.child == nullptr) {
+                if (count++ == 0) {
+                    firstUid = occurrence.relatedUid;
+                    firstParent = product.name;
+                }
+            } else if (occurrence.child->drawList == nullptr && seen.insert(occurrence.child).second) {
+                open.push_back(occurrence.child);
+            }
+        }
+    }
+    if (count > 0) {
+        ConsolePrint("<E> %s: uses without a product are left out: %d, among them '%s' in '%s'\n", fileName,
+                     count, OnOneLine(firstUid).c_str(), OnOneLine(firstParent).c_str());
+    }
+}
+
+void MergeBox(StpxSession& session, const float box[6]) {
+    if (session.boxSet == 0) {
+        std::copy_n(box, 6, session.box);
+        session.boxSet = 1;
+        return;
+    }
+    for (int axis = 0; axis < 3; ++axis) {
+        float& low = session.box[2 * axis];
+        float& high = session.box[2 * axis + 1];
+        low = std::min(low, box[2 * axis]);
+        high = std::max(high, box[2 * axis + 1]);
+    }
+}
+
+void PlaceParts(StpxSession& session, const char* path) {
+    if (session.root == nullptr) {
+        ConsolePrint("<E> Root not found\n");
+    } else {
+        SayUnmatched(*session.root, path);
+        BuildStpxDrawLists(session, session.root, path);
+        session.drawList = session.root->drawList;
+        MergeBox(session, session.root->box);
+        if (session.drawList != nullptr) { session.triangleCount += CountTriangles(*session.drawList); }
+    }
+    ConsolePrint("Number of external products : %d\n", session.asmProdExt.Count());
+    ConsolePrint("Number of parts (P21) : %d\n", session.partsRead.load());
+}
+
+} // namespace
+
+int TraiteSTEPXFileNewMT(StpxSession& session, const char* path, const char* rootName, int boxMode,
+                         int threads) {
+    ConsolePrint("Start TraiteSTEPXFileNewMT\n");
+    session.threads = threads;
+    if (session.zip == nullptr) { session.directory = FolderOf(path); }
+    session.asmProdExt.Allocate();
+    session.geomProdExt.Allocate();
+    {
+        DocumentMemory memory;
+        if (!ReadDocument(session, memory, path, 0, nullptr, boxMode, &session.root)) {
+            session.gaveUp = true;
+            return 0;
+        }
+        if (boxMode != 0) {
+            BuildBoxList(session, path);
+            return 0;
+        }
+        ReadExternalDocuments(session, memory);
+    }
+    if (rootName != nullptr && session.root != nullptr) {
+        ProductNode* const child = FindChildByName(*session.root, rootName);
+        if (child != nullptr) { session.root = child; }
+    }
+    if (session.root != nullptr) {
+        session.isAssembly = IsAssembly(*session.root);
+        if (session.root->occurrenceCount == 0 && session.root->fileName == nullptr) {
+            ConsolePrint("<E> %s: its root '%s' has neither components nor a file\n", path,
+                         OnOneLine(session.root->name).c_str());
+        }
+    }
+    ReadParts(session);
+    PlaceParts(session, path);
+    return 0;
+}
+
+int BuildStpxDrawLists(StpxSession& session, ProductNode* product, const char* fileName) {
+    return BuildDrawLists(session.scene->Main(), product, fileName, [](Occurrence* occurrence) {
+        occurrence->rotation[3] = -occurrence->rotation[3];
+        occurrence->rotation[5] = -occurrence->rotation[5];
+    });
+}
+
+ProductNode* FindChildByName(const ProductNode& product, const char* name) {
+    for (std::int32_t i = 0; i < product.occurrenceCount; ++i) {
+        ProductNode* const child = product.occurrences[i]->child;
+        if (child != nullptr && std::strcmp(child->name, name) == 0) { return child; }
+    }
+    return nullptr;
+}
+
+} // namespace tarnwick

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "text/text_find.h"
+#include "xml/stpx_scan.h"
+
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+namespace tarnwick {
+
+// Tags that are written as writers mostly write them, taken by one comparison each and without a wait for
+// where their names and values end. Each move leaves the scan as ScanTagWithAttributes would leave it behind
+// the same tag, or does nothing and returns false; that function is then the way on.
+class UsualTags {
+public:
+    explicit UsualTags(StpxScan* scan) : scan_(scan), tag_(find::First<'<'>(scan->at)) {}
+
+    // The next tag, without attributes, from its "<" to its ">".
+    template <std::size_t Size>
+    bool Take(const char (&literal)[Size]) {
+        if (!Stands(tag_, literal)) { return false; }
+        Leave(tag_ + Size - 2);
+        return true;
+    }
+
+    // The next tag, from its "<" to the quote in front of a value, the value, and what follows behind its
+    // quote.
+    template <std::size_t Size, std::size_t RestSize>
+    bool Take(const char (&start)[Size], std::string_view* value, const char (&rest)[RestSize]) {
+        if (!Stands(tag_, start)) { return false; }
+        const char* const behind = TakeValue(tag_ + Size - 1, value);
+        if (behind == nullptr || !Stands(behind, rest)) { return false; }
+        Leave(behind);
+        return true;
+    }
+
+    // The same with two values and `between` from quote to quote.
+    template <std::size_t Size, std::size_t BetweenSize, std::size_t RestSize>
+    bool Take(const char (&start)[Size], std::string_view* first, const char (&between)[BetweenSize],
+              std::string_view* second, const char (&rest)[RestSize]) {
+        if (!Stands(tag_, start)) { return false; }
+        const char* const behind = TakeValue(tag_ + Size - 1, first);
+        if (behind == nullptr || !Stands(behind, between)) { return false; }
+        const char* const last = TakeValue(behind + BetweenSize - 1, second);
+        if (last == nullptr || !Stands(last, rest)) { return false; }
+        Leave(last);
+        return true;
+    }
+
+    // The next tag, without attributes, and the text behind it, for which an element has `room` characters.
+    template <std::size_t Size>
+    bool TakeWithText(const char (&literal)[Size], std::size_t room, std::string_view* text) {
+        if (!Stands(tag_, literal)) { return false; }
+        const char* const start = tag_ + Size - 1;
+        const char* const stop = find::First<'<', '&'>(start);
+        const std::size_t length = static_cast<std::size_t>(stop - start);
+        if (*stop != '<' || stop >= scan_->end || length >= room) { return false; }
+        *text = {start, length};
+        scan_->at = stop;
+        tag_ = stop;
+        return true;
+    }
+
+private:
+    // Whether the literal stands at `p`, all of it in front of the sentinel.
+    template <std::size_t Size>
+    bool Stands(const char* p, const char (&literal)[Size]) const {
+        return std::memcmp(p, literal, Size - 1) == 0 &&
+               scan_->end - p >= static_cast<std::ptrdiff_t>(Size - 1);
+    }
+
+    // The value at `p`; returns the place behind its quote, or null when it doesn't fit.
+    const char* TakeValue(const char* p, std::string_view* value) const {
+        const char* const quote = find::First<'"'>(p);
+        const std::size_t length = static_cast<std::size_t>(quote - p);
+        if (quote >= scan_->end || length >= kTagRoom) { return nullptr; }
+        *value = {p, length};
+        return quote + 1;
+    }
+
+    // Leaves the scan on the tag's ">" or "/".
+    void Leave(const char* at) {
+        scan_->at = at;
+        tag_ = find::First<'<'>(at);
+    }
+
+    StpxScan* scan_;
+    const char* tag_; // the "<" of the next tag, or a place at or behind the end
+};
+
+} // namespace tarnwick

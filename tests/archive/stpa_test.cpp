@@ -1,0 +1,414 @@
+#include "archive/stpa_archive.h"
+
+#include "archive/stpa_driver.h"
+#include "formats/format_commands.h"
+#include "support/formats.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace tarnwick {
+namespace {
+
+using namespace test;
+using nlohmann::json;
+
+std::string RootText(const std::string& partName = "parts/w.stp") {
+    return Document(Part("w", UsedAs("o") + Assigned("f")) + File("f", partName) +
+                    Part("top", Use("o", "1 0 0")));
+}
+
+const Member kIni{"stpa.ini", "root=\"main.stpx\"\n"};
+
+std::vector<Member> Machine() {
+    return {{"parts/w.stp", PartFile("w")}, kIni, {"main.stpx", RootText()}};
+}
+
+struct Loaded {
+    Loaded(const TestFolder& folder, const std::vector<Member>& members, int threads = 1) {
+        path = folder.Path("a.stpa");
+        WriteArchive(path, members);
+        Load(threads);
+    }
+    void Load(int threads) {
+        ConsoleText text;
+        testing::internal::CaptureStdout();
+        LoadZIPFile(view, path.c_str(), nullptr, threads);
+        output = testing::internal::GetCapturedStdout();
+        console = text.Text();
+    }
+    bool Says(std::string_view part) const { return console.find(part) != std::string::npos; }
+    std::string path;
+    SceneView view;
+    std::string console;
+    std::string output;
+};
+
+TEST(Stpa, LoadsAnArchiveOfADocumentAndAPart) {
+    const TestFolder folder;
+    const Loaded loaded(folder, Machine());
+    const json report = Report(loaded.view);
+    EXPECT_EQ(report["triangles"], 2);
+    EXPECT_EQ(report["pickMode"], 2);
+    EXPECT_EQ(report["products"][1]["fileName"], "parts/w.stp");
+    EXPECT_TRUE(loaded.console.starts_with("LoadZIPFile : ZIPReader::TraiteZIPFile " + loaded.path +
+                                           "\nStart TraiteSTPA\n" + loaded.path +
+                                           " opened\nStart TraiteSTEPXFileNewMT\n"));
+    EXPECT_TRUE(loaded.view.unreadFiles.empty());
+    const std::string size = std::to_string(RootText().size());
+    EXPECT_NE(loaded.output.find("total uncompress size = " + size + ", in "), std::string::npos);
+}
+
+TEST(Stpa, TakesDocumentsThatAreStored) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    members[1].method = members[2].method = 0;
+    EXPECT_EQ(Loaded(folder, members).view.drawnTriangles, 2);
+}
+
+TEST(Stpa, CannotTakeAPartThatIsStored) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    members[0].method = 0;
+    const Loaded loaded(folder, members);
+    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    EXPECT_TRUE(loaded.Says("<E> Invalid P21 file\n"));
+    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
+    EXPECT_EQ(loaded.view.unreadFiles[0].path, "parts/w.stp");
+    EXPECT_TRUE(std::strstr(loaded.view.unreadFiles[0].reason, "stored") != nullptr);
+}
+
+TEST(Stpa, NamesTheMemberThatItGivesUp) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    const std::size_t schema = members[0].content.find("FILE_SCHEMA");
+    ASSERT_NE(schema, std::string::npos);
+    members[0].content.replace(schema, 11, "FILE_SCHEMX");
+    const Loaded loaded(folder, members);
+    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    EXPECT_TRUE(loaded.Says("<E> parts/w.stp: no schema name in its header\n"));
+}
+
+TEST(Stpa, NotesAPartThatIsGivenUpAmongTheUnreadFiles) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    std::string& part = members[0].content;
+    const std::size_t points = part.find('#', part.find("TRIANGULATED_FACE("));
+    ASSERT_NE(points, std::string::npos);
+    part.insert(part.find(',', part.find(',', points) + 1) + 1, "\n"); // its face ends behind pnmax
+    const Loaded loaded(folder, members);
+    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
+    EXPECT_EQ(loaded.view.unreadFiles[0].path, "parts/w.stp");
+    EXPECT_STREQ(loaded.view.unreadFiles[0].reason, kGivenUpReason);
+}
+
+TEST(Stpa, CannotTakeEncryptedMembers) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    members[0].password = "secret";
+    const Loaded part(folder, members);
+    EXPECT_EQ(part.view.drawnTriangles, 0);
+    EXPECT_TRUE(part.Says("<E> Invalid P21 file\n"));
+    ASSERT_EQ(part.view.unreadFiles.size(), 1u);
+    EXPECT_STREQ(part.view.unreadFiles[0].reason, "is encrypted");
+    members = Machine();
+    members[2].password = "secret";
+    const Loaded root(folder, members);
+    EXPECT_EQ(root.view.drawnTriangles, 0);
+    ASSERT_EQ(root.view.unreadFiles.size(), 1u);
+    EXPECT_EQ(root.view.unreadFiles[0].path, "main.stpx");
+}
+
+// Writes another compression method over that of a member, in its local header and in the directory.
+void SetMethod(const std::string& path, const std::string& name, char method) {
+    std::ifstream in(path, std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    for (std::size_t at = bytes.find(name); at != std::string::npos; at = bytes.find(name, at + 1)) {
+        if (at >= 30 && bytes.compare(at - 30, 4, "PK\3\4") == 0) { bytes[at - 22] = method; }
+        if (at >= 46 && bytes.compare(at - 46, 4, "PK\1\2") == 0) { bytes[at - 36] = method; }
+    }
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+TEST(Stpa, CannotTakeMembersOfForeignMethods) {
+    for (const char method : {static_cast<char>(12), static_cast<char>(14), static_cast<char>(99)}) {
+        const TestFolder folder;
+        std::vector<Member> members = Machine();
+        members[0].method = 0; // bytes that are no deflate stream
+        Loaded part(folder, members);
+        SetMethod(part.path, "parts/w.stp", method);
+        part.Load(1);
+        EXPECT_EQ(part.view.drawnTriangles, 0);
+        EXPECT_TRUE(part.Says("<E> Invalid P21 file\n"));
+        ASSERT_EQ(part.view.unreadFiles.size(), 1u);
+        Loaded root(folder, Machine());
+        SetMethod(root.path, "main.stpx", method);
+        root.Load(1);
+        EXPECT_EQ(root.view.drawList, nullptr);
+        ASSERT_EQ(root.view.unreadFiles.size(), 1u);
+        EXPECT_EQ(root.view.unreadFiles[0].path, "main.stpx");
+        Loaded ini(folder, Machine());
+        SetMethod(ini.path, "stpa.ini", method);
+        ini.Load(1);
+        EXPECT_FALSE(ini.Says("<E>")) << "without its ini an archive is left in silence";
+        EXPECT_EQ(ini.view.unreadFiles.size(), 1u);
+    }
+}
+
+TEST(Stpa, SaysOnStandardOutputThatAMemberHasNoBytes) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    Loaded loaded(folder, members);
+    SetMethod(loaded.path, "parts/w.stp", 14);
+    loaded.Load(1);
+    EXPECT_NE(loaded.output.find("error -103 with zipfile in unzGetBufferCurrentFile\n"), std::string::npos);
+}
+
+TEST(Stpa, NeedsAPartUnderExactlyItsName) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    members[0].name = "Parts/w.stp";
+    const Loaded loaded(folder, members);
+    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
+    EXPECT_STREQ(loaded.view.unreadFiles[0].reason, "isn't a member of the archive");
+}
+
+TEST(Stpa, ReadsNoPartFromTheFileSystem) {
+    const TestFolder folder;
+    const std::string outside = folder.WriteGzip("w.stpz", PartFile("w"));
+    const Loaded loaded(folder, {kIni, {"main.stpx", RootText(outside)}});
+    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
+    EXPECT_STREQ(loaded.view.unreadFiles[0].reason, "isn't a member of the archive");
+}
+
+TEST(Stpa, TakesTheFirstOfTwoMembersWithTheSameName) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    members.push_back({"parts/w.stp", PartFile("w", 9)});
+    EXPECT_EQ(Report(Loaded(folder, members).view)["meshes"][0]["box"][1], 1);
+}
+
+TEST(Stpa, OpensAnArchiveUnderItsNameWithZipBehindIt) {
+    const TestFolder folder;
+    WriteArchive(folder.Path("b.stpa.zip"), Machine());
+    SceneView view;
+    const ConsoleText console;
+    LoadZIPFile(view, folder.Path("b.stpa").c_str(), nullptr, 1);
+    EXPECT_TRUE(console.Has(folder.Path("b.stpa.zip") + " opened\n"));
+    EXPECT_EQ(view.drawnTriangles, 2);
+}
+
+TEST(Stpa, GivesUpWhatIsNoArchive) {
+    const TestFolder folder;
+    folder.Write("text.stpa", "no archive at all");
+    folder.Write("empty.stpa", std::string("PK\5\6") + std::string(18, '\0'));
+    for (const std::string& path :
+         {folder.Path("none.stpa"), folder.Path("text.stpa"), folder.Path("empty.stpa"), folder.Path("")}) {
+        ZIPReader reader;
+        const ConsoleText console;
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(TraiteSTPA(reader, path.c_str(), nullptr, 1), 1);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "Cannot open " + path + " or " + path + ".zip\n");
+        EXPECT_EQ(console.Count("<E>"), 1);
+        EXPECT_EQ(reader.unreadFiles.size(), 1u);
+    }
+}
+
+int ResultOf(const TestFolder& folder, const std::vector<Member>& members, std::string* said) {
+    WriteArchive(folder.Path("r.stpa"), members);
+    ZIPReader reader;
+    const ConsoleText console;
+    const int result = TraiteSTPA(reader, folder.Path("r.stpa").c_str(), nullptr, 1);
+    *said = console.Text();
+    return result;
+}
+
+TEST(Stpa, NeedsAnIniThatNamesAStpxRoot) {
+    const TestFolder folder;
+    std::string said;
+    EXPECT_EQ(ResultOf(folder, {{"main.stpx", RootText()}}, &said), 1);
+    EXPECT_EQ(said.find("<E>"), std::string::npos);
+    EXPECT_EQ(ResultOf(folder, {{"stpa.ini", "root=main.stpx"}}, &said), 1);
+    EXPECT_EQ(said.find("<E>"), std::string::npos);
+    for (const char* const ini : {"\"main.stpx", "\"main.STPX\"", "\"main.stpxz\"", "\"\"", "\"x\"",
+                                  "\"noextension\"", "\"a.stp\" \"main.stpx\""}) {
+        EXPECT_EQ(ResultOf(folder, {{"stpa.ini", ini}, {"main.stpx", RootText()}}, &said), 100) << ini;
+        EXPECT_NE(said.find("<E> Only stpx root files are supported in sptA archives.\n"), std::string::npos);
+    }
+    EXPECT_EQ(ResultOf(folder, {{"stpa.ini", "\"none.stpx\""}}, &said), ZIPReader::kRootUnread);
+    EXPECT_NE(said.find("<E> none.stpx"), std::string::npos);
+}
+
+TEST(Stpa, ParsesTheFirstQuotedStringOfTheIni) {
+    const auto parse = [](std::string_view text, std::string* name) {
+        int isStpx = -1;
+        const int result = ParseStpaIni(text, name, &isStpx);
+        return result * 10 + isStpx;
+    };
+    std::string name;
+    EXPECT_EQ(parse("x\n\"dir/a.b.stpx\"\"y\"", &name), 1);
+    EXPECT_EQ(name, "dir/a.b.stpx");
+    EXPECT_EQ(parse("\".stpx\"", &name), 1);
+    EXPECT_EQ(parse("\"a.stpx.x\"", &name), 0);
+    EXPECT_EQ(parse("\"open", &name), 0);
+    EXPECT_EQ(parse("", &name), 10);
+}
+
+TEST(Stpa, ReadsNothingWithoutThreads) {
+    const TestFolder folder;
+    const Loaded loaded(folder, Machine(), 0);
+    EXPECT_FALSE(loaded.Says("TraiteSTEPXFileNewMT"));
+    EXPECT_EQ(loaded.view.drawList, nullptr);
+    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    EXPECT_EQ(loaded.view.pickMode, 2);
+    EXPECT_EQ(loaded.view.modelSize, 10);
+    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
+    EXPECT_EQ(loaded.view.unreadFiles[0].path, loaded.path);
+    EXPECT_EQ(loaded.view.unreadFiles[0].productName, "") << "so that the title says it";
+}
+
+TEST(Stpa, KeepsWhatTheViewHadWhenItFails) {
+    const TestFolder folder;
+    SceneView view;
+    view.pickMode = 2;
+    view.drawnTriangles = 5;
+    LoadZIPFile(view, folder.Path("none.stpa").c_str(), nullptr, 1);
+    EXPECT_EQ(view.pickMode, 0);
+    EXPECT_EQ(view.drawnTriangles, 5);
+    EXPECT_EQ(view.drawList, nullptr);
+}
+
+TEST(Stpa, LeavesOutMembersWithNamesOf256Characters) {
+    const TestFolder folder;
+    std::vector<Member> members = Machine();
+    members.push_back({std::string(255, 'n'), "x"});
+    WriteArchive(folder.Path("fits.stpa"), members);
+    const ZipArchive fits(folder.Path("fits.stpa").c_str());
+    EXPECT_EQ(fits.index.count, 4);
+    members.push_back({std::string(256, 'n'), "x"});
+    WriteArchive(folder.Path("long.stpa"), members);
+    const ConsoleText console;
+    const ZipArchive tooLong(folder.Path("long.stpa").c_str());
+    EXPECT_EQ(tooLong.index.count, 4);
+    EXPECT_EQ(console.Count("<E>"), 1);
+}
+
+TEST(ZipHash, FoldsTheWeightedSumOfTheName) {
+    ZipIndex index;
+    ZipIndexInit(index, 4);
+    EXPECT_EQ(index.size, 16);
+    EXPECT_EQ(index.mask, 15);
+    const auto plain = [&](const std::string& name) {
+        std::int32_t sum = 0;
+        for (std::size_t i = 0; i < name.size(); ++i) {
+            sum += static_cast<signed char>(name[i]) * (1 + 7 * static_cast<std::int32_t>(i));
+        }
+        std::int32_t total = 0;
+        for (; sum > 0; sum >>= 4) { total += sum & 15; }
+        return total & 15;
+    };
+    EXPECT_EQ(ZipHash(index, ""), 0);
+    EXPECT_EQ(ZipHash(index, "a"), (6 + 1) & 15);
+    for (const char* const name : {"parts/w.stp", "main.stpx", "\xFF\xFE", "a\x80", "stpa.ini"}) {
+        EXPECT_EQ(ZipHash(index, name), plain(name)) << name;
+    }
+}
+
+TEST(ZipIndex, HasABucketForEachMemberOrSo) {
+    const TestFolder folder;
+    for (const auto& [count, size] : std::vector<std::pair<int, int>>{{5, 4}, {6, 8}, {11, 8}, {12, 16}}) {
+        std::vector<Member> members;
+        for (int i = 0; i < count; ++i) { members.push_back({"m" + std::to_string(i), "x"}); }
+        WriteArchive(folder.Path("n.stpa"), members);
+        ZipArchive archive(folder.Path("n.stpa").c_str());
+        EXPECT_EQ(archive.index.size, size);
+        EXPECT_EQ(archive.index.count, count);
+        EXPECT_NE(ZipLookup(archive.index, "m4"), nullptr);
+        EXPECT_EQ(ZipLookup(archive.index, "m99"), nullptr);
+        EXPECT_GE(archive.index.lookupSeconds, 0);
+    }
+}
+
+TEST(ZipArchive, PutsTheHeadOfAGzipFileInFrontOfAMembersBytes) {
+    const TestFolder folder;
+    WriteArchive(folder.Path("p.stpa"), {{"m", "some text, some text, some text", 0}});
+    ZipArchive archive(folder.Path("p.stpa").c_str());
+    const ZipArchive::Packed packed = archive.ReadPacked("m");
+    ASSERT_EQ(packed.size, 41u);
+    const unsigned char head[10] = {0x1F, 0x8B, 8, 0, 0, 0, 0, 0, 0, 0x0D};
+    EXPECT_EQ(std::memcmp(packed.data.get(), head, 10), 0);
+    EXPECT_EQ(std::memcmp(packed.data.get() + 10, "some text", 9), 0);
+    EXPECT_EQ(archive.ReadPacked("none").data, nullptr);
+}
+
+TEST(Stpa, StandsDamageAnywhere) {
+    const TestFolder folder;
+    const std::string path = folder.Path("d.stpa");
+    WriteArchive(path, Machine());
+    std::ifstream in(path, std::ios::binary);
+    const std::string good((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const auto load = [&](const std::string& bytes) {
+        SceneView view;
+        folder.Write("d.stpa", bytes);
+        LoadZIPFile(view, path.c_str(), nullptr, 1);
+    };
+    for (std::size_t i = 0; i < good.size(); ++i) {
+        std::string damaged = good;
+        damaged[i] = static_cast<char>(damaged[i] ^ (1 << (i % 8)));
+        load(damaged);
+        damaged[i] = static_cast<char>(0xFF);
+        load(damaged);
+    }
+    for (std::size_t cut = 0; cut < good.size(); cut += 3) { load(good.substr(0, cut)); }
+    testing::internal::GetCapturedStderr();
+    testing::internal::GetCapturedStdout();
+}
+
+TEST(Stpa, ReadsHundredsOfPartsOnSixThreads) {
+    const TestFolder folder;
+    std::string uses;
+    std::string parts;
+    std::vector<Member> members{kIni};
+    for (int i = 0; i < 300; ++i) {
+        const std::string n = std::to_string(i);
+        uses += Use("o" + n, n + " 0 0");
+        parts += Part("p" + n, UsedAs("o" + n) + Assigned("f" + n)) + File("f" + n, "p" + n + ".stp");
+        members.push_back({"p" + n + ".stp", PartFile("p" + n, i + 1)});
+    }
+    const std::string root = Document(parts + Part("top", uses));
+    members.push_back({"main.stpx", root});
+    const Loaded loaded(folder, members);
+    json archive = Report(loaded.view);
+    EXPECT_EQ(archive["triangles"], 600);
+    for (std::size_t i = 1; i + 1 < members.size(); ++i) {
+        folder.Write(members[i].name, members[i].content);
+    }
+    EXPECT_EQ(archive, LoadReport(folder.Write("main.stpx", root), nullptr, 0));
+}
+
+TEST(ZipIndex, FindsTheFirstOfTheMembersThatMeetInOneBucket) {
+    ZipIndex index;
+    ZipIndexInit(index, 2);
+    const auto add = [&index](const std::string& name, std::uint64_t number) {
+        index.buckets[static_cast<std::size_t>(ZipHash(index, name))].push_back({number, number, name});
+    };
+    for (std::uint64_t i = 0; i < 3000; ++i) { add("part" + std::to_string(i % 1000), i); }
+    for (std::uint64_t i = 0; i < 1000; ++i) {
+        const ZipEntry* const entry = ZipLookup(index, "part" + std::to_string(i));
+        ASSERT_NE(entry, nullptr);
+        ASSERT_EQ(entry->memberIndex, i);
+    }
+    EXPECT_EQ(ZipLookup(index, "part1000"), nullptr);
+}
+
+} // namespace
+} // namespace tarnwick
