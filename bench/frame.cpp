@@ -157,10 +157,10 @@ void Show(const Scene& scene) {
     OpenGLControl& view = View();
     static DrawList shown;
     shown = scene.list;
-    view.drawList = &shown;
-    view.drawnTriangles = 1;
+    view.loaded.drawList = &shown;
+    view.loaded.drawnTriangles = 1;
     const float box[6] = {0, 10, 0, 10, 0, 0};
-    std::copy(std::begin(box), std::end(box), view.box);
+    std::copy(std::begin(box), std::end(box), view.loaded.box);
     view.centre[0] = view.centre[1] = 5;
     view.modelSize = 20;
     ++view.sceneNumber;

@@ -1,6 +1,6 @@
 // An assembly over several files.
 #include "harness.h"
-#include "load/load_commands.h"
+#include "load/view_setup.h"
 
 using namespace tarnwick;
 

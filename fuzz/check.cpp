@@ -1,6 +1,6 @@
 // Why a file shows less than it should: the check of the files of an assembly, and its two reports.
 #include "check/check_path.h"
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "harness.h"
 #include "load/no_controls.h"
 

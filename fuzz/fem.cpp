@@ -11,12 +11,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         StepModel model(workspace, fuzz::Folder::Own().Write("x.stp", fuzz::Text(data, size)));
         if (model.Read() != StepModel::kRead) { return; }
         SceneView view;
-        view.scene = std::make_unique<SceneMemory>();
+        view.loaded.scene = std::make_unique<SceneMemory>();
         PartScratch scratch;
-        FiniteElementReader reader(model, view.scene->Main(), scratch);
+        FiniteElementReader reader(model, view.loaded.scene->Main(), scratch);
         ReadFiniteElements(reader);
-        view.root = reader.part.product;
-        view.resultMesh = reader.resultMesh;
+        view.loaded.root = reader.part.product;
+        view.loaded.resultMesh = reader.resultMesh;
         fuzz::Touch(view);
         if (size < 8192) { fuzz::Report(view); }
     });

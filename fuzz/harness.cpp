@@ -107,23 +107,23 @@ void TouchMesh(const StepFaceB& mesh) {
 } // namespace
 
 void Touch(const SceneView& view) {
-    for (std::int32_t i = 0; view.drawList != nullptr && i < view.drawList->count; ++i) {
-        const DrawItem& item = *view.drawList->items[i];
+    for (std::int32_t i = 0; view.loaded.drawList != nullptr && i < view.loaded.drawList->count; ++i) {
+        const DrawItem& item = *view.loaded.drawList->items[i];
         if (item.matrix != nullptr) { Read(item.matrix, 16); }
         for (std::int32_t m = 0; m < item.meshCount; ++m) { TouchMesh(*item.meshes[m]); }
     }
-    for (std::int32_t i = 0; view.boxList != nullptr && i < view.boxList->count; ++i) {
-        const BoxItem& box = *view.boxList->boxes[i];
+    for (std::int32_t i = 0; view.loaded.boxList != nullptr && i < view.loaded.boxList->count; ++i) {
+        const BoxItem& box = *view.loaded.boxList->boxes[i];
         Read(box.vertices, std::int64_t{3} * box.vertexCount);
         if (box.matrix != nullptr) { Read(box.matrix, 16); }
     }
-    if (const ResultMesh* const mesh = view.resultMesh) {
+    if (const ResultMesh* const mesh = view.loaded.resultMesh) {
         Read(mesh->vertices, std::int64_t{3} * mesh->nodeCount);
         Read(mesh->colours, std::int64_t{4} * mesh->nodeCount);
         Read(mesh->quadIndices, std::int64_t{4} * mesh->quadCount);
     }
     SafeIndices safe;
-    safe.Check(view.drawList, view.resultMesh);
+    safe.Check(view.loaded.drawList, view.loaded.resultMesh);
 }
 
 void Report(const SceneView& view) {

@@ -2,8 +2,7 @@
 #include "harness.h"
 #include "link/selection.h"
 #include "link/server_messages.h"
-#include "load/load_file.h"
-#include "text/wide_text.h"
+#include "load/arguments.h"
 
 using namespace tarnwick;
 
@@ -15,7 +14,7 @@ public:
     bool CopyToClipboard(const std::string&) override { return true; }
     bool ShowMessage(const std::string&, const std::string&) override { return true; }
     bool Load(const std::string& arguments) override {
-        SplitArguments(WideFromNarrow(arguments));
+        SplitArguments(arguments);
         return true;
     }
     bool Invalidate() override { return true; }

@@ -14,23 +14,21 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         const std::string_view bytes = fuzz::Text(data, size);
         const std::string path = folder.Write("x.stpa", bytes);
         if (bytes.starts_with("@@")) { fuzz::WriteZip(path, bytes); }
-        ZIPReader reader;
-        if (TraiteSTPA(reader, path.c_str(), nullptr, 0) != ZIPReader::kSuccess) { return; }
+        SceneView view;
+        view.loaded.scene = std::make_unique<SceneMemory>();
+        ZIPReader reader(view.loaded);
+        if (TraiteSTPA(reader, path.c_str(), nullptr, false) != ZIPReader::kSuccess) { return; }
         // Without threads nothing was read, and with them an ending on another thread would be the process's.
         ZipArchive archive(path.c_str());
-        DocumentMemory memory;
+        TextMemory memory;
         std::size_t length = 0;
         const char* problem = nullptr;
         std::string root;
         int isStpx = 0;
         ParseStpaIni(archive.ReadMember("stpa.ini", memory, &length, &problem), &root, &isStpx);
-        StpxSession session;
+        StpxSession session(view.loaded);
         session.zip = &archive;
-        TraiteSTEPXFileNewMT(session, root.c_str(), nullptr, 0, 0);
-        SceneView view;
-        view.drawList = session.drawList;
-        view.root = session.root;
-        view.scene = std::move(session.scene);
+        TraiteSTEPXFileNewMT(session, root.c_str(), nullptr, 0, false);
         fuzz::Touch(view);
         if (size < 4096) { fuzz::Report(view); }
     });

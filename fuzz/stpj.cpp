@@ -1,5 +1,5 @@
 // A summary file at several depths.
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "harness.h"
 
 using namespace tarnwick;
@@ -11,7 +11,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         LoadStpjFile(view, fuzz::Folder::Own().Write("x.stpj", fuzz::Text(data, size)).c_str());
         fuzz::Touch(view);
         if (size < 4096) { fuzz::Report(view); }
-        for (const std::int32_t depth : {0, 1, 2, view.maxDepth}) {
+        for (const std::int32_t depth : {0, 1, 2, view.loaded.maxDepth}) {
             SelectShownDepth(view, depth);
             fuzz::Touch(view);
         }

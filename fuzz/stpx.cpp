@@ -1,5 +1,5 @@
 // STEP XML: its documents and the parts that they lead to, and the boxes of the first document.
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "harness.h"
 #include "xml/stpx_driver.h"
 

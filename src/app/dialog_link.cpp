@@ -1,7 +1,6 @@
 #include "app/dialog_link.h"
 #include "app/eye_text.h"
 #include "app/step_viewer_dlg.h"
-#include "text/wide_text.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -58,7 +57,7 @@ Selection DialogLink::Selected() const {
     const OpenGLControl& view = dialog_.View();
     const std::string& path = dialog_.CurrentPath();
     return {.path = path.empty() ? nullptr : path.c_str(),
-            .rootName = view.hasRootName ? view.rootName.c_str() : nullptr,
+            .rootName = view.loaded.hasRootName ? view.loaded.rootName.c_str() : nullptr,
             .selectedText = view.selectedText,
             .selectedExactContainerId = view.selectedExactContainerId,
             .selectedContainerType = view.selectedContainerType};
@@ -114,7 +113,7 @@ bool DialogLink::ShowMessage(const std::string& caption, const std::string& text
 }
 
 bool DialogLink::Load(const std::string& arguments) {
-    return OnDialogThread([this, arguments] { dialog_.Load(WideFromNarrow(arguments), 1); });
+    return OnDialogThread([this, arguments] { dialog_.Load(arguments, true); });
 }
 
 bool DialogLink::Invalidate() {

@@ -4,9 +4,9 @@
 #include "app/server_port.h"
 #include "app/snapshot_folder.h"
 #include "app/title_text.h"
+#include "load/arguments.h"
 #include "platform/clock.h"
 #include "render/snapshot.h"
-#include "text/wide_text.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -37,8 +37,8 @@ Control* Place(Control* control, const char* number, const QRect& place) {
     return control;
 }
 
-std::wstring ArgumentsText(const QString& path) {
-    return WideFromNarrow(QFile::encodeName(path).toStdString());
+std::string Bytes(const QString& path) {
+    return QFile::encodeName(path).toStdString();
 }
 
 } // namespace
@@ -112,21 +112,21 @@ void STEPViewerDlg::OnInitDialog() {
     SetDepthRange(0, 10);
     SetDepthPosition(0);
     qApp->installEventFilter(this);
-    if (!commandLine.empty()) { Load(commandLine, 1); }
+    if (!commandLine.empty()) { Load(commandLine, true); }
     // Where the screen can't hold the dialog, the rules of a changed size make it fit.
     const QSize room = screen()->availableSize() - QSize(0, 32); // and its title bar
     resize(kDialogSize.boundedTo(room));
 }
 
-void STEPViewerDlg::Load(const std::wstring& arguments, int useThreads) {
+void STEPViewerDlg::Load(const std::string& arguments, bool useThreads) {
     const std::vector<std::string> tokens = SplitArguments(arguments);
     if (tokens.empty()) { return; }
-    kindWasKnown_ = false;
     progressShown_ = ClockSeconds();
-    LoadFile(dispatch_, tokens[0].c_str(), tokens.size() > 1 ? tokens[1].c_str() : nullptr, useThreads);
-    if (kindWasKnown_) { shownTitle_ = TitleText(dispatch_.currentPath, View()); }
+    const bool loaded =
+        LoadFile(dispatch_, tokens[0].c_str(), tokens.size() > 1 ? tokens[1].c_str() : nullptr, useThreads);
+    if (loaded) { shownTitle_ = TitleText(dispatch_.currentPath, View()); }
     if (OwnUnreadReason(View()) != nullptr) { Invalidate(); } // such a load draws no frame of its own
-    SetTitle(kindWasKnown_ ? shownTitle_ : RefusedTitle(shownTitle_, dispatch_.currentPath));
+    SetTitle(loaded ? shownTitle_ : RefusedTitle(shownTitle_, dispatch_.currentPath));
 }
 
 void STEPViewerDlg::SetTitle(const std::string& title) {
@@ -141,7 +141,7 @@ void STEPViewerDlg::Invalidate() {
 
 void STEPViewerDlg::OnOpen() {
     const QStringList paths = QFileDialog::getOpenFileNames(this, "Open", QString(), "All Files (*)");
-    if (!paths.isEmpty()) { Load(ArgumentsText(paths.first()), 1); }
+    if (!paths.isEmpty()) { Load(Bytes(paths.first()), true); }
 }
 
 void STEPViewerDlg::dragEnterEvent(QDragEnterEvent* event) {
@@ -160,7 +160,7 @@ void STEPViewerDlg::dropEvent(QDropEvent* event) {
 }
 
 void STEPViewerDlg::OnDropFiles(const QString& first) {
-    Load(ArgumentsText(first), 0);
+    Load(Bytes(first), false);
     Invalidate();
 }
 
@@ -245,7 +245,6 @@ void STEPViewerDlg::SetPickText(const std::string& text) {
 }
 
 void STEPViewerDlg::SetStatusText(const std::string& text) {
-    kindWasKnown_ = true;
     statusText_->setText(EyeText(text));
 }
 

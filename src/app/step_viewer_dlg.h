@@ -27,7 +27,7 @@ public:
     void OnInitDialog();
 
     // Splits the text into a path and a product name, and shows the file. `useThreads` is 0 or 1.
-    void Load(const std::wstring& arguments, int useThreads);
+    void Load(const std::string& arguments, bool useThreads);
 
     // Has everything drawn again.
     void Invalidate();
@@ -41,7 +41,7 @@ public:
     OpenGLControl& View() { return area_->view; }
     const std::string& CurrentPath() const { return dispatch_.currentPath; }
 
-    std::wstring commandLine; // empty for none
+    std::string commandLine; // empty for none
 
     void done(int result) override;
 
@@ -91,9 +91,8 @@ private:
 
     QString depthValue_ = "0"; // what UpdateData puts into the Depth label
     std::string shownTitle_ = "Tarnwick";
-    bool kindWasKnown_ = false; // whether the last request got as far as a load
-    double progressShown_ = 0;  // clock time of the last count in the title bar
-    int height_ = 0;            // that the controls stand at
+    double progressShown_ = 0; // clock time of the last count in the title bar
+    int height_ = 0;           // that the controls stand at
     bool wasMaximised_ = false;
     bool restoring_ = false; // the state says restored, but the size is still that of the maximised dialog
     QSize maximisedSize_;

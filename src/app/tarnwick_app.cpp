@@ -2,7 +2,8 @@
 #include "app/console_window.h"
 #include "app/dialog_link.h"
 #include "app/step_viewer_dlg.h"
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
+#include "load/arguments.h"
 
 #include <QApplication>
 #include <QIcon>

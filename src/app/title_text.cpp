@@ -11,9 +11,9 @@ std::string FileName(const std::string& path) {
 // Whether all that would be drawn fails the alpha test, which drops what is at or below 0.01. Some
 // systems write that into every face of a file.
 bool IsAllTransparent(const SceneView& view) {
-    if (view.drawList == nullptr || view.drawnTriangles == 0) { return false; }
-    for (std::int32_t i = 0; i < view.drawList->count; ++i) {
-        const DrawItem& item = *view.drawList->items[i];
+    if (view.loaded.drawList == nullptr || view.loaded.drawnTriangles == 0) { return false; }
+    for (std::int32_t i = 0; i < view.loaded.drawList->count; ++i) {
+        const DrawItem& item = *view.loaded.drawList->items[i];
         for (std::int32_t j = 0; j < item.meshCount; ++j) {
             if (item.meshes[j] != nullptr && item.meshes[j]->colour[3] > 0.01f) { return false; }
         }
@@ -24,17 +24,17 @@ bool IsAllTransparent(const SceneView& view) {
 // What of the load isn't there, in words.
 std::string Absence(const SceneView& view) {
     if (const char* const reason = OwnUnreadReason(view)) { return std::string(" (it ") + reason + ')'; }
-    const auto& unread = view.unreadFiles;
+    const auto& unread = view.loaded.unreadFiles;
     if (unread.size() == 1) { return " (1 file could not be read)"; }
     if (!unread.empty()) { return " (" + std::to_string(unread.size()) + " files could not be read)"; }
-    if (view.drawnTriangles == 0) { return " (no tessellated geometry)"; }
+    if (view.loaded.drawnTriangles == 0) { return " (no tessellated geometry)"; }
     return IsAllTransparent(view) ? " (all faces are fully transparent)" : "";
 }
 
 } // namespace
 
 const char* OwnUnreadReason(const SceneView& view) {
-    for (const UnreadFile& file : view.unreadFiles) {
+    for (const UnreadFile& file : view.loaded.unreadFiles) {
         if (file.productName.empty()) { return file.reason; }
     }
     return nullptr;

@@ -206,8 +206,7 @@ ZipArchive::Packed ZipArchive::ReadPacked(const char* name) {
     return packed;
 }
 
-char* ZipArchive::ReadMember(const char* name, DocumentMemory& memory, std::size_t* size,
-                             const char** problem) {
+char* ZipArchive::ReadMember(const char* name, TextMemory& memory, std::size_t* size, const char** problem) {
     *size = 0;
     const ZipEntry* const entry = ZipLookup(index, name);
     if (entry == nullptr || zip_ == nullptr) {
@@ -236,7 +235,7 @@ char* ZipArchive::ReadMember(const char* name, DocumentMemory& memory, std::size
     }
 }
 
-char* ZipArchive::ReadStored(const MemberInfo& info, DocumentMemory& memory, std::size_t* size,
+char* ZipArchive::ReadStored(const MemberInfo& info, TextMemory& memory, std::size_t* size,
                              const char** problem) {
     std::uint64_t offset = 0;
     if (!FindData(&offset)) {
@@ -258,7 +257,7 @@ char* ZipArchive::ReadStored(const MemberInfo& info, DocumentMemory& memory, std
     return text;
 }
 
-char* ZipArchive::ReadDeflated(const MemberInfo& info, DocumentMemory& memory, std::size_t* size,
+char* ZipArchive::ReadDeflated(const MemberInfo& info, TextMemory& memory, std::size_t* size,
                                const char** problem) {
     const std::size_t claimed = static_cast<std::size_t>(info.uncompressedSize);
     const std::uint64_t packedRoom = std::min(info.compressedSize, file_->Size()) + 100;

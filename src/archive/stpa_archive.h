@@ -1,7 +1,7 @@
 #pragma once
 
 #include "text/opened_file.h"
-#include "xml/stpx_file.h"
+#include "xml/document_archive.h"
 
 #include <cstdint>
 #include <memory>
@@ -42,30 +42,23 @@ std::int32_t ZipHash(const ZipIndex& index, std::string_view name);
 // The first member of this name, or null. Counts the time that it takes.
 const ZipEntry* ZipLookup(ZipIndex& index, std::string_view name);
 
-// An opened archive. It has one file position, so threads take turns.
-class ZipArchive {
+// An opened ZIP archive.
+class ZipArchive final : public DocumentArchive {
 public:
     // Opens the archive `path`, or else `path` with ".zip" behind it, and indexes its members; says on the
     // console what was opened, and on standard output that nothing was.
     explicit ZipArchive(const char* path);
     ZipArchive(const ZipArchive&) = delete;
     ZipArchive& operator=(const ZipArchive&) = delete;
-    ~ZipArchive();
+    ~ZipArchive() override;
 
     bool IsOpen() const { return zip_ != nullptr; }
     ZipIndex index;
 
-    // A member's raw bytes behind a gzip head of ten bytes, so that it inflates like a file.
-    struct Packed {
-        std::unique_ptr<unsigned char[]> data; // null when there is no such member
-        std::uint32_t size = 0;
-        const char* oddity = nullptr; // why it won't inflate, as far as its record tells; a phrase
-    };
-    Packed ReadPacked(const char* name);
-
-    // The text of a stored or deflated member, with a NUL behind it, in `memory`. Returns null when there is
-    // no such member or it is packed in another way; the reason is then in *problem.
-    char* ReadMember(const char* name, DocumentMemory& memory, std::size_t* size, const char** problem);
+    // A member's raw bytes after a gzip head of ten bytes.
+    Packed ReadPacked(const char* name) override;
+    // Of a stored or deflated member.
+    char* ReadMember(const char* name, TextMemory& memory, std::size_t* size, const char** problem) override;
 
 private:
     struct MemberInfo {
@@ -77,9 +70,8 @@ private:
     void IndexArchive(const char* name);
     bool GoTo(const ZipEntry& entry, MemberInfo* info);
     int GetBufferCurrentFile(const MemberInfo& info, unsigned char* buffer, std::uint32_t* size);
-    char* ReadStored(const MemberInfo& info, DocumentMemory& memory, std::size_t* size, const char** problem);
-    char* ReadDeflated(const MemberInfo& info, DocumentMemory& memory, std::size_t* size,
-                       const char** problem);
+    char* ReadStored(const MemberInfo& info, TextMemory& memory, std::size_t* size, const char** problem);
+    char* ReadDeflated(const MemberInfo& info, TextMemory& memory, std::size_t* size, const char** problem);
     bool FindData(std::uint64_t* offset);
     std::size_t BytesThere(const MemberInfo& info, std::uint64_t offset) const;
 

@@ -4,37 +4,21 @@
 #include "platform/console.h"
 #include "xml/stpx_driver.h"
 
-#include <algorithm>
-#include <utility>
-
 namespace tarnwick {
 
 namespace {
 
 // The archive itself is what could not be read.
 int GiveUp(ZIPReader& reader, const char* path, const char* reason, int result) {
-    reader.unreadFiles.push_back({0, path, "", reason});
+    reader.loaded.unreadFiles.push_back({0, path, "", reason});
     return result;
-}
-
-void TakeOver(ZIPReader& reader, StpxSession& session) {
-    reader.readSeconds = session.readSeconds;
-    reader.inflateSeconds = session.inflateSeconds;
-    reader.parseSeconds = session.parseSeconds;
-    reader.drawList = session.drawList;
-    reader.triangleCount = session.triangleCount;
-    std::copy_n(session.box, 6, reader.box);
-    reader.isAssembly = session.isAssembly;
-    reader.root = session.root;
-    reader.unreadFiles = std::move(session.unreadFiles);
-    reader.scene = std::move(session.scene);
 }
 
 } // namespace
 
-int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, int threads) {
+int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, bool threads) {
     ConsolePrint("Start TraiteSTPA\n");
-    reader.threads = threads;
+    reader.loaded.Clear();
     ZipArchive archive(path);
     if (!archive.IsOpen()) {
         ConsolePrint("<E> %s: can't be opened as an archive\n", path);
@@ -43,7 +27,7 @@ int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, int th
     std::string root;
     int isStpx = 0;
     {
-        DocumentMemory memory;
+        TextMemory memory;
         std::size_t size = 0;
         const char* problem = nullptr;
         const char* const ini = archive.ReadMember("stpa.ini", memory, &size, &problem);
@@ -57,17 +41,15 @@ int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, int th
         ConsolePrint("<E> Only stpx root files are supported in sptA archives.\n");
         return GiveUp(reader, path, "has a root that is no stpx document", ZIPReader::kNotStpx);
     }
-    StpxSession session;
-    session.zip = &archive;
-    session.progress = std::move(reader.progress);
-    session.scene = std::move(reader.scene);
-    if (threads != 0) {
-        TraiteSTEPXFileNewMT(session, root.c_str(), rootName, 0, threads);
-    } else {
-        session.unreadFiles.push_back(
-            {0, path, "", "is an archive, which can't be dropped or read without threads"});
+    if (!threads) {
+        reader.loaded.pickMode = kPickProducts;
+        return GiveUp(reader, path, "is an archive, which can't be dropped or read without threads",
+                      ZIPReader::kSuccess);
     }
-    TakeOver(reader, session);
+    StpxSession session(reader.loaded);
+    session.zip = &archive;
+    session.progress = reader.progress;
+    TraiteSTEPXFileNewMT(session, root.c_str(), rootName, 0, threads);
     return session.gaveUp ? ZIPReader::kRootUnread : ZIPReader::kSuccess;
 }
 

@@ -1,7 +1,7 @@
 #include "check/check_file.h"
 
 #include "check/entity_text.h"
-#include "load/part_queue.h"
+#include "load/unread_files.h"
 #include "p21/keyword_codes.h"
 
 #include <algorithm>

@@ -1,8 +1,9 @@
 #include "check/check_path.h"
 
 #include "archive/stpa_archive.h"
+#include "load/file_kind.h"
 #include "load/load_file.h"
-#include "load/part_queue.h"
+#include "load/unread_files.h"
 #include "platform/paths.h"
 #include "xml/stpx_file.h"
 
@@ -83,8 +84,8 @@ private:
     // As the load forms it: a "\" separates too, and parts are packed as the top file is.
     std::string PartName(std::string name) const {
         std::replace(name.begin(), name.end(), '\\', '/');
-        if (compression_ == StepModel::kTwoCharacterSuffix) { name += ".Z"; }
-        if (compression_ == StepModel::kOneCharacterSuffix) { name += 'z'; }
+        if (compression_ == TextFile::kTwoCharacterSuffix) { name += ".Z"; }
+        if (compression_ == TextFile::kOneCharacterSuffix) { name += 'z'; }
         return name;
     }
 
@@ -108,7 +109,7 @@ std::vector<std::string> PartFiles(const ProductNode* root, std::vector<Finding>
     while (!open.empty()) {
         const ProductNode& product = *open.back();
         open.pop_back();
-        if (product.fileName != nullptr && IsXmlFileName(product.fileName) == 0 &&
+        if (product.fileName != nullptr && !IsXmlFileName(product.fileName) &&
             known.insert(product.fileName).second) {
             names.emplace_back(product.fileName);
         }
@@ -139,20 +140,20 @@ void CheckDocumentPart(CheckReport* report, StepModel& model, const std::string&
 }
 
 // STEP XML, archives and summaries: what the load could not read, and the parts.
-void CheckLoaded(CheckReport* report, const SceneView& view, const std::string& extension) {
+void CheckLoaded(CheckReport* report, const SceneView& view, FileKind kind) {
     const std::string& path = report->path;
     report->files.push_back(path);
-    for (const UnreadFile& file : view.unreadFiles) {
+    for (const UnreadFile& file : view.loaded.unreadFiles) {
         AddUnread(report, file.path, file.productName, file.reason);
     }
-    if (extension == "stpj") { return; }
-    if (view.root == nullptr && view.unreadFiles.empty()) {
+    if (kind == FileKind::kSummary) { return; }
+    if (view.loaded.root == nullptr && view.loaded.unreadFiles.empty()) {
         report->findings.push_back({.kind = FindingKind::kUse, .text = "the document has no root product"});
     }
     std::unique_ptr<ZipArchive> archive;
-    if (extension == "stpa") { archive = std::make_unique<ZipArchive>(path.c_str()); }
+    if (kind == FileKind::kArchive) { archive = std::make_unique<ZipArchive>(path.c_str()); }
     ReaderWorkspace workspace;
-    for (const std::string& name : PartFiles(view.root, &report->findings)) {
+    for (const std::string& name : PartFiles(view.loaded.root, &report->findings)) {
         if (archive == nullptr) {
             std::string part = name;
             std::replace(part.begin(), part.end(), '\\', '/');
@@ -171,15 +172,15 @@ void CheckLoaded(CheckReport* report, const SceneView& view, const std::string& 
 
 } // namespace
 
-CheckReport CheckPath(LoadDispatch& dispatch, const std::string& path, const char* rootName, int useThreads) {
+CheckReport CheckPath(LoadDispatch& dispatch, const std::string& path, const char* rootName,
+                      bool useThreads) {
     CheckReport report;
     report.path = path;
-    const std::string extension = ExtensionOf(path);
-    if (extension == "stp" || extension == "stpz") {
+    const FileKind kind = KindOf(path);
+    if (kind == FileKind::kStep) {
         StepFiles(&report).Check(path);
-    } else if (extension == "stpx" || extension == "stpxz" || extension == "stpa" || extension == "stpj") {
-        LoadFile(dispatch, path.c_str(), rootName, useThreads);
-        CheckLoaded(&report, dispatch.view, extension);
+    } else if (LoadFile(dispatch, path.c_str(), rootName, useThreads)) {
+        CheckLoaded(&report, dispatch.view, kind);
     } else {
         AddUnread(&report, path, "", "isn't of a kind that can be loaded, by its extension");
     }

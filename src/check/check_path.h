@@ -18,7 +18,7 @@ struct CheckReport {
 
 // Checks the file at `path`, and for an assembly each of its P21 files. STEP XML, archives and summaries are
 // loaded for it, with `dispatch`; P21 text isn't, so that a file which would end the program can be told.
-CheckReport CheckPath(LoadDispatch& dispatch, const std::string& path, const char* rootName, int useThreads);
+CheckReport CheckPath(LoadDispatch& dispatch, const std::string& path, const char* rootName, bool useThreads);
 
 // The report as people read it: counts, findings by kind with at most 10 of each, and one sentence of advice.
 std::string CheckText(const CheckReport& report);

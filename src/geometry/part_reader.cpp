@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "platform/console.h"
 #include "product/draw_list.h"
+#include "product/merge_box.h"
 
 #include <algorithm>
 #include <cstring>
@@ -199,24 +200,11 @@ int PartReader::ReadFace(const P42Ent* entity, const FaceContainer* container) {
         face->colour[2] = colour.blue;
         face->colour[3] = colour.alpha;
     }
-    MergeBox(face->box);
+    MergeBox(faceTotal == 0, face->box, box);
     ++faceTotal;
     scratch.faces.push_back(face);
     triangleTotal += face->triangleCount;
     return 0;
-}
-
-void PartReader::MergeBox(const float faceBox[6]) {
-    if (faceTotal == 0) {
-        std::copy_n(faceBox, 6, box);
-        return;
-    }
-    for (int axis = 0; axis < 3; ++axis) {
-        const int low = 2 * axis;
-        const int high = low + 1;
-        if (faceBox[low] < box[low]) { box[low] = faceBox[low]; }
-        if (faceBox[high] > box[high]) { box[high] = faceBox[high]; }
-    }
 }
 
 // What survives the reader: one item with all faces in the draw list of the product.

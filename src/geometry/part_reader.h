@@ -80,7 +80,6 @@ private:
     bool ReadContainerItems(const P42Ent* entity, std::int32_t* exactContainerId);
     int ReadFace(const P42Ent* entity, const FaceContainer* container);
     bool HandOver();
-    void MergeBox(const float faceBox[6]);
     void SayMissing(std::int32_t id);
     int GiveUp(const char* reason);
     int GiveUpFace(const P42Ent* entity, const FaceProblem& problem);

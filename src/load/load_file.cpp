@@ -1,20 +1,37 @@
 #include "load/load_file.h"
 
+#include "load/file_kind.h"
+
 #include <charconv>
 #include <cstdio>
 
 namespace tarnwick {
 
-std::string ExtensionOf(std::string_view path) {
-    const std::size_t dot = path.rfind('.');
-    if (dot == std::string_view::npos || dot == 0) { return {}; }
-    std::string extension(path.substr(dot + 1));
-    if (extension.size() >= 9) { return {}; }
-    for (char& c : extension) {
-        if (c >= 'A' && c <= 'Z') { c = static_cast<char>(c - 'A' + 'a'); }
+namespace {
+
+bool HasCommand(const LoadCommands& commands, FileKind kind) {
+    switch (kind) {
+    case FileKind::kStep:
+        return commands.loadStepFile != nullptr;
+    case FileKind::kStepXml:
+        return commands.loadStpxFile != nullptr;
+    case FileKind::kSummary:
+        return commands.loadStpjFile != nullptr;
+    case FileKind::kArchive:
+        return commands.loadZipFile != nullptr;
+    default:
+        return false;
     }
-    return extension;
 }
+
+// The slider at the end of a range up to `depth`.
+void SetDepth(LoadControls& controls, std::int32_t depth) {
+    controls.SetDepthRange(0, depth);
+    controls.SetDepthPosition(depth);
+    controls.SetDepthLabel(depth);
+}
+
+} // namespace
 
 std::string StatusText(const SceneView& view, bool withWords) {
     char seconds[64];
@@ -22,7 +39,7 @@ std::string StatusText(const SceneView& view, bool withWords) {
         std::to_chars(seconds, seconds + sizeof seconds, view.loadSeconds, std::chars_format::fixed, 3);
     const std::string_view digits(seconds, static_cast<std::size_t>(end.ptr - seconds));
     std::string text = withWords ? "Nb Triangles: " : "";
-    text += std::to_string(view.drawnTriangles);
+    text += std::to_string(view.loaded.drawnTriangles);
     text += "  CPU tot: ";
     if (digits.size() < 5) { text.append(5 - digits.size(), ' '); }
     text += digits;
@@ -30,45 +47,42 @@ std::string StatusText(const SceneView& view, bool withWords) {
     return text;
 }
 
-void LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, int useThreads) {
+bool LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, bool useThreads) {
     // A copy first: the caller may pass the very path that is replaced here.
     const std::string wanted = path;
     dispatch.currentPath = wanted;
-    const std::string extension = ExtensionOf(wanted);
+    const FileKind kind = KindOf(wanted);
     SceneView& view = dispatch.view;
     LoadControls& controls = dispatch.controls;
     const LoadCommands& commands = dispatch.commands;
-    if ((extension == "stp" || extension == "stpz") && commands.loadStepFile != nullptr) {
-        view.DeleteDisplayList();
-        controls.ShowDepthSlider(false);
+    if (!HasCommand(commands, kind)) { return false; }
+    view.DeleteDisplayList();
+    if (kind != FileKind::kSummary) { controls.ShowDepthSlider(false); }
+    switch (kind) {
+    case FileKind::kStep:
         commands.loadStepFile(view, wanted.c_str(), useThreads);
-        controls.SetStatusText(StatusText(view, true));
-    } else if ((extension == "stpx" || extension == "stpxz") && commands.loadStpxFile != nullptr) {
-        view.DeleteDisplayList();
-        controls.ShowDepthSlider(false);
+        break;
+    case FileKind::kStepXml:
         commands.loadStpxFile(view, wanted.c_str(), rootName, useThreads);
-        controls.SetStatusText(StatusText(view, true));
-        controls.SetDepthRange(0, 0);
-        controls.SetDepthPosition(0);
-        controls.SetDepthLabel(0);
+        break;
+    case FileKind::kSummary:
+        commands.loadStpjFile(view, wanted.c_str());
+        break;
+    default:
+        commands.loadZipFile(view, wanted.c_str(), rootName, useThreads);
+    }
+    controls.SetStatusText(StatusText(view, kind != FileKind::kSummary));
+    if (kind == FileKind::kStepXml) {
+        SetDepth(controls, 0);
         controls.EnableDepthSlider(false);
         controls.UpdateData();
-    } else if (extension == "stpj" && commands.loadStpjFile != nullptr) {
-        view.DeleteDisplayList();
-        commands.loadStpjFile(view, wanted.c_str());
-        controls.SetStatusText(StatusText(view, false));
+    } else if (kind == FileKind::kSummary) {
         controls.ShowDepthSlider(true);
         controls.EnableDepthSlider(true);
-        controls.SetDepthRange(0, view.maxDepth);
-        controls.SetDepthPosition(view.maxDepth);
-        controls.SetDepthLabel(view.maxDepth);
+        SetDepth(controls, view.loaded.maxDepth);
         controls.UpdateData();
-    } else if (extension == "stpa" && commands.loadZipFile != nullptr) {
-        view.DeleteDisplayList();
-        controls.ShowDepthSlider(false);
-        commands.loadZipFile(view, wanted.c_str(), rootName, useThreads);
-        controls.SetStatusText(StatusText(view, true));
     }
+    return true;
 }
 
 void ChangeDepth(LoadDispatch& dispatch, std::int32_t depth) {

@@ -2,11 +2,8 @@
 
 #include "load/scene_view.h"
 
-#include <array>
 #include <cstdint>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace tarnwick {
 
@@ -15,7 +12,7 @@ namespace tarnwick {
 class LoadControls {
 public:
     virtual ~LoadControls() = default;
-    // The text of the status control, 1008.
+    // The text that tells the outcome of a load.
     virtual void SetStatusText(const std::string& text) = 0;
     virtual void ShowDepthSlider(bool visible) = 0;
     virtual void EnableDepthSlider(bool enabled) = 0;
@@ -29,10 +26,10 @@ public:
 // The load command of each file kind; null for a kind that this program doesn't load, which is then refused
 // like an unknown extension. `rootName` may be null.
 struct LoadCommands {
-    void (*loadStepFile)(SceneView& view, const char* path, int useThreads) = nullptr;
-    void (*loadStpxFile)(SceneView& view, const char* path, const char* rootName, int useThreads) = nullptr;
+    void (*loadStepFile)(SceneView& view, const char* path, bool useThreads) = nullptr;
+    void (*loadStpxFile)(SceneView& view, const char* path, const char* rootName, bool useThreads) = nullptr;
     void (*loadStpjFile)(SceneView& view, const char* path) = nullptr;
-    void (*loadZipFile)(SceneView& view, const char* path, const char* rootName, int useThreads) = nullptr;
+    void (*loadZipFile)(SceneView& view, const char* path, const char* rootName, bool useThreads) = nullptr;
     // Rebuilds the boxes of a summary file for a depth; does nothing when the view holds no such file.
     void (*selectDepth)(SceneView& view, std::int32_t depth) = nullptr;
 };
@@ -45,24 +42,10 @@ struct LoadDispatch {
     std::string currentPath = {}; // of the last request, also of one that was refused
 };
 
-// The most arguments that SplitArguments tells apart; the rest of the text is dropped.
-inline constexpr std::size_t kMostArguments = 10;
-
-// Splits the text of a path or of a command line into arguments: an argument may stand in double quotes, and
-// the first one, unquoted, may have blanks up to its first ".". `text` is converted to UTF-8.
-std::vector<std::string> SplitArguments(const std::wstring& text);
-
-// The text of one control line from program arguments: each in double quotes, so that blanks in them survive.
-std::wstring JoinArguments(const std::vector<std::string>& arguments);
-
-// The extension of a path, by which it is loaded, in small letters; empty for a path that has none, whose
-// only "." is its first character, or with 9 characters and more.
-std::string ExtensionOf(std::string_view path);
-
 // Shows the file at `path` by the load command of its extension and puts the outcome into the status text.
 // `rootName` names a product for the STEP XML and archive loads, or is null. A path without a known extension
-// does nothing.
-void LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, int useThreads);
+// is kept as the path of the last request and does nothing else; false is returned then.
+bool LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, bool useThreads);
 
 // What a move of the Depth slider to `depth` does: other boxes for a summary file, no pick, and the status
 // text anew. The caller has the view drawn.

@@ -2,43 +2,61 @@
 
 #include "platform/console.h"
 
-#include <algorithm>
+#include <array>
 #include <chrono>
+#include <condition_variable>
 #include <cstddef>
+#include <mutex>
+#include <new>
 #include <system_error>
 #include <thread>
-#include <vector>
 
 namespace tarnwick {
 
-void RunWithWorkers(std::uint32_t useThreads, std::span<std::atomic<std::int32_t>> done,
-                    const std::function<void(bool isLoadThread)>& loop,
+namespace {
+
+// How many workers haven't ended.
+class Running {
+public:
+    void Add(int count) {
+        const std::lock_guard guard(lock_);
+        count_ += count;
+        if (count_ == 0) { ended_.notify_one(); }
+    }
+    // Whether all of them end within the time.
+    bool WaitForEnd(std::chrono::milliseconds time) {
+        std::unique_lock guard(lock_);
+        return ended_.wait_for(guard, time, [this] { return count_ == 0; });
+    }
+
+private:
+    std::mutex lock_;
+    std::condition_variable ended_;
+    int count_ = 0;
+};
+
+} // namespace
+
+void RunWithWorkers(bool useThreads, const std::function<void(bool isLoadThread)>& loop,
                     const std::function<void()>& showProgress) {
-    std::vector<std::jthread> workers;
-    if (useThreads != 0) {
-        workers.reserve(done.size());
-        for (std::size_t k = 0; k < done.size(); ++k) {
-            try {
-                workers.emplace_back([&loop, &flag = done[k], number = static_cast<int>(k) + 1] {
-                    loop(false);
-                    flag.store(1, std::memory_order_release);
-                    ConsolePrint("End thread %d\n", number);
-                });
-            } catch (const std::system_error&) { done[k] = 1; }
+    constexpr std::chrono::milliseconds kBetweenProgress{10};
+    Running running;
+    std::array<std::jthread, kWorkers> workers; // the last to be declared: they are joined first
+    for (int k = 0; useThreads && k < kWorkers; ++k) {
+        running.Add(1);
+        try {
+            workers[static_cast<std::size_t>(k)] = std::jthread([&loop, &running, number = k + 1] {
+                loop(false);
+                ConsolePrint("End thread %d\n", number);
+                running.Add(-1);
+            });
+        } catch (const std::system_error&) { running.Add(-1); } catch (const std::bad_alloc&) {
+            running.Add(-1);
         }
     }
     loop(true);
-    showProgress(); // where the workers have taken all, too
-    if (useThreads == 0) { return; }
-    const auto allDone = [done] {
-        return std::all_of(done.begin(), done.end(),
-                           [](const auto& flag) { return flag.load(std::memory_order_acquire) != 0; });
-    };
-    while (!allDone()) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        showProgress();
-    }
-    for (std::jthread& worker : workers) { worker.join(); } // behind the line that tells its end
+    showProgress(); // also where the workers have taken all entries
+    while (!running.WaitForEnd(kBetweenProgress)) { showProgress(); }
 }
 
 } // namespace tarnwick

@@ -12,10 +12,10 @@ namespace tarnwick {
 namespace {
 
 std::int32_t CompressionFromName(const std::string& name) {
-    if (name.empty()) { return StepModel::kPlain; }
-    std::int32_t kind = StepModel::kPlain;
-    if (name.back() == 'Z' || name.back() == 'z') { kind = StepModel::kTwoCharacterSuffix; }
-    if (name.size() >= 2 && name[name.size() - 2] == 'p') { kind = StepModel::kOneCharacterSuffix; }
+    if (name.empty()) { return TextFile::kPlain; }
+    std::int32_t kind = TextFile::kPlain;
+    if (name.back() == 'Z' || name.back() == 'z') { kind = TextFile::kTwoCharacterSuffix; }
+    if (name.size() >= 2 && name[name.size() - 2] == 'p') { kind = TextFile::kOneCharacterSuffix; }
     return kind;
 }
 
@@ -26,7 +26,7 @@ StepModel::StepModel(ReaderWorkspace& workspace, std::string path)
       isFile_(true) {}
 
 StepModel::StepModel(ReaderWorkspace& workspace, std::unique_ptr<unsigned char[]> data, std::uint32_t size)
-    : compressedData(std::move(data)), compressedSize(size), compression(kTwoCharacterSuffix),
+    : compressedData(std::move(data)), compressedSize(size), compression(TextFile::kTwoCharacterSuffix),
       workspace_(workspace), isFile_(false) {}
 
 StepModel::~StepModel() {

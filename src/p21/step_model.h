@@ -3,8 +3,7 @@
 #include "p21/p42_ent.h"
 #include "p21/text_walk.h"
 #include "platform/arena.h"
-#include "platform/text_block.h"
-#include "text/opened_file.h"
+#include "text/text_file.h"
 
 #include <cstdint>
 #include <memory>
@@ -14,11 +13,10 @@
 
 namespace tarnwick {
 
-// What one reading thread keeps from file to file: the block of the text, that of compressed input, and the
-// memory of the entity index. A StepModel borrows it, and only one at a time.
+// What one reading thread keeps from file to file: the memory of the text and that of the entity index. A
+// StepModel borrows it, and only one at a time.
 struct ReaderWorkspace {
-    TextBlock text;
-    TextBlock compressed;
+    TextMemory memory;
     Arena index;
 };
 
@@ -30,12 +28,6 @@ struct StepModel {
     static constexpr int kRead = 0;
     static constexpr int kNotOpened = 1;
     static constexpr int kNotP21 = 5;
-
-    // How the bytes of the file are packed, from its name; decides the suffix that the files of an assembly
-    // get.
-    static constexpr std::int32_t kPlain = 0;
-    static constexpr std::int32_t kTwoCharacterSuffix = 1; // part.stp.Z
-    static constexpr std::int32_t kOneCharacterSuffix = 2; // part.stpz
 
     static constexpr int kBlocks = 10;
 
@@ -75,7 +67,8 @@ struct StepModel {
     char* textEnd = nullptr; // where the NUL behind the text stands
     std::unique_ptr<unsigned char[]> compressedData;
     std::uint32_t compressedSize = 0;
-    std::int32_t compression = kPlain;
+    // How the file's bytes are packed, see TextFile; decides the suffix of the files of an assembly.
+    std::int32_t compression = TextFile::kPlain;
     std::int32_t isAssembly = 0;            // 1 when an entity's keyword starts "NEXT_ASS"
     std::int32_t apNumber = 0;              // 203, 209, 214, 242 ..., from FILE_SCHEMA
     P42Ent** entityBlocks[kBlocks] = {};    // all records in file order; block i has room for 10000 * 10^i
@@ -92,8 +85,7 @@ struct StepModel {
 private:
     int ReadFile();
     int InflateData();
-    bool ReadBytes(const OpenedFile& file, TextBlock& block, char** bytes, std::size_t* size);
-    int Inflate(const unsigned char* data, std::uint32_t size);
+    void TakeText(const TextFile& file);
     bool ScanEntities();
     char* FindDataSection() const;
     bool AddBlock();

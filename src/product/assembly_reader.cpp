@@ -63,7 +63,7 @@ void ScanAssemblyEntities(AssemblyReader& reader) {
     }
 }
 
-// The session's list has room for all products of a file before the first of them is appended.
+// The tree's list has room for all products of a file before the first of them is appended.
 void MakeRoom(ProductArray& products, std::int32_t more) {
     if (products.count + more <= products.capacity) { return; }
     const std::int32_t capacity = products.capacity;
@@ -109,10 +109,10 @@ void FrameRows(const double axis[3], const double reference[3], double rows[9]) 
 
 } // namespace
 
-int ReadAssemblyStructure(LoadSession& session, StepModel& model, bool isTopFile, Arena& arena) {
+int ReadAssemblyStructure(ProductTree& tree, StepModel& model, bool isTopFile, Arena& arena) {
     // Exporters that write "PRODUCT (" have products that the scan didn't count.
     const std::int32_t expected = std::max(model.productCount / 10, model.entityCount / 40);
-    AssemblyReader reader{model, session, arena, ProductMap(model.IndexArena(), HashBits(expected)), {}, {}};
+    AssemblyReader reader{model, tree, arena, ProductMap(model.IndexArena(), HashBits(expected)), {}, {}};
     reader.products.reserve(static_cast<std::size_t>(model.productCount) + 5);
     ScanAssemblyEntities(reader);
     if (reader.overrun) { return 1; }
@@ -120,11 +120,11 @@ int ReadAssemblyStructure(LoadSession& session, StepModel& model, bool isTopFile
         occurrence->child->isRoot = 0;
         AddOccurrence(arena, parent, occurrence);
     }
-    MakeRoom(session.products, static_cast<std::int32_t>(reader.products.size()));
+    MakeRoom(tree.products, static_cast<std::int32_t>(reader.products.size()));
     for (ProductNode* const product : reader.products) {
-        session.products[session.products.count++] = product;
-        if (isTopFile && product->isRoot == 1) { session.root = product; }
-        if (product->fileName != nullptr) { PushPartQueue(session, product); }
+        tree.products[tree.products.count++] = product;
+        if (isTopFile && product->isRoot == 1) { tree.root = product; }
+        if (product->fileName != nullptr) { PushPartQueue(tree, product); }
     }
     return 0;
 }
@@ -235,7 +235,7 @@ int ReadTransform(AssemblyReader& reader, std::int32_t transformId, double rotat
 ProductNode* IdentifyProduct(AssemblyReader& reader, std::int32_t definitionId, std::string_view name,
                              std::int32_t formationId) {
     if (ProductNode* const known = reader.productMap.Find(definitionId)) { return known; }
-    if (ProductNode* const queued = FindQueued(reader.session, name)) { return queued; }
+    if (ProductNode* const queued = FindQueued(reader.tree, name)) { return queued; }
     return MakeProduct(reader, definitionId, name, formationId);
 }
 

@@ -3,7 +3,7 @@
 #include "p21/id_map.h"
 #include "p21/step_model.h"
 #include "platform/arena.h"
-#include "product/load_session.h"
+#include "product/product_tree.h"
 
 #include <cstdint>
 #include <string_view>
@@ -17,8 +17,8 @@ using ProductMap = IdMap<ProductNode, &ProductNode::definitionId>;
 // The working record for the structure of one file, alive during one ReadAssemblyStructure.
 struct AssemblyReader {
     StepModel& model;
-    LoadSession& session; // its queue: the products of other files
-    Arena& arena;         // where the records of the tree go
+    ProductTree& tree; // its queue: the products of other files
+    Arena& arena;      // where the records of the tree go
     ProductMap productMap;
     std::vector<ProductNode*> products; // made while reading this file, in that order
     // Uses that were read: they take effect when the file has come to its end, so that one that is given up
@@ -27,13 +27,13 @@ struct AssemblyReader {
     bool overrun = false; // a line ran past the end of the text: the file is given up
 };
 
-// Reads the assembly lines of one file and merges the outcome into the session: products and occurrences by a
+// Reads the assembly lines of one file and merges the outcome into the tree: products and occurrences by a
 // fixed chain of lines from each CONTEXT_DEPENDENT_SHAPE_REPRESENTATION, files by each
 // APPLIED_DOCUMENT_REFERENCE. Products of other files are joined by equal `name`. With `isTopFile` the last
-// product that is nobody's child becomes the session's root. A line that leads nowhere is dropped; a file
-// with a line that runs past its end is given up, and adds no product. One thread at a time may run it in a
-// session. Returns 1 for such a file, else 0.
-int ReadAssemblyStructure(LoadSession& session, StepModel& model, bool isTopFile, Arena& arena);
+// product that is nobody's child becomes the tree's root. A line that leads nowhere is dropped; a file
+// with a line that runs past its end is given up, and adds no product. One thread at a time may run it on a
+// tree. Returns 1 for such a file, else 0.
+int ReadAssemblyStructure(ProductTree& tree, StepModel& model, bool isTopFile, Arena& arena);
 
 // Reads an occurrence from its CONTEXT_DEPENDENT_SHAPE_REPRESENTATION into `uses`. 0 when it was read, 1 when
 // not.
@@ -72,10 +72,10 @@ ProductNode* MakeProduct(AssemblyReader& reader, std::int32_t definitionId, std:
                          std::int32_t formationId);
 
 // The first product of that name that is on the queue, or null.
-ProductNode* FindQueued(const LoadSession& session, std::string_view name);
+ProductNode* FindQueued(const ProductTree& tree, std::string_view name);
 
-// Puts a product whose file is to be read on the session's queue.
-void PushPartQueue(LoadSession& session, ProductNode* product);
+// Puts a product whose file is to be read on the tree's queue.
+void PushPartQueue(ProductTree& tree, ProductNode* product);
 
 // Gives the file up if the walk, in the line of an entity, has run past the end of the text; whether it has.
 bool NoteOverrun(AssemblyReader& reader, const TextWalk& walk, std::int32_t entityId);

@@ -18,6 +18,12 @@ constexpr std::int32_t kFirstCapacity = 100;
 constexpr std::int64_t kMostItems = std::int64_t{1} << 24;
 constexpr std::int64_t kManyItems = std::int64_t{1} << 20;
 
+constexpr int kBoxTriangles = 12;
+
+std::int32_t Limited(std::int64_t count) {
+    return static_cast<std::int32_t>(std::min<std::int64_t>(count, std::numeric_limits<std::int32_t>::max()));
+}
+
 template <class Item>
 bool Regrow(Arena& arena, Item*** items, DrawList* list, std::int32_t capacity) {
     Item** const larger = arena.New<Item*>(static_cast<std::size_t>(capacity));
@@ -255,14 +261,16 @@ std::int32_t CountTriangles(const DrawList& list) {
         const DrawItem& item = *list.items[i];
         for (std::int32_t m = 0; m < item.meshCount; ++m) { triangles += item.meshes[m]->triangleCount; }
     }
-    constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(triangles, kMost));
+    return Limited(triangles);
+}
+
+std::int32_t CountBoxTriangles(const DrawList& boxes) {
+    return Limited(std::int64_t{kBoxTriangles} * boxes.count);
 }
 
 namespace {
 
 constexpr int kBoxVertices = 24;
-constexpr int kBoxTriangles = 12;
 
 // The corners of the six faces, four each: for x, y, z whether it is the maximum.
 constexpr std::uint8_t kBoxCorners[kBoxVertices][3] = {

@@ -42,6 +42,9 @@ int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, Pre
 // The triangles of all meshes of all items, a mesh counted once for each of its uses; at most 2^31 - 1.
 std::int32_t CountTriangles(const DrawList& list);
 
+// The triangles of a list of boxes, twelve each; at most 2^31 - 1.
+std::int32_t CountBoxTriangles(const DrawList& boxes);
+
 // Appends the box (six limits in the order of ProductNode.box) as a mesh of 24 vertices and 12 triangles.
 // `matrix`, sixteen f32 or null, is copied. False when memory runs out.
 bool AddBoxItem(Arena& arena, DrawList* list, const double box[6], ProductNode* product, const float* matrix);

@@ -45,7 +45,7 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
         std::int32_t formationId = 0;
         if (ReadProductName(reader, definitionId, &name, &formationId) != 0) { return 1; }
         // Queued by another file already: it keeps the file that it has.
-        if (FindQueued(reader.session, name) != nullptr) { return 0; }
+        if (FindQueued(reader.tree, name) != nullptr) { return 0; }
         product = MakeProduct(reader, definitionId, name, formationId);
         if (product == nullptr) { return 1; }
     }
@@ -61,17 +61,14 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
     return 0;
 }
 
-ProductNode* FindQueued(const LoadSession& session, std::string_view name) {
-    const auto found = session.queuedNames.find(name);
-    return found != session.queuedNames.end() ? found->second : nullptr;
+ProductNode* FindQueued(const ProductTree& tree, std::string_view name) {
+    const auto found = tree.queuedNames.find(name);
+    return found != tree.queuedNames.end() ? found->second : nullptr;
 }
 
-void PushPartQueue(LoadSession& session, ProductNode* product) {
-    session.queuedNames.emplace(product->name, product);
-    const std::lock_guard guard(session.queueLock);
-    ProductArray& queue = session.queue;
-    if (queue.count == queue.capacity) { queue.Allocate(2 * queue.capacity); }
-    queue[queue.count++] = product;
+void PushPartQueue(ProductTree& tree, ProductNode* product) {
+    tree.queuedNames.emplace(product->name, product);
+    tree.queue.Push(product);
 }
 
 } // namespace tarnwick

@@ -69,7 +69,7 @@ void OpenGLControl::DrawScene(Pass pass) {
     Clear(pass == kPick ? 1.0f : 0.8f); // white is no code
     glEnable(GL_LIGHTING);
     glEnable(GL_DEPTH_TEST);
-    if (drawnTriangles == 0) {
+    if (loaded.drawnTriangles == 0) {
         glTranslatef(0, 0, -cubeTransform[2]);
         glTranslatef(cubeTransform[0], cubeTransform[1], 0);
         glRotatef(cubeTransform[3], 1, 0, 0);
@@ -83,7 +83,7 @@ void OpenGLControl::DrawScene(Pass pass) {
     glDisable(GL_CULL_FACE);
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_NORMAL_ARRAY);
-    if (resultMesh != nullptr) {
+    if (loaded.resultMesh != nullptr) {
         glEnableClientState(GL_COLOR_ARRAY);
         glDisableClientState(GL_NORMAL_ARRAY);
     } else {
@@ -92,15 +92,15 @@ void OpenGLControl::DrawScene(Pass pass) {
     }
     glPolygonMode(GL_FRONT_AND_BACK, wireframe == 1 ? GL_LINE : GL_FILL);
     if (!safeKnown_ || safeScene_ != sceneNumber) {
-        safe_.Check(drawList, resultMesh);
+        safe_.Check(loaded.drawList, loaded.resultMesh);
         safeScene_ = sceneNumber;
         safeKnown_ = true;
     }
-    if (drawList != nullptr) {
+    if (loaded.drawList != nullptr) {
         DrawFaces(pass);
-    } else if (resultMesh != nullptr) {
+    } else if (loaded.resultMesh != nullptr) {
         DrawResultMesh();
-    } else if (boxList != nullptr) {
+    } else if (loaded.boxList != nullptr) {
         DrawBoxes(pass);
     }
     glFinish();
@@ -108,9 +108,9 @@ void OpenGLControl::DrawScene(Pass pass) {
 
 void OpenGLControl::DrawFaces(Pass pass) {
     // A part alone is picked and shown selected face by face, several by the placed part.
-    const bool byFace = drawList->count == 1;
-    for (std::int32_t i = 0; i < drawList->count; ++i) {
-        const DrawItem& item = *drawList->items[i];
+    const bool byFace = loaded.drawList->count == 1;
+    for (std::int32_t i = 0; i < loaded.drawList->count; ++i) {
+        const DrawItem& item = *loaded.drawList->items[i];
         glPushMatrix();
         if (item.matrix != nullptr) { glMultMatrixf(item.matrix); }
         for (std::int32_t j = 0; j < item.meshCount; ++j) {
@@ -154,20 +154,21 @@ void OpenGLControl::DrawMesh(const StepFaceB& mesh) const {
 }
 
 void OpenGLControl::DrawResultMesh() const {
-    glVertexPointer(3, GL_FLOAT, 0, resultMesh->vertices);
-    glColorPointer(4, GL_UNSIGNED_BYTE, 0, resultMesh->colours);
-    if (const SafeIndices::Mesh* const safe = safe_.Find(resultMesh)) {
+    glVertexPointer(3, GL_FLOAT, 0, loaded.resultMesh->vertices);
+    glColorPointer(4, GL_UNSIGNED_BYTE, 0, loaded.resultMesh->colours);
+    if (const SafeIndices::Mesh* const safe = safe_.Find(loaded.resultMesh)) {
         glDrawElements(GL_QUADS, static_cast<GLsizei>(safe->indices.size()), GL_UNSIGNED_INT,
                        safe->indices.data());
     } else {
-        glDrawElements(GL_QUADS, 4 * resultMesh->quadCount, GL_UNSIGNED_INT, resultMesh->quadIndices);
+        glDrawElements(GL_QUADS, 4 * loaded.resultMesh->quadCount, GL_UNSIGNED_INT,
+                       loaded.resultMesh->quadIndices);
     }
 }
 
 void OpenGLControl::DrawBoxes(Pass pass) const {
     glColor4f(0.8f, 0.8f, 0.2f, 0.5f);
-    for (std::int32_t i = 0; i < boxList->count; ++i) {
-        const BoxItem& item = *boxList->boxes[i];
+    for (std::int32_t i = 0; i < loaded.boxList->count; ++i) {
+        const BoxItem& item = *loaded.boxList->boxes[i];
         glPushMatrix();
         if (item.matrix != nullptr) { glMultMatrixf(item.matrix); }
         if (pass == kPick) {

@@ -13,7 +13,7 @@
 namespace tarnwick {
 
 void OpenGLControl::PickAt(WindowPoint point) {
-    if (!hasContext_ || (drawList == nullptr && boxList == nullptr)) { return; }
+    if (!hasContext_ || (loaded.drawList == nullptr && loaded.boxList == nullptr)) { return; }
     const std::int32_t before = selectedIndex;
     glDisable(GL_LIGHT1);
     glDisable(GL_LIGHT2);
@@ -35,18 +35,18 @@ void OpenGLControl::PickAt(WindowPoint point) {
         selectedContainerId = 0;
         selectedExactContainerId = 0;
     }
-    if (drawList != nullptr && pickMode == 1 && drawList->count > 0) {
+    if (loaded.drawList != nullptr && loaded.pickMode == 1 && loaded.drawList->count > 0) {
         if (hit) {
             TellPickedFace();
         } else if (dialog != nullptr) {
             dialog->SetPickText(" ");
         }
     }
-    if (drawList != nullptr && pickMode == 2 && hit && selectedIndex < drawList->count) {
-        TellPickedProduct(drawList->items[selectedIndex]->product);
+    if (loaded.drawList != nullptr && loaded.pickMode == 2 && hit && selectedIndex < loaded.drawList->count) {
+        TellPickedProduct(loaded.drawList->items[selectedIndex]->product);
     }
-    if (boxList != nullptr && hit && selectedIndex < boxList->count) {
-        TellPickedProduct(boxList->boxes[selectedIndex]->product);
+    if (loaded.boxList != nullptr && hit && selectedIndex < loaded.boxList->count) {
+        TellPickedProduct(loaded.boxList->boxes[selectedIndex]->product);
     }
     glEnable(GL_LIGHT1);
     glEnable(GL_LIGHT2);
@@ -55,7 +55,7 @@ void OpenGLControl::PickAt(WindowPoint point) {
 }
 
 void OpenGLControl::TellPickedFace() {
-    const DrawItem& part = *drawList->items[0];
+    const DrawItem& part = *loaded.drawList->items[0];
     const StepFaceB* const face = selectedIndex < part.meshCount ? part.meshes[selectedIndex] : nullptr;
     if (face == nullptr) { return; }
     selectedFaceId = face->faceId;
@@ -80,9 +80,9 @@ void OpenGLControl::TellPickedFace() {
 }
 
 void OpenGLControl::TellMaterial() const {
-    if (containers == nullptr) { return; }
-    for (std::int32_t i = 0; i < containerCount; ++i) {
-        const FaceContainer& container = *containers[i];
+    if (loaded.containers == nullptr) { return; }
+    for (std::int32_t i = 0; i < loaded.containerCount; ++i) {
+        const FaceContainer& container = *loaded.containers[i];
         if (container.containerId != selectedContainerId) { continue; }
         if (container.materialName != nullptr) { ConsolePrint("Material: %s\n", container.materialName); }
         if (dialog != nullptr) {

@@ -187,8 +187,8 @@ Json Result(const ResultMesh* mesh, bool arrays) {
 
 Json Containers(const SceneView& view) {
     Json containers = Json::array();
-    for (std::int32_t i = 0; i < view.containerCount; ++i) {
-        const FaceContainer& container = *view.containers[i];
+    for (std::int32_t i = 0; i < view.loaded.containerCount; ++i) {
+        const FaceContainer& container = *view.loaded.containers[i];
         containers.push_back({{"kind", container.kind},
                               {"containerId", container.containerId},
                               {"exactContainerId", container.exactContainerId},
@@ -202,12 +202,12 @@ Json Containers(const SceneView& view) {
 std::string SceneReport(const SceneView& view, const std::string& path, const std::string* status,
                         bool arrays) {
     Products products;
-    if (view.root != nullptr) { NumberTree(view.root, &products); }
-    for (std::int32_t i = 0; i < view.summaryProductCount; ++i) {
-        products.NumberOf(view.summaryProducts[i]);
+    if (view.loaded.root != nullptr) { NumberTree(view.loaded.root, &products); }
+    for (std::int32_t i = 0; i < view.loaded.summaryProductCount; ++i) {
+        products.NumberOf(view.loaded.summaryProducts[i]);
     }
     Meshes meshes;
-    Json items = Items(view.drawList, products, &meshes);
+    Json items = Items(view.loaded.drawList, products, &meshes);
     Json meshRecords = Json::array();
     for (const StepFaceB* const face : meshes.Records()) { meshRecords.push_back(Mesh(*face, arrays)); }
     Json productRecords = Json::array();
@@ -218,19 +218,19 @@ std::string SceneReport(const SceneView& view, const std::string& path, const st
     report["format"] = "tarnwick.scene/1";
     report["path"] = JsonText(path);
     report["status"] = status != nullptr ? Json(JsonText(*status)) : Json(nullptr);
-    report["triangles"] = view.drawnTriangles;
-    report["pickMode"] = view.pickMode;
-    report["maxDepth"] = view.maxDepth;
-    report["box"] = Floats(view.box, 6);
+    report["triangles"] = view.loaded.drawnTriangles;
+    report["pickMode"] = view.loaded.pickMode;
+    report["maxDepth"] = view.loaded.maxDepth;
+    report["box"] = Floats(view.loaded.box, 6);
     report["centre"] = Floats(view.centre, 3);
     report["modelSize"] = JsonFloat(view.modelSize);
     report["eye"] = Floats(view.eye, 3);
-    report["rootName"] = view.hasRootName ? Json(JsonText(view.rootName)) : Json(nullptr);
+    report["rootName"] = view.loaded.hasRootName ? Json(JsonText(view.loaded.rootName)) : Json(nullptr);
     report["drawList"] = std::move(items);
     report["meshes"] = std::move(meshRecords);
     report["products"] = std::move(productRecords);
-    report["boxList"] = Boxes(view.boxList, products);
-    report["resultMesh"] = Result(view.resultMesh, arrays);
+    report["boxList"] = Boxes(view.loaded.boxList, products);
+    report["resultMesh"] = Result(view.loaded.resultMesh, arrays);
     report["containers"] = Containers(view);
     return report.dump() + "\n";
 }

@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "platform/console.h"
 #include "platform/text_block.h"
+#include "product/draw_list.h"
 #include "summary/select_depth.h"
 #include "text/opened_file.h"
 #include "text/parse_real.h"
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -387,33 +389,41 @@ const char* ReadStpjText(StpjFile& file, char* text, std::size_t size, Arena& ar
     return tables.GivenUp();
 }
 
-int TraiteSTPJFile(StpjResult& result, const char* path) {
+int TraiteSTPJFile(LoadedScene& loaded, const char* path) {
     ConsolePrint("Start TraiteSTPJFile\n");
     const double start = ClockSeconds();
     TextBlock block;
     std::size_t size = 0;
-    Arena& arena = result.scene->Main();
+    Arena& arena = loaded.scene->Main();
     StpjFile* const file = MakeFile(arena, path);
     char* const text = file != nullptr ? ReadText(path, block, &size) : nullptr;
     if (text == nullptr) {
-        result.unreadFiles.push_back({0, path, "", "can't be opened"});
+        loaded.unreadFiles.push_back({0, path, "", "can't be opened"});
         return 0;
     }
     const char* const problem = ReadStpjText(*file, text, size, arena);
     if (problem != nullptr || file->occurrenceCount == 0) {
-        result.unreadFiles.push_back({0, path, "", "isn't a summary with products and occurrences"});
+        loaded.unreadFiles.push_back({0, path, "", "isn't a summary with products and occurrences"});
         return 0;
     }
-    result.file = file;
-    result.maxDepth = file->maxDepth;
-    std::transform(file->occurrences[0]->box, file->occurrences[0]->box + 6, result.box,
+    loaded.maxDepth = file->maxDepth;
+    std::transform(file->occurrences[0]->box, file->occurrences[0]->box + 6, loaded.box,
                    [](double d) { return static_cast<float>(d); });
+    loaded.hasBox = true;
     ConsolePrint("CPU load products & occurrences : %f s\n", ClockSeconds() - start);
-    result.drawList = arena.New<DrawList>();
-    if (result.drawList == nullptr ||
-        !SelectDepth(*file, result.maxDepth, result.drawList, *result.boxMemory)) {
+    loaded.boxMemory = std::make_unique<Arena>();
+    loaded.boxList = arena.New<DrawList>();
+    if (loaded.boxList == nullptr) {
+        GiveUpForMemory(path, "", 0, &loaded.unreadFiles);
+        return 0;
+    }
+    if (!SelectDepth(*file, loaded.maxDepth, loaded.boxList, *loaded.boxMemory)) {
         ConsolePrint("<E> %s: no memory for all of its boxes\n", path);
     }
+    loaded.drawnTriangles = CountBoxTriangles(*loaded.boxList);
+    loaded.stpjFile = file;
+    loaded.summaryProducts = file->products;
+    loaded.summaryProductCount = file->productCount;
     return 0;
 }
 

@@ -1,15 +1,11 @@
 #pragma once
 
+#include "load/loaded_scene.h"
 #include "platform/arena.h"
-#include "product/load_session.h"
-#include "product/scene_memory.h"
 #include "product/scene_records.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace tarnwick {
 
@@ -33,22 +29,10 @@ struct StpjFile {
     std::int32_t maxDepth;
 };
 
-// What a load command gets back from the load of a summary file.
-struct StpjResult {
-    std::int32_t maxDepth = 0;
-    float box[6] = {};            // of the first occurrence
-    DrawList* drawList = nullptr; // boxes, in `boxMemory`
-    StpjFile* file = nullptr;     // null when the file was given up
-
-    std::vector<UnreadFile> unreadFiles;
-    std::unique_ptr<SceneMemory> scene = std::make_unique<SceneMemory>();
-    std::unique_ptr<Arena> boxMemory = std::make_unique<Arena>();
-};
-
 // Reads the summary file `path` and makes the boxes of its greatest depth. The text is no JSON to the reader
 // but a sequence of characters to search for; what is missing in it is left out, with a line on the console.
-// Returns 0, whatever becomes of the file.
-int TraiteSTPJFile(StpjResult& result, const char* path);
+// The record has no `stpjFile` when the file was given up. Returns 0, whatever becomes of it.
+int TraiteSTPJFile(LoadedScene& loaded, const char* path);
 
 // Fills the tables of `file`, which has only its path, from `size` characters at `text`, behind which as many
 // bytes as TextBlock pads with are the reader's. What it makes is in `arena`; nothing points into the text

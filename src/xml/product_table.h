@@ -1,6 +1,6 @@
 #pragma once
 
-#include "product/load_session.h"
+#include "product/product_tree.h"
 #include "product/scene_records.h"
 
 #include <string_view>

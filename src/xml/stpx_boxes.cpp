@@ -4,6 +4,7 @@
 #include "product/draw_list.h"
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace tarnwick {
@@ -61,15 +62,17 @@ bool AddOccurrenceBox(StpxSession& session, const ProductNode& child, const std:
     if (child.hasBox == 0) { return true; }
     double box[6];
     TransformBox(child.box, WorldMatrix(matrices), box);
-    return AddBoxItem(*session.boxMemory, session.boxList, box, nullptr, nullptr);
+    return AddBoxItem(*session.loaded.boxMemory, session.loaded.boxList, box, nullptr, nullptr);
 }
 
 } // namespace
 
 void BuildBoxList(StpxSession& session, const char* fileName) {
-    session.boxList = session.scene->Main().New<DrawList>();
-    if (session.root == nullptr || session.boxList == nullptr) { return; }
-    std::copy_n(session.root->box, 6, session.box);
+    LoadedScene& loaded = session.loaded;
+    loaded.boxMemory = std::make_unique<Arena>();
+    loaded.boxList = loaded.scene->Main().New<DrawList>();
+    if (session.root == nullptr || loaded.boxList == nullptr) { return; }
+    std::copy_n(session.root->box, 6, loaded.box);
     struct Level {
         const ProductNode* product;
         std::int32_t next; // occurrence

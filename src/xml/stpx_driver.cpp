@@ -1,20 +1,22 @@
 #include "xml/stpx_driver.h"
 
-#include "archive/stpa_archive.h"
 #include "platform/console.h"
 #include "platform/paths.h"
 #include "product/draw_list.h"
+#include "text/extension.h"
 #include "text/one_line.h"
-#include "xml/part_loop.h"
 #include "xml/stpx_boxes.h"
 #include "xml/stpx_document.h"
 #include "xml/stpx_file.h"
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace tarnwick {
@@ -24,15 +26,15 @@ namespace {
 // One document, from the file system or from the archive, with what it leads to. Null for `product` stands
 // for the root document. False when it was given up; the reason is then on the console and in the list of
 // unread files.
-bool ReadDocument(StpxSession& session, DocumentMemory& memory, std::string path, std::int32_t place,
+bool ReadDocument(StpxSession& session, TextMemory& memory, std::string path, std::int32_t place,
                   const ProductNode* product, int boxMode, ProductNode** root) {
-    StpxFile file;
+    TextFile file;
     const char* problem = nullptr;
     if (session.zip != nullptr) {
         file.text = session.zip->ReadMember(path.c_str(), memory, &file.size, &problem);
     } else {
         file = OpenStpxFile(path);
-        if (ReadStpxFile(file, memory) != 0) { problem = "can't be opened"; }
+        if (ReadTextFile(&file, &memory) != TextFileResult::kRead) { problem = "can't be opened"; }
     }
     if (file.text != nullptr) {
         StpxDocument document;
@@ -40,7 +42,7 @@ bool ReadDocument(StpxSession& session, DocumentMemory& memory, std::string path
         document.size = file.size;
         document.name = path.c_str();
         problem = ReadStpxDocument(document, boxMode, session.asmProdExt, session.geomProdExt,
-                                   session.scene->Main());
+                                   session.loaded.scene->Main());
         *root = document.root;
         if (problem != nullptr) {
             ConsolePrint("<E> %s: document given up, %s\n", OnOneLine(path).c_str(), problem);
@@ -50,7 +52,8 @@ bool ReadDocument(StpxSession& session, DocumentMemory& memory, std::string path
         ConsolePrint("<E> %s: it %s\n", OnOneLine(path).c_str(), problem);
     }
     if (problem == nullptr) { return true; }
-    session.unreadFiles.push_back({place, std::move(path), product != nullptr ? product->name : "", problem});
+    session.loaded.unreadFiles.push_back(
+        {place, std::move(path), product != nullptr ? product->name : "", problem});
     return false;
 }
 
@@ -84,16 +87,16 @@ private:
 };
 
 // The documents of the table of assemblies, breadth first: reading one may add to the table.
-void ReadExternalDocuments(StpxSession& session, DocumentMemory& memory) {
+void ReadExternalDocuments(StpxSession& session, TextMemory& memory) {
     std::string formerPath; // stays empty in an archive, whose names are no paths
     DocumentCycles cycles;
     bool saidEndless = false;
     cycles.NoteAdded(-1, session.asmProdExt.Count());
     for (std::int32_t i = 0; i < session.asmProdExt.Count(); ++i) {
         const ProductNode& product = *session.asmProdExt[i];
-        if (IsXmlFileName(product.fileName) == 0) {
+        if (!IsXmlFileName(product.fileName)) {
             ConsolePrint("<E> Error: non XML file in _asm_prod_ext: %s\n", formerPath.c_str());
-            session.unreadFiles.push_back(
+            session.loaded.unreadFiles.push_back(
                 {i + 1, product.fileName, product.name, "has neither the extension stpx nor stpxz"});
             continue;
         }
@@ -103,7 +106,7 @@ void ReadExternalDocuments(StpxSession& session, DocumentMemory& memory) {
             saidEndless = true;
             ConsolePrint("<E> %s: it leads to itself without end, it isn't read any more\n",
                          OnOneLine(product.fileName).c_str());
-            session.unreadFiles.push_back(
+            session.loaded.unreadFiles.push_back(
                 {i + 1, product.fileName, product.name, "leads to itself without end"});
             continue;
         }
@@ -121,9 +124,7 @@ std::int32_t IsAssembly(const ProductNode& root) {
     const std::size_t dot = name.rfind('.');
     if (dot == std::string_view::npos) { return 1; }
     std::string ending(name.substr(dot));
-    for (char& c : ending) {
-        if (c >= 'A' && c <= 'Z') { c = static_cast<char>(c - 'A' + 'a'); }
-    }
+    std::transform(ending.begin(), ending.end(), ending.begin(), LowerCase);
     return ending == ".stp" || ending == ".stpx" ? 0 : 1;
 }
 
@@ -156,73 +157,136 @@ void SayUnmatched(const ProductNode& root, const char* fileName) {
     }
 }
 
-void MergeBox(StpxSession& session, const float box[6]) {
-    if (session.boxSet == 0) {
-        std::copy_n(box, 6, session.box);
-        session.boxSet = 1;
-        return;
-    }
-    for (int axis = 0; axis < 3; ++axis) {
-        float& low = session.box[2 * axis];
-        float& high = session.box[2 * axis + 1];
-        low = std::min(low, box[2 * axis]);
-        high = std::max(high, box[2 * axis + 1]);
+// Every product of the table of parts once, in the order of the table: its file is the same each time, and
+// two threads must not write to it.
+void FillQueue(StpxSession& session, PartQueue* queue) {
+    std::unordered_map<const ProductNode*, std::int32_t> times;
+    for (std::int32_t i = 0; i < session.geomProdExt.Count(); ++i) { ++times[session.geomProdExt[i]]; }
+    for (std::int32_t i = 0; i < session.geomProdExt.Count(); ++i) {
+        const auto found = times.find(session.geomProdExt[i]);
+        if (found->second > 0) { queue->Push(session.geomProdExt[i], std::exchange(found->second, 0)); }
     }
 }
 
+// The files of the parts, on disk or in the archive.
+class StpxParts final : public PartFiles {
+public:
+    explicit StpxParts(StpxSession& session) : session_(session) {}
+
+    const char* Open(PartThread& thread, const ProductNode& product, std::int32_t /*place*/,
+                     std::optional<StepModel>* model) override {
+        if (IsXmlFileName(product.fileName)) {
+            ConsolePrint("<E> Error: XML file in _geom_prod_ext: %s\n", thread.path.c_str());
+            return nullptr;
+        }
+        const char* const oddity = Prepare(thread, product, model);
+        const int result = (*model)->Read();
+        if (result != StepModel::kRead) { return oddity != nullptr ? oddity : UnreadReason(result); }
+        if ((*model)->isAssembly == 0) { return nullptr; }
+        if (!thread.isLoadThread) {
+            ConsolePrint("<E> Error: P21 assembly file in _geom_prod_ext: %s\n", thread.path.c_str());
+        }
+        return "is a P21 assembly, which can't be a part here";
+    }
+
+private:
+    // Makes the model of a part's file, not read yet. Taking an archive's bytes is serial, inflating them is
+    // not: that is left to Read. Returns what the archive knows against the member, or null.
+    const char* Prepare(PartThread& thread, const ProductNode& product, std::optional<StepModel>* model) {
+        if (session_.zip == nullptr) {
+            thread.path = StpxPath(session_, product);
+            model->emplace(thread.workspace, thread.path);
+            return nullptr;
+        }
+        thread.path = product.fileName;
+        DocumentArchive::Packed packed;
+        {
+            const std::lock_guard guard(session_.zipLock);
+            packed = session_.zip->ReadPacked(product.fileName);
+        }
+        model->emplace(thread.workspace, std::move(packed.data), packed.size);
+        (*model)->fileName = thread.path; // for its messages
+        return packed.oddity;
+    }
+
+    StpxSession& session_;
+};
+
+void ReadAllParts(StpxSession& session) {
+    PartQueue queue;
+    FillQueue(session, &queue);
+    StpxParts files(session);
+    // The root document and the further ones were wanted first.
+    const std::int32_t firstPlace = session.asmProdExt.Count() + 1;
+    session.partsRead =
+        ReadParts(queue, files, session.threads, firstPlace, session.progress, session.loaded);
+}
+
 void PlaceParts(StpxSession& session, const char* path) {
+    LoadedScene& loaded = session.loaded;
     if (session.root == nullptr) {
         ConsolePrint("<E> Root not found\n");
     } else {
         SayUnmatched(*session.root, path);
-        BuildStpxDrawLists(session, session.root, path);
-        session.drawList = session.root->drawList;
-        MergeBox(session, session.root->box);
-        if (session.drawList != nullptr) { session.triangleCount += CountTriangles(*session.drawList); }
+        BuildStpxDrawLists(loaded.scene->Main(), session.root, path);
+        loaded.drawList = session.root->drawList;
+        loaded.WidenBox(session.root->box);
+        if (loaded.drawList != nullptr) { loaded.drawnTriangles += CountTriangles(*loaded.drawList); }
     }
     ConsolePrint("Number of external products : %d\n", session.asmProdExt.Count());
-    ConsolePrint("Number of parts (P21) : %d\n", session.partsRead.load());
+    ConsolePrint("Number of parts (P21) : %d\n", session.partsRead);
 }
 
-} // namespace
-
-int TraiteSTEPXFileNewMT(StpxSession& session, const char* path, const char* rootName, int boxMode,
-                         int threads) {
-    ConsolePrint("Start TraiteSTEPXFileNewMT\n");
-    session.threads = threads;
-    if (session.zip == nullptr) { session.directory = FolderOf(path); }
-    session.asmProdExt.Allocate();
-    session.geomProdExt.Allocate();
-    {
-        DocumentMemory memory;
-        if (!ReadDocument(session, memory, path, 0, nullptr, boxMode, &session.root)) {
-            session.gaveUp = true;
-            return 0;
-        }
-        if (boxMode != 0) {
-            BuildBoxList(session, path);
-            return 0;
-        }
-        ReadExternalDocuments(session, memory);
-    }
+// The documents, and which of the products is shown. False when the root document was given up.
+bool ReadStructure(StpxSession& session, const char* path, const char* rootName, int boxMode) {
+    TextMemory memory;
+    if (!ReadDocument(session, memory, path, 0, nullptr, boxMode, &session.root)) { return false; }
+    if (boxMode != 0) { return true; }
+    ReadExternalDocuments(session, memory);
     if (rootName != nullptr && session.root != nullptr) {
         ProductNode* const child = FindChildByName(*session.root, rootName);
         if (child != nullptr) { session.root = child; }
     }
-    if (session.root != nullptr) {
-        session.isAssembly = IsAssembly(*session.root);
-        if (session.root->occurrenceCount == 0 && session.root->fileName == nullptr) {
-            ConsolePrint("<E> %s: its root '%s' has neither components nor a file\n", path,
-                         OnOneLine(session.root->name).c_str());
-        }
+    if (session.root == nullptr) { return true; }
+    session.isAssembly = IsAssembly(*session.root);
+    if (session.root->occurrenceCount == 0 && session.root->fileName == nullptr) {
+        ConsolePrint("<E> %s: its root '%s' has neither components nor a file\n", path,
+                     OnOneLine(session.root->name).c_str());
     }
-    ReadParts(session);
-    PlaceParts(session, path);
+    return true;
+}
+
+} // namespace
+
+std::string StpxPath(const StpxSession& session, const ProductNode& product) {
+    std::string path = product.fileName;
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path.insert(0, session.directory);
+}
+
+int TraiteSTEPXFileNewMT(StpxSession& session, const char* path, const char* rootName, int boxMode,
+                         bool threads) {
+    ConsolePrint("Start TraiteSTEPXFileNewMT\n");
+    session.threads = threads;
+    session.loaded.Clear();
+    if (session.zip == nullptr) { session.directory = FolderOf(path); }
+    session.asmProdExt.Allocate();
+    session.geomProdExt.Allocate();
+    session.gaveUp = !ReadStructure(session, path, rootName, boxMode);
+    if (session.gaveUp) { return 0; }
+    if (boxMode != 0) {
+        BuildBoxList(session, path);
+    } else {
+        ReadAllParts(session);
+        PlaceParts(session, path);
+    }
+    session.loaded.root = session.root;
+    session.loaded.pickMode = session.isAssembly == 1 ? kPickProducts : kPickFaces;
     return 0;
 }
 
-int BuildStpxDrawLists(StpxSession& session, ProductNode* product, const char* fileName) {
-    return BuildDrawLists(session.scene->Main(), product, fileName, [](Occurrence* occurrence) {
+int BuildStpxDrawLists(Arena& arena, ProductNode* product, const char* fileName) {
+    return BuildDrawLists(arena, product, fileName, [](Occurrence* occurrence) {
         occurrence->rotation[3] = -occurrence->rotation[3];
         occurrence->rotation[5] = -occurrence->rotation[5];
     });

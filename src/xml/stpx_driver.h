@@ -7,15 +7,18 @@ namespace tarnwick {
 // Reads the STEP XML document `path`, the documents that it leads to one after the other, and then all their
 // parts, and places the parts. With the session's `zip` set, `path` and all other names are members of that
 // archive. `rootName`, the name of a child of the root to show in its place, may be null. With `boxMode` not
-// 0 only the boxes that the document gives are read. `threads` not 0 reads the parts on six threads. Returns
-// 0, whatever becomes of the files; see the session's `gaveUp`.
+// 0 only the boxes that the document gives are read. With `threads` the parts are read on six threads.
+// Returns 0, whatever becomes of the files; see the session's `gaveUp`.
 int TraiteSTEPXFileNewMT(StpxSession& session, const char* path, const char* rootName, int boxMode,
-                         int threads);
+                         bool threads);
 
 // Gives the product and all that it uses a draw list and a box, as BuildDrawLists does. The rotations of STEP
 // XML enter the matrices as they stand, so two of their elements are turned round first, against what the
 // placing of items does with them. Returns 1 for a null product or when memory runs out, else 0.
-int BuildStpxDrawLists(StpxSession& session, ProductNode* product, const char* fileName);
+int BuildStpxDrawLists(Arena& arena, ProductNode* product, const char* fileName);
+
+// The path of the file that a product names, beside the root file.
+std::string StpxPath(const StpxSession& session, const ProductNode& product);
 
 // The child of this name among a product's occurrences, or null. Only its own children: what lies deeper is
 // never found.

@@ -3,7 +3,8 @@
 
 #include "app/gl_area.h"
 #include "app/step_viewer_dlg.h"
-#include "load/load_commands.h"
+#include "formats/load_commands.h"
+#include "load/view_setup.h"
 #include "models.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +31,7 @@ protected:
     DialogFixture() { qputenv("HOME", QFile::encodeName(folder_.path())); }
 
     // Opens the dialog as the program does; `commandLine` as the shell would hand it over.
-    void Open(const std::wstring& commandLine = L"",
+    void Open(const std::string& commandLine = "",
               const LoadCommands& commands = {.loadStepFile = LoadStepFile}) {
         dialog.emplace(commands);
         dialog->commandLine = commandLine;
@@ -55,7 +56,7 @@ protected:
         return Write("two.stp", TwoPlatesText());
     }
     void Load(const std::string& path) {
-        dialog->Load(QString::fromStdString(path).toStdWString(), 1);
+        dialog->Load(path, true);
         QTest::qWait(20);
     }
 

@@ -2,7 +2,7 @@
 
 #include "app/dialog_link.h"
 #include "dialog_fixture.h"
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "web_server.h"
 
 #include <gmock/gmock.h>
@@ -34,13 +34,13 @@ constexpr const char* kRegister = R"({"action":"register","sender":"3d viewer"})
 struct Asked {
     std::string path;
     std::string rootName;
-    int useThreads;
+    bool useThreads;
 };
 std::vector<Asked> asked;
 
 constexpr LoadCommands kNoting{
     .loadStpxFile =
-        [](SceneView&, const char* path, const char* rootName, int useThreads) {
+        [](SceneView&, const char* path, const char* rootName, bool useThreads) {
             asked.push_back({path, rootName != nullptr ? rootName : "(null)", useThreads});
         },
 };
@@ -56,7 +56,7 @@ protected:
     ~DialogLinkTest() override { link.reset(); }
 
     void OpenLinked(const LoadCommands& commands = kLoadCommands) {
-        Open(L"", commands);
+        Open("", commands);
         link.emplace(*dialog);
     }
     void Press(const char* number) { QTest::mouseClick(Get<QPushButton>(number), Qt::LeftButton); }
@@ -213,7 +213,7 @@ TEST_F(DialogLinkTest, AUrlIsDownloadedIntoAFolderForTheUserAlone) {
     server->SendText(LoadOrder(Url(*server, "/d/served.stp")));
     ASSERT_TRUE(WaitForPath(Downloaded("served.stp")));
     QTest::qWait(100);
-    EXPECT_EQ(dialog->View().drawnTriangles, 8);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 8);
     QFile file(QString::fromStdString(Downloaded("served.stp")));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll().toStdString(), PlateText());
@@ -233,7 +233,7 @@ TEST_F(DialogLinkTest, AnHttpsUrlIsDownloadedWhoeverVouchesForIt) {
     server->SendText(LoadOrder("https://127.0.0.1:" + std::to_string(files->Port()) + "/served.stp"));
     ASSERT_TRUE(WaitForPath(Downloaded("served.stp")));
     QTest::qWait(100);
-    EXPECT_EQ(dialog->View().drawnTriangles, 8);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 8);
 }
 
 TEST_F(DialogLinkTest, AFolderWithBlanksAndDotsHoldsDownloadsAsWell) {
@@ -245,7 +245,7 @@ TEST_F(DialogLinkTest, AFolderWithBlanksAndDotsHoldsDownloadsAsWell) {
     server->SendText(LoadOrder(Url(*server, "/served.stp")));
     EXPECT_TRUE(WaitForPath(cache + "/tarnwick/downloads/served.stp"));
     QTest::qWait(100);
-    EXPECT_EQ(dialog->View().drawnTriangles, 8);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 8);
     unsetenv("XDG_CACHE_HOME");
 }
 
@@ -256,7 +256,7 @@ TEST_F(DialogLinkTest, AFailedDownloadIsAFileThatIsNotThere) {
     ASSERT_TRUE(WaitForPath(Downloaded("gone.stp")));
     QTest::qWait(100);
     EXPECT_THAT(dialog->windowTitle().toStdString(), HasSubstr("gone.stp"));
-    EXPECT_EQ(dialog->View().drawnTriangles, 0);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 0);
 }
 
 // For as long as it lives, no file may grow beyond so many bytes, as on a disk that is full there. Programs
@@ -299,9 +299,9 @@ TEST_F(DialogLinkTest, ADownloadThatFillsTheDiskIsADamagedFileAndNothingElse) {
         ASSERT_TRUE(WaitForPath(Downloaded("full.stp")));
     }
     EXPECT_LE(QFileInfo(QString::fromStdString(Downloaded("full.stp"))).size(), static_cast<qint64>(kRoom));
-    EXPECT_EQ(dialog->View().drawnTriangles, 0);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 0);
     server->SendText(LoadOrder(Url(*server, "/full.stp")));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return dialog->View().drawnTriangles == 8; }, kPatience));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return dialog->View().loaded.drawnTriangles == 8; }, kPatience));
 }
 
 TEST_F(DialogLinkTest, AHostileUrlIsOneArgumentOfTheDownloadAndNothingElse) {

@@ -2,6 +2,7 @@
 
 #include "app/server_port.h"
 #include "dialog_fixture.h"
+#include "formats/load_commands.h"
 
 #include <gmock/gmock.h>
 
@@ -29,35 +30,35 @@ using ::testing::MatchesRegex;
 struct Asked {
     std::string path;
     std::string rootName;
-    int useThreads;
+    bool useThreads;
     bool shown; // whether the dialog was on the screen
 };
 std::vector<Asked> asked;
 std::vector<std::int32_t> askedDepths;
 const QWidget* askingDialog = nullptr;
 
-void Note(const char* path, const char* rootName, int useThreads) {
+void Note(const char* path, const char* rootName, bool useThreads) {
     asked.push_back({path, rootName != nullptr ? rootName : "(null)", useThreads,
                      askingDialog != nullptr && askingDialog->isVisible()});
 }
 
 constexpr LoadCommands kNoting{
-    .loadStepFile = [](SceneView&, const char* path, int useThreads) { Note(path, nullptr, useThreads); },
+    .loadStepFile = [](SceneView&, const char* path, bool useThreads) { Note(path, nullptr, useThreads); },
     .loadStpxFile = [](SceneView&, const char* path, const char* rootName,
-                       int useThreads) { Note(path, rootName, useThreads); },
+                       bool useThreads) { Note(path, rootName, useThreads); },
     .loadStpjFile =
         [](SceneView& view, const char* path) {
             Note(path, nullptr, -1);
-            view.maxDepth = 4;
-            view.drawnTriangles = 36;
+            view.loaded.maxDepth = 4;
+            view.loaded.drawnTriangles = 36;
             view.loadSeconds = 0.25;
         },
     .loadZipFile = [](SceneView&, const char* path, const char* rootName,
-                      int useThreads) { Note(path, rootName, useThreads); },
+                      bool useThreads) { Note(path, rootName, useThreads); },
     .selectDepth =
         [](SceneView& view, std::int32_t depth) {
             askedDepths.push_back(depth);
-            view.drawnTriangles = 12 * depth;
+            view.loaded.drawnTriangles = 12 * depth;
         },
 };
 
@@ -136,14 +137,14 @@ TEST_F(DialogTest, AnEmptyCommandLineShowsTheIdleSceneAndTheStatusZero) {
     Open();
     EXPECT_EQ(Text("1008"), "0");
     EXPECT_EQ(Title(), "Tarnwick");
-    EXPECT_EQ(dialog->View().drawnTriangles, 0);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 0);
     EXPECT_EQ(dialog->CurrentPath(), "");
 }
 
 TEST_F(DialogTest, TheFileOfTheCommandLineIsLoadedBeforeTheWindowIsShown) {
     dialog.emplace(kNoting);
     askingDialog = &*dialog;
-    dialog->commandLine = L"\"/a b/c d.stpx\" \"PRODUCT ONE\"";
+    dialog->commandLine = "\"/a b/c d.stpx\" \"PRODUCT ONE\"";
     dialog->OnInitDialog();
     ASSERT_EQ(asked.size(), 1u);
     EXPECT_EQ(asked[0].path, "/a b/c d.stpx");
@@ -155,14 +156,14 @@ TEST_F(DialogTest, TheFileOfTheCommandLineIsLoadedBeforeTheWindowIsShown) {
 TEST_F(DialogTest, TheStatusTextIsThereAsSoonAsTheWindowIs) {
     Plate();
     dialog.emplace(LoadCommands{.loadStepFile = LoadStepFile});
-    dialog->commandLine = L"\"" + folder_.filePath("plate.stp").toStdWString() + L"\"";
+    dialog->commandLine = "\"" + folder_.filePath("plate.stp").toStdString() + "\"";
     dialog->OnInitDialog();
     EXPECT_THAT(Text("1008").toStdString(), MatchesRegex("Nb Triangles: 8  CPU tot: 0.0[0-9][0-9]s "));
     EXPECT_EQ(Title(), "plate.stp - Tarnwick");
 }
 
 TEST_F(DialogTest, OpenLoadsTheChosenFileWithThreads) {
-    Open(L"", kNoting);
+    Open("", kNoting);
     Write("a b.stpx", "");
     QTimer::singleShot(300, [this] {
         auto* const chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
@@ -179,7 +180,7 @@ TEST_F(DialogTest, OpenLoadsTheChosenFileWithThreads) {
 }
 
 TEST_F(DialogTest, ACancelledFileDialogChangesNothing) {
-    Open(L"", kNoting);
+    Open("", kNoting);
     QTimer::singleShot(300, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
     QTest::mouseClick(Get<QPushButton>("1001"), Qt::LeftButton);
     EXPECT_THAT(asked, IsEmpty());
@@ -188,7 +189,7 @@ TEST_F(DialogTest, ACancelledFileDialogChangesNothing) {
 }
 
 TEST_F(DialogTest, ADropOnTheDialogOrTheDrawingAreaLoadsTheFirstFileWithoutThreads) {
-    Open(L"", kNoting);
+    Open("", kNoting);
     Drop(&*dialog, {QUrl::fromLocalFile("/m y/one.stp"), QUrl::fromLocalFile("/two.stp")});
     Drop(Area(), {QUrl::fromLocalFile("/three.stpz")});
     ASSERT_EQ(asked.size(), 2u);
@@ -199,7 +200,7 @@ TEST_F(DialogTest, ADropOnTheDialogOrTheDrawingAreaLoadsTheFirstFileWithoutThrea
 }
 
 TEST_F(DialogTest, ADropWithoutALocalFileDoesNothing) {
-    Open(L"", kNoting);
+    Open("", kNoting);
     Drop(&*dialog, {QUrl("https://example.org/a.stp")});
     EXPECT_THAT(asked, IsEmpty());
 }
@@ -213,7 +214,7 @@ TEST_F(DialogTest, TheWireframeBoxSwitchesLinesOnAndOff) {
 }
 
 TEST_F(DialogTest, ASummaryFileShowsTheDepthSliderAtItsDeepest) {
-    Open(L"", kNoting);
+    Open("", kNoting);
     Load("/a/b.stpj");
     const auto* const slider = Get<QSlider>("1012");
     EXPECT_TRUE(slider->isVisible());
@@ -228,7 +229,7 @@ TEST_F(DialogTest, ASummaryFileShowsTheDepthSliderAtItsDeepest) {
 }
 
 TEST_F(DialogTest, AMoveOfTheDepthSliderRebuildsTheBoxesAndDropsThePick) {
-    Open(L"", kNoting);
+    Open("", kNoting);
     Load("/a/b.stpj");
     dialog->View().selectedIndex = 2;
     QTest::keyClick(Get<QSlider>("1012"), Qt::Key_Left);
@@ -236,11 +237,11 @@ TEST_F(DialogTest, AMoveOfTheDepthSliderRebuildsTheBoxesAndDropsThePick) {
     EXPECT_EQ(dialog->View().selectedIndex, -1);
     EXPECT_EQ(Text("1013"), "3");
     EXPECT_EQ(Text("1008"), "Nb Triangles: 36  CPU tot: 0.250s ");
-    EXPECT_EQ(dialog->View().drawnTriangles, 36);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 36);
 }
 
 TEST_F(DialogTest, OtherFileKindsHideTheSlider) {
-    Open(L"", kNoting);
+    Open("", kNoting);
     for (const char* const other : {"/a.stp", "/a.STPZ", "/a.stpa", "/a.stpx"}) {
         Load("/a/b.stpj");
         Load(other);
@@ -259,7 +260,7 @@ TEST_F(DialogTest, AnUnknownKindOfFileKeepsTheSceneAndSaysSoInTheTitle) {
     Load("/a/readme.step");
     EXPECT_EQ(dialog->CurrentPath(), "/a/readme.step");
     EXPECT_EQ(Text("1008"), status);
-    EXPECT_EQ(dialog->View().drawnTriangles, 8);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 8);
     EXPECT_EQ(Title(), "plate.stp - Tarnwick (readme.step is not a kind of file that can be shown)");
     Load("/a/readme");
     EXPECT_EQ(Title(), "plate.stp - Tarnwick (readme is not a kind of file that can be shown)");
@@ -271,7 +272,7 @@ TEST_F(DialogTest, AFileThatIsNotThereLeavesNoSceneAndTheNumbersOfTheOneBefore) 
     const QString status = Text("1008");
     Load("/absent/a.stp");
     EXPECT_EQ(Text("1008"), status);
-    EXPECT_EQ(dialog->View().drawList, nullptr);
+    EXPECT_EQ(dialog->View().loaded.drawList, nullptr);
     EXPECT_EQ(Title(), "a.stp - Tarnwick (it can't be opened)");
     const QImage picture = Picture();
     EXPECT_TRUE(IsNear(picture.pixelColor(picture.width() / 2, picture.height() / 2), 204, 204, 204));
@@ -290,7 +291,7 @@ TEST_F(DialogTest, TheTitleCountsTheFilesOfALoadWithoutHandlingMessages) {
     static STEPViewerDlg* counting = nullptr;
     static bool handled = false;
     titles.clear();
-    Open(L"", {.loadStepFile = [](SceneView& view, const char*, int) {
+    Open("", {.loadStepFile = [](SceneView& view, const char*, bool) {
              QTimer::singleShot(0, [] { handled = true; });
              for (int i = 1; i <= 3; ++i) {
                  QThread::msleep(60);
@@ -340,7 +341,7 @@ TEST_F(DialogTest, PWithTheAltKeyAndInAnotherWindowIsNoSnapshot) {
 }
 
 TEST_F(DialogTest, ReturnPressesNothingAndEscapeClosesTheDialog) {
-    Open(L"", kNoting);
+    Open("", kNoting);
     QTest::keyClick(dialog->windowHandle(), Qt::Key_Return);
     EXPECT_TRUE(dialog->isVisible());
     QTest::keyClick(dialog->windowHandle(), Qt::Key_Escape);
@@ -360,7 +361,7 @@ public:
 };
 
 TEST_F(DialogTest, TheServerButtonsWorkOnlyWithALink) {
-    Open(L"", kNoting);
+    Open("", kNoting);
     EXPECT_FALSE(Get<QPushButton>("1002")->isEnabled());
     CountingServer server;
     dialog->SetServer(&server);
@@ -376,11 +377,11 @@ TEST_F(DialogTest, TheServerButtonsWorkOnlyWithALink) {
 
 TEST_F(DialogTest, ClosingShutsTheLinkOnceByTheCloseButtonAndByEscape) {
     CountingServer server;
-    Open(L"", kNoting);
+    Open("", kNoting);
     dialog->SetServer(&server);
     dialog->close();
     EXPECT_EQ(server.closes, 1);
-    Open(L"", kNoting);
+    Open("", kNoting);
     dialog->SetServer(&server);
     QTest::keyClick(dialog->windowHandle(), Qt::Key_Escape);
     EXPECT_EQ(server.closes, 2);
@@ -434,7 +435,7 @@ TEST_F(DialogTest, AVeryLowDialogHasNoDrawingAreaAndStillWorks) {
     Load(Plate());
     dialog->resize(918, 778);
     QTest::qWait(100);
-    EXPECT_EQ(dialog->View().drawnTriangles, 8);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 8);
 }
 
 TEST_F(DialogTest, PickTextsOfAFileAreShownAsPlainText) {

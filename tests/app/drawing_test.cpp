@@ -1,7 +1,7 @@
 // What the screen shows and what a click hits, through the real graphics library.
 
 #include "dialog_fixture.h"
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "product/draw_list.h"
 
 #include <gmock/gmock.h>
@@ -128,7 +128,7 @@ TEST_F(DrawingTest, BoxesAreYellowOverGreyAndTheSelectedOneIsDarkRed) {
         const std::uint32_t square[6] = {0, 1, 2, 2, 3, 0};
         for (std::size_t i = 0; i < 36; ++i) { box.indices[i] = i < 6 ? square[i] : 0; }
     };
-    Open(L"", {.loadStpjFile = [](SceneView& view, const char*) {
+    Open("", {.loadStpjFile = [](SceneView& view, const char*) {
              static Box boxes[2];
              static ProductNode products[2] = {};
              static BoxItem items[2] = {};
@@ -143,15 +143,15 @@ TEST_F(DrawingTest, BoxesAreYellowOverGreyAndTheSelectedOneIsDarkRed) {
              }
              list.boxes = pointers;
              list.count = 2;
-             ResetScene(view);
-             view.boxList = &list;
-             view.drawnTriangles = 24;
-             view.box[0] = -10;
-             view.box[1] = 10;
-             view.box[2] = -5;
-             view.box[3] = 5;
-             view.box[4] = 1;
-             view.box[5] = 1;
+             ResetScene(view, PartRecords::kDropped);
+             view.loaded.boxList = &list;
+             view.loaded.drawnTriangles = 24;
+             view.loaded.box[0] = -10;
+             view.loaded.box[1] = 10;
+             view.loaded.box[2] = -5;
+             view.loaded.box[3] = 5;
+             view.loaded.box[4] = 1;
+             view.loaded.box[5] = 1;
              SetUpView(view);
              DrawTimedFrame(view);
          }});
@@ -169,20 +169,20 @@ TEST_F(DrawingTest, BoxesAreYellowOverGreyAndTheSelectedOneIsDarkRed) {
 }
 
 TEST_F(DrawingTest, AFiniteElementMeshShowsItsNodesColoursAndCannotBePicked) {
-    Open(L"", {.loadStepFile = [](SceneView& view, const char*, int) {
+    Open("", {.loadStepFile = [](SceneView& view, const char*, bool) {
              static float vertices[12] = {-10, -5, 0, 10, -5, 0, 10, 5, 0, -10, 5, 0};
              static std::uint8_t colours[16] = {255, 0, 0, 255, 255, 0, 0, 255,
                                                 255, 0, 0, 255, 255, 0, 0, 255};
              static std::uint32_t quads[8] = {0, 1, 2, 3, 0, 1, 2, 4294967295u}; // one has no fourth node
              static ResultMesh mesh{vertices, colours, quads, 2, 4};
-             ResetScene(view);
-             view.resultMesh = &mesh;
-             view.drawnTriangles = 4;
-             view.box[0] = -10;
-             view.box[1] = 10;
-             view.box[2] = -5;
-             view.box[3] = 5;
-             view.box[4] = view.box[5] = 0;
+             ResetScene(view, PartRecords::kDropped);
+             view.loaded.resultMesh = &mesh;
+             view.loaded.drawnTriangles = 4;
+             view.loaded.box[0] = -10;
+             view.loaded.box[1] = 10;
+             view.loaded.box[2] = -5;
+             view.loaded.box[3] = 5;
+             view.loaded.box[4] = view.loaded.box[5] = 0;
              SetUpView(view);
              DrawTimedFrame(view);
          }});
@@ -202,7 +202,7 @@ TEST_F(DrawingTest, AFaceWithoutNormalsIsLitAsIfItLookedAtTheEye) {
     ASSERT_NE(at, std::string::npos);
     text.replace(at, normals.size(), "#30=TRIANGULATED_FACE('',#10,4,(),");
     Load(Write("bare.stp", text));
-    EXPECT_EQ(dialog->View().drawnTriangles, 8);
+    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 8);
     EXPECT_TRUE(IsNear(ColourAt(Picture(), kRed), 244, 0, 0));
     EXPECT_THAT(ConsoleOfClick(kRed), HasSubstr("Selected face: #30"));
 }
@@ -315,7 +315,7 @@ TEST_F(DrawingTest, ThePictureComesBackAfterBeingCovered) {
 
 TEST_F(DrawingTest, OneMachineInFourFormatsGivesOnePicture) {
     const std::string samples = TARNWICK_SAMPLES;
-    Open(L"", kLoadCommands);
+    Open("", kLoadCommands);
     Load(samples + "/machine/machine.stp");
     const QImage assembly = Picture();
     for (const char* const file : {"/machine-xml/machine.stpx", "/machine.stpa", "/machine.stpz"}) {

@@ -9,7 +9,7 @@ namespace {
 
 TEST(TitleText, NamesTheFileAndTheProgram) {
     SceneView view;
-    view.drawnTriangles = 5;
+    view.loaded.drawnTriangles = 5;
     EXPECT_EQ(TitleText("", view), "Tarnwick");
     EXPECT_EQ(TitleText("/a/b.stp", view), "b.stp - Tarnwick");
     EXPECT_EQ(TitleText("b.stp", view), "b.stp - Tarnwick");
@@ -18,12 +18,12 @@ TEST(TitleText, NamesTheFileAndTheProgram) {
 TEST(TitleText, SaysWhatIsNotThere) {
     SceneView view;
     EXPECT_EQ(TitleText("/a/b.stp", view), "b.stp - Tarnwick (no tessellated geometry)");
-    view.drawnTriangles = 5;
-    view.unreadFiles.push_back({0, "/a/c.stp", "BOLT", "can't be opened"});
+    view.loaded.drawnTriangles = 5;
+    view.loaded.unreadFiles.push_back({0, "/a/c.stp", "BOLT", "can't be opened"});
     EXPECT_EQ(TitleText("/a/b.stp", view), "b.stp - Tarnwick (1 file could not be read)");
-    view.unreadFiles.push_back({1, "/a/d.stp", "NUT", "can't be opened"});
+    view.loaded.unreadFiles.push_back({1, "/a/d.stp", "NUT", "can't be opened"});
     EXPECT_EQ(TitleText("/a/b.stp", view), "b.stp - Tarnwick (2 files could not be read)");
-    view.unreadFiles = {{0, "/a/b.stp", "", "can't be opened"}};
+    view.loaded.unreadFiles = {{0, "/a/b.stp", "", "can't be opened"}};
     EXPECT_EQ(TitleText("/a/b.stp", view), "b.stp - Tarnwick (it can't be opened)");
 }
 
@@ -36,8 +36,8 @@ TEST(TitleText, SaysThatAllFacesAreTransparent) {
     list.items = items;
     list.count = 1;
     SceneView view;
-    view.drawnTriangles = 5;
-    view.drawList = &list;
+    view.loaded.drawnTriangles = 5;
+    view.loaded.drawList = &list;
     EXPECT_EQ(TitleText("b.stp", view), "b.stp - Tarnwick (all faces are fully transparent)");
     face.colour[3] = 0.01f; // the alpha test keeps what is greater
     EXPECT_EQ(TitleText("b.stp", view), "b.stp - Tarnwick (all faces are fully transparent)");

@@ -1,7 +1,7 @@
 #include "archive/stpa_archive.h"
 
 #include "archive/stpa_driver.h"
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "support/formats.h"
 
 #include <gtest/gtest.h>
@@ -58,7 +58,7 @@ TEST(Stpa, LoadsAnArchiveOfADocumentAndAPart) {
     EXPECT_TRUE(loaded.console.starts_with("LoadZIPFile : ZIPReader::TraiteZIPFile " + loaded.path +
                                            "\nStart TraiteSTPA\n" + loaded.path +
                                            " opened\nStart TraiteSTEPXFileNewMT\n"));
-    EXPECT_TRUE(loaded.view.unreadFiles.empty());
+    EXPECT_TRUE(loaded.view.loaded.unreadFiles.empty());
     const std::string size = std::to_string(RootText().size());
     EXPECT_NE(loaded.output.find("total uncompress size = " + size + ", in "), std::string::npos);
 }
@@ -67,7 +67,7 @@ TEST(Stpa, TakesDocumentsThatAreStored) {
     const TestFolder folder;
     std::vector<Member> members = Machine();
     members[1].method = members[2].method = 0;
-    EXPECT_EQ(Loaded(folder, members).view.drawnTriangles, 2);
+    EXPECT_EQ(Loaded(folder, members).view.loaded.drawnTriangles, 2);
 }
 
 TEST(Stpa, CannotTakeAPartThatIsStored) {
@@ -75,11 +75,11 @@ TEST(Stpa, CannotTakeAPartThatIsStored) {
     std::vector<Member> members = Machine();
     members[0].method = 0;
     const Loaded loaded(folder, members);
-    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    EXPECT_EQ(loaded.view.loaded.drawnTriangles, 0);
     EXPECT_TRUE(loaded.Says("<E> Invalid P21 file\n"));
-    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
-    EXPECT_EQ(loaded.view.unreadFiles[0].path, "parts/w.stp");
-    EXPECT_TRUE(std::strstr(loaded.view.unreadFiles[0].reason, "stored") != nullptr);
+    ASSERT_EQ(loaded.view.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(loaded.view.loaded.unreadFiles[0].path, "parts/w.stp");
+    EXPECT_TRUE(std::strstr(loaded.view.loaded.unreadFiles[0].reason, "stored") != nullptr);
 }
 
 TEST(Stpa, NamesTheMemberThatItGivesUp) {
@@ -89,7 +89,7 @@ TEST(Stpa, NamesTheMemberThatItGivesUp) {
     ASSERT_NE(schema, std::string::npos);
     members[0].content.replace(schema, 11, "FILE_SCHEMX");
     const Loaded loaded(folder, members);
-    EXPECT_EQ(loaded.view.drawnTriangles, 0);
+    EXPECT_EQ(loaded.view.loaded.drawnTriangles, 0);
     EXPECT_TRUE(loaded.Says("<E> parts/w.stp: no schema name in its header\n"));
 }
 
@@ -101,10 +101,10 @@ TEST(Stpa, NotesAPartThatIsGivenUpAmongTheUnreadFiles) {
     ASSERT_NE(points, std::string::npos);
     part.insert(part.find(',', part.find(',', points) + 1) + 1, "\n"); // its face ends behind pnmax
     const Loaded loaded(folder, members);
-    EXPECT_EQ(loaded.view.drawnTriangles, 0);
-    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
-    EXPECT_EQ(loaded.view.unreadFiles[0].path, "parts/w.stp");
-    EXPECT_STREQ(loaded.view.unreadFiles[0].reason, kGivenUpReason);
+    EXPECT_EQ(loaded.view.loaded.drawnTriangles, 0);
+    ASSERT_EQ(loaded.view.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(loaded.view.loaded.unreadFiles[0].path, "parts/w.stp");
+    EXPECT_STREQ(loaded.view.loaded.unreadFiles[0].reason, kGivenUpReason);
 }
 
 TEST(Stpa, CannotTakeEncryptedMembers) {
@@ -112,16 +112,16 @@ TEST(Stpa, CannotTakeEncryptedMembers) {
     std::vector<Member> members = Machine();
     members[0].password = "secret";
     const Loaded part(folder, members);
-    EXPECT_EQ(part.view.drawnTriangles, 0);
+    EXPECT_EQ(part.view.loaded.drawnTriangles, 0);
     EXPECT_TRUE(part.Says("<E> Invalid P21 file\n"));
-    ASSERT_EQ(part.view.unreadFiles.size(), 1u);
-    EXPECT_STREQ(part.view.unreadFiles[0].reason, "is encrypted");
+    ASSERT_EQ(part.view.loaded.unreadFiles.size(), 1u);
+    EXPECT_STREQ(part.view.loaded.unreadFiles[0].reason, "is encrypted");
     members = Machine();
     members[2].password = "secret";
     const Loaded root(folder, members);
-    EXPECT_EQ(root.view.drawnTriangles, 0);
-    ASSERT_EQ(root.view.unreadFiles.size(), 1u);
-    EXPECT_EQ(root.view.unreadFiles[0].path, "main.stpx");
+    EXPECT_EQ(root.view.loaded.drawnTriangles, 0);
+    ASSERT_EQ(root.view.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(root.view.loaded.unreadFiles[0].path, "main.stpx");
 }
 
 // Writes another compression method over that of a member, in its local header and in the directory.
@@ -143,20 +143,20 @@ TEST(Stpa, CannotTakeMembersOfForeignMethods) {
         Loaded part(folder, members);
         SetMethod(part.path, "parts/w.stp", method);
         part.Load(1);
-        EXPECT_EQ(part.view.drawnTriangles, 0);
+        EXPECT_EQ(part.view.loaded.drawnTriangles, 0);
         EXPECT_TRUE(part.Says("<E> Invalid P21 file\n"));
-        ASSERT_EQ(part.view.unreadFiles.size(), 1u);
+        ASSERT_EQ(part.view.loaded.unreadFiles.size(), 1u);
         Loaded root(folder, Machine());
         SetMethod(root.path, "main.stpx", method);
         root.Load(1);
-        EXPECT_EQ(root.view.drawList, nullptr);
-        ASSERT_EQ(root.view.unreadFiles.size(), 1u);
-        EXPECT_EQ(root.view.unreadFiles[0].path, "main.stpx");
+        EXPECT_EQ(root.view.loaded.drawList, nullptr);
+        ASSERT_EQ(root.view.loaded.unreadFiles.size(), 1u);
+        EXPECT_EQ(root.view.loaded.unreadFiles[0].path, "main.stpx");
         Loaded ini(folder, Machine());
         SetMethod(ini.path, "stpa.ini", method);
         ini.Load(1);
         EXPECT_FALSE(ini.Says("<E>")) << "without its ini an archive is left in silence";
-        EXPECT_EQ(ini.view.unreadFiles.size(), 1u);
+        EXPECT_EQ(ini.view.loaded.unreadFiles.size(), 1u);
     }
 }
 
@@ -174,18 +174,18 @@ TEST(Stpa, NeedsAPartUnderExactlyItsName) {
     std::vector<Member> members = Machine();
     members[0].name = "Parts/w.stp";
     const Loaded loaded(folder, members);
-    EXPECT_EQ(loaded.view.drawnTriangles, 0);
-    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
-    EXPECT_STREQ(loaded.view.unreadFiles[0].reason, "isn't a member of the archive");
+    EXPECT_EQ(loaded.view.loaded.drawnTriangles, 0);
+    ASSERT_EQ(loaded.view.loaded.unreadFiles.size(), 1u);
+    EXPECT_STREQ(loaded.view.loaded.unreadFiles[0].reason, "isn't a member of the archive");
 }
 
 TEST(Stpa, ReadsNoPartFromTheFileSystem) {
     const TestFolder folder;
     const std::string outside = folder.WriteGzip("w.stpz", PartFile("w"));
     const Loaded loaded(folder, {kIni, {"main.stpx", RootText(outside)}});
-    EXPECT_EQ(loaded.view.drawnTriangles, 0);
-    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
-    EXPECT_STREQ(loaded.view.unreadFiles[0].reason, "isn't a member of the archive");
+    EXPECT_EQ(loaded.view.loaded.drawnTriangles, 0);
+    ASSERT_EQ(loaded.view.loaded.unreadFiles.size(), 1u);
+    EXPECT_STREQ(loaded.view.loaded.unreadFiles[0].reason, "isn't a member of the archive");
 }
 
 TEST(Stpa, TakesTheFirstOfTwoMembersWithTheSameName) {
@@ -202,7 +202,7 @@ TEST(Stpa, OpensAnArchiveUnderItsNameWithZipBehindIt) {
     const ConsoleText console;
     LoadZIPFile(view, folder.Path("b.stpa").c_str(), nullptr, 1);
     EXPECT_TRUE(console.Has(folder.Path("b.stpa.zip") + " opened\n"));
-    EXPECT_EQ(view.drawnTriangles, 2);
+    EXPECT_EQ(view.loaded.drawnTriangles, 2);
 }
 
 TEST(Stpa, GivesUpWhatIsNoArchive) {
@@ -211,19 +211,21 @@ TEST(Stpa, GivesUpWhatIsNoArchive) {
     folder.Write("empty.stpa", std::string("PK\5\6") + std::string(18, '\0'));
     for (const std::string& path :
          {folder.Path("none.stpa"), folder.Path("text.stpa"), folder.Path("empty.stpa"), folder.Path("")}) {
-        ZIPReader reader;
+        LoadedScene loaded = NewScene();
+        ZIPReader reader(loaded);
         const ConsoleText console;
         testing::internal::CaptureStdout();
         EXPECT_EQ(TraiteSTPA(reader, path.c_str(), nullptr, 1), 1);
         EXPECT_EQ(testing::internal::GetCapturedStdout(), "Cannot open " + path + " or " + path + ".zip\n");
         EXPECT_EQ(console.Count("<E>"), 1);
-        EXPECT_EQ(reader.unreadFiles.size(), 1u);
+        EXPECT_EQ(reader.loaded.unreadFiles.size(), 1u);
     }
 }
 
 int ResultOf(const TestFolder& folder, const std::vector<Member>& members, std::string* said) {
     WriteArchive(folder.Path("r.stpa"), members);
-    ZIPReader reader;
+    LoadedScene loaded = NewScene();
+    ZIPReader reader(loaded);
     const ConsoleText console;
     const int result = TraiteSTPA(reader, folder.Path("r.stpa").c_str(), nullptr, 1);
     *said = console.Text();
@@ -265,24 +267,24 @@ TEST(Stpa, ReadsNothingWithoutThreads) {
     const TestFolder folder;
     const Loaded loaded(folder, Machine(), 0);
     EXPECT_FALSE(loaded.Says("TraiteSTEPXFileNewMT"));
-    EXPECT_EQ(loaded.view.drawList, nullptr);
-    EXPECT_EQ(loaded.view.drawnTriangles, 0);
-    EXPECT_EQ(loaded.view.pickMode, 2);
+    EXPECT_EQ(loaded.view.loaded.drawList, nullptr);
+    EXPECT_EQ(loaded.view.loaded.drawnTriangles, 0);
+    EXPECT_EQ(loaded.view.loaded.pickMode, 2);
     EXPECT_EQ(loaded.view.modelSize, 10);
-    ASSERT_EQ(loaded.view.unreadFiles.size(), 1u);
-    EXPECT_EQ(loaded.view.unreadFiles[0].path, loaded.path);
-    EXPECT_EQ(loaded.view.unreadFiles[0].productName, "") << "so that the title says it";
+    ASSERT_EQ(loaded.view.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(loaded.view.loaded.unreadFiles[0].path, loaded.path);
+    EXPECT_EQ(loaded.view.loaded.unreadFiles[0].productName, "") << "so that the title says it";
 }
 
 TEST(Stpa, KeepsWhatTheViewHadWhenItFails) {
     const TestFolder folder;
     SceneView view;
-    view.pickMode = 2;
-    view.drawnTriangles = 5;
+    view.loaded.pickMode = 2;
+    view.loaded.drawnTriangles = 5;
     LoadZIPFile(view, folder.Path("none.stpa").c_str(), nullptr, 1);
-    EXPECT_EQ(view.pickMode, 0);
-    EXPECT_EQ(view.drawnTriangles, 5);
-    EXPECT_EQ(view.drawList, nullptr);
+    EXPECT_EQ(view.loaded.pickMode, 0);
+    EXPECT_EQ(view.loaded.drawnTriangles, 5);
+    EXPECT_EQ(view.loaded.drawList, nullptr);
 }
 
 TEST(Stpa, LeavesOutMembersWithNamesOf256Characters) {

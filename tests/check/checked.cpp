@@ -1,6 +1,6 @@
 #include "check/checked.h"
 
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "load/no_controls.h"
 #include "platform/console.h"
 #include "support/capture.h"
@@ -10,7 +10,7 @@
 
 namespace tarnwick::test {
 
-CheckReport Checked(const std::string& path, int useThreads) {
+CheckReport Checked(const std::string& path, bool useThreads) {
     LogCapture log;
     SceneView view;
     NoControls controls;

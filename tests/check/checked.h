@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 // The report of a file, with nothing printed. An archive is only read with threads.
-CheckReport Checked(const std::string& path, int useThreads = 0);
+CheckReport Checked(const std::string& path, bool useThreads = 0);
 
 // "kind line #entity" of each finding, as far as it has these; in an assembly the file's name comes first.
 std::vector<std::string> Brief(const CheckReport& report);

@@ -2,8 +2,9 @@
 // all of its triangles.
 
 #include "check/checked.h"
+#include "formats/load_commands.h"
 
-#include "load/load_commands.h"
+#include "load/view_setup.h"
 #include "support/capture.h"
 #include "support/sanitized.h"
 
@@ -18,10 +19,10 @@ std::pair<std::int32_t, std::int32_t> Drawn(const std::string& path) {
     SceneView view;
     LoadStepFile(view, path.c_str(), 0);
     std::int32_t meshes = 0;
-    for (std::int32_t i = 0; view.drawList != nullptr && i < view.drawList->count; ++i) {
-        meshes += view.drawList->items[i]->meshCount;
+    for (std::int32_t i = 0; view.loaded.drawList != nullptr && i < view.loaded.drawList->count; ++i) {
+        meshes += view.loaded.drawList->items[i]->meshCount;
     }
-    return {view.drawnTriangles, meshes};
+    return {view.loaded.drawnTriangles, meshes};
 }
 
 TEST(CheckOrDraw, EachCharacterCounts) {

@@ -1,7 +1,7 @@
 // Good and bad files of every kind, one after the other for as long as a viewer stays open: what they leave
 // behind is nothing.
 
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "support/capture.h"
 #include "support/formats.h"
 #include "support/sanitized.h"
@@ -37,7 +37,7 @@ struct Holdings {
     long pages = ResidentPages();
 };
 
-void Load(SceneView& view, const std::string& path, int useThreads) {
+void Load(SceneView& view, const std::string& path, bool useThreads) {
     if (path.ends_with(".stp") || path.ends_with(".stpz")) { LoadStepFile(view, path.c_str(), useThreads); }
     if (path.ends_with(".stpx")) { LoadStpxFile(view, path.c_str(), nullptr, useThreads); }
     if (path.ends_with(".stpj")) { LoadStpjFile(view, path.c_str()); }
@@ -88,7 +88,7 @@ TEST(MixedLoads, OfAThousandGoodAndBadFilesLeaveNothingBehind) {
     for (int load = 0; load < 1000; ++load) {
         const std::string& path = paths[static_cast<std::size_t>(load) % paths.size()];
         Load(view, path, load % 4 == 0 ? 0 : 1);
-        if (path.find("good") != std::string::npos && view.drawnTriangles > 0) { ++shown; }
+        if (path.find("good") != std::string::npos && view.loaded.drawnTriangles > 0) { ++shown; }
         if (load == 200) { before = Holdings(); }
     }
     const Holdings after;

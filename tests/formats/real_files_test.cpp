@@ -1,6 +1,6 @@
 // Files that other programs wrote. They are no part of this project, so a machine may lack them.
 
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "support/formats.h"
 
 #include <gtest/gtest.h>
@@ -35,8 +35,8 @@ TEST(RealFiles, AnAssemblyOfForeignPartsHasATreeAndFiveUnreadFiles) {
     SceneView view;
     LoadStpxFile(view, path.c_str(), nullptr, 1);
     EXPECT_EQ(Report(view)["products"].size(), 9u);
-    EXPECT_EQ(view.drawnTriangles, 0);
-    EXPECT_EQ(view.unreadFiles.size(), 5u);
+    EXPECT_EQ(view.loaded.drawnTriangles, 0);
+    EXPECT_EQ(view.loaded.unreadFiles.size(), 5u);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // The load of an assembly over many files, from the top file to the draw list of its root, on one thread.
 
-#include "load/load_driver.h"
+#include "load/step_driver.h"
 #include "support/assembly_text.h"
 #include "support/loaded_file.h"
 #include "support/temp_folder.h"
@@ -61,23 +61,23 @@ TEST(AssemblyLoad, ReadsATopFileItsSubAssemblyAndTheirParts) {
     EXPECT_EQ(load.result, 0);
     EXPECT_EQ(load.session.isAssembly, 1);
     EXPECT_EQ(load.session.folder, folder.Path(""));
-    EXPECT_EQ(load.session.rootName, "machine");
+    EXPECT_EQ(load.session.loaded.rootName, "machine");
     EXPECT_EQ(load.session.partCount, 2);
     EXPECT_THAT(load.ProductNames(), UnorderedElementsAre("machine", "arm", "bolt", "plate"));
     EXPECT_THAT(load.QueueNames(), UnorderedElementsAre("arm", "bolt", "plate"));
     // The bolt keeps the file of the upper file, and is one node for both.
     EXPECT_STREQ(load.Find("bolt")->fileName, "bolt.stp");
     EXPECT_THAT(load.DrawnNames(), UnorderedElementsAre("bolt", "bolt", "bolt", "plate"));
-    EXPECT_EQ(load.session.triangleCount, 3 * 2 + 5);
-    EXPECT_EQ(load.session.hasBox, 1);
-    EXPECT_THAT(load.session.box, ElementsAre(0, 153, 0, 8, 0, 1));
-    EXPECT_THAT(load.session.root->box, ElementsAre(0, 153, 0, 8, 0, 1));
-    EXPECT_EQ(load.session.containers, nullptr);
-    EXPECT_EQ(load.session.resultMesh, nullptr);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 3 * 2 + 5);
+    EXPECT_EQ(load.session.loaded.hasBox, 1);
+    EXPECT_THAT(load.session.loaded.box, ElementsAre(0, 153, 0, 8, 0, 1));
+    EXPECT_THAT(load.session.loaded.root->box, ElementsAre(0, 153, 0, 8, 0, 1));
+    EXPECT_EQ(load.session.loaded.containers, nullptr);
+    EXPECT_EQ(load.session.loaded.resultMesh, nullptr);
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n" + Counts(2));
-    EXPECT_THAT(load.session.unreadFiles, IsEmpty());
-    for (std::int32_t i = 0; i < load.session.drawList->count; ++i) {
-        const DrawItem& item = *load.session.drawList->items[i];
+    EXPECT_THAT(load.session.loaded.unreadFiles, IsEmpty());
+    for (std::int32_t i = 0; i < load.session.loaded.drawList->count; ++i) {
+        const DrawItem& item = *load.session.loaded.drawList->items[i];
         EXPECT_EQ(item.meshes, load.Find(item.product->name)->drawList->items[0]->meshes);
     }
 }
@@ -87,7 +87,6 @@ TEST(AssemblyLoad, PrintsNoThreadLinesWithoutThreads) {
     folder.Write("a.stp", PlateText(1));
     const LoadedFile load(folder.Write("top.stp", TopOf({"a"})));
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n" + Counts(1));
-    for (const auto& done : load.session.done) { EXPECT_EQ(done, 0); }
 }
 
 TEST(AssemblyLoad, WithoutReferencesIsATreeWithoutGeometry) {
@@ -97,13 +96,13 @@ TEST(AssemblyLoad, WithoutReferencesIsATreeWithoutGeometry) {
     text.Use(top, text.Product("leaf"), At(5, 0, 0));
     const LoadedFile load(folder.Write("top.stp", text.Text()));
     EXPECT_EQ(load.result, 0);
-    EXPECT_EQ(load.session.queue.count, 0);
-    EXPECT_THAT(ChildNames(*load.session.root), ElementsAre("leaf"));
-    ASSERT_NE(load.session.drawList, nullptr);
-    EXPECT_EQ(load.session.drawList, load.session.root->drawList);
-    EXPECT_EQ(load.session.drawList->count, 0);
-    EXPECT_EQ(load.session.triangleCount, 0);
-    EXPECT_THAT(load.session.box, ElementsAre(0, 0, 0, 0, 0, 0));
+    EXPECT_EQ(load.session.tree.queue.Count().all, 0);
+    EXPECT_THAT(ChildNames(*load.session.loaded.root), ElementsAre("leaf"));
+    ASSERT_NE(load.session.loaded.drawList, nullptr);
+    EXPECT_EQ(load.session.loaded.drawList, load.session.loaded.root->drawList);
+    EXPECT_EQ(load.session.loaded.drawList->count, 0);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
+    EXPECT_THAT(load.session.loaded.box, ElementsAre(0, 0, 0, 0, 0, 0));
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n" + Counts(0));
 }
 
@@ -117,9 +116,9 @@ TEST(AssemblyLoad, DrawsNothingOfGeometryInTheTopFileItself) {
     for (const std::string& line : text.DataLines()) { bytes += line + "\n"; }
     const LoadedFile load(folder.Write("top.stp", bytes + "ENDSEC;\nEND-ISO-10303-21;\n"));
     EXPECT_EQ(load.session.isAssembly, 1);
-    EXPECT_EQ(load.session.triangleCount, 0);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
     EXPECT_EQ(load.session.partCount, 0);
-    EXPECT_EQ(load.session.rootName, "top");
+    EXPECT_EQ(load.session.loaded.rootName, "top");
 }
 
 TEST(AssemblyLoad, SaysThatThereIsNoRoot) {
@@ -133,13 +132,13 @@ TEST(AssemblyLoad, SaysThatThereIsNoRoot) {
     folder.Write("b.stp", PlateText(1));
     const LoadedFile load(folder.Write("top.stp", text.Text()));
     EXPECT_EQ(load.result, 0);
-    EXPECT_EQ(load.session.root, nullptr);
-    EXPECT_FALSE(load.session.hasRootName);
-    ASSERT_NE(load.session.drawList, nullptr);
-    EXPECT_EQ(load.session.drawList->count, 0);
-    EXPECT_EQ(load.session.drawList->capacity, 100);
-    EXPECT_EQ(load.session.hasBox, 0);
-    EXPECT_EQ(load.session.triangleCount, 0);
+    EXPECT_EQ(load.session.loaded.root, nullptr);
+    EXPECT_FALSE(load.session.loaded.hasRootName);
+    ASSERT_NE(load.session.loaded.drawList, nullptr);
+    EXPECT_EQ(load.session.loaded.drawList->count, 0);
+    EXPECT_EQ(load.session.loaded.drawList->capacity, 100);
+    EXPECT_EQ(load.session.loaded.hasBox, 0);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
     // Its parts have been read all the same.
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n<E> Root not found\n" + Counts(1));
 }
@@ -167,8 +166,8 @@ TEST(AssemblyLoad, ComesBeforeFiniteElements) {
     const LoadedFile load(
         folder.Write("top.stp", text.Text("AP209_MULTIDISCIPLINARY_ANALYSIS_AND_DESIGN_MIM_LF")));
     EXPECT_EQ(load.session.isAssembly, 1);
-    EXPECT_EQ(load.session.resultMesh, nullptr);
-    EXPECT_EQ(load.session.triangleCount, 4);
+    EXPECT_EQ(load.session.loaded.resultMesh, nullptr);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 4);
 }
 
 TEST(AssemblyLoad, ReadsAFiniteElementFileAmongItsPartsAsAPart) {
@@ -177,7 +176,7 @@ TEST(AssemblyLoad, ReadsAFiniteElementFileAmongItsPartsAsAPart) {
     part.replace(part.find("AP242"), 5, "AP209");
     folder.Write("a.stp", part);
     const LoadedFile load(folder.Write("top.stp", TopOf({"a"})));
-    EXPECT_EQ(load.session.triangleCount, 4);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 4);
 }
 
 TEST(AssemblyLoad, GivesUpATopFileWhoseStructureRunsPastItsEnd) {
@@ -192,10 +191,10 @@ TEST(AssemblyLoad, GivesUpATopFileWhoseStructureRunsPastItsEnd) {
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n<E> " + path + ": its structure is given up, #" +
                                 std::to_string(broken) + " runs past the end of the file\n" +
                                 "<E> Root not found\n" + Counts(0));
-    EXPECT_EQ(load.session.products.count, 0);
-    ASSERT_EQ(load.session.unreadFiles.size(), 1u);
-    EXPECT_EQ(load.session.unreadFiles[0].path, path);
-    EXPECT_EQ(load.session.unreadFiles[0].productName, "");
+    EXPECT_EQ(load.session.tree.products.count, 0);
+    ASSERT_EQ(load.session.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].path, path);
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].productName, "");
 }
 
 TEST(AssemblyLoad, GivesUpASubAssemblyWhoseStructureRunsPastItsEndAndGoesOn) {
@@ -208,10 +207,10 @@ TEST(AssemblyLoad, GivesUpASubAssemblyWhoseStructureRunsPastItsEndAndGoesOn) {
     const LoadedFile load(folder.Write("top.stp", TopOf({"sub", "a"})));
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n<E> " + subPath + ": its structure is given up, #" +
                                 std::to_string(broken) + " runs past the end of the file\n" + Counts(1));
-    EXPECT_EQ(load.session.triangleCount, 3);
-    ASSERT_EQ(load.session.unreadFiles.size(), 1u);
-    EXPECT_EQ(load.session.unreadFiles[0].path, subPath);
-    EXPECT_EQ(load.session.unreadFiles[0].productName, "sub");
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 3);
+    ASSERT_EQ(load.session.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].path, subPath);
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].productName, "sub");
 }
 
 TEST(AssemblyLoad, NotesAPartThatIsGivenUpAmongTheUnreadFiles) {
@@ -221,11 +220,11 @@ TEST(AssemblyLoad, NotesAPartThatIsGivenUpAmongTheUnreadFiles) {
     const std::string damaged = folder.Write("a.stp", text);
     folder.Write("b.stp", PlateText(2));
     const LoadedFile load(folder.Write("top.stp", TopOf({"a", "b"})));
-    EXPECT_EQ(load.session.triangleCount, 2);
-    ASSERT_EQ(load.session.unreadFiles.size(), 1u);
-    EXPECT_EQ(load.session.unreadFiles[0].path, damaged);
-    EXPECT_EQ(load.session.unreadFiles[0].productName, "a");
-    EXPECT_STREQ(load.session.unreadFiles[0].reason, kGivenUpReason);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 2);
+    ASSERT_EQ(load.session.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].path, damaged);
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].productName, "a");
+    EXPECT_STREQ(load.session.loaded.unreadFiles[0].reason, kGivenUpReason);
 }
 
 TEST(AssemblyLoad, LeavesAQueuedProductAsItWasWhenItsFileIsGivenUp) {
@@ -257,7 +256,7 @@ TEST(AssemblyLoad, CountsThePartsThatWereReadAndNothingElse) {
     // deep, empty, and the one whose reading was given up.
     EXPECT_EQ(load.session.partCount, 3);
     EXPECT_THAT(load.console, ::testing::EndsWith(Counts(3)));
-    EXPECT_EQ(load.session.triangleCount, 1);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 1);
 }
 
 TEST(AssemblyLoad, GivesAPartWithoutMeshesAnItemWithoutMeshes) {
@@ -265,8 +264,8 @@ TEST(AssemblyLoad, GivesAPartWithoutMeshesAnItemWithoutMeshes) {
     folder.Write("a.stp", PartText("()", {}));
     const LoadedFile load(folder.Write("top.stp", TopOf({"a", "missing"})));
     ASSERT_THAT(load.DrawnNames(), ElementsAre("a"));
-    EXPECT_EQ(load.session.drawList->items[0]->meshCount, 0);
-    EXPECT_NE(load.session.drawList->items[0]->matrix, nullptr);
+    EXPECT_EQ(load.session.loaded.drawList->items[0]->meshCount, 0);
+    EXPECT_NE(load.session.loaded.drawList->items[0]->matrix, nullptr);
 }
 
 TEST(AssemblyLoad, ReadsAFileForEachOfTwoProductsOfOneName) {
@@ -281,9 +280,9 @@ TEST(AssemblyLoad, ReadsAFileForEachOfTwoProductsOfOneName) {
     folder.Write("twin.stp", PlateText(2));
     const LoadedFile load(folder.Write("top.stp", text.Text()));
     EXPECT_EQ(load.session.partCount, 2);
-    ASSERT_EQ(load.session.drawList->count, 2);
-    EXPECT_NE(load.session.drawList->items[0]->meshes, load.session.drawList->items[1]->meshes);
-    EXPECT_EQ(load.session.triangleCount, 4);
+    ASSERT_EQ(load.session.loaded.drawList->count, 2);
+    EXPECT_NE(load.session.loaded.drawList->items[0]->meshes, load.session.loaded.drawList->items[1]->meshes);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 4);
 }
 
 TEST(AssemblyLoad, ReadsAPartThatTwoSubAssembliesShareOnce) {
@@ -294,7 +293,7 @@ TEST(AssemblyLoad, ReadsAPartThatTwoSubAssembliesShareOnce) {
     const LoadedFile load(folder.Write("top.stp", TopOf({"left", "right"})));
     EXPECT_EQ(load.session.partCount, 1);
     EXPECT_THAT(load.DrawnNames(), ElementsAre("bolt", "bolt"));
-    EXPECT_EQ(load.session.drawList->items[0]->meshes, load.session.drawList->items[1]->meshes);
+    EXPECT_EQ(load.session.loaded.drawList->items[0]->meshes, load.session.loaded.drawList->items[1]->meshes);
 }
 
 TEST(AssemblyLoad, NeverDrawsALowerFileWhoseRootHasAnotherName) {
@@ -305,7 +304,7 @@ TEST(AssemblyLoad, NeverDrawsALowerFileWhoseRootHasAnotherName) {
     EXPECT_THAT(load.ProductNames(), UnorderedElementsAre("top", "sub", "called otherwise", "part"));
     EXPECT_EQ(load.session.partCount, 1); // read, but under nothing
     EXPECT_THAT(load.DrawnNames(), IsEmpty());
-    EXPECT_EQ(load.session.rootName, "top");
+    EXPECT_EQ(load.session.loaded.rootName, "top");
 }
 
 TEST(AssemblyLoad, DrawsOnlyTheGeometryOfAChildThatHasPartsToo) {
@@ -322,8 +321,8 @@ TEST(AssemblyLoad, DrawsOnlyTheGeometryOfAChildThatHasPartsToo) {
     folder.Write("below.stp", PlateText(3));
     const LoadedFile load(folder.Write("top.stp", text.Text()));
     EXPECT_THAT(load.DrawnNames(), ElementsAre("both"));
-    EXPECT_EQ(load.session.triangleCount, 2);
-    EXPECT_THAT(load.session.box, ElementsAre(0, 1, 0, 1, 0, 1));
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 2);
+    EXPECT_THAT(load.session.loaded.box, ElementsAre(0, 1, 0, 1, 0, 1));
 }
 
 TEST(AssemblyLoad, DrawsTheGeometryOfARootThatHasPartsTooAndItsParts) {
@@ -338,10 +337,10 @@ TEST(AssemblyLoad, DrawsTheGeometryOfARootThatHasPartsTooAndItsParts) {
     folder.Write("part.stp", PlateText(3));
     const LoadedFile load(folder.Write("top.stp", text.Text()));
     EXPECT_THAT(load.DrawnNames(), ElementsAre("top", "part"));
-    EXPECT_EQ(load.session.drawList->items[0]->matrix, nullptr);
-    EXPECT_EQ(load.session.triangleCount, 5);
+    EXPECT_EQ(load.session.loaded.drawList->items[0]->matrix, nullptr);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 5);
     // The box of the parts takes the place of its own.
-    EXPECT_THAT(load.session.box, ElementsAre(50, 51, 0, 1, 0, 1));
+    EXPECT_THAT(load.session.loaded.box, ElementsAre(50, 51, 0, 1, 0, 1));
 }
 
 TEST(AssemblyLoad, EndsWhereFilesNameEachOther) {
@@ -363,7 +362,7 @@ TEST(AssemblyLoad, EndsWhereAFileNamesItself) {
     const TempFolder folder;
     const LoadedFile load(folder.Write("top.stp", TopOf({"top"}, "root")));
     EXPECT_EQ(load.result, 0);
-    EXPECT_EQ(load.session.rootName, "root");
+    EXPECT_EQ(load.session.loaded.rootName, "root");
     // Read again as the file of "top": its "root" is a new product, its "top" the queued one.
     EXPECT_THAT(load.ProductNames(), ElementsAre("root", "top", "root"));
     EXPECT_EQ(load.session.partCount, 0);
@@ -378,7 +377,7 @@ TEST(AssemblyLoad, KeepsNoPointerIntoTheTextOfItsFiles) {
         folder.Write(names.back() + ".stp", PlateText(1 + i, {0, 1.0 + i, 0, 1, 0, 1}));
     }
     const LoadedFile load(folder.Write("top.stp", TopOf(names)));
-    EXPECT_EQ(load.session.triangleCount, 50 * 51 / 2);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 50 * 51 / 2);
     for (int i = 0; i < 50; ++i) {
         const ProductNode* const product = load.Find(names[static_cast<std::size_t>(i)]);
         ASSERT_NE(product, nullptr);
@@ -393,9 +392,9 @@ TEST(AssemblyLoad, SumsTheTimesOfItsPartReaders) {
     const TempFolder folder;
     folder.Write("a.stp", PlateText(20000));
     const LoadedFile load(folder.Write("top.stp", TopOf({"a"})));
-    EXPECT_GT(load.session.readSeconds, 0);
-    EXPECT_GT(load.session.partSeconds, 0);
-    EXPECT_EQ(load.session.inflateSeconds, 0);
+    EXPECT_GT(load.session.loaded.readSeconds, 0);
+    EXPECT_GT(load.session.loaded.partSeconds, 0);
+    EXPECT_EQ(load.session.loaded.inflateSeconds, 0);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // Files that are something else than files, and files that change while they are read.
 
+#include "formats/load_commands.h"
 #include "load/loaded_view.h"
 #include "support/assembly_text.h"
 #include "support/loaded_file.h"
@@ -60,18 +61,18 @@ TEST(ChangingFiles, OfAnotherKindAreUnread) {
     ASSERT_EQ(mkdir(place(0).c_str(), 0700), 0);
     ASSERT_EQ(mkfifo(place(1).c_str(), 0600), 0);
     ASSERT_EQ(symlink(place(2).c_str(), place(2).c_str()), 0);
-    for (const int useThreads : {0, 1}) {
+    for (const bool useThreads : {0, 1}) {
         const LoadedFile load(machine.path, useThreads);
-        EXPECT_EQ(load.session.triangleCount, 2);
-        ASSERT_EQ(load.session.unreadFiles.size(), 3u);
-        for (const UnreadFile& file : load.session.unreadFiles) {
+        EXPECT_EQ(load.session.loaded.drawnTriangles, 2);
+        ASSERT_EQ(load.session.loaded.unreadFiles.size(), 3u);
+        for (const UnreadFile& file : load.session.loaded.unreadFiles) {
             EXPECT_STREQ(file.reason, "can't be opened") << file.path;
         }
     }
     for (int i = 0; i < 2; ++i) {
         const LoadedFile load(place(i));
         EXPECT_EQ(load.result, 1);
-        EXPECT_EQ(load.session.unreadFiles.size(), 1u);
+        EXPECT_EQ(load.session.loaded.unreadFiles.size(), 1u);
     }
 }
 
@@ -99,8 +100,8 @@ TEST(ChangingFiles, WithoutRightsAreUnread) {
     ASSERT_EQ(chmod(part.c_str(), 0), 0);
     const WithoutRootRights rights;
     const LoadedFile load(machine.path, 1);
-    EXPECT_EQ(load.session.triangleCount, 6);
-    ASSERT_EQ(load.session.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 6);
+    ASSERT_EQ(load.session.loaded.unreadFiles.size(), 1u);
 }
 
 TEST(ChangingFiles, ThatVanishGrowAndShrinkWhileTheyAreReadEndNothingElse) {
@@ -134,7 +135,7 @@ TEST(ChangingFiles, ThatVanishGrowAndShrinkWhileTheyAreReadEndNothingElse) {
         SceneView view;
         for (; loads < (kSanitized ? 200 : 1000); ++loads) {
             LoadStepFile(view, machine.path.c_str(), loads % 2);
-            if (view.drawnTriangles > 8) { break; }
+            if (view.loaded.drawnTriangles > 8) { break; }
         }
     }
     done = true;

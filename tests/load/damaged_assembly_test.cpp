@@ -1,6 +1,7 @@
 // The whole load of an assembly, and of a finite element model, on every prefix of a good file and with each
 // of its bytes replaced: no fault and no endless loop, and what is shown is sound.
 
+#include "formats/load_commands.h"
 #include "load/loaded_view.h"
 #include "support/assembly_text.h"
 #include "support/temp_folder.h"
@@ -26,8 +27,10 @@ protected:
         LoadStepFile(view_, folder_.Path("top.stp").c_str(), 0);
         std::int32_t triangles = 0;
         for (const StepFaceB* const face : view_.Faces()) { triangles += face->triangleCount; }
-        if (view_.drawList != nullptr && triangles != view_.drawnTriangles) { unsound_ = "the count"; }
-        const ResultMesh* const mesh = view_.resultMesh;
+        if (view_.loaded.drawList != nullptr && triangles != view_.loaded.drawnTriangles) {
+            unsound_ = "the count";
+        }
+        const ResultMesh* const mesh = view_.loaded.resultMesh;
         float sum = 0;
         for (std::int32_t i = 0; mesh != nullptr && i < 3 * mesh->nodeCount; ++i) {
             sum += mesh->vertices[i];
@@ -128,17 +131,17 @@ INSTANTIATE_TEST_SUITE_P(Bytes, DamagedMesh, kBytes, ByteName);
 class CutAssembly : public DamagedAssembly {};
 TEST_P(CutAssembly, IsLoadedAtEveryLengthOfItsFiles) {
     LoadCut(sub_, "sub.stp");
-    EXPECT_EQ(view_.drawnTriangles, 2);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 2);
     LoadCut(top_, "top.stp");
-    EXPECT_EQ(view_.drawnTriangles, 2);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 2);
 }
 INSTANTIATE_TEST_SUITE_P(All, CutAssembly, testing::Values(0), ByteName);
 
 class CutMesh : public DamagedMesh {};
 TEST_P(CutMesh, IsLoadedAtEveryLength) {
     LoadCut(Mesh(), "top.stp");
-    ASSERT_NE(view_.resultMesh, nullptr);
-    EXPECT_EQ(view_.resultMesh->quadCount, 2);
+    ASSERT_NE(view_.loaded.resultMesh, nullptr);
+    EXPECT_EQ(view_.loaded.resultMesh->quadCount, 2);
 }
 INSTANTIATE_TEST_SUITE_P(All, CutMesh, testing::Values(0), ByteName);
 

@@ -1,6 +1,7 @@
 // The whole load of a part on every prefix of a good file, and with each of its bytes replaced: no fault and
 // no endless loop, and what is shown is sound.
 
+#include "formats/load_commands.h"
 #include "load/loaded_view.h"
 #include "platform/fail_fast.h"
 #include "support/p21_text.h"
@@ -39,7 +40,9 @@ protected:
             for (std::int32_t i = 0; i < 3 * face->normalCount; ++i) { sum += face->normals[i]; }
         }
         sum_ = sum; // every number was touched
-        if (view_.drawList != nullptr && triangles != view_.drawnTriangles) { Unsound(what + ": the count"); }
+        if (view_.loaded.drawList != nullptr && triangles != view_.loaded.drawnTriangles) {
+            Unsound(what + ": the count");
+        }
         if (++loads_ % 256 == 0) {
             log_->TakeOutput();
             log_->TakeConsole();
@@ -77,7 +80,7 @@ TEST_F(DamagedPart, IsLoadedAtEveryLength) {
     for (std::size_t length = 0; length <= text.size(); ++length) {
         Load(text.substr(0, length), "x.stp", "length " + std::to_string(length));
     }
-    EXPECT_EQ(view_.drawnTriangles, 8);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 8);
 }
 
 TEST_F(DamagedPart, IsLoadedAtEveryLengthOfItsCompressedForm) {
@@ -85,7 +88,7 @@ TEST_F(DamagedPart, IsLoadedAtEveryLengthOfItsCompressedForm) {
         for (std::size_t length = 0; length <= packed.size(); ++length) {
             Load(packed.substr(0, length), "x.stpz", "length " + std::to_string(length));
         }
-        EXPECT_EQ(view_.drawnTriangles, 8);
+        EXPECT_EQ(view_.loaded.drawnTriangles, 8);
     }
 }
 

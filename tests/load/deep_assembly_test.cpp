@@ -77,11 +77,11 @@ TEST(DeepAssembly, MayHaveAHundredThousandLevels) {
     const std::string path = folder.Write("top.stp", text.Text());
     const LoadedFile load(path);
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\nNumber of files=0  ; Number of parts=1 \n");
-    EXPECT_EQ(load.session.products.count, kLevels + 1);
-    EXPECT_EQ(load.session.rootName, "0");
-    ASSERT_EQ(load.session.drawList->count, 1);
-    EXPECT_EQ(load.session.drawList->items[0]->matrix[12], kLevels);
-    EXPECT_THAT(load.session.box, ElementsAre(kLevels, kLevels + 1, 0, 1, 0, 1));
+    EXPECT_EQ(load.session.tree.products.count, kLevels + 1);
+    EXPECT_EQ(load.session.loaded.rootName, "0");
+    ASSERT_EQ(load.session.loaded.drawList->count, 1);
+    EXPECT_EQ(load.session.loaded.drawList->items[0]->matrix[12], kLevels);
+    EXPECT_THAT(load.session.loaded.box, ElementsAre(kLevels, kLevels + 1, 0, 1, 0, 1));
 }
 
 TEST(DeepAssembly, MayBeACycleOfAHundredThousandLevels) {
@@ -103,7 +103,7 @@ TEST(DeepAssembly, MayBeACycleOfAHundredThousandLevels) {
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n<E> " + path +
                                 ": product '0' is part of itself; that use of it is left out\n"
                                 "Number of files=0  ; Number of parts=0 \n");
-    EXPECT_EQ(load.session.rootName, "root");
+    EXPECT_EQ(load.session.loaded.rootName, "root");
 }
 
 TEST(DeepAssembly, CanBeReported) {
@@ -132,13 +132,15 @@ TEST(WideAssembly, PaysForAHundredThousandUsesOfAPartInSmallRecords) {
     folder.Write("part.stp", PlateText(100));
     const LoadedFile load(folder.Write("top.stp", text.Text()));
     EXPECT_EQ(load.session.partCount, 1);
-    EXPECT_EQ(load.session.root->occurrenceCount, kUses);
-    ASSERT_EQ(load.session.drawList->count, kUses);
-    EXPECT_EQ(load.session.triangleCount, 100 * kUses);
-    StepFaceB** const meshes = load.session.drawList->items[0]->meshes;
-    for (std::int32_t i = 0; i < kUses; ++i) { ASSERT_EQ(load.session.drawList->items[i]->meshes, meshes); }
+    EXPECT_EQ(load.session.loaded.root->occurrenceCount, kUses);
+    ASSERT_EQ(load.session.loaded.drawList->count, kUses);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 100 * kUses);
+    StepFaceB** const meshes = load.session.loaded.drawList->items[0]->meshes;
+    for (std::int32_t i = 0; i < kUses; ++i) {
+        ASSERT_EQ(load.session.loaded.drawList->items[i]->meshes, meshes);
+    }
     // An occurrence and an item with its matrix, and arrays of pointers to both that double.
-    EXPECT_LT(load.session.scene->Main().Held(), std::size_t{kUses} * 400 + (std::size_t{64} << 20));
+    EXPECT_LT(load.session.loaded.scene->Main().Held(), std::size_t{kUses} * 400 + (std::size_t{64} << 20));
 }
 
 TEST(WideAssembly, MayHaveAHundredThousandPartsOfOneFile) {
@@ -151,9 +153,9 @@ TEST(WideAssembly, MayHaveAHundredThousandPartsOfOneFile) {
         text.Occurrence(text.Shape(top, part));
     }
     const LoadedFile load(folder.Write("top.stp", text.Text()));
-    EXPECT_EQ(load.session.products.count, kParts + 1);
-    EXPECT_EQ(load.session.products.capacity, kParts + 1001);
-    EXPECT_EQ(load.session.root->occurrenceCapacity, kSanitized ? 10240 : 163840);
+    EXPECT_EQ(load.session.tree.products.count, kParts + 1);
+    EXPECT_EQ(load.session.tree.products.capacity, kParts + 1001);
+    EXPECT_EQ(load.session.loaded.root->occurrenceCapacity, kSanitized ? 10240 : 163840);
 }
 
 TEST(WideAssembly, HasAllItsPartsWhereTheScanCountsFewProducts) {
@@ -170,8 +172,8 @@ TEST(WideAssembly, HasAllItsPartsWhereTheScanCountsFewProducts) {
         blank.Occurrence(blank.Shape(blankTop, blank.UncountedProduct(std::to_string(i))));
         shared.Occurrence(shared.Shape(sharedTop, shared.Definition(product)));
     }
-    EXPECT_EQ(LoadedFile(folder.Write("blank.stp", blank.Text())).session.products.count, kParts + 1);
-    EXPECT_EQ(LoadedFile(folder.Write("shared.stp", shared.Text())).session.products.count, kParts + 1);
+    EXPECT_EQ(LoadedFile(folder.Write("blank.stp", blank.Text())).session.tree.products.count, kParts + 1);
+    EXPECT_EQ(LoadedFile(folder.Write("shared.stp", shared.Text())).session.tree.products.count, kParts + 1);
 }
 
 TEST(WideAssembly, MayFindItsPartsByNameInALongQueue) {
@@ -192,9 +194,9 @@ TEST(WideAssembly, MayFindItsPartsByNameInALongQueue) {
     }
     folder.Write("sub.stp", lower.Text());
     const LoadedFile load(folder.Write("top.stp", top.Text()), 1);
-    EXPECT_EQ(load.session.products.count, kParts + 2);
+    EXPECT_EQ(load.session.tree.products.count, kParts + 2);
     EXPECT_EQ(load.Find("sub")->occurrenceCount, kParts);
-    EXPECT_EQ(load.session.unreadFiles.size(), static_cast<std::size_t>(kParts));
+    EXPECT_EQ(load.session.loaded.unreadFiles.size(), static_cast<std::size_t>(kParts));
 }
 
 // An assembly of as many levels, each of which uses the next one twice; the last one is a part.
@@ -256,8 +258,8 @@ TEST(DeepAssembly, FlattensASubTreeOnceForEachLevel) {
     // 65,536 items at the top.
     const TempFolder folder;
     const LoadedFile load(WriteDoubling(folder, 16));
-    EXPECT_EQ(load.session.drawList->count, 65536);
-    EXPECT_EQ(load.session.triangleCount, 65536);
+    EXPECT_EQ(load.session.loaded.drawList->count, 65536);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 65536);
     EXPECT_EQ(load.Find("15")->drawList->count, 2);
 }
 

@@ -1,6 +1,7 @@
 // The load of a finite element file by the driver.
 
-#include "load/load_commands.h"
+#include "formats/load_commands.h"
+#include "load/view_setup.h"
 #include "support/loaded_file.h"
 #include "support/p21_text.h"
 #include "support/temp_folder.h"
@@ -37,39 +38,39 @@ TEST(FemLoad, LeavesAMeshAndNoDrawList) {
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n");
     EXPECT_EQ(load.session.isAssembly, 0);
     EXPECT_EQ(load.session.partCount, 1);
-    EXPECT_EQ(load.session.triangleCount, 2);
-    EXPECT_EQ(load.session.rootName, "shell");
-    EXPECT_EQ(load.session.drawList, nullptr);
-    EXPECT_EQ(load.session.containers, nullptr);
-    EXPECT_THAT(load.session.box, ElementsAre(0, 4, 0, 2, -1, 0));
-    EXPECT_THAT(load.session.root->box, ElementsAre(0, 4, 0, 2, -1, 0));
-    EXPECT_EQ(load.session.root->definitionId, 0);
-    ASSERT_NE(load.session.resultMesh, nullptr);
-    EXPECT_EQ(load.session.resultMesh->quadCount, 1);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 2);
+    EXPECT_EQ(load.session.loaded.rootName, "shell");
+    EXPECT_EQ(load.session.loaded.drawList, nullptr);
+    EXPECT_EQ(load.session.loaded.containers, nullptr);
+    EXPECT_THAT(load.session.loaded.box, ElementsAre(0, 4, 0, 2, -1, 0));
+    EXPECT_THAT(load.session.loaded.root->box, ElementsAre(0, 4, 0, 2, -1, 0));
+    EXPECT_EQ(load.session.loaded.root->definitionId, 0);
+    ASSERT_NE(load.session.loaded.resultMesh, nullptr);
+    EXPECT_EQ(load.session.loaded.resultMesh->quadCount, 1);
 }
 
 TEST(FemLoad, WithoutAQuadDrawsNothingButHasABox) {
     const TempFolder folder;
     const LoadedFile load(folder.Write("shell.stp", P21Text(Shell("(#6,#7,#8)"), kAnalysis)));
-    EXPECT_EQ(load.session.triangleCount, 0);
-    EXPECT_EQ(load.session.root->hasBox, 0);
-    EXPECT_EQ(load.session.hasBox, 1);
-    EXPECT_THAT(load.session.box, ElementsAre(0, 4, 0, 2, -1, 0));
-    EXPECT_EQ(load.session.resultMesh->nodeCount, 4);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
+    EXPECT_EQ(load.session.loaded.root->hasBox, 0);
+    EXPECT_EQ(load.session.loaded.hasBox, 1);
+    EXPECT_THAT(load.session.loaded.box, ElementsAre(0, 4, 0, 2, -1, 0));
+    EXPECT_EQ(load.session.loaded.resultMesh->nodeCount, 4);
 }
 
 TEST(FemLoad, IsChosenByTheSchemaNumberAlone) {
     const TempFolder folder;
     const LoadedFile load(folder.Write("shell.stp", P21Text(Shell("(#6,#7,#8,#9)"))));
-    EXPECT_EQ(load.session.resultMesh, nullptr);
-    EXPECT_NE(load.session.drawList, nullptr);
-    EXPECT_EQ(load.session.triangleCount, 0);
+    EXPECT_EQ(load.session.loaded.resultMesh, nullptr);
+    EXPECT_NE(load.session.loaded.drawList, nullptr);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
     // Tessellated geometry in a file of schema 209 isn't looked at.
     std::string part = SmallPartText();
     part.replace(part.find("AP242"), 5, "AP209");
     const LoadedFile other(folder.Write("part.stp", part));
-    EXPECT_EQ(other.session.triangleCount, 0);
-    EXPECT_NE(other.session.resultMesh, nullptr);
+    EXPECT_EQ(other.session.loaded.drawnTriangles, 0);
+    EXPECT_NE(other.session.loaded.resultMesh, nullptr);
 }
 
 TEST(FemLoad, OfAFileThatIsGivenUpStillHasItsBoxAndName) {
@@ -81,12 +82,12 @@ TEST(FemLoad, OfAFileThatIsGivenUpStillHasItsBoxAndName) {
     EXPECT_EQ(load.result, 0);
     EXPECT_EQ(load.console,
               "Start TraiteSTEPFile\n<E> " + path + ": given up, #9 names a point that isn't there\n");
-    EXPECT_EQ(load.session.unreadFiles.size(), 1u);
-    EXPECT_EQ(load.session.resultMesh, nullptr);
-    EXPECT_EQ(load.session.rootName, "shell");
-    EXPECT_EQ(load.session.triangleCount, 0);
+    EXPECT_EQ(load.session.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.loaded.resultMesh, nullptr);
+    EXPECT_EQ(load.session.loaded.rootName, "shell");
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
     // In a table of 8 buckets #8 comes before #9, and the others behind.
-    EXPECT_THAT(load.session.box, ElementsAre(4, 4, 2, 2, 0, 0));
+    EXPECT_THAT(load.session.loaded.box, ElementsAre(4, 4, 2, 2, 0, 0));
 }
 
 TEST(FemLoad, OfAFileWithoutAProductHasNoRoot) {
@@ -97,10 +98,10 @@ TEST(FemLoad, OfAFileWithoutAProductHasNoRoot) {
     const LoadedFile load(path);
     EXPECT_EQ(load.result, 0);
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n<E> " + path + ": given up, it has no PRODUCT\n");
-    EXPECT_EQ(load.session.unreadFiles.size(), 1u);
-    EXPECT_EQ(load.session.root, nullptr);
-    EXPECT_FALSE(load.session.hasRootName);
-    EXPECT_EQ(load.session.resultMesh, nullptr);
+    EXPECT_EQ(load.session.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.loaded.root, nullptr);
+    EXPECT_FALSE(load.session.loaded.hasRootName);
+    EXPECT_EQ(load.session.loaded.resultMesh, nullptr);
 }
 
 TEST(FemLoad, IsDroppedByTheNextLoad) {
@@ -109,12 +110,12 @@ TEST(FemLoad, IsDroppedByTheNextLoad) {
     const std::string part = folder.Write("part.stp", SmallPartText());
     SceneView view;
     LoadStepFile(view, path.c_str(), 1);
-    ASSERT_NE(view.resultMesh, nullptr);
-    EXPECT_EQ(view.drawnTriangles, 2);
-    EXPECT_EQ(view.pickMode, 1);
+    ASSERT_NE(view.loaded.resultMesh, nullptr);
+    EXPECT_EQ(view.loaded.drawnTriangles, 2);
+    EXPECT_EQ(view.loaded.pickMode, 1);
     LoadStepFile(view, part.c_str(), 1);
-    EXPECT_EQ(view.resultMesh, nullptr);
-    EXPECT_NE(view.drawList, nullptr);
+    EXPECT_EQ(view.loaded.resultMesh, nullptr);
+    EXPECT_NE(view.loaded.drawList, nullptr);
 }
 
 } // namespace

@@ -14,8 +14,8 @@ namespace {
 
 std::vector<GeneratedAssembly::Item> ItemsOf(const LoadedFile& load) {
     std::vector<GeneratedAssembly::Item> items;
-    for (std::int32_t i = 0; i < load.session.drawList->count; ++i) {
-        const DrawItem& item = *load.session.drawList->items[i];
+    for (std::int32_t i = 0; i < load.session.loaded.drawList->count; ++i) {
+        const DrawItem& item = *load.session.loaded.drawList->items[i];
         GeneratedAssembly::Item placed{item.product->name, {}};
         for (std::size_t e = 0; e < 16; ++e) {
             placed.matrix[e] = static_cast<int>(item.matrix[e]);
@@ -35,10 +35,11 @@ TEST(GeneratedAssembly, ComesOutAsItsTreeSays) {
         std::sort(assembly.items.begin(), assembly.items.end());
         const LoadedFile load(assembly.path, static_cast<int>(seed % 2));
         ASSERT_EQ(ItemsOf(load), assembly.items) << "seed " << seed;
-        ASSERT_EQ(load.session.triangleCount, assembly.triangles) << "seed " << seed;
+        ASSERT_EQ(load.session.loaded.drawnTriangles, assembly.triangles) << "seed " << seed;
         ASSERT_EQ(load.session.partCount, assembly.parts) << "seed " << seed;
-        ASSERT_EQ(static_cast<int>(load.session.unreadFiles.size()), assembly.missing) << "seed " << seed;
-        ASSERT_EQ(load.session.rootName, "L0.0");
+        ASSERT_EQ(static_cast<int>(load.session.loaded.unreadFiles.size()), assembly.missing)
+            << "seed " << seed;
+        ASSERT_EQ(load.session.loaded.rootName, "L0.0");
         // Each file is read once: what a part is used for more than that is shared.
         shared += static_cast<int>(assembly.items.size()) - assembly.parts;
         missing += assembly.missing;

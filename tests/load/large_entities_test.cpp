@@ -38,7 +38,7 @@ TEST(LargePart, MayHaveAnyNumberOfFaces) {
     const TempFolder folder;
     CountingView view;
     view.Load(folder.Write("x.stp", Shell(ids, lines)));
-    EXPECT_EQ(view.drawnTriangles, kMany);
+    EXPECT_EQ(view.loaded.drawnTriangles, kMany);
     EXPECT_EQ(view.Faces().size(), static_cast<std::size_t>(kMany));
 }
 
@@ -49,7 +49,7 @@ TEST(LargePart, MayHaveAFaceOfAnyLength) {
     const TempFolder folder;
     CountingView view;
     view.Load(folder.Write("x.stp", Shell("#10", lines)));
-    EXPECT_EQ(view.drawnTriangles, 10 * kMany);
+    EXPECT_EQ(view.loaded.drawnTriangles, 10 * kMany);
 }
 
 TEST(LargePart, MayHaveALineOfAnyLengthThatNobodyReads) {
@@ -57,7 +57,7 @@ TEST(LargePart, MayHaveALineOfAnyLengthThatNobodyReads) {
     CountingView view;
     view.Load(folder.Write("x.stp", Shell("#10", "#10=TRIANGULATED_FACE('',#2,3,$,$,$,((1,2,3)));\n#11=X('" +
                                                      std::string(std::size_t{100} * kMany, 'x') + "');\n")));
-    EXPECT_EQ(view.drawnTriangles, 1);
+    EXPECT_EQ(view.loaded.drawnTriangles, 1);
 }
 
 // In a table of this many lines the numbers k * 2^bits and 1 all belong to one bucket.
@@ -80,8 +80,8 @@ TEST(LargePart, MayHaveManyLinesOfOneNumberAheadOfThoseThatItNeeds) {
     const TempFolder folder;
     CountingView view;
     view.Load(folder.Write("x.stp", Shell(ids, lines)));
-    EXPECT_EQ(view.drawnTriangles, kLines);
-    EXPECT_STREQ(view.root->name, "P") << "the first of them counts";
+    EXPECT_EQ(view.loaded.drawnTriangles, kLines);
+    EXPECT_STREQ(view.loaded.root->name, "P") << "the first of them counts";
 }
 
 // A shell of as many faces as there may be, each with a style of its own: an opacity, and the name of its

@@ -19,33 +19,33 @@ TEST(LoadStepFile, ShowsAPart) {
     CountingView view;
     view.Load(folder.Write("part.stp", SmallPartText()));
     EXPECT_EQ(view.console, "Start TraiteSTEPFile\n");
-    EXPECT_EQ(view.drawnTriangles, 8);
+    EXPECT_EQ(view.loaded.drawnTriangles, 8);
     ASSERT_EQ(view.Faces().size(), 4u);
     EXPECT_EQ(view.Faces()[3]->faceId, 22);
-    EXPECT_EQ(view.pickMode, 1);
-    EXPECT_EQ(view.rootName, "P1");
-    EXPECT_TRUE(view.hasRootName);
-    ASSERT_EQ(view.containerCount, 2);
-    EXPECT_STREQ(view.containers[0]->materialName, "steel");
-    EXPECT_EQ(view.containers[1]->materialName, nullptr);
-    EXPECT_THAT(view.box, ElementsAre(0, 1, 0, 15, -2.25f, 0));
+    EXPECT_EQ(view.loaded.pickMode, 1);
+    EXPECT_EQ(view.loaded.rootName, "P1");
+    EXPECT_TRUE(view.loaded.hasRootName);
+    ASSERT_EQ(view.loaded.containerCount, 2);
+    EXPECT_STREQ(view.loaded.containers[0]->materialName, "steel");
+    EXPECT_EQ(view.loaded.containers[1]->materialName, nullptr);
+    EXPECT_THAT(view.loaded.box, ElementsAre(0, 1, 0, 15, -2.25f, 0));
     EXPECT_THAT(view.centre, ElementsAre(0.5f, 7.5f, -1.125f));
     EXPECT_EQ(view.modelSize, 18.25f);
-    EXPECT_EQ(view.resultMesh, nullptr);
+    EXPECT_EQ(view.loaded.resultMesh, nullptr);
     EXPECT_EQ(view.redraws, 1);
     EXPECT_GT(view.loadSeconds, 0);
-    EXPECT_EQ(view.readSeconds, 0) << "sums of many files, which a load of one file has not";
-    EXPECT_EQ(view.inflateSeconds, 0);
-    EXPECT_EQ(view.partSeconds, 0);
+    EXPECT_EQ(view.loaded.readSeconds, 0) << "sums of many files, which a load of one file has not";
+    EXPECT_EQ(view.loaded.inflateSeconds, 0);
+    EXPECT_EQ(view.loaded.partSeconds, 0);
     EXPECT_EQ(view.selectedIndex, -1);
-    EXPECT_TRUE(view.unreadFiles.empty());
+    EXPECT_TRUE(view.loaded.unreadFiles.empty());
 }
 
 TEST(LoadStepFile, ShowsTheSameOfACompressedPart) {
     const TempFolder folder;
     CountingView view;
     view.Load(folder.Write("part.stpz", ZlibPacked(SmallPartText())));
-    EXPECT_EQ(view.drawnTriangles, 8);
+    EXPECT_EQ(view.loaded.drawnTriangles, 8);
     EXPECT_THAT(view.output, HasSubstr("total uncompress size = "));
 }
 
@@ -57,8 +57,8 @@ TEST(LoadStepFile, KeepsNothingThatPointsIntoTheText) {
     const CountingView* const first = &view;
     CountingView other;
     other.Load(folder.Write("other.stp", P21Text({"#1=PRODUCT('Q','','',());"})));
-    EXPECT_STREQ(first->root->name, "P1");
-    EXPECT_STREQ(first->containers[0]->materialName, "steel");
+    EXPECT_STREQ(first->loaded.root->name, "P1");
+    EXPECT_STREQ(first->loaded.containers[0]->materialName, "steel");
     EXPECT_EQ(first->Faces()[0]->vertices[3], 1.0f);
 }
 
@@ -68,12 +68,12 @@ TEST(LoadStepFile, ReplacesWhatTheViewHeld) {
     view.Load(folder.Write("part.stp", SmallPartText()));
     view.selectedIndex = 3;
     view.Load(folder.Write("other.stp", P21Text({"#1=PRODUCT('Q','','',());"})));
-    EXPECT_EQ(view.rootName, "Q");
-    EXPECT_EQ(view.drawnTriangles, 0);
+    EXPECT_EQ(view.loaded.rootName, "Q");
+    EXPECT_EQ(view.loaded.drawnTriangles, 0);
     EXPECT_TRUE(view.Faces().empty());
-    ASSERT_NE(view.drawList, nullptr);
-    EXPECT_EQ(view.drawList->count, 1) << "an empty item is still made";
-    EXPECT_EQ(view.containerCount, 0);
+    ASSERT_NE(view.loaded.drawList, nullptr);
+    EXPECT_EQ(view.loaded.drawList->count, 1) << "an empty item is still made";
+    EXPECT_EQ(view.loaded.containerCount, 0);
     EXPECT_EQ(view.selectedIndex, -1);
     EXPECT_EQ(view.modelSize, 10);
     EXPECT_THAT(view.eye, ElementsAre(0, 20, 20));
@@ -87,14 +87,14 @@ TEST(LoadStepFile, LeavesTheFormerCountsAfterAFailure) {
     const double seconds = view.loadSeconds;
     for (const std::string& path : {folder.Path("missing.stp"), folder.Write("bad.stp", "no such file\n")}) {
         view.Load(path);
-        EXPECT_EQ(view.drawList, nullptr);
-        EXPECT_EQ(view.containers, nullptr);
-        EXPECT_EQ(view.containerCount, 0);
-        EXPECT_EQ(view.drawnTriangles, 8);
+        EXPECT_EQ(view.loaded.drawList, nullptr);
+        EXPECT_EQ(view.loaded.containers, nullptr);
+        EXPECT_EQ(view.loaded.containerCount, 0);
+        EXPECT_EQ(view.loaded.drawnTriangles, 8);
         EXPECT_EQ(view.loadSeconds, seconds);
         EXPECT_EQ(view.redraws, 1) << "no frame";
-        ASSERT_EQ(view.unreadFiles.size(), 1u);
-        EXPECT_EQ(view.unreadFiles[0].path, path);
+        ASSERT_EQ(view.loaded.unreadFiles.size(), 1u);
+        EXPECT_EQ(view.loaded.unreadFiles[0].path, path);
     }
 }
 
@@ -104,10 +104,10 @@ TEST(LoadStepFile, LeavesAFreshViewInItsFirstStateAfterAFailure) {
     EXPECT_EQ(view.console, "Start TraiteSTEPFile\n");
     EXPECT_EQ(view.output, "");
     EXPECT_EQ(view.modelSize, 120);
-    EXPECT_EQ(view.pickMode, 0);
-    EXPECT_EQ(view.drawnTriangles, 0);
+    EXPECT_EQ(view.loaded.pickMode, 0);
+    EXPECT_EQ(view.loaded.drawnTriangles, 0);
     EXPECT_EQ(view.loadSeconds, 0);
-    EXPECT_FALSE(view.hasRootName);
+    EXPECT_FALSE(view.loaded.hasRootName);
 }
 
 TEST(LoadStepFile, ShowsNothingOfAPartThatIsGivenUp) {
@@ -117,11 +117,11 @@ TEST(LoadStepFile, ShowsNothingOfAPartThatIsGivenUp) {
     text.replace(text.find("((0.,0.,1.)),#92"), 16,
                  "((0.,0.,1.),(0.,0.,1.),(0.,0.,1.),(0.,0.,1.),(0.,0.,1.)),#92");
     view.Load(folder.Write("part.stp", text));
-    EXPECT_EQ(view.drawList, nullptr);
-    EXPECT_EQ(view.drawnTriangles, 0);
-    EXPECT_EQ(view.pickMode, 1);
-    EXPECT_EQ(view.rootName, "P1");
-    EXPECT_EQ(view.containerCount, 1) << "what the reader left";
+    EXPECT_EQ(view.loaded.drawList, nullptr);
+    EXPECT_EQ(view.loaded.drawnTriangles, 0);
+    EXPECT_EQ(view.loaded.pickMode, 1);
+    EXPECT_EQ(view.loaded.rootName, "P1");
+    EXPECT_EQ(view.loaded.containerCount, 1) << "what the reader left";
     EXPECT_EQ(view.redraws, 1) << "the load itself went well";
     EXPECT_EQ(view.modelSize, 10);
 }
@@ -130,10 +130,10 @@ TEST(LoadStepFile, SurvivesAFileWithoutProduct) {
     const TempFolder folder;
     CountingView view;
     view.Load(folder.Write("part.stp", P21Text({})));
-    EXPECT_EQ(view.drawList, nullptr);
-    EXPECT_FALSE(view.hasRootName);
-    EXPECT_EQ(view.root, nullptr);
-    EXPECT_EQ(view.pickMode, 1);
+    EXPECT_EQ(view.loaded.drawList, nullptr);
+    EXPECT_FALSE(view.loaded.hasRootName);
+    EXPECT_EQ(view.loaded.root, nullptr);
+    EXPECT_EQ(view.loaded.pickMode, 1);
 }
 
 TEST(LoadStepFile, CanBeRepeatedAllDay) {
@@ -142,7 +142,7 @@ TEST(LoadStepFile, CanBeRepeatedAllDay) {
     CountingView view;
     for (int i = 0; i < 200; ++i) {
         view.Load(path);
-        ASSERT_EQ(view.drawnTriangles, 8);
+        ASSERT_EQ(view.loaded.drawnTriangles, 8);
     }
 }
 
@@ -151,11 +151,11 @@ TEST(ResetScene, DropsTheScene) {
     CountingView view;
     view.Load(folder.Write("part.stp", SmallPartText()));
     view.selectedIndex = 2;
-    ResetScene(view);
-    EXPECT_EQ(view.drawList, nullptr);
-    EXPECT_EQ(view.resultMesh, nullptr);
+    ResetScene(view, PartRecords::kDropped);
+    EXPECT_EQ(view.loaded.drawList, nullptr);
+    EXPECT_EQ(view.loaded.resultMesh, nullptr);
     EXPECT_EQ(view.selectedIndex, -1);
-    EXPECT_EQ(view.drawnTriangles, 8) << "the counts stay";
+    EXPECT_EQ(view.loaded.drawnTriangles, 8) << "the counts stay";
 }
 
 } // namespace

@@ -1,6 +1,7 @@
-#include "load/load_driver.h"
+#include "load/step_driver.h"
 
 #include "support/capture.h"
+#include "support/loaded_file.h"
 #include "support/p21_text.h"
 #include "support/temp_folder.h"
 
@@ -15,13 +16,14 @@ namespace {
 using testing::ElementsAre;
 
 struct Driven {
-    Driven(const std::string& path, int useThreads) {
+    Driven(const std::string& path, bool useThreads) {
         LogCapture log;
         result = TraiteSTEPFile(session, path.c_str(), useThreads);
         output = log.TakeOutput();
         console = log.TakeConsole();
     }
-    LoadSession session;
+    LoadedScene loaded = NewScene();
+    LoadSession session{loaded};
     int result;
     std::string output;
     std::string console;
@@ -35,17 +37,17 @@ TEST(TraiteSTEPFile, ReadsAFileThatIsOnePart) {
     EXPECT_EQ(driven.console, "Start TraiteSTEPFile\n");
     EXPECT_EQ(session.isAssembly, 0);
     EXPECT_EQ(session.partCount, 1);
-    EXPECT_EQ(session.triangleCount, 8);
-    EXPECT_EQ(session.hasBox, 1);
-    EXPECT_THAT(session.box, ElementsAre(0, 1, 0, 15, -2.25f, 0));
-    ASSERT_NE(session.root, nullptr);
-    EXPECT_EQ(session.drawList, session.root->drawList);
-    EXPECT_EQ(session.containerCount, 2);
-    EXPECT_EQ(session.rootName, "P1");
+    EXPECT_EQ(session.loaded.drawnTriangles, 8);
+    EXPECT_EQ(session.loaded.hasBox, 1);
+    EXPECT_THAT(session.loaded.box, ElementsAre(0, 1, 0, 15, -2.25f, 0));
+    ASSERT_NE(session.loaded.root, nullptr);
+    EXPECT_EQ(session.loaded.drawList, session.loaded.root->drawList);
+    EXPECT_EQ(session.loaded.containerCount, 2);
+    EXPECT_EQ(session.loaded.rootName, "P1");
     EXPECT_EQ(session.fileCount, 0);
-    EXPECT_EQ(session.readSeconds, 0);
+    EXPECT_EQ(session.loaded.readSeconds, 0);
     EXPECT_EQ(session.folder, "");
-    EXPECT_EQ(session.resultMesh, nullptr);
+    EXPECT_EQ(session.loaded.resultMesh, nullptr);
 }
 
 TEST(TraiteSTEPFile, StartsNoThreadsForOnePart) {
@@ -53,7 +55,7 @@ TEST(TraiteSTEPFile, StartsNoThreadsForOnePart) {
     const Driven driven(folder.Write("part.stp", SmallPartText()), 1);
     EXPECT_EQ(driven.result, 0);
     EXPECT_EQ(driven.console, "Start TraiteSTEPFile\n") << "no thread says that it ends";
-    EXPECT_EQ(driven.session.triangleCount, 8);
+    EXPECT_EQ(driven.session.loaded.drawnTriangles, 8);
 }
 
 TEST(TraiteSTEPFile, FailsForAFileThatIsNotThere) {
@@ -61,10 +63,10 @@ TEST(TraiteSTEPFile, FailsForAFileThatIsNotThere) {
     EXPECT_EQ(driven.result, 1);
     EXPECT_EQ(driven.console, "Start TraiteSTEPFile\n");
     EXPECT_EQ(driven.session.isAssembly, -1);
-    EXPECT_EQ(driven.session.root, nullptr);
-    ASSERT_EQ(driven.session.unreadFiles.size(), 1u);
-    EXPECT_EQ(driven.session.unreadFiles[0].path, "/nowhere/part.stp") << "as it was tried first";
-    EXPECT_EQ(driven.session.unreadFiles[0].productName, "");
+    EXPECT_EQ(driven.session.loaded.root, nullptr);
+    ASSERT_EQ(driven.session.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(driven.session.loaded.unreadFiles[0].path, "/nowhere/part.stp") << "as it was tried first";
+    EXPECT_EQ(driven.session.loaded.unreadFiles[0].productName, "");
 }
 
 TEST(TraiteSTEPFile, FailsForAFileOfAnotherKind) {
@@ -72,27 +74,27 @@ TEST(TraiteSTEPFile, FailsForAFileOfAnotherKind) {
     const Driven driven(folder.Write("part.stp", "anything\n"), 0);
     EXPECT_EQ(driven.result, 1) << "and not 5";
     EXPECT_EQ(driven.console, "Start TraiteSTEPFile\n<E> Invalid P21 file\n");
-    EXPECT_EQ(driven.session.unreadFiles.size(), 1u);
+    EXPECT_EQ(driven.session.loaded.unreadFiles.size(), 1u);
 }
 
 TEST(TraiteSTEPFile, HasABoxOfZerosForAPartWithoutFaces) {
     const TempFolder folder;
     const Driven driven(folder.Write("part.stp", P21Text({"#1=PRODUCT('P','','',());"})), 0);
     EXPECT_EQ(driven.result, 0);
-    EXPECT_EQ(driven.session.hasBox, 1);
-    EXPECT_THAT(driven.session.box, ElementsAre(0, 0, 0, 0, 0, 0));
-    EXPECT_EQ(driven.session.triangleCount, 0);
+    EXPECT_EQ(driven.session.loaded.hasBox, 1);
+    EXPECT_THAT(driven.session.loaded.box, ElementsAre(0, 0, 0, 0, 0, 0));
+    EXPECT_EQ(driven.session.loaded.drawnTriangles, 0);
 }
 
 TEST(TraiteSTEPFile, GoesOnWithoutAPart) {
     const TempFolder folder;
     const Driven driven(folder.Write("part.stp", P21Text({})), 0);
     EXPECT_EQ(driven.result, 0);
-    EXPECT_EQ(driven.session.root, nullptr);
-    EXPECT_EQ(driven.session.drawList, nullptr);
-    EXPECT_FALSE(driven.session.hasRootName);
+    EXPECT_EQ(driven.session.loaded.root, nullptr);
+    EXPECT_EQ(driven.session.loaded.drawList, nullptr);
+    EXPECT_FALSE(driven.session.loaded.hasRootName);
     EXPECT_EQ(driven.session.partCount, 1);
-    EXPECT_EQ(driven.session.unreadFiles.size(), 1u);
+    EXPECT_EQ(driven.session.loaded.unreadFiles.size(), 1u);
 }
 
 TEST(TraiteSTEPFile, EndsTheNameAtANul) {
@@ -101,7 +103,7 @@ TEST(TraiteSTEPFile, EndsTheNameAtANul) {
     text[text.find("ab_cd") + 2] = '\0';
     const Driven driven(folder.Write("part.stp", text), 0);
     EXPECT_EQ(driven.result, 0);
-    EXPECT_EQ(driven.session.rootName, "ab");
+    EXPECT_EQ(driven.session.loaded.rootName, "ab");
 }
 
 } // namespace

@@ -41,24 +41,24 @@ std::string Name(const char* rootName) {
 
 const LoadCommands kCommands{
     .loadStepFile =
-        [](SceneView& view, const char* path, int useThreads) {
-            view.drawnTriangles = 5;
+        [](SceneView& view, const char* path, bool useThreads) {
+            view.loaded.drawnTriangles = 5;
             view.loadSeconds = 0.5;
             Note(std::string("step ") + path + " " + std::to_string(useThreads));
         },
     .loadStpxFile =
-        [](SceneView&, const char* path, const char* rootName, int useThreads) {
+        [](SceneView&, const char* path, const char* rootName, bool useThreads) {
             Note(std::string("stpx ") + path + " " + Name(rootName) + " " + std::to_string(useThreads));
         },
     .loadStpjFile =
         [](SceneView& view, const char* path) {
-            view.drawnTriangles = 5;
+            view.loaded.drawnTriangles = 5;
             view.loadSeconds = 0.5;
-            view.maxDepth = 4;
+            view.loaded.maxDepth = 4;
             Note(std::string("stpj ") + path);
         },
     .loadZipFile =
-        [](SceneView&, const char* path, const char* rootName, int useThreads) {
+        [](SceneView&, const char* path, const char* rootName, bool useThreads) {
             Note(std::string("stpa ") + path + " " + Name(rootName) + " " + std::to_string(useThreads));
         },
 };
@@ -66,7 +66,7 @@ const LoadCommands kCommands{
 class LoadFileTest : public testing::Test {
 protected:
     std::vector<std::string> Load(const std::string& path, const char* rootName = nullptr,
-                                  int useThreads = 0) {
+                                  bool useThreads = 0) {
         std::vector<std::string> noted;
         steps = &noted;
         LoadFile(dispatch_, path.c_str(), rootName, useThreads);

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "load/load_commands.h"
+#include "formats/load_commands.h"
 #include "load/scene_view.h"
+#include "load/view_setup.h"
 #include "support/capture.h"
 
 #include <string>
@@ -15,7 +16,7 @@ struct CountingView final : SceneView {
     void DeleteDisplayList() override { ++deletions; }
 
     // Loads a P21 file and keeps what that printed.
-    void Load(const std::string& path, int useThreads = 0) {
+    void Load(const std::string& path, bool useThreads = 0) {
         LogCapture log;
         LoadStepFile(*this, path.c_str(), useThreads);
         output = log.TakeOutput();
@@ -23,8 +24,8 @@ struct CountingView final : SceneView {
     }
     std::vector<const StepFaceB*> Faces() const {
         std::vector<const StepFaceB*> faces;
-        for (std::int32_t i = 0; drawList != nullptr && i < drawList->count; ++i) {
-            const DrawItem& item = *drawList->items[i];
+        for (std::int32_t i = 0; loaded.drawList != nullptr && i < loaded.drawList->count; ++i) {
+            const DrawItem& item = *loaded.drawList->items[i];
             faces.insert(faces.end(), item.meshes, item.meshes + item.meshCount);
         }
         return faces;

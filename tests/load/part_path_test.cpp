@@ -59,23 +59,25 @@ TEST(PartPath, FollowsTheCompressionOfTheTopFile) {
         folder.Write(asked.part, PackedFor(asked.part, PlateText(3)));
         const LoadedFile load(folder.Path(asked.top));
         EXPECT_EQ(load.session.compression, asked.compression) << asked.top;
-        EXPECT_EQ(load.session.triangleCount, 3) << asked.top << " " << asked.part;
-        EXPECT_THAT(load.session.unreadFiles, IsEmpty());
+        EXPECT_EQ(load.session.loaded.drawnTriangles, 3) << asked.top << " " << asked.part;
+        EXPECT_THAT(load.session.loaded.unreadFiles, IsEmpty());
         // And without the part.
         std::filesystem::remove(folder.Path(asked.part));
         const LoadedFile without(folder.Path(asked.top));
-        ASSERT_EQ(without.session.unreadFiles.size(), 1u);
-        EXPECT_EQ(without.session.unreadFiles[0].path, folder.Path(asked.tried));
+        ASSERT_EQ(without.session.loaded.unreadFiles.size(), 1u);
+        EXPECT_EQ(without.session.loaded.unreadFiles[0].path, folder.Path(asked.tried));
     }
 }
 
 TEST(PartPath, KnowsNoFurtherFallBackNames) {
     const TempFolder folder;
     folder.Write("part.stp.Z", ZlibPacked(PlateText(3)));
-    EXPECT_EQ(LoadedFile(folder.Write("top.stp", TopWith("part.stp"))).session.triangleCount, 0);
+    EXPECT_EQ(LoadedFile(folder.Write("top.stp", TopWith("part.stp"))).session.loaded.drawnTriangles, 0);
     const TempFolder other;
     other.Write("part.stpz", ZlibPacked(PlateText(3)));
-    EXPECT_EQ(LoadedFile(other.Write("top.stp.Z", ZlibPacked(TopWith("part.stp")))).session.triangleCount, 0);
+    EXPECT_EQ(
+        LoadedFile(other.Write("top.stp.Z", ZlibPacked(TopWith("part.stp")))).session.loaded.drawnTriangles,
+        0);
 }
 
 TEST(PartPath, OfASubAssemblysPartIsThatBesideTheTopFile) {
@@ -91,8 +93,8 @@ TEST(PartPath, OfASubAssemblysPartIsThatBesideTheTopFile) {
     folder.Write("leaf.stpz", GzipPacked(PlateText(2)));
     folder.Write("sub/leaf.stpz", GzipPacked(PlateText(50)));
     const LoadedFile load(folder.Write("top.stpz", GzipPacked(TopWith("sub/sub.stp"))));
-    EXPECT_EQ(load.session.triangleCount, 2);
-    EXPECT_GT(load.session.inflateSeconds, 0);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 2);
+    EXPECT_GT(load.session.loaded.inflateSeconds, 0);
 }
 
 TEST(PartPath, LeadsThroughFolders) {
@@ -102,7 +104,7 @@ TEST(PartPath, LeadsThroughFolders) {
         std::filesystem::create_directories(folder.Path("sub/folder"));
         folder.Write("sub/folder/part.stp", PlateText(3));
         const LoadedFile load(folder.Write("top.stp", TopWith(name)));
-        EXPECT_EQ(load.session.triangleCount, 3) << name;
+        EXPECT_EQ(load.session.loaded.drawnTriangles, 3) << name;
         EXPECT_EQ(load.Find("part")->fileName, std::string(name)); // as it stands
     }
 }
@@ -112,7 +114,7 @@ TEST(PartPath, LeadsUpwards) {
     std::filesystem::create_directory(folder.Path("sub"));
     folder.Write("part.stp", PlateText(3));
     const LoadedFile load(folder.Write("sub/top.stp", TopWith("..\\part.stp")));
-    EXPECT_EQ(load.session.triangleCount, 3);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 3);
     EXPECT_EQ(load.session.folder, folder.Path("sub/"));
 }
 
@@ -121,9 +123,9 @@ TEST(PartPath, TakesAnAbsoluteNameAsOneBesideTheTopFile) {
     const TempFolder elsewhere;
     const std::string absolute = elsewhere.Write("part.stp", PlateText(3));
     const LoadedFile load(folder.Write("top.stp", TopWith(absolute)));
-    EXPECT_EQ(load.session.triangleCount, 0);
-    ASSERT_EQ(load.session.unreadFiles.size(), 1u);
-    EXPECT_EQ(load.session.unreadFiles[0].path, folder.Path("") + absolute);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
+    ASSERT_EQ(load.session.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].path, folder.Path("") + absolute);
 }
 
 TEST(PartPath, IsTheNameAloneForATopFileWithoutAFolder) {
@@ -135,7 +137,7 @@ TEST(PartPath, IsTheNameAloneForATopFileWithoutAFolder) {
     const LoadedFile load("top.stp");
     std::filesystem::current_path(before);
     EXPECT_EQ(load.session.folder, "");
-    EXPECT_EQ(load.session.triangleCount, 3);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 3);
 }
 
 TEST(PartPath, HoldsALongNameBehindALongFolder) {
@@ -146,34 +148,35 @@ TEST(PartPath, HoldsALongNameBehindALongFolder) {
     ASSERT_EQ(name.size(), 299u);
     folder.Write(deep + "/" + name, PlateText(3));
     const LoadedFile load(folder.Write(deep + "/top.stp", TopWith(name)), 1);
-    EXPECT_EQ(load.session.triangleCount, 3);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 3);
 }
 
 TEST(PartPath, OfACgrFileIsThatOfItsStpTwin) {
     const TempFolder folder;
     folder.Write("axle.stp", PlateText(3));
     folder.Write("axle.cgr", PlateText(50));
-    EXPECT_EQ(LoadedFile(folder.Write("top.stp", TopWith("axle.cgr"))).session.triangleCount, 3);
+    EXPECT_EQ(LoadedFile(folder.Write("top.stp", TopWith("axle.cgr"))).session.loaded.drawnTriangles, 3);
 }
 
 TEST(PartPath, IsNoneForANameWithThreePoints) {
     const TempFolder folder;
     folder.Write("long...name.stp", PlateText(3));
     const LoadedFile load(folder.Write("top.stp", TopWith("long...name.stp")));
-    EXPECT_EQ(load.session.triangleCount, 0);
-    EXPECT_EQ(load.session.queue.count, 0);
-    EXPECT_THAT(load.session.unreadFiles, IsEmpty());
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
+    EXPECT_EQ(load.session.tree.queue.Count().all, 0);
+    EXPECT_THAT(load.session.loaded.unreadFiles, IsEmpty());
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\nNumber of files=0  ; Number of parts=0 \n");
 }
 
 TEST(PartPath, KeepsPercentSignsAndOtherBytes) {
     const TempFolder folder;
     folder.Write("50%s %n caf\xE9.stp", PlateText(3));
-    EXPECT_EQ(LoadedFile(folder.Write("top.stp", TopWith("50%s %n caf\xE9.stp"))).session.triangleCount, 3);
+    EXPECT_EQ(
+        LoadedFile(folder.Write("top.stp", TopWith("50%s %n caf\xE9.stp"))).session.loaded.drawnTriangles, 3);
 }
 
 TEST(UnreadFiles, TellPathProductAndReasonInTheOrderOfTheQueue) {
-    for (const int useThreads : {0, 1}) {
+    for (const bool useThreads : {0, 1}) {
         const TempFolder folder;
         AssemblyText text;
         const int top = text.Product("top");
@@ -187,7 +190,7 @@ TEST(UnreadFiles, TellPathProductAndReasonInTheOrderOfTheQueue) {
             if (i % 4 == 3) { std::filesystem::create_directory(folder.Path(name + ".stp")); }
         }
         const LoadedFile load(folder.Write("top.stp", text.Text()), useThreads);
-        EXPECT_EQ(load.session.triangleCount, 10);
+        EXPECT_EQ(load.session.loaded.drawnTriangles, 10);
         EXPECT_EQ(load.session.partCount, 10);
         std::vector<std::string> expected;
         std::vector<std::string> told;
@@ -197,7 +200,7 @@ TEST(UnreadFiles, TellPathProductAndReasonInTheOrderOfTheQueue) {
             expected.push_back(folder.Path(std::to_string(i) + ".stp") + "|" + product + "|" +
                                (i % 4 == 2 ? "isn't a valid ISO 10303-21 file" : "can't be opened"));
         }
-        for (const UnreadFile& file : load.session.unreadFiles) {
+        for (const UnreadFile& file : load.session.loaded.unreadFiles) {
             told.push_back(file.path + "|" + file.productName + "|" + file.reason);
         }
         EXPECT_EQ(told, expected);
@@ -235,9 +238,9 @@ TEST(UnreadFiles, NameAFileOfEachProductThatWantsIt) {
         text.File(part, "shared.stp");
     }
     const LoadedFile load(folder.Write("top.stp", text.Text()));
-    ASSERT_EQ(load.session.unreadFiles.size(), 2u);
-    EXPECT_EQ(load.session.unreadFiles[0].path, load.session.unreadFiles[1].path);
-    EXPECT_NE(load.session.unreadFiles[0].productName, load.session.unreadFiles[1].productName);
+    ASSERT_EQ(load.session.loaded.unreadFiles.size(), 2u);
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].path, load.session.loaded.unreadFiles[1].path);
+    EXPECT_NE(load.session.loaded.unreadFiles[0].productName, load.session.loaded.unreadFiles[1].productName);
 }
 
 TEST(UnreadFiles, AreThoseOfTheLowerFilesToo) {
@@ -249,9 +252,9 @@ TEST(UnreadFiles, AreThoseOfTheLowerFilesToo) {
     sub.File(leaf, "leaf.stp");
     folder.Write("sub.stp", sub.Text());
     const LoadedFile load(folder.Write("top.stp", TopWith("sub.stp")));
-    ASSERT_EQ(load.session.unreadFiles.size(), 1u);
-    EXPECT_EQ(load.session.unreadFiles[0].productName, "leaf");
-    EXPECT_EQ(load.session.unreadFiles[0].place, 1);
+    ASSERT_EQ(load.session.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].productName, "leaf");
+    EXPECT_EQ(load.session.loaded.unreadFiles[0].place, 1);
 }
 
 } // namespace

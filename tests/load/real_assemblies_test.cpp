@@ -20,19 +20,19 @@ std::string RealFile(const std::string& name) {
 TEST(RealAssembly, OverEightPartFilesComesOutWhole) {
     const std::string path = RealFile("assemblies/s1-tu-203/s1-tu-203.stp");
     if (path.empty()) { GTEST_SKIP() << "the real files aren't here"; }
-    for (const int useThreads : {0, 1}) {
+    for (const bool useThreads : {0, 1}) {
         const LoadedFile load(path, useThreads);
-        EXPECT_EQ(load.session.rootName, "s1");
-        EXPECT_EQ(load.session.products.count, 13);
+        EXPECT_EQ(load.session.loaded.rootName, "s1");
+        EXPECT_EQ(load.session.tree.products.count, 13);
         std::int32_t occurrences = 0;
-        for (std::int32_t i = 0; i < load.session.products.count; ++i) {
-            occurrences += load.session.products.items[static_cast<std::size_t>(i)]->occurrenceCount;
+        for (std::int32_t i = 0; i < load.session.tree.products.count; ++i) {
+            occurrences += load.session.tree.products.items[static_cast<std::size_t>(i)]->occurrenceCount;
         }
         EXPECT_EQ(occurrences, 14);
-        EXPECT_EQ(load.session.drawList->count, 11);
-        EXPECT_EQ(load.session.triangleCount, 24124);
+        EXPECT_EQ(load.session.loaded.drawList->count, 11);
+        EXPECT_EQ(load.session.loaded.drawnTriangles, 24124);
         EXPECT_EQ(load.session.partCount, 8);
-        EXPECT_THAT(load.session.unreadFiles, IsEmpty());
+        EXPECT_THAT(load.session.loaded.unreadFiles, IsEmpty());
     }
     EXPECT_EQ(ReportOf(path, 1), ReportOf(path, 0));
 }
@@ -42,11 +42,11 @@ TEST(RealAssembly, InASingleFileWithoutTessellationIsATreeAndNothingDrawn) {
     if (path.empty()) { GTEST_SKIP() << "the real files aren't here"; }
     const LoadedFile load(path);
     EXPECT_EQ(load.session.isAssembly, 1);
-    ASSERT_NE(load.session.root, nullptr);
-    EXPECT_GT(load.session.root->occurrenceCount, 0);
-    EXPECT_EQ(load.session.triangleCount, 0);
-    EXPECT_EQ(load.session.queue.count, 0);
-    EXPECT_EQ(load.session.drawList->count, 0);
+    ASSERT_NE(load.session.loaded.root, nullptr);
+    EXPECT_GT(load.session.loaded.root->occurrenceCount, 0);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
+    EXPECT_EQ(load.session.tree.queue.Count().all, 0);
+    EXPECT_EQ(load.session.loaded.drawList->count, 0);
 }
 
 } // namespace

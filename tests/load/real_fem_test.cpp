@@ -20,11 +20,11 @@ TEST(RealFem, WithOneConstantSectionIsBlack) {
     const std::string path = RealFile("fem/ATS3-out.unwrapped.stp");
     if (path.empty()) { GTEST_SKIP() << "the real files aren't here"; }
     const LoadedFile load(path, 1);
-    ASSERT_NE(load.session.resultMesh, nullptr);
-    const ResultMesh& mesh = *load.session.resultMesh;
+    ASSERT_NE(load.session.loaded.resultMesh, nullptr);
+    const ResultMesh& mesh = *load.session.loaded.resultMesh;
     EXPECT_EQ(mesh.nodeCount, 85);
     EXPECT_EQ(mesh.quadCount, 40);
-    EXPECT_EQ(load.session.triangleCount, 80);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 80);
     for (std::int32_t i = 0; i < 85; ++i) {
         EXPECT_EQ(mesh.colours[4 * i] + mesh.colours[4 * i + 1] + mesh.colours[4 * i + 2], 0);
         EXPECT_EQ(mesh.colours[4 * i + 3], 255);
@@ -36,11 +36,11 @@ TEST(RealFem, WithoutShellsHasNodesAndNoQuad) {
     const std::string path = RealFile("fem/ATS4-out.stp");
     if (path.empty()) { GTEST_SKIP() << "the real files aren't here"; }
     const LoadedFile load(path, 1);
-    ASSERT_NE(load.session.resultMesh, nullptr);
-    EXPECT_EQ(load.session.resultMesh->nodeCount, 255);
-    EXPECT_EQ(load.session.resultMesh->quadCount, 0);
-    EXPECT_EQ(load.session.triangleCount, 0);
-    EXPECT_EQ(load.session.hasBox, 1);
+    ASSERT_NE(load.session.loaded.resultMesh, nullptr);
+    EXPECT_EQ(load.session.loaded.resultMesh->nodeCount, 255);
+    EXPECT_EQ(load.session.loaded.resultMesh->quadCount, 0);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
+    EXPECT_EQ(load.session.loaded.hasBox, 1);
 }
 
 TEST(RealFem, WithBrokenLinesIsLoadedWithoutTrouble) {
@@ -50,8 +50,8 @@ TEST(RealFem, WithBrokenLinesIsLoadedWithoutTrouble) {
         const LoadedFile load(path, 1);
         EXPECT_EQ(load.result, 0);
         EXPECT_EQ(load.session.isAssembly, 0);
-        if (load.session.resultMesh != nullptr) {
-            EXPECT_EQ(load.session.triangleCount, 2 * load.session.resultMesh->quadCount);
+        if (load.session.loaded.resultMesh != nullptr) {
+            EXPECT_EQ(load.session.loaded.drawnTriangles, 2 * load.session.loaded.resultMesh->quadCount);
         }
     }
 }

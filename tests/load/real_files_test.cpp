@@ -34,30 +34,30 @@ TEST_F(RealFiles, NoSignIsOneSolidOfNineFaces) {
     Load("parts/no_sign.stp");
     if (IsSkipped()) { return; }
     EXPECT_EQ(faces_.size(), 9u);
-    EXPECT_EQ(view_.drawnTriangles, 172);
-    ASSERT_EQ(view_.containerCount, 1);
-    EXPECT_EQ(view_.containers[0]->kind, 1);
-    EXPECT_EQ(view_.containers[0]->exactContainerId, 0) << "its third argument is $";
-    EXPECT_EQ(view_.rootName.empty(), false);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 172);
+    ASSERT_EQ(view_.loaded.containerCount, 1);
+    EXPECT_EQ(view_.loaded.containers[0]->kind, 1);
+    EXPECT_EQ(view_.loaded.containers[0]->exactContainerId, 0) << "its third argument is $";
+    EXPECT_EQ(view_.loaded.rootName.empty(), false);
     for (const StepFaceB* const face : faces_) {
         EXPECT_EQ(face->containerId, 304);
         EXPECT_NE(face->colour[0], 0.3f) << "the first presentation colours its solid";
     }
-    EXPECT_EQ(view_.pickMode, 1);
+    EXPECT_EQ(view_.loaded.pickMode, 1);
 }
 
 TEST_F(RealFiles, SimpleSignIsTheSame) {
     Load("parts/simple_sign.stp");
     if (IsSkipped()) { return; }
     EXPECT_EQ(faces_.size(), 9u);
-    EXPECT_EQ(view_.drawnTriangles, 172);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 172);
 }
 
 TEST_F(RealFiles, AFullTestModelHasItsFacesAndColours) {
     Load("parts/nist_ftc_08_asme1_ap242-2.stp");
     if (IsSkipped()) { return; }
     EXPECT_EQ(faces_.size(), 272u);
-    EXPECT_EQ(view_.drawnTriangles, 3388);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 3388);
     for (const StepFaceB* const face : faces_) {
         EXPECT_EQ(face->colour[0], static_cast<float>(823529411765 * PowerOfTenths(12)));
         EXPECT_EQ(face->colour[2], 1.0f);
@@ -75,26 +75,26 @@ TEST_F(RealFiles, AFullTestModelHasItsFacesAndColours) {
 TEST_F(RealFiles, FacesDirectlyUnderTheRepresentationAreNotDrawn) {
     Load("other/ap242_tessellation.stp");
     if (IsSkipped()) { return; }
-    EXPECT_EQ(view_.drawnTriangles, 0);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 0);
 }
 
 TEST_F(RealFiles, ASmallAssemblyHasNoTriangles) {
     Load("other/ap242_assembly.stp");
     if (IsSkipped()) { return; }
-    EXPECT_EQ(view_.drawnTriangles, 0);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 0);
 }
 
 TEST_F(RealFiles, AnnotationsAreNotDrawn) {
     Load("other/nist_ctc_01_asme1_ap242-e1.stp");
     if (IsSkipped()) { return; }
-    EXPECT_EQ(view_.drawnTriangles, 0);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 0);
 }
 
 TEST_F(RealFiles, AnExactAssemblyIsATreeThatDrawsNothing) {
     Load("other/as1-oc-214.stp");
     if (IsSkipped()) { return; }
-    EXPECT_EQ(view_.drawnTriangles, 0);
-    EXPECT_EQ(view_.pickMode, 2);
+    EXPECT_EQ(view_.loaded.drawnTriangles, 0);
+    EXPECT_EQ(view_.loaded.pickMode, 2);
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 // A viewer stays open all day: nothing of a load may be lost for good.
 
+#include "formats/load_commands.h"
 #include "load/generated_assembly.h"
-#include "load/load_commands.h"
+#include "load/view_setup.h"
 #include "support/capture.h"
 #include "support/sanitized.h"
 

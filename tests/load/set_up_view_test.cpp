@@ -14,7 +14,7 @@ using testing::ElementsAre;
 // A view that is set up for a box.
 struct ViewOf : SceneView {
     explicit ViewOf(const std::array<float, 6>& values) {
-        std::copy(values.begin(), values.end(), box);
+        std::copy(values.begin(), values.end(), loaded.box);
         SetUpView(*this);
     }
 };
@@ -72,13 +72,13 @@ TEST(SceneView, StartsEmpty) {
     EXPECT_EQ(view.modelSize, 120);
     EXPECT_THAT(view.centre, ElementsAre(0, 0, 0));
     EXPECT_THAT(view.eye, ElementsAre(0, 0, 0));
-    EXPECT_EQ(view.drawnTriangles, 0);
-    EXPECT_EQ(view.pickMode, 0);
-    EXPECT_EQ(view.maxDepth, 0);
+    EXPECT_EQ(view.loaded.drawnTriangles, 0);
+    EXPECT_EQ(view.loaded.pickMode, 0);
+    EXPECT_EQ(view.loaded.maxDepth, 0);
     EXPECT_EQ(view.selectedIndex, -1);
-    EXPECT_EQ(view.drawList, nullptr);
-    EXPECT_EQ(view.resultMesh, nullptr);
-    EXPECT_EQ(view.containers, nullptr);
+    EXPECT_EQ(view.loaded.drawList, nullptr);
+    EXPECT_EQ(view.loaded.resultMesh, nullptr);
+    EXPECT_EQ(view.loaded.containers, nullptr);
 }
 
 } // namespace

@@ -10,7 +10,7 @@ namespace {
 
 std::string Text(std::int32_t triangles, double seconds, bool withWords = true) {
     SceneView view;
-    view.drawnTriangles = triangles;
+    view.loaded.drawnTriangles = triangles;
     view.loadSeconds = seconds;
     return StatusText(view, withWords);
 }

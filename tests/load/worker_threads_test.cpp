@@ -2,8 +2,8 @@
 // that a load doesn't wait for one that never started.
 
 #include "load/generated_assembly.h"
-#include "load/load_driver.h"
-#include "load/part_queue.h"
+#include "load/step_driver.h"
+#include "load/unread_files.h"
 #include "support/assembly_text.h"
 #include "support/capture.h"
 #include "support/loaded_file.h"
@@ -90,8 +90,7 @@ TEST(WorkerThreads, SayEachOnceThatTheyHaveEnded) {
         EXPECT_THAT(
             std::vector<std::string>(lines.begin() + 1, lines.end() - 1),
             ElementsAre("End thread 1", "End thread 2", "End thread 3", "End thread 4", "End thread 5"));
-        EXPECT_EQ(load.session.triangleCount, 60);
-        for (const auto& done : load.session.done) { EXPECT_EQ(done, 1); }
+        EXPECT_EQ(load.session.loaded.drawnTriangles, 60);
     }
 }
 
@@ -101,14 +100,14 @@ TEST(WorkerThreads, EndAtOnceWhereThereIsNothingToRead) {
     text.Use(text.Product("top"), text.Product("leaf"));
     const LoadedFile load(folder.Write("top.stp", text.Text()), 1);
     EXPECT_EQ(LinesOf(load.console).size(), 7u);
-    EXPECT_EQ(load.session.rootName, "top");
+    EXPECT_EQ(load.session.loaded.rootName, "top");
 }
 
 TEST(WorkerThreads, TakeAnyNumberThatIsNotNullForYes) {
     const TempFolder folder;
     const std::string path = WriteParts(folder, 1);
     EXPECT_EQ(LinesOf(LoadedFile(path, -1).console).size(), 7u);
-    EXPECT_EQ(LoadedFile(path, 2).session.useThreads, 1u);
+    EXPECT_TRUE(LoadedFile(path, true).session.useThreads);
 }
 
 TEST(WorkerThreads, ReadEachEntryOnce) {
@@ -116,12 +115,12 @@ TEST(WorkerThreads, ReadEachEntryOnce) {
     const std::string path = WriteParts(folder, 1500);
     const LoadedFile load(path, 1);
     EXPECT_EQ(load.session.partCount, 1500);
-    EXPECT_EQ(load.session.queueCursor, 1500);
-    EXPECT_EQ(load.session.queue.capacity, 2000);
-    EXPECT_EQ(load.session.triangleCount, 1500);
+    EXPECT_EQ(load.session.tree.queue.Count().claimed, 1500);
+    EXPECT_EQ(load.session.tree.queue.Capacity(), 2000);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 1500);
     std::set<const void*> meshes;
-    for (std::int32_t i = 0; i < load.session.drawList->count; ++i) {
-        meshes.insert(load.session.drawList->items[i]->meshes);
+    for (std::int32_t i = 0; i < load.session.loaded.drawList->count; ++i) {
+        meshes.insert(load.session.loaded.drawList->items[i]->meshes);
     }
     EXPECT_EQ(meshes.size(), 1500u);
 }
@@ -173,15 +172,16 @@ TEST(WorkerThreads, TakeUpWhatASubAssemblyAddsWhileTheyRun) {
     for (int round = 0; round < 5; ++round) {
         const LoadedFile load(folder.Path("level0.stp"), 1);
         EXPECT_EQ(load.session.partCount, 201);
-        EXPECT_EQ(load.session.drawList->count, 201);
-        EXPECT_EQ(load.session.triangleCount, 201);
+        EXPECT_EQ(load.session.loaded.drawList->count, 201);
+        EXPECT_EQ(load.session.loaded.drawnTriangles, 201);
     }
 }
 
 TEST(WorkerThreads, TellProgressOnTheThreadOfTheLoadOnly) {
     const TempFolder folder;
     const std::string path = WriteParts(folder, 300);
-    LoadSession session;
+    LoadedScene loaded = NewScene();
+    LoadSession session(loaded);
     std::set<std::thread::id> threads;
     std::int32_t lastRead = 0;
     std::int32_t lastKnown = 0;
@@ -209,7 +209,7 @@ TEST(WorkerThreads, ThatCannotBeStartedAreNotWaitedFor) {
     if (NoNewThreads::CanStartOne()) { GTEST_SKIP() << "threads start whatever stack they ask for"; }
     const LoadedFile load(path, 1);
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\nNumber of files=0  ; Number of parts=30 \n");
-    EXPECT_EQ(load.session.triangleCount, 30);
+    EXPECT_EQ(load.session.loaded.drawnTriangles, 30);
     EXPECT_EQ(ReportOf(path, 1), alone);
 }
 
@@ -232,7 +232,7 @@ TEST(WorkerThreads, ThatCannotAllBeStartedLeaveTheWorkToTheOthers) {
         {
             const LoadedFile load(path, 1);
             console = load.console;
-            triangles = load.session.triangleCount;
+            triangles = load.session.loaded.drawnTriangles;
         }
         const bool some = console.find("End thread 1\n") != std::string::npos;
         const bool all = console.find("End thread 5\n") != std::string::npos;

@@ -24,7 +24,7 @@ std::string FileFrom(std::string_view documentName) {
     const ProductNode* const part = run.Find("part");
     EXPECT_NE(part, nullptr);
     EXPECT_EQ(run.console, "");
-    EXPECT_EQ(run.session.queue.count, part->fileName != nullptr ? 1 : 0);
+    EXPECT_EQ(run.tree.queue.Count().all, part->fileName != nullptr ? 1 : 0);
     return part->fileName != nullptr ? part->fileName : "(none)";
 }
 
@@ -43,7 +43,7 @@ TEST(DocumentReference, GivesAProductTheFileOfItsDocument) {
     text.File(part, "part.stp");
     StructureRun run;
     run.ReadTop(text.Text());
-    ASSERT_EQ(run.session.products.count, 1);
+    ASSERT_EQ(run.tree.products.count, 1);
     const ProductNode& product = *run.Product(0);
     EXPECT_STREQ(product.fileName, "part.stp");
     EXPECT_STREQ(product.name, "part");
@@ -51,7 +51,7 @@ TEST(DocumentReference, GivesAProductTheFileOfItsDocument) {
     EXPECT_EQ(product.formationId, part - 1);
     EXPECT_EQ(product.isRoot, 1);
     EXPECT_THAT(run.QueueNames(), ElementsAre("part"));
-    EXPECT_EQ(run.session.root, &product);
+    EXPECT_EQ(run.tree.root, &product);
 }
 
 TEST(DocumentReference, OpensAnStpFileForACgrFile) {
@@ -191,9 +191,9 @@ TEST(DocumentReference, ThatIsReadLaterReplacesTheFileOfOneBefore) {
     const int last = TableOrder(references, static_cast<int>(text.DataLines().size())).back();
     StructureRun run;
     run.ReadTop(text.Text());
-    ASSERT_EQ(run.session.products.count, 1);
+    ASSERT_EQ(run.tree.products.count, 1);
     EXPECT_EQ(run.Product(0)->fileName, fileOf[last]);
-    EXPECT_EQ(run.session.queue.count, 1);
+    EXPECT_EQ(run.tree.queue.Count().all, 1);
 }
 
 TEST(DocumentReference, ThatIsRefusedLeavesTheFileOfOneBefore) {
@@ -217,7 +217,7 @@ TEST(DocumentReference, GivesAFileToAProductThatAnOccurrenceMade) {
     text.File(part, "part.stp");
     StructureRun run;
     run.ReadTop(text.Text());
-    EXPECT_EQ(run.session.products.count, 2);
+    EXPECT_EQ(run.tree.products.count, 2);
     EXPECT_STREQ(run.Find("part")->fileName, "part.stp");
     EXPECT_EQ(run.Find("part")->isRoot, 0);
     EXPECT_EQ(run.Find("top")->fileName, nullptr);
@@ -236,7 +236,7 @@ TEST(DocumentReference, LeavesAProductThatAnotherFileHasQueuedItsFile) {
     lower.MarkAsAssembly();
     lower.File(lower.Product("part"), "lower.stp");
     run.ReadSub(lower.Text());
-    EXPECT_EQ(run.session.products.count, 2);
+    EXPECT_EQ(run.tree.products.count, 2);
     EXPECT_THAT(run.QueueNames(), ElementsAre("part"));
     EXPECT_STREQ(run.Find("part")->fileName, "upper.stp");
 }
@@ -249,7 +249,7 @@ TEST(DocumentReference, QueuesTwoProductsOfOneNameThatBothHaveAFile) {
     StructureRun run;
     run.ReadTop(text.Text());
     EXPECT_THAT(run.QueueNames(), ElementsAre("twin", "twin"));
-    EXPECT_NE(run.session.queue[0], run.session.queue[1]);
+    EXPECT_NE(run.tree.queue.At(0), run.tree.queue.At(1));
 }
 
 TEST(DocumentReference, QueuesTheProductsOfAFileAsTheyWereMade) {
@@ -263,7 +263,7 @@ TEST(DocumentReference, QueuesTheProductsOfAFileAsTheyWereMade) {
     StructureRun run;
     run.ReadTop(text.Text());
     std::vector<std::string> withFile;
-    for (std::int32_t i = 0; i < run.session.products.count; ++i) {
+    for (std::int32_t i = 0; i < run.tree.products.count; ++i) {
         if (run.Product(i)->fileName != nullptr) { withFile.emplace_back(run.Product(i)->name); }
     }
     EXPECT_EQ(withFile.size(), 15u);

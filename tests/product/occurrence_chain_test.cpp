@@ -44,7 +44,7 @@ TEST(OccurrenceChain, LeadsToParentChildAndPlacement) {
     EXPECT_EQ(occurrence.relatedUid, nullptr);
     EXPECT_THAT(occurrence.translation, ElementsAre(1, 2, 3));
     EXPECT_THAT(occurrence.rotation, ElementsAre(1, 0, 0, 0, 1, 0, 0, 0, 1));
-    EXPECT_EQ(run.session.root, &top);
+    EXPECT_EQ(run.tree.root, &top);
     EXPECT_EQ(run.console, "");
 }
 
@@ -52,7 +52,7 @@ TEST(OccurrenceChain, WithoutItsContextLineAnUsageIsNoOccurrence) {
     StructureRun run;
     EXPECT_EQ(run.ReadTop(Chain().Without(Chain::kContext)), 0);
     EXPECT_THAT(run.ProductNames(), IsEmpty());
-    EXPECT_EQ(run.session.root, nullptr);
+    EXPECT_EQ(run.tree.root, nullptr);
 }
 
 TEST(OccurrenceChain, BeginsAtEveryKeywordWithTheComparedBeginning) {
@@ -74,7 +74,7 @@ TEST(OccurrenceChain, IsDroppedInSilenceWhereAProductOrALinkIsMissing) {
         StructureRun run;
         EXPECT_EQ(run.ReadTop(chain.Without(id)), 0) << id;
         EXPECT_THAT(run.ProductNames(), IsEmpty()) << id;
-        EXPECT_EQ(run.session.root, nullptr) << id;
+        EXPECT_EQ(run.tree.root, nullptr) << id;
         EXPECT_EQ(run.console, "") << id;
     }
 }
@@ -106,7 +106,7 @@ TEST(OccurrenceChain, IsConfusedByACommaInASkippedString) {
     run.ReadTop(Chain().With(Chain::kUsage, "NEXT_ASSEMBLY_USAGE_OCCURRENCE('u','as in,#6','d',#3,#6,$)"));
     ASSERT_THAT(run.ProductNames(), ElementsAre("leaf", "top"));
     EXPECT_THAT(ChildrenOf(*run.Product(0)), ElementsAre("top"));
-    EXPECT_EQ(run.session.root, run.Product(0));
+    EXPECT_EQ(run.tree.root, run.Product(0));
 }
 
 TEST(OccurrenceChain, PassesOverCommasInFrontOfTheParent) {
@@ -120,7 +120,7 @@ TEST(OccurrenceChain, FindsTheTransformationBehindTheThirdParenthesis) {
     StructureRun run;
     // Another beginning with as many parentheses does as well.
     run.ReadTop(Chain().With(Chain::kRelationship, "(A()B(#13))"));
-    ASSERT_EQ(run.session.products.count, 2);
+    ASSERT_EQ(run.tree.products.count, 2);
     EXPECT_THAT(run.Product(0)->occurrences[0]->translation, ElementsAre(1, 2, 3));
 }
 
@@ -129,7 +129,7 @@ TEST(OccurrenceChain, ReliesOnTheOrderOfThePartialEntities) {
     run.ReadTop(Chain().With(Chain::kRelationship, "(REPRESENTATION_RELATIONSHIP_WITH_TRANSFORMATION(#13)"
                                                    "REPRESENTATION_RELATIONSHIP('','',#91,#92)"
                                                    "SHAPE_REPRESENTATION_RELATIONSHIP())"));
-    ASSERT_EQ(run.session.products.count, 2);
+    ASSERT_EQ(run.tree.products.count, 2);
     ExpectNoPlacement(*run.Product(0)->occurrences[0]);
 }
 
@@ -138,7 +138,7 @@ TEST(OccurrenceChain, IsConfusedByAParenthesisInTheNameOfTheRelationship) {
     run.ReadTop(Chain().With(Chain::kRelationship,
                              "(REPRESENTATION_RELATIONSHIP('(','',#91,#92)REPRESENTATION_RELATIONSHIP_WITH_"
                              "TRANSFORMATION(#13)SHAPE_REPRESENTATION_RELATIONSHIP())"));
-    ASSERT_EQ(run.session.products.count, 2);
+    ASSERT_EQ(run.tree.products.count, 2);
     ExpectNoPlacement(*run.Product(0)->occurrences[0]);
 }
 
@@ -176,7 +176,7 @@ TEST(OccurrenceChain, GivesTwoOccurrencesAndOneProductForAChildUsedTwice) {
     text.Use(top, leaf, At(2, 0, 0));
     StructureRun run;
     run.ReadTop(text.Text());
-    ASSERT_EQ(run.session.products.count, 2);
+    ASSERT_EQ(run.tree.products.count, 2);
     const ProductNode& product = *run.Find("top");
     ASSERT_EQ(product.occurrenceCount, 2);
     EXPECT_EQ(product.occurrences[0]->child, product.occurrences[1]->child);
@@ -229,8 +229,8 @@ TEST(OccurrenceChain, WithProductsThatAreEachOthersPartsLeavesNoRoot) {
     text.Use(b, a);
     StructureRun run;
     run.ReadTop(text.Text());
-    EXPECT_EQ(run.session.products.count, 2);
-    EXPECT_EQ(run.session.root, nullptr);
+    EXPECT_EQ(run.tree.products.count, 2);
+    EXPECT_EQ(run.tree.root, nullptr);
 }
 
 TEST(OccurrenceChain, KeepsAProductThatIsItsOwnPart) {
@@ -239,10 +239,10 @@ TEST(OccurrenceChain, KeepsAProductThatIsItsOwnPart) {
     text.Use(a, a);
     StructureRun run;
     run.ReadTop(text.Text());
-    ASSERT_EQ(run.session.products.count, 1);
+    ASSERT_EQ(run.tree.products.count, 1);
     EXPECT_EQ(run.Product(0)->isRoot, 0);
     EXPECT_THAT(ChildrenOf(*run.Product(0)), ElementsAre("a"));
-    EXPECT_EQ(run.session.root, nullptr);
+    EXPECT_EQ(run.tree.root, nullptr);
 }
 
 TEST(OccurrenceChain, ThatRunsPastTheEndOfTheTextGivesTheFileUp) {
@@ -291,8 +291,8 @@ TEST(OccurrenceChain, ThatRunsPastTheEndOfTheTextGivesTheFileUp) {
         StructureRun run;
         EXPECT_EQ(run.ReadTop(chain.Text()), 1) << entity;
         EXPECT_THAT(run.ProductNames(), IsEmpty()) << entity;
-        EXPECT_EQ(run.session.root, nullptr) << entity;
-        EXPECT_EQ(run.session.queue.count, 0) << entity;
+        EXPECT_EQ(run.tree.root, nullptr) << entity;
+        EXPECT_EQ(run.tree.queue.Count().all, 0) << entity;
         EXPECT_THAT(run.console, StartsWith("<E> ")) << entity;
         EXPECT_THAT(run.console, EndsWith("structure.stp: its structure is given up, #" + std::to_string(id) +
                                           " runs past the end of the file\n"))

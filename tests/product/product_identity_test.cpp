@@ -61,7 +61,7 @@ TEST(ProductIdentity, IsTheDefinitionWithinOneFile) {
     text.Use(top, first);
     StructureRun run;
     run.ReadTop(text.Text());
-    ASSERT_EQ(run.session.products.count, 3);
+    ASSERT_EQ(run.tree.products.count, 3);
     EXPECT_EQ(run.Find("top")->occurrenceCount, 3);
     std::map<const ProductNode*, int> uses;
     for (int i = 0; i < 3; ++i) { ++uses[run.Find("top")->occurrences[i]->child]; }
@@ -85,7 +85,7 @@ TEST(ProductIdentity, IsSharedWithAProductThatAnotherFileHasQueued) {
     lower.Use(root, leaf, At(0, 0, 5));
     run.ReadSub(lower.Text());
     // The node of the upper file got the occurrence; only the leaf is new.
-    EXPECT_EQ(run.session.products.count, 3);
+    EXPECT_EQ(run.tree.products.count, 3);
     EXPECT_EQ(run.Find("sub"), sub);
     EXPECT_THAT(ChildrenOf(*sub), ElementsAre("leaf"));
     EXPECT_EQ(sub->occurrences[0]->child, run.Product(2));
@@ -109,7 +109,7 @@ TEST(ProductIdentity, IsComparedWholeAndInItsCase) {
     AssemblyText lower;
     lower.Use(lower.Product("root"), lower.Product("bolt"));
     run.ReadSub(lower.Text());
-    ASSERT_EQ(run.session.products.count, 6);
+    ASSERT_EQ(run.tree.products.count, 6);
     EXPECT_STREQ(run.Product(5)->name, "bolt");
 }
 
@@ -125,12 +125,12 @@ TEST(ProductIdentity, IsThatOfTheFirstQueuedProductOfTheName) {
     StructureRun run;
     run.ReadTop(top.Text());
     ASSERT_THAT(run.QueueNames(), ElementsAre("twin", "twin"));
-    ASSERT_NE(run.session.queue[0], run.session.queue[1]);
+    ASSERT_NE(run.tree.queue.At(0), run.tree.queue.At(1));
     AssemblyText lower;
     lower.Use(lower.Product("twin"), lower.Product("leaf"));
     run.ReadSub(lower.Text());
-    EXPECT_EQ(run.session.queue[0]->occurrenceCount, 1);
-    EXPECT_EQ(run.session.queue[1]->occurrenceCount, 0);
+    EXPECT_EQ(run.tree.queue.At(0)->occurrenceCount, 1);
+    EXPECT_EQ(run.tree.queue.At(1)->occurrenceCount, 0);
 }
 
 TEST(ProductIdentity, OfAnEmptyNameIsThatOfTheFirstQueuedEmptyName) {
@@ -147,8 +147,8 @@ TEST(ProductIdentity, OfAnEmptyNameIsThatOfTheFirstQueuedEmptyName) {
     lower.Use(lowerRoot, lower.Product("named"), At(2, 0, 0));
     run.ReadSub(lower.Text());
     // Both empty names of the lower file are the queued product, which is thereby part of itself.
-    ASSERT_EQ(run.session.products.count, 3);
-    ProductNode* const empty = run.session.queue[0];
+    ASSERT_EQ(run.tree.products.count, 3);
+    ProductNode* const empty = run.tree.queue.At(0);
     EXPECT_STREQ(empty->name, "");
     EXPECT_EQ(empty->occurrenceCount, 2);
     EXPECT_EQ(std::count_if(empty->occurrences, empty->occurrences + 2,
@@ -183,7 +183,7 @@ TEST(ProductIdentity, LooksAtTheQueueAsItStoodWhenTheFileWasBegun) {
     run.ReadTop(TopOf({"x"}));
     run.ReadSub(lower.Text());
     EXPECT_THAT(run.QueueNames(), ElementsAre("x", "same", "same"));
-    EXPECT_NE(run.session.queue[1], run.session.queue[2]);
+    EXPECT_NE(run.tree.queue.At(1), run.tree.queue.At(2));
 }
 
 TEST(ProductIdentity, OfANameOf299CharactersIsKeptWhole) {
@@ -246,9 +246,9 @@ TEST(RootRule, TakesTheLastCandidateOfTheTopFile) {
     StructureRun run;
     run.ReadTop(text.Text());
     const int last = TableOrder(contexts, static_cast<int>(text.DataLines().size())).back();
-    ASSERT_NE(run.session.root, nullptr);
-    EXPECT_EQ(run.session.root->name, rootOf[last]);
-    EXPECT_EQ(run.session.root->isRoot, 1);
+    ASSERT_NE(run.tree.root, nullptr);
+    EXPECT_EQ(run.tree.root->name, rootOf[last]);
+    EXPECT_EQ(run.tree.root->isRoot, 1);
 }
 
 TEST(RootRule, CountsAProductThatOnlyADocumentNames) {
@@ -265,23 +265,23 @@ TEST(RootRule, CountsAProductThatOnlyADocumentNames) {
     const std::vector<int> order = TableOrder(references, static_cast<int>(text.DataLines().size()));
     StructureRun run;
     run.ReadTop(text.Text());
-    ASSERT_EQ(run.session.products.count, 4);
-    EXPECT_EQ(run.session.root->name, nameOf[order.back()]);
+    ASSERT_EQ(run.tree.products.count, 4);
+    EXPECT_EQ(run.tree.root->name, nameOf[order.back()]);
     EXPECT_EQ(run.QueueNames()[0], nameOf[order.front()]);
 }
 
 TEST(RootRule, IsNotTouchedByASubAssembly) {
     StructureRun run;
     run.ReadTop(TopOf({"sub"}));
-    ProductNode* const root = run.session.root;
+    ProductNode* const root = run.tree.root;
     ASSERT_STREQ(root->name, "top");
     AssemblyText lower;
     lower.Use(lower.Product("lone root"), lower.Product("leaf"));
     run.ReadSub(lower.Text());
-    EXPECT_EQ(run.session.root, root);
+    EXPECT_EQ(run.tree.root, root);
     EXPECT_EQ(run.Find("lone root")->isRoot, 1);
     // Its products are in the session all the same.
-    EXPECT_EQ(run.session.products.count, 4);
+    EXPECT_EQ(run.tree.products.count, 4);
 }
 
 TEST(RootRule, GivesNoRootWhereTheTopFileHasNone) {
@@ -290,7 +290,7 @@ TEST(RootRule, GivesNoRootWhereTheTopFileHasNone) {
     AssemblyText lower;
     lower.Use(lower.Product("a"), lower.Product("b"));
     run.ReadSub(lower.Text());
-    EXPECT_EQ(run.session.root, nullptr);
+    EXPECT_EQ(run.tree.root, nullptr);
 }
 
 TEST(SessionProducts, GrowToTwiceTheirRoomOrByAFileThatNeedsMore) {
@@ -305,23 +305,23 @@ TEST(SessionProducts, GrowToTwiceTheirRoomOrByAFileThatNeedsMore) {
     };
     StructureRun run;
     run.ReadTop(lists(1000));
-    EXPECT_EQ(run.session.products.capacity, 1000);
-    EXPECT_EQ(run.session.products.count, 1000);
+    EXPECT_EQ(run.tree.products.capacity, 1000);
+    EXPECT_EQ(run.tree.products.count, 1000);
     run.ReadSub(lists(1));
-    EXPECT_EQ(run.session.products.capacity, 2000);
+    EXPECT_EQ(run.tree.products.capacity, 2000);
     run.ReadSub(lists(999));
-    EXPECT_EQ(run.session.products.capacity, 2000);
-    EXPECT_EQ(run.session.products.count, 2000);
+    EXPECT_EQ(run.tree.products.capacity, 2000);
+    EXPECT_EQ(run.tree.products.count, 2000);
     run.ReadSub(lists(2001));
-    EXPECT_EQ(run.session.products.capacity, 4001);
-    EXPECT_EQ(run.session.products.count, 4001);
+    EXPECT_EQ(run.tree.products.capacity, 4001);
+    EXPECT_EQ(run.tree.products.count, 4001);
     StructureRun other;
     other.ReadTop(lists(1001));
-    EXPECT_EQ(other.session.products.capacity, 2001);
+    EXPECT_EQ(other.tree.products.capacity, 2001);
     StructureRun edge;
     edge.ReadTop(lists(1));
     edge.ReadSub(lists(1000)); // does not exceed the old room
-    EXPECT_EQ(edge.session.products.capacity, 2000);
+    EXPECT_EQ(edge.tree.products.capacity, 2000);
     EXPECT_THAT(edge.QueueNames(), IsEmpty());
 }
 
@@ -334,16 +334,16 @@ TEST(PartQueue, DoublesWhenItIsFullAndKeepsItsEntries) {
         const std::string name = "p" + std::to_string(i % 10);
         product->name = arena.Copy(name.data(), name.size());
         products.push_back(product);
-        PushPartQueue(run.session, product);
+        PushPartQueue(run.tree, product);
         const std::int32_t expected = i < 1000 ? 1000 : i < 2000 ? 2000 : 4000;
-        ASSERT_EQ(run.session.queue.capacity, expected) << i;
-        ASSERT_EQ(run.session.queue.count, i + 1);
+        ASSERT_EQ(run.tree.queue.Capacity(), expected) << i;
+        ASSERT_EQ(run.tree.queue.Count().all, i + 1);
     }
     for (std::size_t i = 0; i < products.size(); ++i) {
-        ASSERT_EQ(run.session.queue[static_cast<std::int32_t>(i)], products[i]);
+        ASSERT_EQ(run.tree.queue.At(static_cast<std::int32_t>(i)), products[i]);
     }
-    EXPECT_EQ(FindQueued(run.session, "p3"), products[3]);
-    EXPECT_EQ(FindQueued(run.session, "p10"), nullptr);
+    EXPECT_EQ(FindQueued(run.tree, "p3"), products[3]);
+    EXPECT_EQ(FindQueued(run.tree, "p10"), nullptr);
 }
 
 } // namespace

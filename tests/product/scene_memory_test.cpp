@@ -1,4 +1,4 @@
-#include "product/load_session.h"
+#include "product/product_tree.h"
 #include "product/scene_memory.h"
 
 #include <gtest/gtest.h>
@@ -24,21 +24,6 @@ TEST(SceneMemory, KeepsWhatThreadsHandOver) {
     }
     for (std::thread& thread : threads) { thread.join(); }
     for (const char* const name : names) { EXPECT_EQ(std::string_view(name), "thread"); }
-}
-
-TEST(LoadSession, StartsWithNothing) {
-    const LoadSession session;
-    EXPECT_EQ(session.isAssembly, -1);
-    EXPECT_EQ(session.fileCount, 0);
-    EXPECT_EQ(session.hasBox, 0);
-    EXPECT_EQ(session.triangleCount, 0);
-    EXPECT_EQ(session.root, nullptr);
-    EXPECT_EQ(session.drawList, nullptr);
-    EXPECT_EQ(session.resultMesh, nullptr);
-    EXPECT_EQ(session.containers, nullptr);
-    EXPECT_EQ(session.containerCount, 0);
-    EXPECT_FALSE(session.hasRootName);
-    for (const auto& done : session.done) { EXPECT_EQ(done, 0); }
 }
 
 TEST(ProductArray, KeepsItsEntriesWhenItGrows) {

@@ -4,17 +4,12 @@
 
 namespace tarnwick::test {
 
-StructureRun::StructureRun() {
-    session.products.Allocate(LoadSession::kFirstCapacity);
-    session.queue.Allocate(LoadSession::kFirstCapacity);
-}
-
 int StructureRun::Read(std::string_view text, bool isTopFile) {
     LogCapture log;
     ReaderWorkspace workspace;
     StepModel model(workspace, folder_.Write("structure.stp", text));
     if (model.Read() != StepModel::kRead) { std::abort(); }
-    const int result = ReadAssemblyStructure(session, model, isTopFile, session.scene->Main());
+    const int result = ReadAssemblyStructure(tree, model, isTopFile, memory.Main());
     console += log.TakeConsole();
     return result;
 }
@@ -27,8 +22,14 @@ std::vector<std::string> StructureRun::Names(const ProductArray& products) {
     return names;
 }
 
+std::vector<std::string> StructureRun::QueueNames() const {
+    std::vector<std::string> names;
+    for (std::int32_t i = 0; i < tree.queue.Count().all; ++i) { names.emplace_back(tree.queue.At(i)->name); }
+    return names;
+}
+
 ProductNode* StructureRun::Find(std::string_view name) const {
-    for (std::int32_t i = 0; i < session.products.count; ++i) {
+    for (std::int32_t i = 0; i < tree.products.count; ++i) {
         if (Product(i)->name == name) { return Product(i); }
     }
     return nullptr;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "product/assembly_reader.h"
+#include "product/scene_memory.h"
 #include "support/assembly_text.h"
 #include "support/capture.h"
 #include "support/table_order.h"
@@ -13,25 +14,24 @@
 
 namespace tarnwick::test {
 
-// A session into which the structure of files is read one after another, as a load does it but for the files
+// A tree into which the structure of files is read one after another, as a load does it but for the files
 // of parts.
 class StructureRun {
 public:
-    StructureRun();
-
     // Reads a text as the top file, or as that of a sub-assembly. Returns what ReadAssemblyStructure did.
     int ReadTop(std::string_view text) { return Read(text, true); }
     int ReadSub(std::string_view text) { return Read(text, false); }
 
-    std::vector<std::string> ProductNames() const { return Names(session.products); }
-    std::vector<std::string> QueueNames() const { return Names(session.queue); }
+    std::vector<std::string> ProductNames() const { return Names(tree.products); }
+    std::vector<std::string> QueueNames() const;
     ProductNode* Product(std::int32_t index) const {
-        return session.products.items[static_cast<std::size_t>(index)];
+        return tree.products.items[static_cast<std::size_t>(index)];
     }
-    // The first product of the session's list with that name; null when there is none.
+    // The first product of the tree's list with that name; null when there is none.
     ProductNode* Find(std::string_view name) const;
 
-    LoadSession session;
+    ProductTree tree;
+    SceneMemory memory;
     std::string console; // of all files so far
 
 private:

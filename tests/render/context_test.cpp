@@ -49,9 +49,9 @@ TEST_F(ContextTest, AFreshViewHasItsStartValues) {
     EXPECT_EQ(fresh.modelSize, 120);
     EXPECT_EQ(fresh.dragMode, 3u);
     EXPECT_EQ(fresh.selectedIndex, -1);
-    EXPECT_EQ(fresh.pickMode, 0);
+    EXPECT_EQ(fresh.loaded.pickMode, 0);
     EXPECT_EQ(fresh.wireframe, 0);
-    EXPECT_EQ(fresh.drawnTriangles, 0);
+    EXPECT_EQ(fresh.loaded.drawnTriangles, 0);
 }
 
 TEST_F(ContextTest, ASizeSetsViewportAndPerspectiveAndLeavesTheProjectionSelected) {
@@ -100,7 +100,7 @@ TEST_F(ContextTest, WithoutAContextNothingIsEverCalled) {
     blind.OnCreate();
     blind.OnSize(OpenGLControl::kRestored, 800, 600);
     DrawList boxes{};
-    blind.boxList = &boxes;
+    blind.loaded.boxList = &boxes;
     blind.OnLButtonDown({10, 10});
     blind.OnMouseMove({20, 20});
     blind.OnLButtonUp({10, 10});

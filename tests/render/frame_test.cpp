@@ -128,7 +128,7 @@ TEST_F(FrameTest, WithoutTrianglesAFrameShowsTheCube) {
 TEST_F(FrameTest, ThePickPassOfTheCubeGivesEachSideAColourOfItsOwn) {
     // A list with nothing to draw is the only way to that pass: without any list a click does nothing.
     Show({}, 1);
-    view.drawnTriangles = 0;
+    view.loaded.drawnTriangles = 0;
     const Calls calls = PickPass();
     Calls colours;
     for (const std::string& call : calls) {
@@ -240,8 +240,8 @@ TEST_F(FrameTest, AFiniteElementMeshIsOneCallWithAColourForEachNode) {
     ResultMesh mesh{vertices, colours, quads, 1, 4};
     CentreAt123();
     view.modelSize = 10;
-    view.drawnTriangles = 2;
-    view.resultMesh = &mesh;
+    view.loaded.drawnTriangles = 2;
+    view.loaded.resultMesh = &mesh;
     view.Redraw();
     EXPECT_THAT(TakeCalls(),
                 ElementsAreArray(Joined(
@@ -289,7 +289,7 @@ TEST_F(FrameTest, MeshesGoBeforeAFiniteElementMeshAndThatBeforeBoxes) {
     std::uint32_t quads[4] = {0, 1, 2, 3};
     ResultMesh mesh{vertices, colours, quads, 1, 4};
     ShowBoxes({NewBox(1)});
-    view.resultMesh = &mesh;
+    view.loaded.resultMesh = &mesh;
     view.Redraw();
     EXPECT_THAT(TakeCalls(), Not(Contains("glVertexPointer(3, GL_FLOAT, 0, bv1)")));
     Show({NewItem({NewFace(11)})}, 1);
@@ -331,7 +331,7 @@ TEST_F(FrameTest, AnEmptyListDrawsTheBackgroundOnly) {
     Show({}, 2);
     view.Redraw();
     EXPECT_THAT(TakeCalls(), Not(Contains("glPolygonMode(GL_FRONT_AND_BACK, GL_LINE)")));
-    view.drawList = nullptr; // what a failed load leaves
+    view.loaded.drawList = nullptr; // what a failed load leaves
     view.Redraw();
     const Calls calls = TakeCalls();
     EXPECT_EQ(calls.back(), "glPopMatrix()");
@@ -401,8 +401,8 @@ TEST_F(FrameTest, QuadsOfNodesThatAreNotThereAreLeftOut) {
     std::uint8_t colours[20] = {};
     std::uint32_t quads[12] = {0, 1, 2, 3, 1, 2, 3, 5, 4, 3, 2, 1};
     ResultMesh mesh{vertices, colours, quads, 3, 5};
-    view.drawnTriangles = 6;
-    view.resultMesh = &mesh;
+    view.loaded.drawnTriangles = 6;
+    view.loaded.resultMesh = &mesh;
     ++view.sceneNumber;
     view.Redraw();
     EXPECT_THAT(TakeCalls(), Contains("glDrawElements(GL_QUADS, 8, GL_UNSIGNED_INT, 0 1 2 3 4 3 2 1)"));

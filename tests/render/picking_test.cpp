@@ -45,8 +45,8 @@ protected:
         containers_ = std::move(records);
         pointers_.clear();
         for (FaceContainer& container : containers_) { pointers_.push_back(&container); }
-        view.containers = pointers_.data();
-        view.containerCount = static_cast<std::int32_t>(pointers_.size());
+        view.loaded.containers = pointers_.data();
+        view.loaded.containerCount = static_cast<std::int32_t>(pointers_.size());
     }
 
 private:
@@ -58,8 +58,8 @@ TEST_F(PickingTest, AnEmptySceneAndAFiniteElementMeshCannotBePicked) {
     EXPECT_EQ(Click(0), "");
     EXPECT_THAT(TakeCalls(), IsEmpty());
     ResultMesh mesh{};
-    view.resultMesh = &mesh;
-    view.drawnTriangles = 1;
+    view.loaded.resultMesh = &mesh;
+    view.loaded.drawnTriangles = 1;
     EXPECT_EQ(Click(0), "");
     EXPECT_THAT(TakeCalls(), IsEmpty());
     EXPECT_EQ(view.selectedIndex, -1);

@@ -115,11 +115,11 @@ protected:
         list_ = DrawList{};
         list_.items = shownItems_.data();
         list_.count = static_cast<std::int32_t>(items.size());
-        view.drawList = &list_;
-        view.boxList = nullptr;
-        view.resultMesh = nullptr;
-        view.drawnTriangles = 1;
-        view.pickMode = pickMode;
+        view.loaded.drawList = &list_;
+        view.loaded.boxList = nullptr;
+        view.loaded.resultMesh = nullptr;
+        view.loaded.drawnTriangles = 1;
+        view.loaded.pickMode = pickMode;
         view.modelSize = 10;
         ++view.sceneNumber;
     }
@@ -148,10 +148,10 @@ protected:
         list_ = DrawList{};
         list_.boxes = shownBoxes_.data();
         list_.count = static_cast<std::int32_t>(boxes.size());
-        view.drawList = nullptr;
-        view.resultMesh = nullptr;
-        view.boxList = &list_;
-        view.drawnTriangles = 12 * list_.count;
+        view.loaded.drawList = nullptr;
+        view.loaded.resultMesh = nullptr;
+        view.loaded.boxList = &list_;
+        view.loaded.drawnTriangles = 12 * list_.count;
         view.modelSize = 10;
         ++view.sceneNumber;
     }

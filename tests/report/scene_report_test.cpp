@@ -1,6 +1,7 @@
+#include "formats/load_commands.h"
 #include "report/report.h"
 
-#include "load/load_commands.h"
+#include "load/view_setup.h"
 #include "support/capture.h"
 #include "support/p21_text.h"
 #include "support/temp_folder.h"
@@ -167,7 +168,7 @@ TEST(SceneReport, ListsAMeshOfSeveralItemsOnce) {
     DrawItem* pointers[] = {&items[0], &items[1], &items[2]};
     DrawList list{{pointers}, 3, 3};
     SceneView view;
-    view.root = &root;
+    view.loaded.root = &root;
     Occurrence occurrences[2] = {};
     occurrences[0].child = &child;
     occurrences[1].child = &child;
@@ -176,7 +177,7 @@ TEST(SceneReport, ListsAMeshOfSeveralItemsOnce) {
     Occurrence* uses[] = {&occurrences[0], &occurrences[1]};
     root.occurrences = uses;
     root.occurrenceCount = 2;
-    view.drawList = &list;
+    view.loaded.drawList = &list;
     const json report = Reported(view);
     ASSERT_EQ(report["meshes"].size(), 2u);
     EXPECT_EQ(report["meshes"][0]["faceId"], 6) << "by first appearance";
@@ -207,7 +208,7 @@ TEST(SceneReport, NumbersProductsDepthFirst) {
     nodes[1].occurrences = ofSecond;
     nodes[1].occurrenceCount = 3;
     SceneView view;
-    view.root = &nodes[0];
+    view.loaded.root = &nodes[0];
     const json report = Reported(view);
     ASSERT_EQ(report["products"].size(), 4u);
     for (std::size_t i = 0; i < 4; ++i) { EXPECT_EQ(report["products"][i]["name"], names[i]); }

@@ -1,6 +1,6 @@
 #include "summary/stpj_reader.h"
 
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "load/load_file.h"
 #include "product/draw_list.h"
 #include "summary/select_depth.h"
@@ -48,7 +48,7 @@ struct Loaded {
     std::vector<float> At(std::int32_t depth) {
         Arena memory;
         DrawList list{};
-        EXPECT_TRUE(SelectDepth(*result.file, depth, &list, memory));
+        EXPECT_TRUE(SelectDepth(*result.stpjFile, depth, &list, memory));
         std::vector<float> places;
         for (std::int32_t i = 0; i < list.count; ++i) {
             const BoxItem& box = *list.boxes[i];
@@ -58,15 +58,15 @@ struct Loaded {
     }
     TestFolder folder;
     ConsoleText console;
-    StpjResult result;
+    LoadedScene result = NewScene();
 };
 
 TEST(Stpj, ReadsProductsAndOccurrences) {
     Loaded loaded(Summary(
         {kBoxed, "{\"idx\": 8, \"name\": \"b\"}"},
         {Row(0, 1), "{\"trans\":[10 20 30], \"rotat\":[1 2 3 4 5 6 7 8 9], \"idx_prd\":2, \"depth\":1}"}));
-    ASSERT_NE(loaded.result.file, nullptr);
-    const StpjFile& file = *loaded.result.file;
+    ASSERT_NE(loaded.result.stpjFile, nullptr);
+    const StpjFile& file = *loaded.result.stpjFile;
     ASSERT_EQ(file.productCount, 2);
     EXPECT_STREQ(file.products[0]->name, "a");
     EXPECT_EQ(file.products[0]->fileName, nullptr);
@@ -122,7 +122,7 @@ TEST(Stpj, LosesTheColonOfAFiveLetterDepthKey) {
 
 std::vector<float> BoxOf(const std::string& numbers) {
     Loaded loaded(Summary({"{\"bbox\": [" + numbers + "], \"name\": \"a\"}"}, {Row(0, 1)}));
-    const ProductNode& product = *loaded.result.file->products[0];
+    const ProductNode& product = *loaded.result.stpjFile->products[0];
     EXPECT_EQ(product.hasBox, 1);
     return {product.box, product.box + 6};
 }
@@ -144,7 +144,7 @@ TEST(Stpj, ReadsNumbersThatBlanksSeparate) {
 
 TEST(Stpj, CarriesNameAndNumberOverToAProductWithoutThemButNotTheBox) {
     Loaded loaded(Summary({kBoxed, "{\"x\": 1}"}, {Row(0, 2)}));
-    const ProductNode& second = *loaded.result.file->products[1];
+    const ProductNode& second = *loaded.result.stpjFile->products[1];
     EXPECT_STREQ(second.name, "a");
     EXPECT_EQ(second.definitionId, 7);
     EXPECT_EQ(second.hasBox, 0);
@@ -154,8 +154,8 @@ TEST(Stpj, EndsAnObjectAtItsFirstClosingBrace) {
     Loaded loaded(
         Summary({"{\"more\": {\"x\": 1}, \"name\": \"lost\"}", "{\"name\": \"b, c\"}"}, {Row(0, 1)}));
     // The name behind the nested object is no product's; the next object is the second product.
-    EXPECT_STREQ(loaded.result.file->products[0]->name, "");
-    EXPECT_STREQ(loaded.result.file->products[1]->name, "b, c");
+    EXPECT_STREQ(loaded.result.stpjFile->products[0]->name, "");
+    EXPECT_STREQ(loaded.result.stpjFile->products[1]->name, "b, c");
 }
 
 TEST(Stpj, FindsNoOccurrencesInFrontOfTheProducts) {
@@ -164,7 +164,7 @@ TEST(Stpj, FindsNoOccurrencesInFrontOfTheProducts) {
     const std::string swapped =
         good.substr(second, good.size() - second - 2) + ", " + good.substr(1, second - 1) + "}";
     Loaded loaded(swapped);
-    EXPECT_EQ(loaded.result.file, nullptr);
+    EXPECT_EQ(loaded.result.stpjFile, nullptr);
     EXPECT_EQ(loaded.console.Count("<E>"), 1);
     EXPECT_EQ(loaded.result.unreadFiles.size(), 1u);
 }
@@ -172,15 +172,15 @@ TEST(Stpj, FindsNoOccurrencesInFrontOfTheProducts) {
 TEST(Stpj, TakesTheTableKeyFromAnyQuoteAlsoAClosingOne) {
     std::string text = Summary({kBoxed}, {Row(0, 1)});
     text.insert(1, "\"x\"products_ta : ");
-    EXPECT_NE(Loaded(text).result.file, nullptr);
+    EXPECT_NE(Loaded(text).result.stpjFile, nullptr);
 }
 
 TEST(Stpj, LeavesOutWhatACountClaimsAndTheFileLacks) {
     std::string text = Summary({kBoxed}, {Row(0, 1), Row(1, 1)});
     text.replace(text.find("\"nb_occurrences\": 2"), 19, "\"nb_occurrences\": 2000000000");
     Loaded loaded(text);
-    ASSERT_NE(loaded.result.file, nullptr);
-    EXPECT_EQ(loaded.result.file->occurrenceCount, 2);
+    ASSERT_NE(loaded.result.stpjFile, nullptr);
+    EXPECT_EQ(loaded.result.stpjFile->occurrenceCount, 2);
     EXPECT_EQ(loaded.console.Count("<E>"), 1);
     EXPECT_EQ(loaded.At(2).size(), 1u);
 }
@@ -188,7 +188,7 @@ TEST(Stpj, LeavesOutWhatACountClaimsAndTheFileLacks) {
 TEST(Stpj, ReadsNoMoreThanACountClaims) {
     std::string text = Summary({kBoxed}, {Row(0, 1), Row(1, 1)});
     text.replace(text.find("\"nb_occurrences\": 2"), 19, "\"nb_occurrences\": 1");
-    EXPECT_EQ(Loaded(text).result.file->occurrenceCount, 1);
+    EXPECT_EQ(Loaded(text).result.stpjFile->occurrenceCount, 1);
 }
 
 TEST(Stpj, HasNothingToShowWithoutAnyOccurrence) {
@@ -198,7 +198,7 @@ TEST(Stpj, HasNothingToShowWithoutAnyOccurrence) {
                                    "{\"products_table\": {\"nb_prod\": 1, \"p\": [{\"idx\":1}]}, "
                                    "\"occurrences_table\": {\"max_depth\": 0}}"}) {
         Loaded loaded(text);
-        EXPECT_EQ(loaded.result.file, nullptr) << text;
+        EXPECT_EQ(loaded.result.stpjFile, nullptr) << text;
         EXPECT_EQ(loaded.console.Count("<E>"), 1) << text;
         EXPECT_EQ(loaded.result.unreadFiles.size(), 1u) << text;
     }
@@ -222,7 +222,7 @@ TEST(Stpj, ShowsABoxWithoutSizeOrProductAtDepth0WhereTheFirstOccurrenceHasNoProd
         Loaded loaded(Summary({kBoxed}, {Row(0, product, "1 0 0"), Row(0, 1, "2 0 0")}));
         Arena memory;
         DrawList list{};
-        ASSERT_TRUE(SelectDepth(*loaded.result.file, 0, &list, memory));
+        ASSERT_TRUE(SelectDepth(*loaded.result.stpjFile, 0, &list, memory));
         ASSERT_EQ(list.count, 1) << product;
         const BoxItem& whole = *list.boxes[0];
         EXPECT_EQ(whole.matrix, nullptr);
@@ -243,7 +243,7 @@ TEST(Stpj, GivesUpAFileWithANameThatDoesNotFit) {
         Loaded loaded(Summary({"{\"name\": \"" + std::string(name, 'n') + "\", \"filename\": \"" +
                                std::string(fileName, 'f') + "\"}"},
                               {Row(0, 1)}));
-        return loaded.result.file != nullptr;
+        return loaded.result.stpjFile != nullptr;
     };
     EXPECT_TRUE(file(511, 583));
     EXPECT_FALSE(file(512, 5));
@@ -256,7 +256,7 @@ TEST(Stpj, StaysInItsTextWhereverThatIsCutOrDamaged) {
     for (std::size_t cut = 0; cut <= text.size(); ++cut) {
         Loaded loaded(text.substr(0, cut));
         for (const std::int32_t depth : {0, 1, 5}) {
-            if (loaded.result.file != nullptr) { loaded.At(depth); }
+            if (loaded.result.stpjFile != nullptr) { loaded.At(depth); }
         }
     }
     const std::string letters("\"{}[]:, \0x9<", 12);
@@ -266,7 +266,7 @@ TEST(Stpj, StaysInItsTextWhereverThatIsCutOrDamaged) {
             std::string damaged = text;
             damaged[i] = c;
             const std::string path = folder.Write("a.stpj", damaged);
-            StpjResult result;
+            LoadedScene result = NewScene();
             TraiteSTPJFile(result, path.c_str());
         }
     }
@@ -308,16 +308,16 @@ TEST(StpjLoad, ShowsBoxesAndFollowsTheSlider) {
 
 TEST(StpjLoad, ShowsNothingForAFileThatCannotBeOpened) {
     SceneView view;
-    view.maxDepth = 3;
+    view.loaded.maxDepth = 3;
     const ConsoleText console;
     LoadStpjFile(view, "/nosuch.stpj");
     EXPECT_EQ(console.Count("<E>"), 1);
-    EXPECT_EQ(view.boxList, nullptr);
-    EXPECT_EQ(view.maxDepth, 0);
+    EXPECT_EQ(view.loaded.boxList, nullptr);
+    EXPECT_EQ(view.loaded.maxDepth, 0);
     EXPECT_EQ(view.modelSize, 120);
-    ASSERT_EQ(view.unreadFiles.size(), 1u);
+    ASSERT_EQ(view.loaded.unreadFiles.size(), 1u);
     SelectShownDepth(view, 1);
-    EXPECT_EQ(view.drawnTriangles, 0);
+    EXPECT_EQ(view.loaded.drawnTriangles, 0);
 }
 
 } // namespace

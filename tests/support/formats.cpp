@@ -1,7 +1,7 @@
 #include "support/formats.h"
 
-#include "formats/format_commands.h"
-#include "load/load_commands.h"
+#include "formats/load_commands.h"
+#include "load/view_setup.h"
 #include "platform/console.h"
 #include "report/report.h"
 
@@ -71,7 +71,7 @@ nlohmann::json Report(const SceneView& view) {
     return nlohmann::json::parse(SceneReport(view, "", nullptr, true));
 }
 
-nlohmann::json LoadReport(const std::string& path, const char* rootName, int useThreads) {
+nlohmann::json LoadReport(const std::string& path, const char* rootName, bool useThreads) {
     SceneView view;
     if (path.ends_with(".stpx") || path.ends_with(".stpxz")) {
         LoadStpxFile(view, path.c_str(), rootName, useThreads);

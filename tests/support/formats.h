@@ -3,6 +3,7 @@
 #include "load/scene_view.h"
 #include "platform/text_block.h"
 #include "support/archive.h"
+#include "support/loaded_file.h"
 #include "support/temp_folder.h"
 #include "xml/stpx_document.h"
 
@@ -59,7 +60,7 @@ struct ReadDocument {
 // The scene in the view, with all arrays.
 nlohmann::json Report(const SceneView& view);
 // The same with what a load does not repeat taken out.
-nlohmann::json LoadReport(const std::string& path, const char* rootName, int useThreads);
+nlohmann::json LoadReport(const std::string& path, const char* rootName, bool useThreads);
 
 // A part of two triangles in a P21 file, its box from 0 to `size`, 2 and 3.
 std::string PartFile(const std::string& productName, int size = 1);

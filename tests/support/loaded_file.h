@@ -1,6 +1,6 @@
 #pragma once
 
-#include "product/load_session.h"
+#include "load/load_session.h"
 
 #include <string>
 #include <string_view>
@@ -8,9 +8,12 @@
 
 namespace tarnwick::test {
 
+// A record that a driver can fill.
+LoadedScene NewScene();
+
 // A P21 file that the driver has loaded, with what it printed.
 struct LoadedFile {
-    explicit LoadedFile(const std::string& path, int useThreads = 0);
+    explicit LoadedFile(const std::string& path, bool useThreads = false);
 
     // The first of the session's products with this name; null when there is none.
     ProductNode* Find(std::string_view name) const;
@@ -21,14 +24,15 @@ struct LoadedFile {
     // The names of the products whose meshes the draw list places, in its order.
     std::vector<std::string> DrawnNames() const;
 
-    LoadSession session;
+    LoadedScene loaded = NewScene();
+    LoadSession session{loaded};
     int result = -1;
     std::string console;
     std::string output;
 };
 
 // The scene report, with all arrays, of a P21 file that a new view has loaded. Nothing is printed.
-std::string ReportOf(const std::string& path, int useThreads);
+std::string ReportOf(const std::string& path, bool useThreads);
 
 // The names of the children of a product, in the order of its occurrences.
 std::vector<std::string> ChildNames(const ProductNode& product);

@@ -96,12 +96,14 @@ TEST(StpxBoxes, AreDrawnPlacedByTheOccurrencesAboveThem) {
                            Part("mid", UsedAs("o1") + Use("o2", "0 0 5")) +
                            Part("leaf", BoxProperty("1", "2") + UsedAs("o2")) +
                            Context(Item("1", "0 0 0") + Item("2", "1 2 3"))));
-    StpxSession session;
+    LoadedScene loaded = NewScene();
+    StpxSession session(loaded);
     EXPECT_EQ(TraiteSTEPXFileNewMT(session, path.c_str(), nullptr, 1, 0), 0);
-    EXPECT_EQ(std::vector<float>(session.box, session.box + 6), (std::vector<float>{0, 1, 0, 2, 0, 3}));
-    ASSERT_NE(session.boxList, nullptr);
-    ASSERT_EQ(session.boxList->count, 1);
-    const BoxItem& box = *session.boxList->boxes[0];
+    EXPECT_EQ(std::vector<float>(session.loaded.box, session.loaded.box + 6),
+              (std::vector<float>{0, 1, 0, 2, 0, 3}));
+    ASSERT_NE(session.loaded.boxList, nullptr);
+    ASSERT_EQ(session.loaded.boxList->count, 1);
+    const BoxItem& box = *session.loaded.boxList->boxes[0];
     EXPECT_EQ(box.product, nullptr);
     EXPECT_EQ(box.matrix, nullptr);
     // x goes to y and y to -x; then 10 along x, and 5 along z.
@@ -120,10 +122,11 @@ TEST(StpxBoxes, AreLeftOutBeyond30Levels) {
     }
     const std::string path =
         folder.Write("a.stpx", Document(parts + Context(Item("1", "0 0 0") + Item("2", "1 2 3"))));
-    StpxSession session;
+    LoadedScene loaded = NewScene();
+    StpxSession session(loaded);
     const ConsoleText console;
     TraiteSTEPXFileNewMT(session, path.c_str(), nullptr, 1, 0);
-    EXPECT_EQ(session.boxList->count, 0);
+    EXPECT_EQ(session.loaded.boxList->count, 0);
     EXPECT_EQ(console.Count("more than 30 levels"), 1);
 }
 

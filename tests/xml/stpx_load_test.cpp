@@ -1,7 +1,6 @@
-#include "formats/format_commands.h"
-#include "load/load_commands.h"
+#include "formats/load_commands.h"
+#include "load/view_setup.h"
 #include "support/formats.h"
-#include "xml/part_loop.h"
 #include "xml/stpx_driver.h"
 #include "xml/stpx_file.h"
 
@@ -52,7 +51,7 @@ TEST(StpxLoad, ReadsTheDocumentsAndPartsOfAMachine) {
     for (int k = 1; k <= 5; ++k) { EXPECT_EQ(console.Count("End thread " + std::to_string(k) + "\n"), 1); }
     EXPECT_EQ(console.Count("Number of external products : 1\n"), 1);
     EXPECT_EQ(console.Count("Number of parts (P21) : 2\n"), 1);
-    EXPECT_TRUE(view.unreadFiles.empty());
+    EXPECT_TRUE(view.loaded.unreadFiles.empty());
     EXPECT_TRUE(std::isfinite(view.loadSeconds));
 }
 
@@ -84,12 +83,12 @@ TEST(StpxLoad, IsTheSameWithAndWithoutThreads) {
     LoadStpxFile(six, path.c_str(), nullptr, 1);
     EXPECT_TRUE(console.Has("End thread"));
     EXPECT_EQ(Report(one), Report(six));
-    ASSERT_EQ(one.unreadFiles.size(), 29u);
-    ASSERT_EQ(six.unreadFiles.size(), 29u);
+    ASSERT_EQ(one.loaded.unreadFiles.size(), 29u);
+    ASSERT_EQ(six.loaded.unreadFiles.size(), 29u);
     for (std::size_t i = 0; i < 29; ++i) {
-        EXPECT_EQ(one.unreadFiles[i].path, six.unreadFiles[i].path);
-        EXPECT_EQ(one.unreadFiles[i].productName, six.unreadFiles[i].productName);
-        EXPECT_EQ(one.unreadFiles[i].place, six.unreadFiles[i].place);
+        EXPECT_EQ(one.loaded.unreadFiles[i].path, six.loaded.unreadFiles[i].path);
+        EXPECT_EQ(one.loaded.unreadFiles[i].productName, six.loaded.unreadFiles[i].productName);
+        EXPECT_EQ(one.loaded.unreadFiles[i].place, six.loaded.unreadFiles[i].place);
     }
 }
 
@@ -158,11 +157,11 @@ TEST(StpxLoad, StopsReadingADocumentThatLeadsToItselfWithoutEnd) {
     const ConsoleText console;
     SceneView view;
     LoadStpxFile(view, path.c_str(), nullptr, 1);
-    EXPECT_EQ(view.drawnTriangles, 2);
+    EXPECT_EQ(view.loaded.drawnTriangles, 2);
     EXPECT_EQ(console.Count("<E>"), 1);
     EXPECT_EQ(console.Count("<E> self.stpx: it leads to itself without end, it isn't read any more\n"), 1);
-    ASSERT_EQ(view.unreadFiles.size(), 1u);
-    EXPECT_EQ(view.unreadFiles[0].path, "self.stpx");
+    ASSERT_EQ(view.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(view.loaded.unreadFiles[0].path, "self.stpx");
 }
 
 TEST(StpxLoad, SaysThatThereIsNoRootAndShowsAnEmptyScene) {
@@ -213,18 +212,18 @@ TEST(StpxLoad, ShowsNothingWhenTheRootDocumentCannotBeRead) {
     const std::string cut = folder.Write("a.stpx", "<DataContainer><Part>");
     for (const std::string& path : {folder.Path("none.stpx"), cut, folder.Path("")}) {
         SceneView view;
-        view.drawnTriangles = 7;
-        view.box[1] = 3;
+        view.loaded.drawnTriangles = 7;
+        view.loaded.box[1] = 3;
         const ConsoleText console;
         LoadStpxFile(view, path.c_str(), "x", 1);
         EXPECT_EQ(console.Count("<E> " + path), 1);
-        EXPECT_EQ(view.drawnTriangles, 0);
+        EXPECT_EQ(view.loaded.drawnTriangles, 0);
         EXPECT_EQ(view.modelSize, 120);
-        EXPECT_EQ(view.drawList, nullptr);
-        EXPECT_EQ(view.pickMode, 0);
-        EXPECT_EQ(view.box[1], 0);
-        ASSERT_EQ(view.unreadFiles.size(), 1u);
-        EXPECT_EQ(view.unreadFiles[0].path, path);
+        EXPECT_EQ(view.loaded.drawList, nullptr);
+        EXPECT_EQ(view.loaded.pickMode, 0);
+        EXPECT_EQ(view.loaded.box[1], 0);
+        ASSERT_EQ(view.loaded.unreadFiles.size(), 1u);
+        EXPECT_EQ(view.loaded.unreadFiles[0].path, path);
     }
 }
 
@@ -240,10 +239,10 @@ TEST(StpxLoad, GoesOnWithoutADocumentOrAPartThatCannotBeRead) {
     EXPECT_EQ(Report(view)["drawList"].size(), 0u);
     EXPECT_EQ(console.Count("<E> " + folder.Path("cart.stpx")), 1);
     EXPECT_EQ(console.Count("<E> Invalid P21 file\n"), 1);
-    ASSERT_EQ(view.unreadFiles.size(), 2u);
-    EXPECT_EQ(view.unreadFiles[0].productName, "cart");
-    EXPECT_EQ(view.unreadFiles[1].productName, "axle");
-    EXPECT_EQ(view.unreadFiles[1].path, folder.Path("axle.stp"));
+    ASSERT_EQ(view.loaded.unreadFiles.size(), 2u);
+    EXPECT_EQ(view.loaded.unreadFiles[0].productName, "cart");
+    EXPECT_EQ(view.loaded.unreadFiles[1].productName, "axle");
+    EXPECT_EQ(view.loaded.unreadFiles[1].path, folder.Path("axle.stp"));
 }
 
 TEST(StpxLoad, ReadsCompressedTwinsOfDocumentsAndParts) {
@@ -298,8 +297,8 @@ TEST(StpxLoad, LeavesOutAPartThatIsAnAssembly) {
     const ConsoleText console;
     LoadStpxFile(view, path.c_str(), nullptr, 0);
     EXPECT_FALSE(console.Has("<E>")) << "the thread of the load passes over it without a word";
-    EXPECT_EQ(view.drawnTriangles, 0);
-    ASSERT_EQ(view.unreadFiles.size(), 1u);
+    EXPECT_EQ(view.loaded.drawnTriangles, 0);
+    ASSERT_EQ(view.loaded.unreadFiles.size(), 1u);
     EXPECT_TRUE(console.Has("Number of parts (P21) : 0\n"));
 }
 
@@ -337,12 +336,13 @@ TEST(StpxLoad, WalksATreeOf100000LevelsWithoutRecursion) {
     const std::string path = folder.Write("a.stpx", Document(parts));
     SceneView view;
     LoadStpxFile(view, path.c_str(), "nobody", 1);
-    EXPECT_EQ(view.drawnTriangles, 2);
-    EXPECT_EQ(view.drawList->items[0]->matrix[14], 100000.0f);
+    EXPECT_EQ(view.loaded.drawnTriangles, 2);
+    EXPECT_EQ(view.loaded.drawList->items[0]->matrix[14], 100000.0f);
 }
 
 TEST(StpxLoad, FindsPartsBesideTheRootByTheLastSlashOnly) {
-    StpxSession session;
+    LoadedScene loaded;
+    StpxSession session(loaded);
     ProductNode product{};
     product.fileName = "sub\\a.stp";
     session.directory = "x/";
@@ -354,13 +354,13 @@ TEST(StpxLoad, KeepsTheContainersAndTheRootNameOfAnEarlierPart) {
     WriteMachine(folder);
     SceneView view;
     LoadStepFile(view, folder.Path("axle.stp").c_str(), 0);
-    ASSERT_EQ(view.containerCount, 1);
+    ASSERT_EQ(view.loaded.containerCount, 1);
     for (int i = 0; i < 3; ++i) { LoadStpxFile(view, folder.Path("top.stpx").c_str(), nullptr, 1); }
-    ASSERT_EQ(view.containerCount, 1);
-    EXPECT_EQ(view.containers[0]->containerId, 12);
-    EXPECT_EQ(view.rootName, "axle");
+    ASSERT_EQ(view.loaded.containerCount, 1);
+    EXPECT_EQ(view.loaded.containers[0]->containerId, 12);
+    EXPECT_EQ(view.loaded.rootName, "axle");
     LoadStepFile(view, folder.Path("axle.stp").c_str(), 0);
-    EXPECT_EQ(view.containers[0]->containerId, 12);
+    EXPECT_EQ(view.loaded.containers[0]->containerId, 12);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "tools/load/load_program.h"
 
 #include "check/check_path.h"
-#include "formats/format_commands.h"
+#include "formats/load_commands.h"
 #include "load/no_controls.h"
 #include "platform/console.h"
 #include "report/report.h"
@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <optional>
 #include <string>
 
 namespace tarnwick::tools {
@@ -21,12 +20,12 @@ class StatusOnly final : public NoControls {
 public:
     void SetStatusText(const std::string& text) override { status = text; }
 
-    std::optional<std::string> status;
+    std::string status;
 };
 
 // Moves the Depth slider as far as its range goes, with all that follows from it.
 void MoveSlider(LoadDispatch& dispatch, std::int32_t position) {
-    ChangeDepth(dispatch, std::clamp(position, 0, std::max(dispatch.view.maxDepth, 0)));
+    ChangeDepth(dispatch, std::clamp(position, 0, std::max(dispatch.view.loaded.maxDepth, 0)));
 }
 
 bool WriteReport(const std::string& report, const std::string& name) {
@@ -41,7 +40,7 @@ bool WriteReport(const std::string& report, const std::string& name) {
 }
 
 void SayUnread(const SceneView& view) {
-    for (const UnreadFile& file : view.unreadFiles) {
+    for (const UnreadFile& file : view.loaded.unreadFiles) {
         const std::string path = OnOneLine(file.path);
         if (file.productName.empty()) {
             std::fprintf(stderr, "tarnwick-load: %s %s\n", path.c_str(), file.reason);
@@ -60,28 +59,26 @@ int LoadAndReport(const LoadOptions& options) {
     SceneView view;
     StatusOnly controls;
     LoadDispatch dispatch{view, controls, kLoadCommands};
-    std::vector<std::string> words{options.path};
-    if (options.product) { words.push_back(*options.product); }
-    const std::vector<std::string> arguments = SplitArguments(JoinArguments(words));
-    const char* const rootName = arguments.size() > 1 ? arguments[1].c_str() : nullptr;
+    const char* const rootName = options.product ? options.product->c_str() : nullptr;
+    bool loaded = false;
     for (int i = 0; i < options.repeat; ++i) {
-        LoadFile(dispatch, arguments[0].c_str(), rootName, options.noThreads ? 0 : 1);
+        loaded = LoadFile(dispatch, options.path.c_str(), rootName, !options.noThreads);
     }
-    if (options.depth && controls.status) { MoveSlider(dispatch, *options.depth); }
-    const std::string* const status = controls.status ? &*controls.status : nullptr;
+    if (options.depth && loaded) { MoveSlider(dispatch, *options.depth); }
+    const std::string* const status = loaded ? &controls.status : nullptr;
     bool written = true;
     if (!options.jsonFile.empty()) {
         written =
             WriteReport(SceneReport(view, dispatch.currentPath, status, options.arrays), options.jsonFile);
     }
-    if (status == nullptr) {
+    if (!loaded) {
         std::fprintf(stderr, "tarnwick-load: %s: not a kind of file that can be loaded, by its extension\n",
                      dispatch.currentPath.c_str());
     } else if (!jsonOnOutput) {
         std::printf("%s\n", status->c_str());
     }
     SayUnread(view);
-    return written && view.drawnTriangles >= 1 ? 0 : 1;
+    return written && view.loaded.drawnTriangles >= 1 ? 0 : 1;
 }
 
 int PrintIndex(const LoadOptions& options) {
@@ -101,7 +98,7 @@ int PrintCheck(const LoadOptions& options) {
     StatusOnly controls;
     LoadDispatch dispatch{view, controls, kLoadCommands};
     const char* const rootName = options.product ? options.product->c_str() : nullptr;
-    const CheckReport report = CheckPath(dispatch, options.path, rootName, options.noThreads ? 0 : 1);
+    const CheckReport report = CheckPath(dispatch, options.path, rootName, !options.noThreads);
     const bool asJson = !options.jsonFile.empty();
     const bool written =
         WriteReport(asJson ? CheckJson(report) : CheckText(report), asJson ? options.jsonFile : "-");

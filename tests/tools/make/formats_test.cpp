@@ -1,6 +1,6 @@
 // The same machine in every format, as the readers see it.
-#include "formats/format_commands.h"
-#include "load/load_commands.h"
+#include "formats/load_commands.h"
+#include "load/view_setup.h"
 #include "make_files.h"
 #include "report/report.h"
 #include "support/capture.h"
@@ -28,8 +28,8 @@ json Load(const std::string& path) {
     else
         LoadStepFile(view, path.c_str(), 1);
     json report = json::parse(SceneReport(view, "", nullptr, false));
-    report["unread"] = view.unreadFiles.size();
-    report["unreadDocuments"] = std::count_if(view.unreadFiles.begin(), view.unreadFiles.end(),
+    report["unread"] = view.loaded.unreadFiles.size();
+    report["unreadDocuments"] = std::count_if(view.loaded.unreadFiles.begin(), view.loaded.unreadFiles.end(),
                                               [](const auto& file) { return file.path.ends_with(".stpx"); });
     return report;
 }

@@ -1,10 +1,8 @@
-#include "load/load_file.h"
-#include "text/wide_text.h"
+#include "load/arguments.h"
 
 namespace tarnwick {
 
-std::vector<std::string> SplitArguments(const std::wstring& text) {
-    const std::string line = NarrowFromWide(text);
+std::vector<std::string> SplitArguments(std::string_view line) {
     std::vector<std::string> arguments;
     std::size_t position = 0;
     const auto skipBlanks = [&] {
@@ -12,7 +10,7 @@ std::vector<std::string> SplitArguments(const std::wstring& text) {
     };
     const auto find = [&](char c, std::size_t from) {
         const std::size_t found = line.find(c, from);
-        return found == std::string::npos ? line.size() : found;
+        return found == std::string_view::npos ? line.size() : found;
     };
     while (position < line.size() && arguments.size() < kMostArguments) {
         std::size_t start = position;
@@ -27,19 +25,19 @@ std::vector<std::string> SplitArguments(const std::wstring& text) {
             end = find(' ', isPath ? find('.', position) : position);
             position = end;
         }
-        arguments.push_back(line.substr(start, end - start));
+        arguments.emplace_back(line.substr(start, end - start));
         skipBlanks();
     }
     return arguments;
 }
 
-std::wstring JoinArguments(const std::vector<std::string>& arguments) {
+std::string JoinArguments(const std::vector<std::string>& arguments) {
     std::string line;
     for (const std::string& argument : arguments) {
         if (!line.empty()) { line += ' '; }
         line += '"' + argument + '"';
     }
-    return WideFromNarrow(line);
+    return line;
 }
 
 } // namespace tarnwick

@@ -1,0 +1,90 @@
+#include "load/read_parts.h"
+
+#include "load/worker_threads.h"
+#include "platform/within_memory.h"
+
+#include <mutex>
+#include <utility>
+
+namespace tarnwick {
+
+namespace {
+
+class PartLoop {
+public:
+    PartLoop(PartQueue& queue, PartFiles& files, std::int32_t firstPlace, const LoadProgress& progress,
+             LoadedScene& loaded)
+        : queue_(queue), files_(files), firstPlace_(firstPlace), progress_(progress), loaded_(loaded) {}
+
+    // The loop of one thread.
+    void Run(bool isLoadThread) {
+        PartThread thread;
+        thread.isLoadThread = isLoadThread;
+        PartQueue::Entry entry;
+        std::int32_t place = 0;
+        while (queue_.Claim(&place, &entry)) {
+            const bool enough = WithinMemory([&] { ReadEntry(thread, place, entry); });
+            queue_.Settle(place);
+            if (!enough) { GiveUp(place, *entry.product); } // the others may still do
+            if (isLoadThread) { ShowProgress(); }
+        }
+        loaded_.scene->HandOver(std::move(thread.arena));
+    }
+
+    void ShowProgress() const {
+        if (!progress_) { return; }
+        const PartQueue::Counts counts = queue_.Count();
+        progress_(counts.claimed, counts.all);
+    }
+
+    std::int32_t PartsRead() const { return partsRead_; }
+
+private:
+    void ReadEntry(PartThread& thread, std::int32_t place, const PartQueue::Entry& entry) {
+        std::optional<StepModel> model;
+        const char* const problem = files_.Open(thread, *entry.product, place, &model);
+        queue_.Settle(place);
+        if (problem != nullptr) { return NoteUnread(thread, place, *entry.product, problem); }
+        if (!model) { return; }
+        PartReader reader(*model, entry.product, thread.arena, thread.scratch);
+        reader.Run();
+        if (reader.givenUp) { NoteUnread(thread, place, *entry.product, kGivenUpReason); }
+        const std::lock_guard guard(lock_);
+        partsRead_ += entry.times;
+        loaded_.readSeconds += reader.readSeconds;
+        loaded_.inflateSeconds += reader.inflateSeconds;
+        loaded_.partSeconds += reader.parseSeconds;
+    }
+
+    void NoteUnread(const PartThread& thread, std::int32_t place, const ProductNode& product,
+                    const char* reason) {
+        const std::lock_guard guard(lock_);
+        loaded_.unreadFiles.push_back({firstPlace_ + place, thread.path, product.name, reason});
+    }
+
+    void GiveUp(std::int32_t place, const ProductNode& product) {
+        const std::lock_guard guard(lock_);
+        GiveUpForMemory(product.fileName, product.name, firstPlace_ + place, &loaded_.unreadFiles);
+    }
+
+    PartQueue& queue_;
+    PartFiles& files_;
+    const std::int32_t firstPlace_;
+    const LoadProgress& progress_;
+    std::mutex lock_; // guards what follows
+    LoadedScene& loaded_;
+    std::int32_t partsRead_ = 0;
+};
+
+} // namespace
+
+std::int32_t ReadParts(PartQueue& queue, PartFiles& files, bool useThreads, std::int32_t firstPlace,
+                       const LoadProgress& progress, LoadedScene& loaded) {
+    PartLoop loop(queue, files, firstPlace, progress, loaded);
+    RunWithWorkers(
+        useThreads, [&loop](bool isLoadThread) { loop.Run(isLoadThread); }, [&loop] { loop.ShowProgress(); });
+    SortUnread(&loaded.unreadFiles);
+    return loop.PartsRead();
+}
+
+} // namespace tarnwick

@@ -1,0 +1,25 @@
+#include "load/unread_files.h"
+
+#include "p21/step_model.h"
+#include "platform/console.h"
+#include "platform/within_memory.h"
+
+#include <algorithm>
+
+namespace tarnwick {
+
+const char* UnreadReason(int result) {
+    return result == StepModel::kNotOpened ? "can't be opened" : "isn't a valid ISO 10303-21 file";
+}
+
+void SortUnread(UnreadFiles* files) {
+    std::sort(files->begin(), files->end(),
+              [](const UnreadFile& a, const UnreadFile& b) { return a.place < b.place; });
+}
+
+void GiveUpForMemory(const char* path, const char* productName, std::int32_t place, UnreadFiles* files) {
+    ConsolePrint("<E> %s: given up, no memory\n", path);
+    WithinMemory([&] { files->push_back({place, path, productName, "needs more memory than there is"}); });
+}
+
+} // namespace tarnwick

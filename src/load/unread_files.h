@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tarnwick {
+
+// A file that a load wanted and could not read, for the people who wonder what is absent.
+struct UnreadFile {
+    std::int32_t place;      // in the order in which the load wanted them
+    std::string path;        // as it was tried first
+    std::string productName; // the product that asked for it; empty for the file that was to be shown
+    const char* reason;      // a phrase, in static memory
+};
+using UnreadFiles = std::vector<UnreadFile>;
+
+// Of a file that was opened, when its part, its structure or its mesh is given up. Why is on the console.
+inline constexpr const char* kGivenUpReason = "can't be read to its end";
+
+// Why a file could not be read, from what StepModel::Read returned.
+const char* UnreadReason(int result);
+
+// Puts what several threads could not read into the order in which it was wanted.
+void SortUnread(UnreadFiles* files);
+
+// Tells of a file that a library had no memory for, and notes it as unread while there is memory for that.
+void GiveUpForMemory(const char* path, const char* productName, std::int32_t place, UnreadFiles* files);
+
+} // namespace tarnwick

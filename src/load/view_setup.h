@@ -1,0 +1,25 @@
+#pragma once
+
+#include "load/scene_view.h"
+
+namespace tarnwick {
+
+// Whether the containers of a part and the root's name stay when the next scene comes: a pick still asks for
+// them then.
+enum class PartRecords { kDropped, kKept };
+
+// Drops what the view shows, the pick and the memory of the scene. Counts, times and box stay as they are.
+void ResetScene(SceneView& view, PartRecords partRecords);
+
+// Sets `centre`, `modelSize` and `eye` from the box of what is loaded, in 32-bit floats. A box without extent
+// counts as one of size 10 around the origin.
+void SetUpView(SceneView& view);
+
+// The view as before its first load, but for what ResetScene left: for a file of which there is nothing to
+// show.
+void ShowNothing(SceneView& view);
+
+// Draws one frame and takes its time.
+void DrawTimedFrame(SceneView& view);
+
+} // namespace tarnwick

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/text_block.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace tarnwick {
+
+// The two blocks that reading a file needs: its owner keeps them from file to file.
+struct TextMemory {
+    TextBlock text;
+    TextBlock compressed;
+};
+
+// The text of one file on its way into memory.
+struct TextFile {
+    // How the bytes are packed, by the name.
+    static constexpr std::int32_t kPlain = 0;
+    static constexpr std::int32_t kTwoCharacterSuffix = 1; // part.stp.Z
+    static constexpr std::int32_t kOneCharacterSuffix = 2; // part.stpz
+
+    // A text longer than this can't be read: places in it are counted in 32 bits.
+    static constexpr std::uint64_t kLargest = 0x7FFFFFFF;
+
+    std::string path; // rewritten when the file is there under the name of its twin only
+    std::int32_t compression = kPlain;
+    double readSeconds = 0;
+    double inflateSeconds = 0;
+    char* text = nullptr; // in the memory that it was read into, with TextBlock::kPadding zeros after it
+    std::size_t size = 0; // its characters
+};
+
+enum class TextFileResult { kRead, kNotOpened, kNoRoom };
+
+// Reads the file, inflating what its name says is compressed, under its name or else under that of its
+// compressed or plain twin. kNotOpened when there is no such file, it is too large, or memory for its bytes
+// runs out; kNoRoom when there is no room to inflate them. The last three are told on the console.
+TextFileResult ReadTextFile(TextFile* file, TextMemory* memory);
+
+// Inflates a zlib or gzip stream into the text block; see InflateBytes for `isMember`. False, and told on the
+// console under the file's path, when there is no room for what may come out.
+bool InflateText(const unsigned char* data, std::uint32_t size, bool isMember, TextFile* file,
+                 TextMemory* memory);
+
+} // namespace tarnwick

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "text/text_file.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace tarnwick {
+
+// An archive that stands in for the file system: the documents and parts of an assembly are its members. It
+// has one file position, so threads take turns.
+class DocumentArchive {
+public:
+    virtual ~DocumentArchive() = default;
+
+    // A member's bytes, packed so that they inflate like a file.
+    struct Packed {
+        std::unique_ptr<unsigned char[]> data; // null when there is no such member
+        std::uint32_t size = 0;
+        const char* oddity = nullptr; // why it won't inflate, as far as its record tells; a phrase
+    };
+    virtual Packed ReadPacked(const char* name) = 0;
+
+    // The text of a member, with a NUL after it, in `memory`. Null when it can't be had; the reason is then
+    // in *problem.
+    virtual char* ReadMember(const char* name, TextMemory& memory, std::size_t* size,
+                             const char** problem) = 0;
+};
+
+} // namespace tarnwick
