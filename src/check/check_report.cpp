@@ -1,5 +1,5 @@
 #include "check/check_path.h"
-#include "report/json_numbers.h"
+#include "report/json_values.h"
 
 namespace tarnwick {
 

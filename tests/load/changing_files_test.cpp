@@ -1,9 +1,9 @@
 // Files that are something else than files, and files that change while they are read.
 
 #include "formats/load_commands.h"
-#include "load/loaded_view.h"
 #include "support/assembly_text.h"
 #include "support/loaded_file.h"
+#include "support/loaded_view.h"
 #include "support/p21_text.h"
 #include "support/sanitized.h"
 #include "support/temp_folder.h"

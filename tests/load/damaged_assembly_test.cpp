@@ -2,8 +2,8 @@
 // of its bytes replaced: no fault and no endless loop, and what is shown is sound.
 
 #include "formats/load_commands.h"
-#include "load/loaded_view.h"
 #include "support/assembly_text.h"
+#include "support/loaded_view.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>

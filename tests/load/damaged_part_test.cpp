@@ -2,8 +2,8 @@
 // no endless loop, and what is shown is sound.
 
 #include "formats/load_commands.h"
-#include "load/loaded_view.h"
 #include "platform/fail_fast.h"
+#include "support/loaded_view.h"
 #include "support/p21_text.h"
 #include "support/packed.h"
 #include "support/temp_folder.h"

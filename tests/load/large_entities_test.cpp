@@ -1,6 +1,6 @@
 // Parts and lines of a size that nobody meant: each loads, in time and memory that grow as the file does.
 
-#include "load/loaded_view.h"
+#include "support/loaded_view.h"
 #include "support/p21_text.h"
 #include "support/sanitized.h"
 #include "support/temp_folder.h"

@@ -1,6 +1,6 @@
 // Files of other systems, which are no part of the project.
 
-#include "load/loaded_view.h"
+#include "support/loaded_view.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "report/json_numbers.h"
+#include "report/json_values.h"
 
 #include <zlib.h>
 

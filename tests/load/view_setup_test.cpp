@@ -1,4 +1,4 @@
-#include "load/loaded_view.h"
+#include "support/loaded_view.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "load/loaded_view.h"
+#include "support/loaded_view.h"
 #include "support/p21_text.h"
 #include "support/packed.h"
 #include "support/temp_folder.h"
