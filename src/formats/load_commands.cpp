@@ -65,7 +65,7 @@ void Load(SceneView& view, const char* path, Remainder remainder, Driver driver)
     view.loaded = std::move(next);
     SetUpView(view);
     view.loadSeconds = ClockSeconds() - start;
-    DrawTimedFrame(view);
+    view.Redraw();
 }
 
 LoadProgress ProgressOf(SceneView& view) {

@@ -14,9 +14,9 @@ struct SceneView {
     SceneView& operator=(const SceneView&) = delete;
     virtual ~SceneView() = default;
 
-    // Draws one frame. Does nothing where there is no window.
+    // Draws one frame and sets `framesPerSecond`. Does nothing where there is no window.
     virtual void Redraw() {}
-    // Deletes the display list of the graphics library, if there is one.
+    // Deletes the display list of the graphics library. Every load asks for it first; none is ever made.
     virtual void DeleteDisplayList() {}
     // Tells people how far a load of many files has come. Called on the thread of the load, now and then.
     virtual void ShowProgress(std::int32_t /*filesRead*/, std::int32_t /*filesKnown*/) {}
@@ -25,7 +25,7 @@ struct SceneView {
 
     float centre[3] = {};            // of the box
     float modelSize = 120;           // sum of the box's three extents; never 0
-    float eye[3] = {};               // start position of the camera
+    float eye[3] = {};               // start position of the camera; for the scene report alone
     double loadSeconds = 0;          // of the whole load command, up to the first frame
     std::int32_t boxMode = 0;        // whether STEP XML shows as boxes; no command sets it to more than 0
     std::int32_t selectedIndex = -1; // picked index, -1 for none
@@ -33,7 +33,8 @@ struct SceneView {
     std::int32_t selectedExactFaceId = 0;
     std::int32_t selectedContainerId = 0;
     std::int32_t selectedExactContainerId = 0;
-    double framesPerSecond = 0;    // 1 divided by the seconds that the last frame took
+    double framesPerSecond =
+        0; // 1 divided by the seconds that the last frame took; for measuring, no code reads it
     std::uint32_t sceneNumber = 0; // counts the resets: what was found out about a scene holds for one number
 };
 

@@ -1,6 +1,5 @@
 #include "load/view_setup.h"
 
-#include "platform/clock.h"
 #include "platform/within_memory.h"
 
 #include <algorithm>
@@ -95,13 +94,6 @@ void ShowNothing(SceneView& view) {
     view.modelSize = 120;
     std::fill(std::begin(view.centre), std::end(view.centre), 0.0f);
     std::fill(std::begin(view.eye), std::end(view.eye), 0.0f);
-}
-
-void DrawTimedFrame(SceneView& view) {
-    const double start = ClockSeconds();
-    view.Redraw();
-    const double seconds = ClockSeconds() - start;
-    view.framesPerSecond = seconds > 0 ? 1 / seconds : 0;
 }
 
 } // namespace tarnwick

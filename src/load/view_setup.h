@@ -19,7 +19,4 @@ void SetUpView(SceneView& view);
 // show.
 void ShowNothing(SceneView& view);
 
-// Draws one frame and takes its time.
-void DrawTimedFrame(SceneView& view);
-
 } // namespace tarnwick

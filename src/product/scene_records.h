@@ -63,7 +63,7 @@ struct StepFaceB {
 struct FaceContainer {
     std::int32_t kind;           // 1 solid, 2 shell
     const char* materialName;    // raw material, or null
-    const char* materialComment; // never set by a reader
+    const char* materialComment; // set and read by nobody
     std::int32_t containerId;
     std::int32_t exactContainerId; // entity number in its link; 0 without one
 };

@@ -153,7 +153,7 @@ TEST_F(DrawingTest, BoxesAreYellowOverGreyAndTheSelectedOneIsDarkRed) {
              view.loaded.box[4] = 1;
              view.loaded.box[5] = 1;
              SetUpView(view);
-             DrawTimedFrame(view);
+             view.Redraw();
          }});
     Load("/a/b.stpj");
     QImage picture = Picture();
@@ -184,7 +184,7 @@ TEST_F(DrawingTest, AFiniteElementMeshShowsItsNodesColoursAndCannotBePicked) {
              view.loaded.box[3] = 5;
              view.loaded.box[4] = view.loaded.box[5] = 0;
              SetUpView(view);
-             DrawTimedFrame(view);
+             view.Redraw();
          }});
     Load("/a/b.stp");
     const QColor colour = ColourAt(Picture(), {-5, 3});
