@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tools/make/machine.h"
-#include "tools/make/p21_writer.h"
 #include "tools/make/part.h"
+#include "write/p21_writer.h"
 
 namespace CLI {
 class App;

@@ -1,7 +1,7 @@
 // Documents are written in one pass, behind one that gives every occurrence its number.
 #include "tools/make/document.h"
 
-#include "tools/make/real_text.h"
+#include "write/real_text.h"
 
 #include <unordered_map>
 

@@ -1,8 +1,8 @@
 // One STEP XML document of the machine: products, their occurrences, and the names of the files that go on.
 #pragma once
 
-#include "tools/make/byte_sink.h"
 #include "tools/make/machine.h"
+#include "write/byte_sink.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 // Boundary representations of turned solids, and bare surfaces for the rest.
 #include "tools/make/exact.h"
 
-#include "tools/make/product.h"
+#include "write/product.h"
 
 #include <algorithm>
 

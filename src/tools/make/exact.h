@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tools/make/mesh.h"
-#include "tools/make/p21_writer.h"
+#include "write/p21_writer.h"
 
 namespace tarnwick::make {
 

@@ -3,7 +3,7 @@
 
 #include "tools/make/command_line.h"
 #include "tools/make/output.h"
-#include "tools/make/product.h"
+#include "write/product.h"
 
 #include <algorithm>
 

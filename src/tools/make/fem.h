@@ -1,8 +1,8 @@
 // The kind `fem`: a shell of four-noded finite elements whose thickness varies from corner to corner.
 #pragma once
 
-#include "tools/make/p21_writer.h"
 #include "tools/make/prng.h"
+#include "write/p21_writer.h"
 
 namespace CLI {
 class App;

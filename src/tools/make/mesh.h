@@ -2,7 +2,7 @@
 // faces.
 #pragma once
 
-#include "tools/make/vec.h"
+#include "write/vec.h"
 
 #include <array>
 #include <cstddef>

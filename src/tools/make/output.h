@@ -1,7 +1,7 @@
 // A whole file from opening to closing, with the one line that says why it couldn't be written.
 #pragma once
 
-#include "tools/make/p21_writer.h"
+#include "write/p21_writer.h"
 
 #include <functional>
 

@@ -1,9 +1,9 @@
 // The kind `part`: one file with the tessellated solids of one product.
 #pragma once
 
-#include "tools/make/p21_writer.h"
-#include "tools/make/product.h"
 #include "tools/make/shapes.h"
+#include "write/p21_writer.h"
+#include "write/product.h"
 
 #include <optional>
 

@@ -3,7 +3,7 @@
 
 #include "tools/make/command_line.h"
 #include "tools/make/output.h"
-#include "tools/make/real_text.h"
+#include "write/real_text.h"
 
 #include <algorithm>
 #include <charconv>

@@ -2,8 +2,8 @@
 // occurrence.
 #pragma once
 
-#include "tools/make/byte_sink.h"
 #include "tools/make/machine.h"
+#include "write/byte_sink.h"
 
 #include <optional>
 

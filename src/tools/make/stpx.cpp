@@ -3,7 +3,7 @@
 
 #include "tools/make/command_line.h"
 #include "tools/make/output.h"
-#include "tools/make/zip_writer.h"
+#include "write/zip_writer.h"
 
 #include <filesystem>
 #include <functional>

@@ -1,11 +1,11 @@
 // The sample writer: its meshes, its files and its command line.
 #include "make_files.h"
 #include "tools/make/assembly.h"
-#include "tools/make/byte_sink.h"
 #include "tools/make/fem.h"
 #include "tools/make/kinds.h"
 #include "tools/make/mesh.h"
 #include "tools/make/part.h"
+#include "write/byte_sink.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // Writes a ZIP archive member by member.
 #pragma once
 
-#include "tools/make/byte_sink.h"
+#include "write/byte_sink.h"
 
 #include <functional>
 

@@ -1,5 +1,5 @@
 // Contexts, units, products, placements and colours.
-#include "tools/make/product.h"
+#include "write/product.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // Writes the text of an ISO 10303-21 file: entities numbered from 1, each on one line.
 #pragma once
 
-#include "tools/make/byte_sink.h"
-#include "tools/make/vec.h"
+#include "write/byte_sink.h"
+#include "write/vec.h"
 
 #include <charconv>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // The entities around the geometry: contexts, units, products, placements and colours.
 #pragma once
 
-#include "tools/make/p21_writer.h"
+#include "write/p21_writer.h"
 
 #include <array>
 

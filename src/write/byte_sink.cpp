@@ -1,5 +1,5 @@
 // Files, plain and as one zlib stream.
-#include "tools/make/byte_sink.h"
+#include "write/byte_sink.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,7 +1,7 @@
 // Numbers, strings and lists as ISO 10303-21 has them.
-#include "tools/make/p21_writer.h"
+#include "write/p21_writer.h"
 
-#include "tools/make/real_text.h"
+#include "write/real_text.h"
 
 namespace tarnwick::make {
 

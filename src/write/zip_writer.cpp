@@ -1,5 +1,5 @@
 // Archives by way of minizip.
-#include "tools/make/zip_writer.h"
+#include "write/zip_writer.h"
 
 #include <algorithm>
 #include <cerrno>

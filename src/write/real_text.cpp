@@ -1,5 +1,5 @@
 // Shortest decimal forms.
-#include "tools/make/real_text.h"
+#include "write/real_text.h"
 
 #include <charconv>
 #include <cmath>
