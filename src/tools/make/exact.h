@@ -1,7 +1,7 @@
 // The exact shapes that tessellated solids and faces link to.
 #pragma once
 
-#include "tools/make/mesh.h"
+#include "tools/make/shapes/mesh.h"
 #include "write/p21_writer.h"
 
 namespace tarnwick::make {

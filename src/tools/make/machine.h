@@ -1,7 +1,7 @@
 // The sample assembly, whatever format it is written in: which parts there are, and where they stand.
 #pragma once
 
-#include "tools/make/shapes.h"
+#include "tools/make/shapes/shapes.h"
 
 #include <string>
 

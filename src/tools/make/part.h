@@ -1,7 +1,7 @@
 // The kind `part`: one file with the tessellated solids of one product.
 #pragma once
 
-#include "tools/make/shapes.h"
+#include "tools/make/shapes/shapes.h"
 #include "write/p21_writer.h"
 #include "write/product.h"
 

@@ -3,8 +3,8 @@
 #include "tools/make/assembly.h"
 #include "tools/make/fem.h"
 #include "tools/make/kinds.h"
-#include "tools/make/mesh.h"
 #include "tools/make/part.h"
+#include "tools/make/shapes/mesh.h"
 #include "write/byte_sink.h"
 
 #include <algorithm>

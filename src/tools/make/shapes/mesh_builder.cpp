@@ -1,5 +1,5 @@
 // Grids, discs and turned outlines.
-#include "tools/make/mesh_builder.h"
+#include "tools/make/shapes/mesh_builder.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // The machine elements that the samples are made of: their dimensions, and their solids at any fineness.
 #pragma once
 
-#include "tools/make/mesh.h"
 #include "tools/make/prng.h"
+#include "tools/make/shapes/mesh.h"
 
 #include <variant>
 

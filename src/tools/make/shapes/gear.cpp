@@ -1,5 +1,5 @@
 // Spur gears with involute teeth.
-#include "tools/make/shape_builders.h"
+#include "tools/make/shapes/builders.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // Triangles, strips and fans of one face, and the cutting of a solid into more or fewer faces.
-#include "tools/make/mesh.h"
+#include "tools/make/shapes/mesh.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // A rectangular stretch of a wall with a round hole through it: plates and brackets are made of these.
 #pragma once
 
-#include "tools/make/shape_builders.h"
+#include "tools/make/shapes/builders.h"
 
 namespace tarnwick::make {
 

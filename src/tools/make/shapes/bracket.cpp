@@ -1,5 +1,5 @@
 // Angles with a fillet and holes in both legs.
-#include "tools/make/drilled_cell.h"
+#include "tools/make/shapes/drilled_cell.h"
 
 namespace tarnwick::make {
 

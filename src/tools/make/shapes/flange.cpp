@@ -1,5 +1,5 @@
 // Flanges with a ring of holes, a neck and a seat.
-#include "tools/make/shape_builders.h"
+#include "tools/make/shapes/builders.h"
 
 namespace tarnwick::make {
 

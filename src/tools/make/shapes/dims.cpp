@@ -1,5 +1,5 @@
 // Dimensions for sheets of samples: each solid differs from the next, and none is larger than its cell.
-#include "tools/make/shapes.h"
+#include "tools/make/shapes/shapes.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // The search for the fineness that gives a wanted number of triangles.
-#include "tools/make/shapes.h"
+#include "tools/make/shapes/shapes.h"
 
-#include "tools/make/shape_builders.h"
+#include "tools/make/shapes/builders.h"
 
 namespace tarnwick::make {
 

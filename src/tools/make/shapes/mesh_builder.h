@@ -1,7 +1,7 @@
 // Builds the faces of a solid from grids of points, or only counts the triangles that it would build.
 #pragma once
 
-#include "tools/make/mesh.h"
+#include "tools/make/shapes/mesh.h"
 
 #include <cmath>
 

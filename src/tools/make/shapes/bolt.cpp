@@ -1,5 +1,5 @@
 // Hexagon bolts; the thread is a row of grooves.
-#include "tools/make/shape_builders.h"
+#include "tools/make/shapes/builders.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // One builder for each shape, and what several of them use.
 #pragma once
 
-#include "tools/make/mesh_builder.h"
-#include "tools/make/shapes.h"
+#include "tools/make/shapes/mesh_builder.h"
+#include "tools/make/shapes/shapes.h"
 
 namespace tarnwick::make {
 

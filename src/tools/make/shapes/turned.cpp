@@ -1,5 +1,5 @@
 // Shafts and washers.
-#include "tools/make/shape_builders.h"
+#include "tools/make/shapes/builders.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // Plates with holes, and plain blocks.
-#include "tools/make/drilled_cell.h"
+#include "tools/make/shapes/drilled_cell.h"
 
 namespace tarnwick::make {
 
