@@ -1,7 +1,7 @@
 // Product structure with placed occurrences and external references.
 #include "tools/make/assembly.h"
 
-#include "tools/make/command_line.h"
+#include "tools/make/options.h"
 #include "tools/make/output.h"
 #include "write/product.h"
 

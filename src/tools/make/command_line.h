@@ -1,29 +1,16 @@
-// What the subcommands have in common.
+// All kinds of output that the program knows: a new one is added here and in kinds.cpp.
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <map>
-#include <string>
+#include "tools/make/assembly.h"
+#include "tools/make/fem.h"
+#include "tools/make/part.h"
+#include "tools/make/stpj.h"
+#include "tools/make/stpx.h"
 
 namespace tarnwick::make {
 
-// An option whose value is one of a few words.
-template <class Value, class Target>
-CLI::Option* AddChoice(CLI::App* app, const std::string& name, Target* target,
-                       const std::map<std::string, Value>& words, const std::string& help) {
-    std::string list;
-    for (const auto& [word, value] : words) list += (list.empty() ? "" : "|") + word;
-    auto store = [target, words](const std::string& word) { *target = words.at(word); };
-    return app->add_option_function<std::string>(name, store, help)
-        ->check(CLI::IsMember(words))
-        ->option_text(list);
-}
-
-// A number with its limits; a negative one is refused, not wrapped round.
-template <class Value>
-CLI::Option* AddNumber(CLI::App* app, const std::string& name, Value* target, long long least, long long most,
-                       const std::string& help) {
-    return app->add_option(name, *target, help)->check(CLI::Range(least, most))->option_text("N");
-}
+// Parses the command line and writes what it asks for. Returns the exit status: 0, 1 when the output can't be
+// written, 2 for a wrong command line.
+int RunCommandLine(int argc, char** argv);
 
 } // namespace tarnwick::make

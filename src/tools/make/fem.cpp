@@ -1,7 +1,7 @@
 // Nodes, sections and elements of a shell, in the entities of the analysis protocol.
 #include "tools/make/fem.h"
 
-#include "tools/make/command_line.h"
+#include "tools/make/options.h"
 #include "tools/make/output.h"
 #include "write/product.h"
 

@@ -1,9 +1,9 @@
 // One product: its solids with their faces, colours and materials, written one solid at a time.
 #include "tools/make/part.h"
 
-#include "tools/make/command_line.h"
 #include "tools/make/exact.h"
 #include "tools/make/machine.h"
+#include "tools/make/options.h"
 #include "tools/make/output.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Products in the order in which they are first used, occurrences depth first.
 #include "tools/make/stpj.h"
 
-#include "tools/make/command_line.h"
+#include "tools/make/options.h"
 #include "tools/make/output.h"
 #include "write/real_text.h"
 

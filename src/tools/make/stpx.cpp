@@ -1,7 +1,7 @@
 // The documents and parts of one machine, and where they go.
 #include "tools/make/stpx.h"
 
-#include "tools/make/command_line.h"
+#include "tools/make/options.h"
 #include "tools/make/output.h"
 #include "write/zip_writer.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "support/temp_folder.h"
-#include "tools/make/kinds.h"
+#include "tools/make/command_line.h"
 
 #include <cstdlib>
 #include <filesystem>

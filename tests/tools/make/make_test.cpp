@@ -1,8 +1,8 @@
 // The sample writer: its meshes, its files and its command line.
 #include "make_files.h"
 #include "tools/make/assembly.h"
+#include "tools/make/command_line.h"
 #include "tools/make/fem.h"
-#include "tools/make/kinds.h"
 #include "tools/make/part.h"
 #include "tools/make/shapes/mesh.h"
 #include "write/byte_sink.h"

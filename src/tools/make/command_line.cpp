@@ -1,5 +1,5 @@
 // The command line: one subcommand for each kind.
-#include "tools/make/kinds.h"
+#include "tools/make/command_line.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>
