@@ -9,4 +9,7 @@ namespace tarnwick::test {
 std::string ZlibPacked(std::string_view bytes);
 std::string GzipPacked(std::string_view bytes);
 
+// What was packed; the stream must be whole.
+std::string Unpacked(std::string_view packed);
+
 } // namespace tarnwick::test

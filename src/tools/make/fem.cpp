@@ -52,7 +52,7 @@ private:
         system_ =
             out_.Add("FEA_AXIS2_PLACEMENT_3D", "0", origin, axis, reference, Literal{".CARTESIAN."}, "basic");
         model_ = out_.Add("FEA_MODEL_3D", "panel", std::vector{system_}, context_, "tarnwick-make",
-                          Literal{"('none')"}, "linear static");
+                          Literal{"('none')"}, "", "linear static");
         Id definition = out_.Add("FEA_MODEL_DEFINITION", "panel", Id{}, product_.shape, Literal{".U."});
         Id response = out_.Add("STRUCTURAL_RESPONSE_PROPERTY", "panel", Id{}, definition);
         out_.Add("STRUCTURAL_RESPONSE_PROPERTY_DEFINITION_REPRESENTATION", response, model_);
@@ -86,7 +86,7 @@ private:
         elementSystem_ = out_.Add("PARAMETRIC_SURFACE_3D_ELEMENT_COORDINATE_SYSTEM", "", 1, 0.0);
         elementContext_ = out_.Add("PARAMETRIC_REPRESENTATION_CONTEXT", "element", "parametric");
         descriptor_ =
-            out_.Add("SURFACE_3D_ELEMENT_DESCRIPTOR", Literal{".LINEAR_ORDER."}, "linear quadrilateral",
+            out_.Add("SURFACE_3D_ELEMENT_DESCRIPTOR", Literal{".LINEAR."}, "linear quadrilateral",
                      Literal{"((ENUMERATED_SURFACE_ELEMENT_PURPOSE(.MEMBRANE_DIRECT.),"
                              "ENUMERATED_SURFACE_ELEMENT_PURPOSE(.MEMBRANE_SHEAR.)),"
                              "(ENUMERATED_SURFACE_ELEMENT_PURPOSE(.BENDING_DIRECT.),"

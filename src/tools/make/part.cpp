@@ -120,7 +120,6 @@ private:
         out_.Put(static_cast<std::int64_t>(points.size()));
         out_.Put(Literal{",("});
         PutVectors(points);
-        out_.Put(')');
         out_.End();
         return id;
     }
