@@ -1,11 +1,11 @@
-// Files, plain and as one zlib stream.
 #include "write/byte_sink.h"
+
+#include <zlib.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <vector>
-#include <zlib.h>
 
 namespace tarnwick::make {
 
@@ -14,21 +14,22 @@ namespace {
 class FileSink : public ByteSink {
 public:
     explicit FileSink(const std::string& path) : file_(std::fopen(path.c_str(), "wb")) {
-        if (file_ == nullptr)
+        if (file_ == nullptr) {
             Fail();
-        else
+        } else {
             std::setvbuf(file_, nullptr, _IONBF, 0); // the writer hands over large blocks already
+        }
     }
     ~FileSink() override { Close(); }
     FileSink(const FileSink&) = delete;
     FileSink& operator=(const FileSink&) = delete;
 
     void Write(std::string_view bytes) override {
-        if (file_ == nullptr || !error_.empty()) return;
-        if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) Fail();
+        if (file_ == nullptr || !error_.empty()) { return; }
+        if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) { Fail(); }
     }
     bool Close() override {
-        if (file_ != nullptr && std::fclose(file_) != 0 && error_.empty()) Fail();
+        if (file_ != nullptr && std::fclose(file_) != 0 && error_.empty()) { Fail(); }
         file_ = nullptr;
         return error_.empty();
     }
@@ -67,13 +68,13 @@ public:
         return next_->Close() && closed_;
     }
     std::string Error() const override {
-        bool noMemory = !open_ && !closed_;
+        const bool noMemory = !open_ && !closed_;
         return noMemory ? "out of memory" : next_->Error();
     }
 
 private:
     void Deflate(int flush) {
-        if (!open_) return;
+        if (!open_) { return; }
         do {
             stream_.next_out = block_.data();
             stream_.avail_out = static_cast<uInt>(block_.size());
@@ -85,14 +86,15 @@ private:
     std::unique_ptr<ByteSink> next_;
     std::vector<Bytef> block_;
     z_stream stream_{};
-    bool open_ = false, closed_ = false;
+    bool open_ = false;
+    bool closed_ = false;
 };
 
 } // namespace
 
 std::unique_ptr<ByteSink> OpenFile(const std::string& path, bool compress) {
     std::unique_ptr<ByteSink> sink = std::make_unique<FileSink>(path);
-    if (compress) sink = std::make_unique<ZlibSink>(std::move(sink));
+    if (compress) { sink = std::make_unique<ZlibSink>(std::move(sink)); }
     return sink;
 }
 

@@ -1,10 +1,10 @@
-// Where the bytes of a sample go: a file, plain or compressed, or a string of a test.
 #pragma once
 
 #include <memory>
 #include <string>
 #include <string_view>
 
+// Where the bytes of a sample go: a file, plain or compressed, or a string of a test.
 namespace tarnwick::make {
 
 class ByteSink {

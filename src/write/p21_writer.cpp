@@ -1,4 +1,3 @@
-// Numbers, strings and lists as ISO 10303-21 has them.
 #include "write/p21_writer.h"
 
 #include "write/real_text.h"
@@ -9,9 +8,13 @@ namespace {
 
 // One character of UTF-8 from the front of `text`, which is cut; -1 for a byte that starts none.
 std::int32_t TakeCharacter(std::string_view* text) {
-    auto byte = [&](std::size_t i) { return static_cast<unsigned char>((*text)[i]); };
-    unsigned lead = byte(0);
-    std::size_t length = lead < 0x80 ? 1 : lead >> 5 == 6 ? 2 : lead >> 4 == 14 ? 3 : lead >> 3 == 30 ? 4 : 0;
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>((*text)[i]); };
+    const unsigned lead = byte(0);
+    const std::size_t length = lead < 0x80       ? 1
+                               : lead >> 5 == 6  ? 2
+                               : lead >> 4 == 14 ? 3
+                               : lead >> 3 == 30 ? 4
+                                                 : 0;
     std::int32_t code =
         length == 1 ? static_cast<std::int32_t>(lead) : static_cast<std::int32_t>(lead & (0x7Fu >> length));
     bool valid = length != 0 && length <= text->size();
@@ -24,7 +27,9 @@ std::int32_t TakeCharacter(std::string_view* text) {
 }
 
 void PutHex(std::int32_t code, int digits, std::string* out) {
-    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) *out += "0123456789ABCDEF"[code >> shift & 15];
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) {
+        *out += "0123456789ABCDEF"[code >> shift & 15];
+    }
 }
 
 } // namespace
@@ -32,14 +37,14 @@ void PutHex(std::int32_t code, int digits, std::string* out) {
 std::string EncodeString(std::string_view utf8) {
     std::string out = "'";
     while (!utf8.empty()) {
-        std::int32_t code = TakeCharacter(&utf8);
-        if (code == '\'' || code == '\\') out += static_cast<char>(code);
+        const std::int32_t code = TakeCharacter(&utf8);
+        if (code == '\'' || code == '\\') { out += static_cast<char>(code); }
         if (code >= 0x20 && code < 0x7F) {
             out += static_cast<char>(code);
         } else if (code < 0x20) { // a damaged byte, or a control character, which the format has no place for
             out += '?';
         } else {
-            bool wide = code > 0xFFFF;
+            const bool wide = code > 0xFFFF;
             out += wide ? "\\X4\\" : "\\X2\\";
             PutHex(code, wide ? 8 : 4, &out);
             out += "\\X0\\";
@@ -78,30 +83,30 @@ void P21Writer::End() {
 }
 
 Id P21Writer::AddComplex(std::string_view partials) {
-    Id id = Begin("");
+    const Id id = Begin("");
     Put(Literal{partials});
     End();
     return id;
 }
 
 void P21Writer::Put(Id id) {
-    if (id.number == 0) return Put('$');
+    if (id.number == 0) { return Put('$'); }
     Put('#');
     Put(static_cast<std::int64_t>(id.number));
 }
 
 void P21Writer::Put(std::int64_t value) {
-    if (buffer_.size() >= blockSize) Flush();
+    if (buffer_.size() >= kBlockSize) { Flush(); }
     char digits[24];
     buffer_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
 // A real of this format always has a point.
 void P21Writer::Put(double value) {
-    if (buffer_.size() >= blockSize) Flush();
-    std::size_t start = buffer_.size();
+    if (buffer_.size() >= kBlockSize) { Flush(); }
+    const std::size_t start = buffer_.size();
     AppendReal(value, &buffer_);
-    if (buffer_.find('.', start) == buffer_.npos) Put('.');
+    if (buffer_.find('.', start) == buffer_.npos) { Put('.'); }
 }
 
 void P21Writer::Put(const Vec3& v) {
@@ -117,7 +122,7 @@ void P21Writer::Put(const Vec3& v) {
 void P21Writer::Put(std::span<const Id> ids) {
     Put('(');
     for (std::size_t i = 0; i < ids.size(); ++i) {
-        if (i != 0) Put(',');
+        if (i != 0) { Put(','); }
         Put(ids[i]);
     }
     Put(')');

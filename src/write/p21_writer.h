@@ -1,4 +1,3 @@
-// Writes the text of an ISO 10303-21 file: entities numbered from 1, each on one line.
 #pragma once
 
 #include "write/byte_sink.h"
@@ -11,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+// Writes the text of an ISO 10303-21 file: entities numbered from 1, each on one line.
 namespace tarnwick::make {
 
 // The number of an entity; 0 is written as $.
@@ -30,7 +30,7 @@ std::string EncodeString(std::string_view utf8);
 
 class P21Writer {
 public:
-    explicit P21Writer(ByteSink* sink) : sink_(*sink) { buffer_.reserve(blockSize + (1 << 16)); }
+    explicit P21Writer(ByteSink* sink) : sink_(*sink) { buffer_.reserve(kBlockSize + (1 << 16)); }
 
     void Header(std::string_view description, std::string_view name, std::string_view schema);
     // Writes the end of the file and what is still in the buffer; the sink stays open.
@@ -39,7 +39,7 @@ public:
     // A whole entity. Arguments: Id, Literal, text (written as a string), int, double, Vec3, lists of Id.
     template <class... Arguments>
     Id Add(std::string_view keyword, const Arguments&... arguments) {
-        Id id = Begin(keyword);
+        const Id id = Begin(keyword);
         bool first = true;
         (PutSeparated(arguments, &first), ...);
         End();
@@ -70,13 +70,13 @@ public:
 private:
     template <class Argument>
     void PutSeparated(const Argument& argument, bool* first) {
-        if (!*first) Put(',');
+        if (!*first) { Put(','); }
         *first = false;
         Put(argument);
     }
     void Flush();
 
-    static constexpr std::size_t blockSize = 1 << 20;
+    static constexpr std::size_t kBlockSize = 1 << 20;
     ByteSink& sink_;
     std::string buffer_;
     std::int64_t flushed_ = 0;

@@ -1,4 +1,3 @@
-// Shortest decimal forms.
 #include "write/real_text.h"
 
 #include <charconv>
@@ -7,7 +6,7 @@
 namespace tarnwick::make {
 
 float RoundReal(double value) {
-    auto rounded = static_cast<float>(value);
+    const auto rounded = static_cast<float>(value);
     return std::abs(rounded) < 1e-7f ? 0.0f : rounded;
 }
 

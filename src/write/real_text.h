@@ -1,8 +1,8 @@
-// How reals are rounded and written, the same in every format.
 #pragma once
 
 #include <string>
 
+// How reals are rounded and written, the same in every format.
 namespace tarnwick::make {
 
 // Single precision, which is what a model for drawing needs, without the rounding noise of sines and cosines.

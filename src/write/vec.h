@@ -1,14 +1,16 @@
-// Points, directions and placements, in millimetres.
 #pragma once
 
 #include <cmath>
 
+// Points, directions and placements, in millimetres.
 namespace tarnwick::make {
 
-constexpr double pi = 3.14159265358979323846;
+constexpr double kPi = 3.14159265358979323846;
 
 struct Vec3 {
-    double x = 0, y = 0, z = 0;
+    double x = 0;
+    double y = 0;
+    double z = 0;
     bool operator==(const Vec3&) const = default;
 };
 
@@ -54,8 +56,8 @@ inline Placement Place(const Placement& at, const Placement& inner) {
 // Step i of n on the way from a to b. The ends are exact and Mix(a, b, i, n) has the bits of Mix(b, a, n - i,
 // n): two faces that walk a common edge in opposite directions must meet in the same points.
 inline double Mix(double a, double b, int i, int n) {
-    if (i == 0 || a == b) return a;
-    if (i == n) return b;
+    if (i == 0 || a == b) { return a; }
+    if (i == n) { return b; }
     return (a * (n - i) + b * i) / n;
 }
 inline Vec3 Mix(Vec3 a, Vec3 b, int i, int n) {

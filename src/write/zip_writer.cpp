@@ -1,10 +1,10 @@
-// Archives by way of minizip.
 #include "write/zip_writer.h"
+
+#include <minizip/zip.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <minizip/zip.h>
 
 namespace tarnwick::make {
 
@@ -15,9 +15,9 @@ public:
     explicit MemberSink(zipFile zip) : zip_(zip) {}
 
     void Write(std::string_view bytes) override {
-        constexpr std::size_t block = 1 << 30; // the length is an unsigned of 32 bits
+        constexpr std::size_t kBlock = 1 << 30; // the length is an unsigned of 32 bits
         while (whole_ && !bytes.empty()) {
-            std::string_view head = bytes.substr(0, block);
+            const std::string_view head = bytes.substr(0, kBlock);
             whole_ = zipWriteInFileInZip(zip_, head.data(), static_cast<unsigned>(head.size())) == ZIP_OK;
             bytes.remove_prefix(head.size());
         }
@@ -41,12 +41,12 @@ ZipWriter::~ZipWriter() {
 
 // The reason is that of the first failure; those behind it only follow from it.
 bool ZipWriter::Check(bool done) {
-    if (!done && error_.empty()) error_ = errno != 0 ? std::strerror(errno) : "the archive is too large";
+    if (!done && error_.empty()) { error_ = errno != 0 ? std::strerror(errno) : "the archive is too large"; }
     return done;
 }
 
 bool ZipWriter::Add(const std::string& name, bool stored, const std::function<void(ByteSink*)>& write) {
-    if (!error_.empty()) return false;
+    if (!error_.empty()) { return false; }
     zip_fileinfo info{};
     info.tmz_date.tm_mday = 1; // a constant: the same options must give the same bytes
     info.tmz_date.tm_year = 2024;
@@ -58,7 +58,7 @@ bool ZipWriter::Add(const std::string& name, bool stored, const std::function<vo
     }
     MemberSink sink(zip_);
     write(&sink);
-    bool whole = Check(sink.Close());
+    const bool whole = Check(sink.Close());
     return Check(zipCloseFileInZip(zip_) == ZIP_OK) && whole;
 }
 

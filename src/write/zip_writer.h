@@ -1,10 +1,10 @@
-// Writes a ZIP archive member by member.
 #pragma once
 
 #include "write/byte_sink.h"
 
 #include <functional>
 
+// Writes a ZIP archive member by member.
 namespace tarnwick::make {
 
 class ZipWriter {

@@ -1,4 +1,3 @@
-// Product structure with placed occurrences and external references.
 #include "tools/make/assembly.h"
 
 #include "tools/make/options.h"
@@ -18,7 +17,7 @@ public:
           nodeEntities_(machine.nodes.size()) {}
 
     void Write(int top) {
-        out_.Header("sample assembly", Node(top).id, ap242Schema);
+        out_.Header("sample assembly", Node(top).id, kAp242Schema);
         context_ = WriteContext(&out_);
         documentType_ = out_.Add("DOCUMENT_TYPE", "geometry");
         locationRole_ = out_.Add("IDENTIFICATION_ROLE", "external document id and location", Id{});
@@ -31,7 +30,8 @@ public:
 private:
     struct Entities {
         Product product;
-        Id origin, representation;
+        Id origin;
+        Id representation;
     };
 
     const Machine::Node& Node(int number) const { return machine_.nodes[static_cast<std::size_t>(number)]; }
@@ -55,20 +55,20 @@ private:
         }
         own.representation = out_.Add("SHAPE_REPRESENTATION", "", places, context_.geometry);
         out_.Add("SHAPE_DEFINITION_REPRESENTATION", own.product.shape, own.representation);
-        for (std::size_t i = 0; i < children.size(); ++i) WriteUse(own, children[i], places[i + 1]);
+        for (std::size_t i = 0; i < children.size(); ++i) { WriteUse(own, children[i], places[i + 1]); }
         return nodeEntities_[static_cast<std::size_t>(number)] = own;
     }
 
     const Entities& ChildEntities(int number) {
         const Machine::Node& node = Node(number);
         Entities& known = nodeEntities_[static_cast<std::size_t>(number)];
-        if (known.representation.number != 0) return known;
+        if (known.representation.number != 0) { return known; }
         return node.stem.empty() ? WriteNode(number) : known = WriteExternal(node.id, node.name, node.stem);
     }
     const Entities& PartEntities(int number) {
         const Machine::Part& part = machine_.parts[static_cast<std::size_t>(number)];
         Entities& known = partEntities_[static_cast<std::size_t>(number)];
-        if (known.representation.number == 0) known = WriteExternal(part.id, part.name, part.stem);
+        if (known.representation.number == 0) { known = WriteExternal(part.id, part.name, part.stem); }
         return known;
     }
 
@@ -77,8 +77,8 @@ private:
         Entities e = WriteProductWithOrigin(id, name);
         e.representation = out_.Add("SHAPE_REPRESENTATION", "", std::vector{e.origin}, context_.geometry);
         out_.Add("SHAPE_DEFINITION_REPRESENTATION", e.product.shape, e.representation);
-        std::string file = stem + ".stp";
-        Id document = out_.Add("DOCUMENT_FILE", file, "", "", documentType_, "", Id{});
+        const std::string file = stem + ".stp";
+        const Id document = out_.Add("DOCUMENT_FILE", file, "", "", documentType_, "", Id{});
         out_.Add("DOCUMENT_REPRESENTATION_TYPE", "digital", document);
         out_.Add("APPLIED_EXTERNAL_IDENTIFICATION_ASSIGNMENT", file, locationRole_, source_,
                  std::vector{document});
@@ -89,9 +89,9 @@ private:
     }
 
     void WriteUse(const Entities& parent, const Entities& child, Id place) {
-        std::string number = std::to_string(++uses_);
-        Id transformation = out_.Add("ITEM_DEFINED_TRANSFORMATION", "", "", child.origin, place);
-        Id relationship = out_.Begin("");
+        const std::string number = std::to_string(++uses_);
+        const Id transformation = out_.Add("ITEM_DEFINED_TRANSFORMATION", "", "", child.origin, place);
+        const Id relationship = out_.Begin("");
         out_.Put(Literal{"REPRESENTATION_RELATIONSHIP('','',"});
         out_.Put(child.representation);
         out_.Put(',');
@@ -100,17 +100,21 @@ private:
         out_.Put(transformation);
         out_.Put(Literal{")SHAPE_REPRESENTATION_RELATIONSHIP()"});
         out_.End();
-        Id occurrence = out_.Add("NEXT_ASSEMBLY_USAGE_OCCURRENCE", number, "use " + number, "",
-                                 parent.product.definition, child.product.definition, Id{});
-        Id shape = out_.Add("PRODUCT_DEFINITION_SHAPE", "", "", occurrence);
+        const Id occurrence = out_.Add("NEXT_ASSEMBLY_USAGE_OCCURRENCE", number, "use " + number, "",
+                                       parent.product.definition, child.product.definition, Id{});
+        const Id shape = out_.Add("PRODUCT_DEFINITION_SHAPE", "", "", occurrence);
         out_.Add("CONTEXT_DEPENDENT_SHAPE_REPRESENTATION", relationship, shape);
     }
 
     const Machine& machine_;
     P21Writer& out_;
     Context context_;
-    Id documentType_, locationRole_, source_, objectRole_;
-    std::vector<Entities> partEntities_, nodeEntities_; // none yet where representation is none
+    Id documentType_;
+    Id locationRole_;
+    Id source_;
+    Id objectRole_;
+    std::vector<Entities> partEntities_; // none yet where representation is none
+    std::vector<Entities> nodeEntities_;
     int uses_ = 0;
 };
 
@@ -119,13 +123,14 @@ public:
     explicit AssemblyFiles(const AssemblyOptions& o) : o_(o), machine_(MakeMachine(o.machine)) {}
 
     bool Write() {
-        for (int part = 0; part < Parts(); ++part)
-            if (!(o_.oneMissing && part == Parts() - 1) && !WritePartFile(part)) return false;
+        for (int part = 0; part < Parts(); ++part) {
+            if (!(o_.oneMissing && part == Parts() - 1) && !WritePartFile(part)) { return false; }
+        }
         for (int node = 1; node < static_cast<int>(machine_.nodes.size()); ++node) {
             const std::string& stem = machine_.nodes[static_cast<std::size_t>(node)].stem;
-            if (!stem.empty() && !WriteStructureFile(node, PathOf(stem))) return false;
+            if (!stem.empty() && !WriteStructureFile(node, PathOf(stem))) { return false; }
         }
-        if (!WriteStructureFile(0, o_.out)) return false;
+        if (!WriteStructureFile(0, o_.out)) { return false; }
         std::printf("%s: %d parts, %lld uses, %d files\n", o_.out.c_str(), Parts(),
                     static_cast<long long>(Parts()) * o_.machine.uses, files_);
         return true;
@@ -137,14 +142,14 @@ private:
     // References name the plain file, and a reader of a compressed top file adds that one's kind of suffix to
     // it.
     std::string PathOf(const std::string& stem) const {
-        bool dotZ = o_.out.ends_with(".Z") || o_.out.ends_with(".z");
-        std::string suffix = !o_.compress ? "" : dotZ ? ".Z" : "z";
+        const bool dotZ = o_.out.ends_with(".Z") || o_.out.ends_with(".z");
+        const std::string suffix = !o_.compress ? "" : dotZ ? ".Z" : "z";
         return (std::filesystem::path(o_.out).parent_path() / (stem + ".stp" + suffix)).string();
     }
 
     bool WritePartFile(int number) {
         const Machine::Part& part = machine_.parts[static_cast<std::size_t>(number)];
-        PartPlan plan{part.id, part.name, {{part.dims, {}}}, o_.trianglesPerPart, 0};
+        const PartPlan plan{part.id, part.name, {{part.dims, {}}}, o_.trianglesPerPart, 0};
         PartStyle style = o_.style;
         style.firstColour = part.colour;
         ++files_;
@@ -168,10 +173,12 @@ void WriteStructure(const Machine& machine, int node, P21Writer* out) {
 }
 
 std::string CheckAssemblyOptions(const AssemblyOptions& o) {
-    if (static_cast<long long>(o.machine.parts) * o.machine.uses > 20000000)
+    if (static_cast<long long>(o.machine.parts) * o.machine.uses > 20000000) {
         return "--parts times --uses: at most 20,000,000";
-    if (IsMachineStem(std::filesystem::path(o.out).stem().string()))
+    }
+    if (IsMachineStem(std::filesystem::path(o.out).stem().string())) {
         return "OUT: one of the parts' files has that name";
+    }
     return {};
 }
 

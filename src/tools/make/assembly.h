@@ -1,4 +1,3 @@
-// The kind `assembly`: a top file, sub-assembly files and part files that refer to each other by name.
 #pragma once
 
 #include "tools/make/machine.h"
@@ -9,6 +8,7 @@ namespace CLI {
 class App;
 }
 
+// The kind `assembly`: a top file, sub-assembly files and part files that refer to each other by name.
 namespace tarnwick::make {
 
 struct AssemblyOptions {

@@ -1,7 +1,7 @@
-// The command line: one subcommand for each kind.
 #include "tools/make/command_line.h"
 
 #include <CLI/CLI.hpp>
+
 #include <functional>
 
 namespace tarnwick::make {
@@ -18,7 +18,8 @@ struct Options {
     PartOptions part;
     AssemblyOptions assembly;
     FemOptions fem;
-    StpxOptions stpx, stpa;
+    StpxOptions stpx;
+    StpxOptions stpa;
     StpjOptions stpj;
 };
 
@@ -40,9 +41,9 @@ std::vector<Kind> AddKinds(CLI::App* app, Options* o) {
 
 int RunChosen(const std::vector<Kind>& kinds) {
     for (const Kind& kind : kinds) {
-        if (!kind.command->parsed()) continue;
-        std::string wrong = kind.check();
-        if (wrong.empty()) return kind.run();
+        if (!kind.command->parsed()) { continue; }
+        const std::string wrong = kind.check();
+        if (wrong.empty()) { return kind.run(); }
         std::fprintf(stderr, "tarnwick-make: %s\n", wrong.c_str());
     }
     return 2;
@@ -55,7 +56,7 @@ int RunCommandLine(int argc, char** argv) {
     app.set_version_flag("--version", "tarnwick-make " TARNWICK_VERSION);
     app.require_subcommand(1);
     Options options;
-    std::vector<Kind> kinds = AddKinds(&app, &options);
+    const std::vector<Kind> kinds = AddKinds(&app, &options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) { // --help and --version come this way too

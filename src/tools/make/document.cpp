@@ -1,4 +1,3 @@
-// Documents are written in one pass, behind one that gives every occurrence its number.
 #include "tools/make/document.h"
 
 #include "write/real_text.h"
@@ -11,7 +10,7 @@ namespace {
 
 class XmlText {
 public:
-    explicit XmlText(ByteSink* sink) : sink_(*sink) { buffer_.reserve(blockSize + (1 << 12)); }
+    explicit XmlText(ByteSink* sink) : sink_(*sink) { buffer_.reserve(kBlockSize + (1 << 12)); }
 
     // A line, indented by so many levels. Pieces: text, numbers, Vec3.
     template <class... Pieces>
@@ -19,7 +18,7 @@ public:
         buffer_.append(2 * level, ' ');
         (Put(pieces), ...);
         buffer_ += '\n';
-        if (buffer_.size() >= blockSize) Flush();
+        if (buffer_.size() >= kBlockSize) { Flush(); }
     }
     void Flush() {
         sink_.Write(buffer_);
@@ -37,7 +36,7 @@ private:
         AppendReal(v.z, &buffer_);
     }
 
-    static constexpr std::size_t blockSize = 1 << 20;
+    static constexpr std::size_t kBlockSize = 1 << 20;
     ByteSink& sink_;
     std::string buffer_;
 };
@@ -60,8 +59,8 @@ public:
         out_.Line(2, "<PreprocessorVersion>tarnwick-make</PreprocessorVersion>");
         out_.Line(1, "</Header>");
         out_.Line(1, R"(<DataContainer xsi:type="n0:AP242DataContainer">)");
-        for (std::size_t i = 0; i < entries_.size(); ++i) WritePart(i);
-        if (set_.route == FileRoute::Documents) WriteDocumentsAndFiles();
+        for (std::size_t i = 0; i < entries_.size(); ++i) { WritePart(i); }
+        if (set_.route == FileRoute::kDocuments) { WriteDocumentsAndFiles(); }
         out_.Line(1, "</DataContainer>");
         out_.Line(0, "</n0:Uos>");
         out_.Flush();
@@ -95,9 +94,12 @@ private:
         return entries_.size() - 1;
     }
     std::size_t EntryOf(const Machine::Use& use) {
-        if (!use.ofPart) return AddEntry({false, use.number, {}}); // no node is used twice
+        if (!use.ofPart) {
+            // No node is used twice.
+            return AddEntry({false, use.number, {}});
+        }
         auto [place, isNew] = partEntries_.emplace(use.number, entries_.size());
-        if (isNew) AddEntry({true, use.number, {}});
+        if (isNew) { AddEntry({true, use.number, {}}); }
         return place->second;
     }
     void NumberUses(std::size_t entry) {
@@ -105,17 +107,17 @@ private:
         entries_[entry].firstUse = uses_ + 1;
         std::vector<std::size_t> below;
         for (const Machine::Use& use : node.uses) {
-            std::size_t child = EntryOf(use);
+            const std::size_t child = EntryOf(use);
             entries_[child].occurrences.push_back(++uses_);
-            if (!IsElsewhere(child)) below.push_back(child);
+            if (!IsElsewhere(child)) { below.push_back(child); }
         }
-        for (std::size_t child : below) NumberUses(child);
+        for (const std::size_t child : below) { NumberUses(child); }
     }
 
     void WritePart(std::size_t entry) {
         const Entry& e = entries_[entry];
-        std::size_t number = entry + 1;
-        bool elsewhere = IsElsewhere(entry);
+        const std::size_t number = entry + 1;
+        const bool elsewhere = IsElsewhere(entry);
         out_.Line(2, R"(<Part uid="p)", number, R"(">)");
         out_.Line(3, R"(<Id id=")", IdOf(e), R"("/>)");
         out_.Line(3, "<Name>");
@@ -125,24 +127,26 @@ private:
         out_.Line(4, R"(<PartVersion uid="pv)", number, R"(">)");
         out_.Line(5, "<Views>");
         out_.Line(6, R"(<PartView uid="v)", number, R"(">)");
-        for (std::size_t occurrence : e.occurrences)
+        for (const std::size_t occurrence : e.occurrences) {
             out_.Line(7, R"(<Occurrence uid="o)", occurrence, R"(" xsi:type="n0:SingleOccurrence"><Id id=")",
                       occurrence, R"("/></Occurrence>)");
-        if (elsewhere)
+        }
+        if (elsewhere) {
             WriteAssignment(number);
-        else
+        } else {
             WriteUses(Node(e), e.firstUse);
+        }
         out_.Line(6, "</PartView>");
         out_.Line(5, "</Views>");
         out_.Line(4, "</PartVersion>");
         out_.Line(3, "</Versions>");
         out_.Line(2, "</Part>");
         // Right behind its part, where a reader can tell at once whose it is.
-        if (elsewhere && set_.route == FileRoute::Direct) WriteFile(number, FileOf(e));
+        if (elsewhere && set_.route == FileRoute::kDirect) { WriteFile(number, FileOf(e)); }
     }
 
     void WriteAssignment(std::size_t number) {
-        bool direct = set_.route == FileRoute::Direct;
+        const bool direct = set_.route == FileRoute::kDirect;
         out_.Line(7, R"(<DocumentAssignment uid="da)", number, R"(">)");
         out_.Line(8, R"(<AssignedDocument uidRef=")", direct ? "f" : "dv", number, R"("/>)");
         out_.Line(7, "</DocumentAssignment>");
@@ -151,7 +155,7 @@ private:
     void WriteUses(const Machine::Node& node, std::size_t firstUse) {
         for (std::size_t i = 0; i < node.uses.size(); ++i) {
             const Placement& at = node.uses[i].at;
-            std::size_t number = firstUse + i;
+            const std::size_t number = firstUse + i;
             out_.Line(7, R"(<ViewOccurrenceRelationship uid="u)", number,
                       R"(" xsi:type="n0:NextAssemblyOccurrenceUsage">)");
             out_.Line(8, R"(<Related uidRef="o)", number, R"("/>)");
@@ -174,7 +178,7 @@ private:
 
     void WriteDocumentsAndFiles() {
         for (std::size_t i = 0; i < entries_.size(); ++i) {
-            if (!IsElsewhere(i)) continue;
+            if (!IsElsewhere(i)) { continue; }
             out_.Line(2, R"(<Document uid="d)", i + 1, R"(">)");
             out_.Line(3, R"(<Id id=")", FileOf(entries_[i]), R"("/>)");
             out_.Line(3, "<Versions>");
@@ -191,8 +195,9 @@ private:
             out_.Line(3, "</Versions>");
             out_.Line(2, "</Document>");
         }
-        for (std::size_t i = 0; i < entries_.size(); ++i)
-            if (IsElsewhere(i)) WriteFile(i + 1, FileOf(entries_[i]));
+        for (std::size_t i = 0; i < entries_.size(); ++i) {
+            if (IsElsewhere(i)) { WriteFile(i + 1, FileOf(entries_[i])); }
+        }
     }
 
     const DocumentSet& set_;
@@ -205,9 +210,11 @@ private:
 // The nodes below the top, level by level.
 std::vector<int> NodesByLevel(const Machine& machine) {
     std::vector<int> nodes{0};
-    for (std::size_t i = 0; i < nodes.size(); ++i)
-        for (const Machine::Use& use : machine.nodes[static_cast<std::size_t>(nodes[i])].uses)
-            if (!use.ofPart) nodes.push_back(use.number);
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        for (const Machine::Use& use : machine.nodes[static_cast<std::size_t>(nodes[i])].uses) {
+            if (!use.ofPart) { nodes.push_back(use.number); }
+        }
+    }
     nodes.erase(nodes.begin());
     return nodes;
 }
@@ -216,15 +223,16 @@ std::vector<int> NodesByLevel(const Machine& machine) {
 
 std::vector<bool> ChooseDocuments(const Machine& machine, int count) {
     std::vector<bool> own(machine.nodes.size());
-    std::vector<int> nodes = NodesByLevel(machine);
-    for (std::size_t i = 0; i < nodes.size() && i < static_cast<std::size_t>(count); ++i)
+    const std::vector<int> nodes = NodesByLevel(machine);
+    for (std::size_t i = 0; i < nodes.size() && i < static_cast<std::size_t>(count); ++i) {
         own[static_cast<std::size_t>(nodes[i])] = true;
+    }
     return own;
 }
 
 std::vector<bool> ChooseDocuments(const Machine& machine) {
     std::vector<bool> own;
-    for (const Machine::Node& node : machine.nodes) own.push_back(!node.stem.empty());
+    for (const Machine::Node& node : machine.nodes) { own.push_back(!node.stem.empty()); }
     return own;
 }
 

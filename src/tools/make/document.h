@@ -1,4 +1,3 @@
-// One STEP XML document of the machine: products, their occurrences, and the names of the files that go on.
 #pragma once
 
 #include "tools/make/machine.h"
@@ -6,20 +5,22 @@
 
 #include <vector>
 
+// One STEP XML document of the machine: products, their occurrences, and the names of the files that go on.
 namespace tarnwick::make {
 
 // How a part leads to its file.
 enum class FileRoute {
-    Direct,   // its assignment names a File that stands right behind it
-    Documents // its assignment names a version of a document, whose digital file is one of those at the end
+    kDirect,   // its assignment names a File that stands right behind it
+    kDocuments // its assignment names a version of a document, whose digital file is one of those at the end
 };
 
 // What all documents of a machine have in common.
 struct DocumentSet {
     const Machine& machine;
     std::vector<bool> ownDocument; // of each node: whether it is described in a document of its own
-    FileRoute route = FileRoute::Direct;
-    std::string documentSuffix = ".stpx", partSuffix = ".stp"; // of the names that documents refer to
+    FileRoute route = FileRoute::kDirect;
+    std::string documentSuffix = ".stpx"; // of the documents' names
+    std::string partSuffix = ".stp";      // of the parts' names
 };
 
 // As many sub-assemblies as asked for get documents of their own: those of the first level, then those of the

@@ -1,4 +1,3 @@
-// Boundary representations of turned solids, and bare surfaces for the rest.
 #include "tools/make/exact.h"
 
 #include "write/product.h"
@@ -10,18 +9,18 @@ namespace tarnwick::make {
 namespace {
 
 Vec3 Perpendicular(Vec3 axis) {
-    Vec3 other = std::abs(axis.x) > 0.7 ? Vec3{0, 1, 0} : Vec3{1, 0, 0};
+    const Vec3 other = std::abs(axis.x) > 0.7 ? Vec3{0, 1, 0} : Vec3{1, 0, 0};
     return Unit(other - axis * Dot(other, axis));
 }
 
 Id WriteSurface(P21Writer* out, const Surface& surface, const Placement& at) {
-    if (surface.kind == Surface::Kind::Free) return {};
-    Placement own{surface.origin, surface.axis, Perpendicular(surface.axis)};
-    Id placement = WritePlacement(out, Place(at, own));
+    if (surface.kind == Surface::Kind::kFree) { return {}; }
+    const Placement own{surface.origin, surface.axis, Perpendicular(surface.axis)};
+    const Id placement = WritePlacement(out, Place(at, own));
     switch (surface.kind) {
-    case Surface::Kind::Plane:
+    case Surface::Kind::kPlane:
         return out->Add("PLANE", "", placement);
-    case Surface::Kind::Cylinder:
+    case Surface::Kind::kCylinder:
         return out->Add("CYLINDRICAL_SURFACE", "", placement, surface.radius);
     default:
         return out->Add("CONICAL_SURFACE", "", placement, surface.radius, surface.halfAngle);
@@ -31,44 +30,46 @@ Id WriteSurface(P21Writer* out, const Surface& surface, const Placement& at) {
 // The circle of one corner of the outline as an edge that ends where it starts; none for a corner on the
 // axis.
 Id WriteCircleEdge(P21Writer* out, ProfilePoint p, const Placement& at) {
-    if (p.r == 0) return {};
-    Id start = out->Add("CARTESIAN_POINT", "", Place(at, Vec3{p.r, 0, p.z}));
-    Id vertex = out->Add("VERTEX_POINT", "", start);
-    Id placement = WritePlacement(out, Place(at, Placement{{0, 0, p.z}, {0, 0, 1}, {1, 0, 0}}));
-    Id circle = out->Add("CIRCLE", "", placement, p.r);
+    if (p.r == 0) { return {}; }
+    const Id start = out->Add("CARTESIAN_POINT", "", Place(at, Vec3{p.r, 0, p.z}));
+    const Id vertex = out->Add("VERTEX_POINT", "", start);
+    const Id placement = WritePlacement(out, Place(at, Placement{{0, 0, p.z}, {0, 0, 1}, {1, 0, 0}}));
+    const Id circle = out->Add("CIRCLE", "", placement, p.r);
     return out->Add("EDGE_CURVE", "", vertex, vertex, circle, Literal{".T."});
 }
 
 Id WriteBound(P21Writer* out, std::string_view keyword, Id edge, bool forward) {
-    Literal sense{forward ? ".T." : ".F."};
-    Id oriented = out->Add("ORIENTED_EDGE", "", Literal{"*"}, Literal{"*"}, edge, sense);
-    Id loop = out->Add("EDGE_LOOP", "", std::vector{oriented});
+    const Literal sense{forward ? ".T." : ".F."};
+    const Id oriented = out->Add("ORIENTED_EDGE", "", Literal{"*"}, Literal{"*"}, edge, sense);
+    const Id loop = out->Add("EDGE_LOOP", "", std::vector{oriented});
     return out->Add(keyword, "", loop, Literal{".T."});
 }
 
 ExactLinks WriteTurned(P21Writer* out, const Solid& solid, const Placement& at) {
     const std::vector<ProfilePoint>& profile = solid.profile;
-    std::size_t corners = profile.size(), segments = profile.front().r == 0 ? corners - 1 : corners;
+    const std::size_t corners = profile.size();
+    const std::size_t segments = profile.front().r == 0 ? corners - 1 : corners;
     std::vector<Id> edges;
-    for (ProfilePoint p : profile) edges.push_back(WriteCircleEdge(out, p, at));
+    for (const ProfilePoint p : profile) { edges.push_back(WriteCircleEdge(out, p, at)); }
     ExactLinks links;
     for (std::size_t i = 0; i < segments; ++i) {
-        std::size_t next = (i + 1) % corners;
+        const std::size_t next = (i + 1) % corners;
         std::vector<Id> bounds;
         // Seen from outside, the circle at the start of a segment has the face on its left, that at the end
         // on its right.
-        if (edges[i].number != 0) bounds.push_back(WriteBound(out, "FACE_OUTER_BOUND", edges[i], true));
-        if (edges[next].number != 0)
+        if (edges[i].number != 0) { bounds.push_back(WriteBound(out, "FACE_OUTER_BOUND", edges[i], true)); }
+        if (edges[next].number != 0) {
             bounds.push_back(
                 WriteBound(out, bounds.empty() ? "FACE_OUTER_BOUND" : "FACE_BOUND", edges[next], false));
-        Surface surface = SurfaceOfSegment(profile[i], profile[next]);
-        Id written = WriteSurface(out, surface, at);
+        }
+        const Surface surface = SurfaceOfSegment(profile[i], profile[next]);
+        const Id written = WriteSurface(out, surface, at);
         // Cylinders and cones face away from their axis, which is inward for a bore; planes are written
         // facing outward.
-        bool bore = surface.kind != Surface::Kind::Plane && profile[next].z < profile[i].z;
+        const bool bore = surface.kind != Surface::Kind::kPlane && profile[next].z < profile[i].z;
         links.faces.push_back(out->Add("ADVANCED_FACE", "", bounds, written, Literal{bore ? ".F." : ".T."}));
     }
-    Id shell = out->Add("CLOSED_SHELL", "", links.faces);
+    const Id shell = out->Add("CLOSED_SHELL", "", links.faces);
     links.solid = out->Add("MANIFOLD_SOLID_BREP", "", shell);
     return links;
 }
@@ -78,11 +79,12 @@ ExactLinks WriteSurfaces(P21Writer* out, const Solid& solid, const Placement& at
     links.faces.resize(static_cast<std::size_t>(solid.shapeFaces));
     std::vector<std::pair<Surface, Id>> written; // few: the teeth of a gear share two cylinders
     for (const Face& face : solid.faces) {
-        if (face.origin < 0) continue;
+        if (face.origin < 0) { continue; }
         auto same = std::find_if(written.begin(), written.end(),
                                  [&](const auto& w) { return w.first == face.surface; });
-        if (same == written.end())
+        if (same == written.end()) {
             same = written.insert(same, {face.surface, WriteSurface(out, face.surface, at)});
+        }
         links.faces[static_cast<std::size_t>(face.origin)] = same->second;
     }
     return links;

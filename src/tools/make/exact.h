@@ -1,9 +1,9 @@
-// The exact shapes that tessellated solids and faces link to.
 #pragma once
 
 #include "tools/make/shapes/mesh.h"
 #include "write/p21_writer.h"
 
+// The exact shapes that tessellated solids and faces link to.
 namespace tarnwick::make {
 
 struct ExactLinks {

@@ -1,4 +1,3 @@
-// The kind `fem`: a shell of four-noded finite elements whose thickness varies from corner to corner.
 #pragma once
 
 #include "tools/make/prng.h"
@@ -8,6 +7,7 @@ namespace CLI {
 class App;
 }
 
+// The kind `fem`: a shell of four-noded finite elements whose thickness varies from corner to corner.
 namespace tarnwick::make {
 
 struct FemOptions {
@@ -33,8 +33,11 @@ private:
     double Bulge(double along, double around) const;
     double Beads(double along) const;
 
-    int columns_ = 1, rows_ = 1;
-    double bulgeAlong_, bulgeAround_, bulgeHeight_;
+    int columns_ = 1;
+    int rows_ = 1;
+    double bulgeAlong_;
+    double bulgeAround_;
+    double bulgeHeight_;
 };
 
 void WriteFem(const FemOptions& options, P21Writer* out);

@@ -1,10 +1,10 @@
-// The sample assembly, whatever format it is written in: which parts there are, and where they stand.
 #pragma once
 
 #include "tools/make/shapes/shapes.h"
 
 #include <string>
 
+// The sample assembly, whatever format it is written in: which parts there are, and where they stand.
 namespace tarnwick::make {
 
 struct MachineOptions {
@@ -18,7 +18,9 @@ struct MachineOptions {
 // and so on, as far as there are parts. Units stand in groups, and groups in larger groups.
 struct Machine {
     struct Part {
-        std::string id, name, stem; // stem: name of its file without folder and extension
+        std::string id;
+        std::string name;
+        std::string stem; // name of its file without folder and extension
         ShapeDims dims;
         int colour = 0; // of the palette
     };
@@ -28,8 +30,9 @@ struct Machine {
         Placement at;
     };
     struct Node {
-        std::string id, name,
-            stem; // without a stem a node has no file of its own: its parent's file describes it
+        std::string id;
+        std::string name;
+        std::string stem; // empty for a node that its parent's file describes
         std::vector<Use> uses;
     };
     std::vector<Part> parts;

@@ -1,10 +1,11 @@
-// What the subcommands have in common.
 #pragma once
 
 #include <CLI/CLI.hpp>
+
 #include <map>
 #include <string>
 
+// What the subcommands have in common.
 namespace tarnwick::make {
 
 // An option whose value is one of a few words.
@@ -12,8 +13,8 @@ template <class Value, class Target>
 CLI::Option* AddChoice(CLI::App* app, const std::string& name, Target* target,
                        const std::map<std::string, Value>& words, const std::string& help) {
     std::string list;
-    for (const auto& [word, value] : words) list += (list.empty() ? "" : "|") + word;
-    auto store = [target, words](const std::string& word) { *target = words.at(word); };
+    for (const auto& [word, value] : words) { list += (list.empty() ? "" : "|") + word; }
+    const auto store = [target, words](const std::string& word) { *target = words.at(word); };
     return app->add_option_function<std::string>(name, store, help)
         ->check(CLI::IsMember(words))
         ->option_text(list);

@@ -1,4 +1,3 @@
-// Opening, writing and closing a file.
 #include "tools/make/output.h"
 
 #include <cstdio>
@@ -13,9 +12,9 @@ bool WriteFile(const std::string& path, bool compress, const std::function<void(
 }
 
 bool WriteBytes(const std::string& path, bool compress, const std::function<void(ByteSink*)>& write) {
-    std::unique_ptr<ByteSink> sink = OpenFile(path, compress);
-    if (sink->Error().empty()) write(sink.get());
-    if (sink->Close()) return true;
+    const std::unique_ptr<ByteSink> sink = OpenFile(path, compress);
+    if (sink->Error().empty()) { write(sink.get()); }
+    if (sink->Close()) { return true; }
     SayUnwritable(path, sink->Error());
     return false;
 }

@@ -1,10 +1,10 @@
-// A whole file from opening to closing, with the one line that says why it couldn't be written.
 #pragma once
 
 #include "write/p21_writer.h"
 
 #include <functional>
 
+// A whole file from opening to closing, with the one line that says why it couldn't be written.
 namespace tarnwick::make {
 
 // Calls `write` with a writer on a new file; false, and a line on standard error, when it couldn't be

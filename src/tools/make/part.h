@@ -1,4 +1,3 @@
-// The kind `part`: one file with the tessellated solids of one product.
 #pragma once
 
 #include "tools/make/shapes/shapes.h"
@@ -11,15 +10,16 @@ namespace CLI {
 class App;
 }
 
+// The kind `part`: one file with the tessellated solids of one product.
 namespace tarnwick::make {
 
-enum class FaceKind { Faces, Strips, Fans, Sets };
-enum class NormalKind { None, One, All };
+enum class FaceKind { kFaces, kStrips, kFans, kSets };
+enum class NormalKind { kNone, kOne, kAll };
 
 // How the solids of a part are written.
 struct PartStyle {
-    FaceKind kind = FaceKind::Faces;
-    NormalKind normals = NormalKind::All;
+    FaceKind kind = FaceKind::kFaces;
+    NormalKind normals = NormalKind::kAll;
     int colours = 1;
     int firstColour = 0; // of the palette
     bool transparent = false;
@@ -40,14 +40,17 @@ struct PartPlan {
         std::size_t triangles = 0; // 0: its share of those of all
         int colour = -1;           // of the palette; -1: the colours of the style in turn
     };
-    std::string id, name;
+    std::string id;
+    std::string name;
     std::vector<Item> items;   // one solid each
     std::size_t triangles = 0; // of all together
     std::size_t faces = 0;     // of all together; 0 leaves each shape the faces it has
 };
 
 struct PartCounts {
-    std::size_t triangles = 0, faces = 0, solids = 0;
+    std::size_t triangles = 0;
+    std::size_t faces = 0;
+    std::size_t solids = 0;
 };
 
 // Writes a whole file. Memory follows the largest solid, not the part.
@@ -69,7 +72,7 @@ struct PartOptions {
 // Empty when the options go together, else what is wrong with them.
 std::string CheckPartOptions(const PartOptions& options);
 
-// Solids in rows on a sheet, one to a cell of sheetCell and a little between; or a machine, with a solid for
+// Solids in rows on a sheet, one to a cell of kSheetCell and a little between; or a machine, with a solid for
 // each use of a part.
 PartPlan PlanPart(const PartOptions& options);
 

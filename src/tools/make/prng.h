@@ -1,9 +1,9 @@
-// A small generator of our own, since the standard library's distributions differ from one build to the next
-// and the same options must give the same bytes.
 #pragma once
 
 #include <cstdint>
 
+// A small generator of our own, since the standard library's distributions differ from one build to the next
+// and the same options must give the same bytes.
 namespace tarnwick::make {
 
 class Prng {

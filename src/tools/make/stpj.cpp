@@ -1,4 +1,3 @@
-// Products in the order in which they are first used, occurrences depth first.
 #include "tools/make/stpj.h"
 
 #include "tools/make/options.h"
@@ -16,17 +15,18 @@ namespace {
 // By columns, in single precision.
 using Matrix = std::array<float, 16>;
 
-constexpr Matrix identity{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+constexpr Matrix kIdentity{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
 Vec3 Rounded(Vec3 v) {
     return {RoundReal(v.x), RoundReal(v.y), RoundReal(v.z)};
 }
 
 Matrix MatrixOf(const Placement& at) {
-    Vec3 x = Rounded(at.x), z = Rounded(at.z);
-    Matrix m = identity;
+    const Vec3 x = Rounded(at.x);
+    const Vec3 z = Rounded(at.z);
+    Matrix m = kIdentity;
     int column = 0;
-    for (Vec3 v : {x, Cross(z, x), z, at.origin}) {
+    for (const Vec3 v : {x, Cross(z, x), z, at.origin}) {
         float* const c = m.data() + 4 * column++;
         c[0] = RoundReal(v.x);
         c[1] = RoundReal(v.y);
@@ -37,15 +37,18 @@ Matrix MatrixOf(const Placement& at) {
 
 Matrix Product(const Matrix& a, const Matrix& b) {
     Matrix m;
-    for (std::size_t c = 0; c < 16; c += 4)
-        for (std::size_t r = 0; r < 4; ++r)
+    for (std::size_t c = 0; c < 16; c += 4) {
+        for (std::size_t r = 0; r < 4; ++r) {
             m[c + r] = a[r] * b[c] + a[4 + r] * b[c + 1] + a[8 + r] * b[c + 2] + a[12 + r] * b[c + 3];
+        }
+    }
     return m;
 }
 
 struct Box {
-    static constexpr double inf = std::numeric_limits<double>::infinity();
-    Vec3 low{inf, inf, inf}, high{-inf, -inf, -inf};
+    static constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    Vec3 low{kInfinity, kInfinity, kInfinity};
+    Vec3 high{-kInfinity, -kInfinity, -kInfinity};
 
     void Add(Vec3 p) {
         low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
@@ -62,8 +65,9 @@ struct Box {
 
 Box BoxOf(const Solid& solid) {
     Box box;
-    for (const Face& face : solid.faces)
-        for (Vec3 p : face.points) box.Add(p);
+    for (const Face& face : solid.faces) {
+        for (const Vec3 p : face.points) { box.Add(p); }
+    }
     return box;
 }
 
@@ -72,9 +76,9 @@ public:
     SummaryWriter(const StpjOptions& o, ByteSink* sink) : o_(o), sink_(*sink) {
         MachineOptions m = o.machine;
         most_ = o.occurrences.value_or(std::numeric_limits<int>::max());
-        if (o.occurrences) m.uses = (most_ + m.parts - 1) / m.parts;
+        if (o.occurrences) { m.uses = (most_ + m.parts - 1) / m.parts; }
         machine_ = MakeMachine(m);
-        buffer_.reserve(blockSize + (1 << 12));
+        buffer_.reserve(kBlockSize + (1 << 12));
     }
 
     SummaryCounts Write() {
@@ -84,8 +88,9 @@ public:
         partBoxes_.resize(machine_.parts.size());
         nodeBoxes_.resize(machine_.nodes.size());
         Count({false, 0, {}}, 0);
-        for (std::size_t i = 0; i < machine_.parts.size(); ++i)
+        for (std::size_t i = 0; i < machine_.parts.size(); ++i) {
             partBoxes_[i] = BoxOf(MakeSolid(machine_.parts[i].dims, o_.trianglesPerPart));
+        }
         FindBox(0);
         WriteProducts();
         WriteOccurrences();
@@ -114,9 +119,9 @@ private:
             product = ++counts_.products;
             products_.push_back(use);
         }
-        if (use.ofPart) return;
+        if (use.ofPart) { return; }
         for (const Machine::Use& below : Node(use.number).uses) {
-            if (counts_.occurrences == most_) return;
+            if (counts_.occurrences == most_) { return; }
             ++Shown(use.number);
             Count(below, depth + 1);
         }
@@ -125,11 +130,11 @@ private:
     // An assembly right at the end that has none of its components left keeps the box that it has with them.
     const Box& FindBox(int number) {
         const Machine::Node& node = Node(number);
-        std::size_t count = Shown(number) != 0 ? Shown(number) : node.uses.size();
+        const std::size_t count = Shown(number) != 0 ? Shown(number) : node.uses.size();
         Box box;
         for (std::size_t i = 0; i < count; ++i) {
             const Machine::Use& use = node.uses[i];
-            if (!use.ofPart) FindBox(use.number);
+            if (!use.ofPart) { FindBox(use.number); }
             box.Add(use.at, BoxOfUse(use));
         }
         return nodeBoxes_[static_cast<std::size_t>(number)] = box;
@@ -144,7 +149,7 @@ private:
         for (std::size_t i = 0; i < products_.size(); ++i) {
             const Machine::Use& use = products_[i];
             const Box& box = BoxOfUse(use);
-            if (i != 0) Put(",\n");
+            if (i != 0) { Put(",\n"); }
             Put("{\"idx\": ");
             Put(static_cast<int>(i + 1));
             Put(", \"name\": \"");
@@ -167,7 +172,7 @@ private:
         Put(",\n\"max_depth\": ");
         Put(counts_.depth);
         Put(",\n\"occurrences\": [\n");
-        WriteOccurrence({false, 0, {}}, identity);
+        WriteOccurrence({false, 0, {}}, kIdentity);
         Put("\n]\n}\n}\n");
     }
 
@@ -182,7 +187,7 @@ private:
         Put(", \"translation\": ");
         Put({m[12], m[13], m[14]});
         Put("}");
-        if (use.ofPart) return;
+        if (use.ofPart) { return; }
         for (std::size_t i = 0; i < Shown(use.number); ++i) {
             const Machine::Use& below = Node(use.number).uses[i];
             Put(",\n");
@@ -190,7 +195,9 @@ private:
             // From the deep end: a viewer of the assembly itself multiplies in this order, and single
             // precision would show another one.
             Matrix product = way_.back();
-            for (std::size_t level = way_.size() - 1; level-- > 0;) product = Product(way_[level], product);
+            for (std::size_t level = way_.size() - 1; level-- > 0;) {
+                product = Product(way_[level], product);
+            }
             WriteOccurrence(below, product);
             way_.pop_back();
         }
@@ -198,7 +205,7 @@ private:
 
     void Put(std::string_view text) {
         buffer_ += text;
-        if (buffer_.size() >= blockSize) Flush();
+        if (buffer_.size() >= kBlockSize) { Flush(); }
     }
     void Put(int number) {
         char digits[16];
@@ -206,7 +213,7 @@ private:
     }
     void Put(std::initializer_list<double> numbers) {
         const char* separator = "[";
-        for (double number : numbers) {
+        for (const double number : numbers) {
             buffer_ += separator;
             AppendReal(number, &buffer_);
             separator = ", ";
@@ -218,17 +225,19 @@ private:
         buffer_.clear();
     }
 
-    static constexpr std::size_t blockSize = 1 << 20;
+    static constexpr std::size_t kBlockSize = 1 << 20;
     const StpjOptions& o_;
     ByteSink& sink_;
     std::string buffer_;
     Machine machine_;
     int most_;
     SummaryCounts counts_;
-    std::vector<std::size_t> shown_; // of each node: how many of its uses are among the occurrences
-    std::vector<int> nodeProducts_, partProducts_; // numbers from 1; 0 where there is no occurrence
-    std::vector<Machine::Use> products_;           // one use of each product, by number
-    std::vector<Box> partBoxes_, nodeBoxes_;
+    std::vector<std::size_t> shown_;     // of each node: how many of its uses are among the occurrences
+    std::vector<int> nodeProducts_;      // numbers from 1; 0 where there is no occurrence
+    std::vector<int> partProducts_;      // likewise
+    std::vector<Machine::Use> products_; // one use of each product, by number
+    std::vector<Box> partBoxes_;
+    std::vector<Box> nodeBoxes_;
     std::vector<Matrix> way_; // placements from the top down to the use in hand
 };
 
@@ -239,21 +248,22 @@ SummaryCounts WriteSummary(const StpjOptions& o, ByteSink* sink) {
 }
 
 std::string CheckStpjOptions(const StpjOptions& o) {
-    if (static_cast<long long>(o.machine.parts) * o.machine.uses > 20000000)
+    if (static_cast<long long>(o.machine.parts) * o.machine.uses > 20000000) {
         return "--parts times --uses: at most 20,000,000";
+    }
     return {};
 }
 
 int RunStpj(const StpjOptions& o) {
     SummaryCounts counts;
-    if (!WriteBytes(o.out, false, [&](ByteSink* sink) { counts = WriteSummary(o, sink); })) return 1;
+    if (!WriteBytes(o.out, false, [&](ByteSink* sink) { counts = WriteSummary(o, sink); })) { return 1; }
     std::printf("%s: %d products, %d occurrences, depth %d\n", o.out.c_str(), counts.products,
                 counts.occurrences, counts.depth);
     return 0;
 }
 
 CLI::App* AddStpjCommand(CLI::App* app, StpjOptions* o) {
-    CLI::App* stpj = app->add_subcommand("stpj", "The machine as a JSON summary of boxes");
+    CLI::App* const stpj = app->add_subcommand("stpj", "The machine as a JSON summary of boxes");
     stpj->add_option("OUT", o->out, "File to write")->required()->option_text(" ");
     AddNumber(stpj, "--parts", &o->machine.parts, 1, 999999, "Different parts (default: 18)");
     CLI::Option* uses =

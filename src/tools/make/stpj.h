@@ -1,5 +1,3 @@
-// The kind `stpj`: a JSON summary of the machine, with a box for each product and a world placement for each
-// occurrence.
 #pragma once
 
 #include "tools/make/machine.h"
@@ -11,6 +9,8 @@ namespace CLI {
 class App;
 }
 
+// The kind `stpj`: a JSON summary of the machine, with a box for each product and a world placement for each
+// occurrence.
 namespace tarnwick::make {
 
 struct StpjOptions {
@@ -21,7 +21,9 @@ struct StpjOptions {
 };
 
 struct SummaryCounts {
-    int products = 0, occurrences = 0, depth = 0;
+    int products = 0;
+    int occurrences = 0;
+    int depth = 0;
 };
 SummaryCounts WriteSummary(const StpjOptions& options, ByteSink* sink);
 

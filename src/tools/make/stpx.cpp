@@ -1,4 +1,3 @@
-// The documents and parts of one machine, and where they go.
 #include "tools/make/stpx.h"
 
 #include "tools/make/options.h"
@@ -61,7 +60,7 @@ public:
         return zip_.Add(name, false, write);
     }
     bool Close() {
-        if (zip_.Close()) return true;
+        if (zip_.Close()) { return true; }
         SayUnwritable(o_.out, zip_.Error());
         return false;
     }
@@ -83,11 +82,15 @@ public:
     }
 
     bool Write(Target* target) {
-        if (!target->WriteRoot(DocumentOf(0))) return false;
-        for (int node = 1; node < static_cast<int>(machine_.nodes.size()); ++node)
-            if (set_.ownDocument[static_cast<std::size_t>(node)] && !WriteNode(node, target)) return false;
-        for (const Machine::Part& part : machine_.parts)
-            if (!o_.noParts && !WritePartOf(part, target)) return false;
+        if (!target->WriteRoot(DocumentOf(0))) { return false; }
+        for (int node = 1; node < static_cast<int>(machine_.nodes.size()); ++node) {
+            if (set_.ownDocument[static_cast<std::size_t>(node)] && !WriteNode(node, target)) {
+                return false;
+            }
+        }
+        for (const Machine::Part& part : machine_.parts) {
+            if (!o_.noParts && !WritePartOf(part, target)) { return false; }
+        }
         return true;
     }
     void Report() const {
@@ -101,11 +104,11 @@ private:
     }
     bool WriteNode(int node, Target* target) {
         ++documents_;
-        std::string stem = FileStem(machine_.nodes[static_cast<std::size_t>(node)]);
+        const std::string stem = FileStem(machine_.nodes[static_cast<std::size_t>(node)]);
         return target->WriteDocument(stem + set_.documentSuffix, DocumentOf(node));
     }
     bool WritePartOf(const Machine::Part& part, Target* target) const {
-        PartPlan plan{part.id, part.name, {{part.dims, {}}}, o_.trianglesPerPart, 0};
+        const PartPlan plan{part.id, part.name, {{part.dims, {}}}, o_.trianglesPerPart, 0};
         PartStyle style = o_.style;
         style.firstColour = part.colour;
         return target->WritePart(part.stem + set_.partSuffix, [&](ByteSink* sink) {
@@ -121,18 +124,20 @@ private:
 };
 
 std::string CheckMachine(const StpxOptions& o) {
-    if (static_cast<long long>(o.machine.parts) * o.machine.uses > 20000000)
+    if (static_cast<long long>(o.machine.parts) * o.machine.uses > 20000000) {
         return "--parts times --uses: at most 20,000,000";
-    if (!o.documents) return {};
-    int most = MostDocuments(MakeMachine(o.machine));
-    if (*o.documents > most)
+    }
+    if (!o.documents) { return {}; }
+    const int most = MostDocuments(MakeMachine(o.machine));
+    if (*o.documents > most) {
         return "--documents: this machine has " + std::to_string(most) + " sub-assemblies";
+    }
     return {};
 }
 
 void AddOptions(CLI::App* kind, StpxOptions* o) {
-    const std::map<std::string, FileRoute> routes{{"direct", FileRoute::Direct},
-                                                  {"documents", FileRoute::Documents}};
+    const std::map<std::string, FileRoute> routes{{"direct", FileRoute::kDirect},
+                                                  {"documents", FileRoute::kDocuments}};
     AddNumber(kind, "--parts", &o->machine.parts, 1, 999999, "Different parts (default: 18)");
     AddNumber(kind, "--uses", &o->machine.uses, 1, 1000000, "Occurrences of each part (default: 4)");
     AddNumber(kind, "--depth", &o->machine.depth, 0, 30,
@@ -152,8 +157,9 @@ void AddOptions(CLI::App* kind, StpxOptions* o) {
 } // namespace
 
 std::string CheckStpxOptions(const StpxOptions& o) {
-    if (IsMachineStem(std::filesystem::path(o.out).stem().string()))
+    if (IsMachineStem(std::filesystem::path(o.out).stem().string())) {
         return "OUT: one of the machine's files has that name";
+    }
     return CheckMachine(o);
 }
 
@@ -164,7 +170,7 @@ std::string CheckStpaOptions(const StpxOptions& o) {
 int RunStpx(const StpxOptions& o) {
     StpxFiles files(o);
     FolderTarget folder(o);
-    if (!files.Write(&folder)) return 1;
+    if (!files.Write(&folder)) { return 1; }
     files.Report();
     return 0;
 }
@@ -173,13 +179,13 @@ int RunStpa(const StpxOptions& o) {
     StpxFiles files(o);
     ArchiveTarget archive(o);
     files.Write(&archive); // what went wrong is said at the end
-    if (!archive.Close()) return 1;
+    if (!archive.Close()) { return 1; }
     files.Report();
     return 0;
 }
 
 CLI::App* AddStpxCommand(CLI::App* app, StpxOptions* o) {
-    CLI::App* stpx = app->add_subcommand("stpx", "The machine as STEP XML documents and part files");
+    CLI::App* const stpx = app->add_subcommand("stpx", "The machine as STEP XML documents and part files");
     stpx->add_option("OUT", o->out, "Root document to write; the others go beside it")
         ->required()
         ->option_text(" ");
@@ -190,7 +196,7 @@ CLI::App* AddStpxCommand(CLI::App* app, StpxOptions* o) {
 }
 
 CLI::App* AddStpaCommand(CLI::App* app, StpxOptions* o) {
-    CLI::App* stpa = app->add_subcommand("stpa", "The documents and part files of stpx in one archive");
+    CLI::App* const stpa = app->add_subcommand("stpa", "The documents and part files of stpx in one archive");
     stpa->add_option("OUT", o->out, "Archive to write")->required()->option_text(" ");
     AddOptions(stpa, o);
     stpa->add_flag("--stored-documents", o->storedDocuments, "Deflate the parts alone, not the documents");

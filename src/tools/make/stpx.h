@@ -1,5 +1,3 @@
-// The kinds `stpx` and `stpa`: STEP XML documents with the part files that they refer to, in a folder or in
-// an archive.
 #pragma once
 
 #include "tools/make/document.h"
@@ -7,13 +5,15 @@
 
 #include <optional>
 
+// The kinds `stpx` and `stpa`: STEP XML documents with the part files that they refer to, in a folder or in
+// an archive.
 namespace tarnwick::make {
 
 struct StpxOptions {
     std::string out;              // the root document, with all other files beside it, or the archive
     MachineOptions machine;       // the same as that of an assembly
     std::optional<int> documents; // none: as many as the assembly has sub-assembly files
-    FileRoute route = FileRoute::Direct;
+    FileRoute route = FileRoute::kDirect;
     std::size_t trianglesPerPart = 2000;
     PartStyle style; // of all parts
     bool noParts = false;

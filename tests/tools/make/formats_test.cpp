@@ -5,9 +5,10 @@
 #include "report/report.h"
 #include "support/capture.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <set>
 
 namespace tarnwick::make {
@@ -96,7 +97,7 @@ protected:
     }
 };
 
-const FormatCase formatCases[] = {
+const FormatCase kFormatCases[] = {
     {"Documents", "m.stpx", {}, {}},
     {"DocumentsByTheLongRoute", "m.stpx", {}, {"--route", "documents"}},
     {"OneDocument", "m.stpx", {}, {"--documents", "0"}},
@@ -137,7 +138,7 @@ TEST_P(MakeFormats, AreTheSameBytesForTheSameOptions) {
 std::string FormatCaseName(const testing::TestParamInfo<FormatCase>& info) {
     return info.param.name;
 }
-INSTANTIATE_TEST_SUITE_P(AllForms, MakeFormats, testing::ValuesIn(formatCases), FormatCaseName);
+INSTANTIATE_TEST_SUITE_P(AllForms, MakeFormats, testing::ValuesIn(kFormatCases), FormatCaseName);
 
 // --- documents ---
 
@@ -176,7 +177,8 @@ TEST_F(MakeFiles, ArchiveDoesNotDependOnItsOwnName) {
 TEST_F(MakeFiles, ArchiveStoresDocumentsOnlyWhenAsked) {
     ASSERT_EQ(Run({"stpa", Path("a.stpa"), "--triangles-per-part", "60"}), 0);
     ASSERT_EQ(Run({"stpa", Path("b.stpa"), "--triangles-per-part", "60", "--stored-documents"}), 0);
-    std::string deflated = ReadFile(Path("a.stpa")), stored = ReadFile(Path("b.stpa"));
+    std::string deflated = ReadFile(Path("a.stpa"));
+    std::string stored = ReadFile(Path("b.stpa"));
     EXPECT_EQ(deflated.find("<Part uid="), deflated.npos);
     EXPECT_NE(stored.find("<Part uid="), stored.npos);
     EXPECT_EQ(stored.find("ISO-10303-21"), stored.npos);
@@ -202,7 +204,8 @@ TEST_F(MakeFiles, SummaryHasThePlacesAndThePartBoxesOfTheAssembly) {
         std::string first = ReadFile(Path("m.stpj"));
         ASSERT_EQ(Run(Joined({"stpj", Path("m.stpj"), "--triangles-per-part", "60"}, machine)), 0);
         EXPECT_TRUE(first == ReadFile(Path("m.stpj")));
-        json assembly = Load(Path("m.stp")), summary = Load(Path("m.stpj"));
+        json assembly = Load(Path("m.stp"));
+        json summary = Load(Path("m.stpj"));
         EXPECT_EQ(Places(summary, "boxList"), Places(assembly, "drawList"));
         std::map<std::string, json> boxes;
         for (const json& product : summary["products"]) boxes[product["name"]] = product["box"];
@@ -219,7 +222,8 @@ TEST_F(MakeFiles, SummaryIsJsonWithExactlyTheOccurrencesAskedFor) {
         const json& table = summary["occurrences_table"];
         EXPECT_EQ(table["nb_occurrences"], count);
         ASSERT_EQ(table["occurrences"].size(), static_cast<std::size_t>(count));
-        int last = -1, deepest = 0;
+        int last = -1;
+        int deepest = 0;
         for (const json& occurrence : table["occurrences"]) {
             int depth = occurrence["depth"];
             EXPECT_LE(depth, last + 1);

@@ -1,17 +1,18 @@
-// Runs the sample writer in a folder of its own.
 #pragma once
 
 #include "support/temp_folder.h"
 #include "tools/make/command_line.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iterator>
 #include <string>
 #include <vector>
 
+// Runs the sample writer in a folder of its own.
 namespace tarnwick::make {
 
 namespace fs = std::filesystem;

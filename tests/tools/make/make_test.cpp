@@ -7,22 +7,23 @@
 #include "tools/make/shapes/mesh.h"
 #include "write/byte_sink.h"
 
+#include <gtest/gtest.h>
+#include <zlib.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <map>
 #include <set>
 #include <sstream>
-#include <zlib.h>
 
 namespace tarnwick::make {
 namespace {
 
-constexpr Shape allShapes[] = {Shape::Plate, Shape::Gear,   Shape::Bolt,   Shape::Flange,
-                               Shape::Shaft, Shape::Washer, Shape::Bracket};
-constexpr FaceKind allKinds[] = {FaceKind::Faces, FaceKind::Strips, FaceKind::Fans, FaceKind::Sets};
+constexpr Shape kAllShapes[] = {Shape::kPlate, Shape::kGear,   Shape::kBolt,   Shape::kFlange,
+                                Shape::kShaft, Shape::kWasher, Shape::kBracket};
+constexpr FaceKind kAllKinds[] = {FaceKind::kFaces, FaceKind::kStrips, FaceKind::kFans, FaceKind::kSets};
 
 ShapeDims DimsFor(Shape shape, std::size_t triangles, std::uint64_t seed) {
     Prng prng(seed);
@@ -51,7 +52,8 @@ Entities Parse(const std::string& text) {
     for (const std::string& line : SplitLines(text)) {
         if (line == "ENDSEC;") data = false;
         if (data) {
-            std::size_t equals = line.find('='), open = line.find('(');
+            std::size_t equals = line.find('=');
+            std::size_t open = line.find('(');
             bool whole = line[0] == '#' && equals < open && open != line.npos && line.ends_with(");");
             EXPECT_TRUE(whole) << line;
             if (!whole) continue;
@@ -117,7 +119,8 @@ using Point = std::vector<double>;
 using PlacedTriangle = std::array<Point, 3>;
 
 struct ReadFace {
-    std::size_t normals = 0, points = 0;
+    std::size_t normals = 0;
+    std::size_t points = 0;
     std::vector<PlacedTriangle> triangles;
 };
 
@@ -233,7 +236,8 @@ void ExpectClosed(const Solid& solid) {
         AppendTriangles(face, &triangles);
         for (const Triangle& t : triangles) {
             for (std::size_t i = 0; i < 3; ++i) {
-                Vec3 a = face.points[t[i]], b = face.points[t[(i + 1) % 3]];
+                Vec3 a = face.points[t[i]];
+                Vec3 b = face.points[t[(i + 1) % 3]];
                 ++edges[{a.x, a.y, a.z, b.x, b.y, b.z}];
             }
         }
@@ -264,7 +268,9 @@ void ExpectUnitNormalsOutward(const Solid& solid) {
         std::vector<Triangle> triangles;
         AppendTriangles(face, &triangles);
         for (const Triangle& t : triangles) {
-            Vec3 a = face.points[t[0]], b = face.points[t[1]], c = face.points[t[2]];
+            Vec3 a = face.points[t[0]];
+            Vec3 b = face.points[t[1]];
+            Vec3 c = face.points[t[2]];
             Vec3 outward = Cross(b - a, c - a);
             ASSERT_GT(Length(outward), 0);
             for (Index v : t) ASSERT_GT(Dot(face.normals[v], outward) / Length(outward), 0.5);
@@ -304,7 +310,7 @@ protected:
 
 std::vector<MeshCase> MeshCases() {
     std::vector<MeshCase> cases;
-    for (Shape shape : allShapes)
+    for (Shape shape : kAllShapes)
         for (std::size_t triangles : {1u, 700u, 1000u, 3500u, 20000u}) cases.push_back({shape, triangles});
     return cases;
 }
@@ -341,7 +347,7 @@ TEST_P(MakeMesh, HasUnitNormalsThatPointOutward) {
 }
 
 TEST(MakeShapes, HaveTheTrianglesAskedForWithinFivePercentFromAThousandOn) {
-    for (Shape shape : allShapes) {
+    for (Shape shape : kAllShapes) {
         for (std::size_t asked : {1000u, 1300u, 3500u, 9000u, 20000u, 77777u}) {
             for (std::uint64_t seed : {1u, 2u, 3u, 4u, 5u}) {
                 auto count =
@@ -377,7 +383,8 @@ TEST_P(MakeMesh, CanBeCutAndJoinedToAnyNumberOfFaces) {
 TEST_P(MakeMesh, HasTheSameTrianglesAsStripsAndAsFans) {
     for (Face& face : Make(1).faces) {
         std::vector<Corners> plain = CornersOf(face);
-        Face strips = face, fans = face;
+        Face strips = face;
+        Face fans = face;
         strips.strips = AsStrips(face);
         strips.fans = {};
         fans.fans = AsFans(face);
@@ -465,7 +472,7 @@ PartOptions PartOf(std::size_t triangles, std::size_t solids) {
 }
 
 TEST(MakePart, SameOptionsGiveTheSameBytes) {
-    for (FaceKind kind : allKinds) {
+    for (FaceKind kind : kAllKinds) {
         PartOptions o = PartOf(6000, 5);
         o.style.kind = kind;
         o.style.pnindex = true;
@@ -474,14 +481,15 @@ TEST(MakePart, SameOptionsGiveTheSameBytes) {
 }
 
 TEST(MakePart, AnotherSeedGivesAnotherSheet) {
-    PartOptions one = PartOf(6000, 5), two = one;
+    PartOptions one = PartOf(6000, 5);
+    PartOptions two = one;
     two.style.seed = 2;
     EXPECT_NE(PartText(one), PartText(two));
 }
 
 TEST(MakePart, EveryEntityStandsOnOneLineAndEveryReferenceIsDefined) {
-    for (FaceKind kind : allKinds) {
-        for (NormalKind normals : {NormalKind::None, NormalKind::One, NormalKind::All}) {
+    for (FaceKind kind : kAllKinds) {
+        for (NormalKind normals : {NormalKind::kNone, NormalKind::kOne, NormalKind::kAll}) {
             for (int way = 0; way < 3; ++way) {
                 PartOptions o = PartOf(4000, 7);
                 o.style.kind = kind;
@@ -489,7 +497,7 @@ TEST(MakePart, EveryEntityStandsOnOneLineAndEveryReferenceIsDefined) {
                 o.style.pnindex = way == 1;
                 o.style.sharedCoordinates = way == 2;
                 o.style.transparent = true;
-                o.style.material = kind != FaceKind::Sets;
+                o.style.material = kind != FaceKind::kSets;
                 o.colours = 9;
                 ExpectAllReferencesDefined(Parse(PartText(o)));
             }
@@ -501,7 +509,7 @@ TEST(MakePart, AllWaysOfWritingGiveTheSameTriangles) {
     PartOptions o = PartOf(4000, 7);
     std::multiset<PlacedTriangle> plain = TrianglesOf(Parse(PartText(o)));
     EXPECT_GT(plain.size(), 3800u);
-    for (FaceKind kind : allKinds) {
+    for (FaceKind kind : kAllKinds) {
         for (int way = 0; way < 3; ++way) {
             o.style.kind = kind;
             o.style.pnindex = way == 1;
@@ -536,7 +544,7 @@ TEST(MakePart, SmallSolidsOfASheetBecomeBlocks) {
 
 TEST(MakePart, SetsStandDirectlyInTheRepresentation) {
     PartOptions o = PartOf(4000, 4);
-    o.style.kind = FaceKind::Sets;
+    o.style.kind = FaceKind::kSets;
     Entities entities = Parse(PartText(o));
     EXPECT_TRUE(IdsOf(entities, "TESSELLATED_SOLID").empty());
     int representation = IdsOf(entities, "TESSELLATED_SHAPE_REPRESENTATION").at(0);
@@ -546,19 +554,20 @@ TEST(MakePart, SetsStandDirectlyInTheRepresentation) {
 TEST(MakePart, NormalsAreNoneOneForFlatFacesOrOneForEachPoint) {
     PartOptions o = PartOf(4000, 7);
     std::set<std::string> seen;
-    for (NormalKind normals : {NormalKind::None, NormalKind::One, NormalKind::All}) {
+    for (NormalKind normals : {NormalKind::kNone, NormalKind::kOne, NormalKind::kAll}) {
         o.style.normals = normals;
         Entities entities = Parse(PartText(o));
         int single = 0;
         for (int id : FacesOf(entities)) {
             ReadFace face = ReadBack(entities, id);
-            bool isOne = face.normals == 1, all = face.normals == face.points;
-            EXPECT_TRUE(normals == NormalKind::None  ? face.normals == 0
-                        : normals == NormalKind::All ? all
-                                                     : isOne || all);
+            bool isOne = face.normals == 1;
+            bool all = face.normals == face.points;
+            EXPECT_TRUE(normals == NormalKind::kNone  ? face.normals == 0
+                        : normals == NormalKind::kAll ? all
+                                                      : isOne || all);
             single += isOne ? 1 : 0;
         }
-        EXPECT_EQ(single > 0, normals == NormalKind::One);
+        EXPECT_EQ(single > 0, normals == NormalKind::kOne);
     }
 }
 
@@ -636,7 +645,7 @@ TEST(MakePart, EverySolidIsMadeOfExactlyOneMaterial) {
 }
 
 TEST(MakePart, ExactSolidsOfTurnedShapesAreClosed) {
-    for (Shape shape : {Shape::Shaft, Shape::Washer}) {
+    for (Shape shape : {Shape::kShaft, Shape::kWasher}) {
         PartOptions o = PartOf(2000, 2);
         o.shape = shape;
         Entities entities = Parse(PartText(o));
@@ -677,7 +686,7 @@ TEST(MakePart, OptionsThatDontGoTogetherAreRefused) {
     PartOptions material;
     material.style.material = true;
     EXPECT_EQ(CheckPartOptions(material), "");
-    material.style.kind = FaceKind::Sets;
+    material.style.kind = FaceKind::kSets;
     EXPECT_NE(CheckPartOptions(material), "");
 }
 
@@ -854,7 +863,10 @@ TEST(MakeFem, IsOfTheAnalysisSchema) {
 TEST(MakeFem, ThicknessReachesBelowBetweenAndAboveTheColourLimits) {
     FemOptions o;
     Panel panel(o);
-    int least = 0, below = 0, between = 0, above = 0;
+    int least = 0;
+    int below = 0;
+    int between = 0;
+    int above = 0;
     for (int row = 0; row <= panel.Rows(); ++row) {
         for (int column = 0; column <= panel.Columns(); ++column) {
             int t = panel.Thickness(column, row);
@@ -869,7 +881,8 @@ TEST(MakeFem, ThicknessReachesBelowBetweenAndAboveTheColourLimits) {
 TEST_F(MakeFiles, CompressedPartInflatesToThePlainOne) {
     ASSERT_EQ(Run({"part", Path("a.stp"), "--triangles", "5000"}), 0);
     ASSERT_EQ(Run({"part", Path("a.stpz"), "--triangles", "5000", "--compress"}), 0);
-    std::string plain = ReadFile(Path("a.stp")), packed = ReadFile(Path("a.stpz"));
+    std::string plain = ReadFile(Path("a.stp"));
+    std::string packed = ReadFile(Path("a.stpz"));
     std::string inflated(plain.size() + 1, '\0');
     uLongf size = static_cast<uLongf>(inflated.size());
     ASSERT_EQ(uncompress(reinterpret_cast<Bytef*>(inflated.data()), &size,

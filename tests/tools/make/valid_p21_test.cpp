@@ -1,5 +1,4 @@
 // Every P21 text that the program writes, in every variant, held against the letter of the standard.
-
 #include "archive/stpa_archive.h"
 #include "make_files.h"
 #include "support/capture.h"

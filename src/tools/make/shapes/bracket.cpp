@@ -1,4 +1,3 @@
-// Angles with a fillet and holes in both legs.
 #include "tools/make/shapes/drilled_cell.h"
 
 namespace tarnwick::make {
@@ -9,12 +8,12 @@ namespace {
 // and the outer corner with as many points as the fillet.
 struct BracketSection {
     BracketSection(const BracketDims& d, int steps, int arcSteps) : thickness(d.thickness) {
-        double start = d.thickness + d.fillet;
+        const double start = d.thickness + d.fillet;
         x = Stations(start, d.legX - start, 1, steps);
         z = Stations(start, d.legZ - start, 1, steps);
-        int half = arcSteps / 2;
+        const int half = arcSteps / 2;
         for (int i = 0; i <= arcSteps; ++i) {
-            double angle = pi + pi / 2 * i / arcSteps;
+            const double angle = kPi + kPi / 2 * i / arcSteps;
             inward.push_back({-std::cos(angle), 0, -std::sin(angle)});
             arc.push_back(Vec3{start, 0, start} - inward.back() * d.fillet);
             corner.push_back(i < half ? Vec3{0, 0, Mix(start, 0, i, half)}
@@ -26,8 +25,11 @@ struct BracketSection {
         inward.back() = {0, 0, 1};
     }
     double thickness;
-    std::vector<double> x, z;
-    std::vector<Vec3> arc, inward, corner;
+    std::vector<double> x;
+    std::vector<double> z;
+    std::vector<Vec3> arc;
+    std::vector<Vec3> inward;
+    std::vector<Vec3> corner;
 };
 
 class BracketBuilder {
@@ -62,11 +64,13 @@ private:
     // comes first in a right-handed plane differs between the two legs.
     template <class PointIn>
     void Leg(const std::vector<double>& s, PointIn at, Vec3 normal, bool yFirst, int firstHole) {
-        double t = d_.thickness;
-        auto in = [&](double u, double v, double w) { return yFirst ? at(v, u, t - w) : at(u, v, t - w); };
-        auto forEachCell = [&](auto use) {
+        const double t = d_.thickness;
+        const auto in = [&](double u, double v, double w) {
+            return yFirst ? at(v, u, t - w) : at(u, v, t - w);
+        };
+        const auto forEachCell = [&](auto use) {
             for (int k = 0; k < d_.holes; ++k) {
-                auto first = static_cast<std::size_t>(k * steps_);
+                const auto first = static_cast<std::size_t>(k * steps_);
                 HoleCell cell{yFirst ? y_ : s,    yFirst ? s : y_, yFirst ? first : 0,
                               yFirst ? 0 : first, steps_,          d_.hole};
                 use(DrilledCell(cell, cell.RowsToHole(edge_), in), k);
@@ -78,26 +82,28 @@ private:
         forEachCell([&](const auto& cell, int) { cell.Side(&out_, t, false, normal * -1); });
         CornerStrip(yFirst, normal * -1);
         forEachCell([&](const auto& cell, int k) {
-            int holes = 2 * d_.holes, hole = firstHole + k;
-            int spare = extra_ * (hole + 1) / holes - extra_ * hole / holes;
+            const int holes = 2 * d_.holes;
+            const int hole = firstHole + k;
+            const int spare = extra_ * (hole + 1) / holes - extra_ * hole / holes;
             cell.Wall(&out_, t, across_ + spare);
         });
     }
     // What the outer side of a leg has besides its cells: the stretch from the outer corner to the end of the
     // fillet.
     void CornerStrip(bool upright, Vec3 normal) {
-        int half = arcSteps_ / 2, first = upright ? 0 : half;
-        auto pointAt = [&](int row, int i) {
-            Vec3 p = section_.corner[static_cast<std::size_t>(first + i)];
+        const int half = arcSteps_ / 2;
+        const int first = upright ? 0 : half;
+        const auto pointAt = [&](int row, int i) {
+            const Vec3 p = section_.corner[static_cast<std::size_t>(first + i)];
             return At(p.x, Y(YCount() - row), p.z);
         };
         out_.Grid(YCount(), half, false, pointAt, Constant(normal));
     }
     void Fillet() {
-        double start = d_.thickness + d_.fillet;
+        const double start = d_.thickness + d_.fillet;
         out_.StartFace(Cylinder(At(start, 0, start), {0, 1, 0}, d_.fillet));
-        auto pointAt = [&](int row, int i) {
-            Vec3 p = section_.arc[static_cast<std::size_t>(i)];
+        const auto pointAt = [&](int row, int i) {
+            const Vec3 p = section_.arc[static_cast<std::size_t>(i)];
             return At(p.x, Y(row), p.z);
         };
         out_.Grid(YCount(), arcSteps_, false, pointAt,
@@ -106,26 +112,27 @@ private:
     // The L-shaped face at one end of the row of holes; seen from the far end it is walked the other way
     // round.
     void Side(double y, Vec3 normal) {
-        bool far = y > 0;
-        double t = d_.thickness;
+        const bool far = y > 0;
+        const double t = d_.thickness;
         out_.StartFace(Plane(At(0, y, 0), normal));
-        auto band = [&](int count, auto outer, auto inner) {
-            auto pointAt = [&](int row, int i) {
-                auto k = static_cast<std::size_t>(i);
-                Vec3 p = far ? Mix(inner(k), outer(k), row, across_) : Mix(outer(k), inner(k), row, across_);
+        const auto band = [&](int count, auto outer, auto inner) {
+            const auto pointAt = [&](int row, int i) {
+                const auto k = static_cast<std::size_t>(i);
+                const Vec3 p =
+                    far ? Mix(inner(k), outer(k), row, across_) : Mix(outer(k), inner(k), row, across_);
                 return At(p.x, y, p.z);
             };
             out_.Grid(across_, count, false, pointAt, Constant(normal));
         };
-        auto corner = [&](std::size_t i) { return section_.corner[i]; };
-        auto arc = [&](std::size_t i) { return section_.arc[i]; };
+        const auto corner = [&](std::size_t i) { return section_.corner[i]; };
+        const auto arc = [&](std::size_t i) { return section_.arc[i]; };
         band(arcSteps_, corner, arc);
-        auto bottom = [&](std::size_t i) { return Vec3{section_.x[i], 0, 0}; };
-        auto top = [&](std::size_t i) { return Vec3{section_.x[i], 0, t}; };
+        const auto bottom = [&](std::size_t i) { return Vec3{section_.x[i], 0, 0}; };
+        const auto top = [&](std::size_t i) { return Vec3{section_.x[i], 0, t}; };
         band(steps_, bottom, top);
-        std::vector<double> down(section_.z.rbegin(), section_.z.rend());
-        auto back = [&](std::size_t i) { return Vec3{0, 0, down[i]}; };
-        auto front = [&](std::size_t i) { return Vec3{t, 0, down[i]}; };
+        const std::vector<double> down(section_.z.rbegin(), section_.z.rend());
+        const auto back = [&](std::size_t i) { return Vec3{0, 0, down[i]}; };
+        const auto front = [&](std::size_t i) { return Vec3{t, 0, down[i]}; };
         band(steps_, back, front);
     }
     template <class PointIn>
@@ -137,8 +144,11 @@ private:
 
     const BracketDims& d_;
     MeshBuilder& out_;
-    int steps_, arcSteps_, extra_;
-    double width_, edge_;
+    int steps_;
+    int arcSteps_;
+    int extra_;
+    double width_;
+    double edge_;
     BracketSection section_;
     std::vector<double> y_;
     int across_;

@@ -1,4 +1,3 @@
-// Dimensions for sheets of samples: each solid differs from the next, and none is larger than its cell.
 #include "tools/make/shapes/shapes.h"
 
 #include <algorithm>
@@ -8,7 +7,7 @@ namespace tarnwick::make {
 namespace {
 
 int MoreWith(std::size_t triangles, std::size_t each, int least, int most) {
-    std::size_t more = std::min<std::size_t>(triangles / each, 1000);
+    const std::size_t more = std::min<std::size_t>(triangles / each, 1000);
     return std::clamp(least + static_cast<int>(more), least, most);
 }
 
@@ -27,7 +26,7 @@ PlateDims RandomPlate(std::size_t triangles, Prng* prng) {
 GearDims RandomGear(std::size_t triangles, Prng* prng) {
     GearDims d;
     d.teeth = MoreWith(triangles, 800, 14 + prng->Below(5), 48);
-    double outer = prng->Range(38, 54);
+    const double outer = prng->Range(38, 54);
     d.module = outer / (d.teeth / 2.0 + 1);
     d.width = prng->Range(14, 26);
     d.bore = outer * prng->Range(0.14, 0.22);
@@ -60,12 +59,13 @@ FlangeDims RandomFlange(std::size_t triangles, Prng* prng) {
 
 ShaftDims RandomShaft(Prng* prng) {
     ShaftDims d;
-    double widest = prng->Range(14, 20), length = prng->Range(95, 112);
+    const double widest = prng->Range(14, 20);
+    const double length = prng->Range(95, 112);
     // Thick in the middle, thinner towards the ends, with a groove for a retaining ring.
     double parts[] = {0.16, 0.03, 0.13, 0.28, 0.05, 0.2, 0.15};
     double radii[] = {0.55, 0.46, 0.55, 0.8, 1.0, 0.72, 0.5};
-    for (int i = 0; i < 7; ++i) d.steps.push_back({widest * radii[i], length * parts[i]});
-    if (prng->Below(2) == 1) std::reverse(d.steps.begin(), d.steps.end());
+    for (int i = 0; i < 7; ++i) { d.steps.push_back({widest * radii[i], length * parts[i]}); }
+    if (prng->Below(2) == 1) { std::reverse(d.steps.begin(), d.steps.end()); }
     return d;
 }
 
@@ -94,19 +94,19 @@ BracketDims RandomBracket(std::size_t triangles, Prng* prng) {
 
 ShapeDims RandomDims(Shape shape, std::size_t triangles, Prng* prng) {
     switch (shape) {
-    case Shape::Plate:
+    case Shape::kPlate:
         return RandomPlate(triangles, prng);
-    case Shape::Gear:
+    case Shape::kGear:
         return RandomGear(triangles, prng);
-    case Shape::Bolt:
+    case Shape::kBolt:
         return RandomBolt(prng);
-    case Shape::Flange:
+    case Shape::kFlange:
         return RandomFlange(triangles, prng);
-    case Shape::Shaft:
+    case Shape::kShaft:
         return RandomShaft(prng);
-    case Shape::Washer:
+    case Shape::kWasher:
         return RandomWasher(prng);
-    case Shape::Bracket:
+    case Shape::kBracket:
         return RandomBracket(triangles, prng);
     }
     return PlateDims{};
@@ -114,8 +114,9 @@ ShapeDims RandomDims(Shape shape, std::size_t triangles, Prng* prng) {
 
 Placement SheetPlacement(const ShapeDims& dims) {
     const auto* shaft = std::get_if<ShaftDims>(&dims);
-    if (shaft == nullptr) return {};
-    double length = 0, widest = 0;
+    if (shaft == nullptr) { return {}; }
+    double length = 0;
+    double widest = 0;
     for (const ShaftDims::Step& step : shaft->steps) {
         length += step.length;
         widest = std::max(widest, step.radius);

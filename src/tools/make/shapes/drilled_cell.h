@@ -1,17 +1,19 @@
-// A rectangular stretch of a wall with a round hole through it: plates and brackets are made of these.
 #pragma once
 
 #include "tools/make/shapes/builders.h"
 
+// A rectangular stretch of a wall with a round hole through it: plates and brackets are made of these.
 namespace tarnwick::make {
 
 // Points along a straight row of cells, `steps` to a cell; neighbouring faces take their points from one such
 // list.
 inline std::vector<double> Stations(double first, double cell, int cells, int steps) {
     std::vector<double> stations;
-    for (int c = 0; c < cells; ++c)
-        for (int j = 0; j < steps; ++j)
+    for (int c = 0; c < cells; ++c) {
+        for (int j = 0; j < steps; ++j) {
             stations.push_back(Mix(first + cell * c, first + cell * (c + 1), j, steps));
+        }
+    }
     stations.push_back(first + cell * cells);
     return stations;
 }
@@ -19,8 +21,10 @@ inline std::vector<double> Stations(double first, double cell, int cells, int st
 // A rectangular cell with a round hole, in a plane with the axes u and v. The rim and the hole have 4 * steps
 // points each, counter-clockwise from the corner of least u and v.
 struct HoleCell {
-    const std::vector<double>&u, &v;
-    std::size_t firstU, firstV;
+    const std::vector<double>& u;
+    const std::vector<double>& v;
+    std::size_t firstU;
+    std::size_t firstV;
     int steps;
     double radius;
 
@@ -30,7 +34,8 @@ struct HoleCell {
     std::size_t Steps() const { return static_cast<std::size_t>(steps); }
 
     Vec3 Rim(int i) const {
-        auto j = static_cast<std::size_t>(i % steps), n = Steps();
+        const auto j = static_cast<std::size_t>(i % steps);
+        const auto n = Steps();
         switch (i / steps) {
         case 0:
             return {u[firstU + j], v[firstV], 0};
@@ -43,7 +48,7 @@ struct HoleCell {
         }
     }
     Vec3 HoleDirection(int i) const {
-        double angle = -0.75 * pi + 2 * pi * i / Count();
+        const double angle = -0.75 * kPi + 2 * kPi * i / Count();
         return {std::cos(angle), std::sin(angle), 0};
     }
     Vec3 Hole(int i) const { return Vec3{CentreU(), CentreV(), 0} + HoleDirection(i) * radius; }
@@ -61,22 +66,23 @@ public:
     DrilledCell(const HoleCell& cell, int rows, In in) : cell_(cell), rows_(rows), in_(in) {}
 
     void Side(MeshBuilder* out, double w, bool front, Vec3 normal) const {
-        auto pointAt = [&](int row, int i) {
-            Vec3 p = front ? Mix(cell_.Rim(i), cell_.Hole(i), row, rows_)
-                           : Mix(cell_.Hole(i), cell_.Rim(i), row, rows_);
+        const auto pointAt = [&](int row, int i) {
+            const Vec3 p = front ? Mix(cell_.Rim(i), cell_.Hole(i), row, rows_)
+                                 : Mix(cell_.Hole(i), cell_.Rim(i), row, rows_);
             return in_(p.x, p.y, w);
         };
         out->Grid(rows_, cell_.Count(), true, pointAt, Constant(normal));
     }
     void Wall(MeshBuilder* out, double depth, int rows) const {
-        Vec3 zero = in_(0, 0, 0), centre = in_(cell_.CentreU(), cell_.CentreV(), 0);
+        const Vec3 zero = in_(0, 0, 0);
+        const Vec3 centre = in_(cell_.CentreU(), cell_.CentreV(), 0);
         out->StartFace(Cylinder(centre, in_(0, 0, 1) - zero, cell_.radius));
-        auto pointAt = [&](int row, int i) {
-            Vec3 p = cell_.Hole(i);
+        const auto pointAt = [&](int row, int i) {
+            const Vec3 p = cell_.Hole(i);
             return in_(p.x, p.y, Mix(0, depth, row, rows));
         };
-        auto normalAt = [&](int, int i) {
-            Vec3 d = cell_.HoleDirection(i);
+        const auto normalAt = [&](int, int i) {
+            const Vec3 d = cell_.HoleDirection(i);
             return zero - in_(d.x, d.y, 0);
         };
         out->Grid(rows, cell_.Count(), true, pointAt, normalAt);

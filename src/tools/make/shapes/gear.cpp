@@ -1,4 +1,3 @@
-// Spur gears with involute teeth.
 #include "tools/make/shapes/builders.h"
 
 #include <algorithm>
@@ -7,23 +6,25 @@ namespace tarnwick::make {
 
 namespace {
 
-constexpr double pressureAngle = 20 * pi / 180;
+constexpr double kPressureAngle = 20 * kPi / 180;
 
 // Half the thickness of a tooth, as an angle, at a radius: an involute above the base circle, and below it a
 // straight flank that leans outward a little, so that no two points of the outline lie in one direction from
 // the centre.
 double HalfTooth(const GearDims& d, double radius) {
-    auto involute = [](double a) { return std::tan(a) - a; };
-    double base = d.module * d.teeth / 2 * std::cos(pressureAngle);
-    double atBase = 0.96 * pi / (2 * d.teeth) + involute(pressureAngle); // a little play between two gears
-    if (radius <= base) return atBase + 0.5 * (base - radius) / base;
+    const auto involute = [](double a) { return std::tan(a) - a; };
+    const double base = d.module * d.teeth / 2 * std::cos(kPressureAngle);
+    const double atBase =
+        0.96 * kPi / (2 * d.teeth) + involute(kPressureAngle); // a little play between two gears
+    if (radius <= base) { return atBase + 0.5 * (base - radius) / base; }
     return atBase - involute(std::acos(base / radius));
 }
 
 // The points of a run of the outline, and which way it faces.
 struct GearOutline {
     struct Run {
-        int first, segments;
+        int first;
+        int segments;
         bool round; // around the gear's own axis
     };
     Turns turns;
@@ -34,11 +35,11 @@ struct GearOutline {
     Vec3 At(int i, double z) const { return turns.Point(i, radii[static_cast<std::size_t>(i % Count())], z); }
 
     Vec3 NormalAt(const Run& run, int i) const {
-        if (run.round) return turns.Direction(run.first + i);
+        if (run.round) { return turns.Direction(run.first + i); }
         Vec3 sum;
-        for (int k : {i - 1, i}) {
-            if (k < 0 || k >= run.segments) continue;
-            Vec3 along = At(run.first + k + 1, 0) - At(run.first + k, 0);
+        for (const int k : {i - 1, i}) {
+            if (k < 0 || k >= run.segments) { continue; }
+            const Vec3 along = At(run.first + k + 1, 0) - At(run.first + k, 0);
             sum = sum + Unit({along.y, -along.x, 0});
         }
         return Unit(sum);
@@ -46,29 +47,34 @@ struct GearOutline {
 };
 
 GearOutline MakeGearOutline(const GearDims& d, int level) {
-    double pitch = d.module * d.teeth / 2, tip = pitch + d.module, root = pitch - 1.25 * d.module;
-    int onFlank = level, onArc = (level + 2) / 3;
+    const double pitch = d.module * d.teeth / 2;
+    const double tip = pitch + d.module;
+    const double root = pitch - 1.25 * d.module;
+    const int onFlank = level;
+    const int onArc = (level + 2) / 3;
     GearOutline outline;
-    auto add = [&](double angle, double radius) {
+    const auto add = [&](double angle, double radius) {
         outline.turns.Add(angle);
         outline.radii.push_back(radius);
     };
-    auto startRun = [&](int segments, bool round) {
+    const auto startRun = [&](int segments, bool round) {
         outline.runs.push_back({outline.Count(), segments, round});
     };
-    double tipHalf = HalfTooth(d, tip), rootHalf = HalfTooth(d, root);
+    const double tipHalf = HalfTooth(d, tip);
+    const double rootHalf = HalfTooth(d, root);
     for (int tooth = 0; tooth < d.teeth; ++tooth) {
-        double centre = 2 * pi * tooth / d.teeth, next = 2 * pi * (tooth + 1) / d.teeth;
-        auto flank = [&](double from, double to, double side) {
+        const double centre = 2 * kPi * tooth / d.teeth;
+        const double next = 2 * kPi * (tooth + 1) / d.teeth;
+        const auto flank = [&](double from, double to, double side) {
             startRun(onFlank, false);
             for (int i = 0; i < onFlank; ++i) {
-                double radius = Mix(from, to, i, onFlank);
+                const double radius = Mix(from, to, i, onFlank);
                 add(centre + side * HalfTooth(d, radius), radius);
             }
         };
-        auto arc = [&](double from, double to, double radius) {
+        const auto arc = [&](double from, double to, double radius) {
             startRun(onArc, true);
-            for (int i = 0; i < onArc; ++i) add(Mix(from, to, i, onArc), radius);
+            for (int i = 0; i < onArc; ++i) { add(Mix(from, to, i, onArc), radius); }
         };
         flank(root, tip, -1);
         arc(centre - tipHalf, centre + tipHalf, tip);
@@ -79,10 +85,13 @@ GearOutline MakeGearOutline(const GearDims& d, int level) {
 }
 
 std::vector<ProfilePoint> GearProfile(const GearDims& d, double outer) {
-    double hub = d.bore + std::max(2.0, 0.3 * (outer - d.bore)), rim = outer - 0.6 * d.module;
-    if (!d.web || rim < hub + d.module)
+    const double hub = d.bore + std::max(2.0, 0.3 * (outer - d.bore));
+    const double rim = outer - 0.6 * d.module;
+    if (!d.web || rim < hub + d.module) {
         return {{outer, d.width, true}, {d.bore, d.width}, {d.bore, 0}, {outer, 0}};
-    double low = d.width * 0.3, high = d.width * 0.7;
+    }
+    const double low = d.width * 0.3;
+    const double high = d.width * 0.7;
     return {{outer, d.width, true},
             {rim, d.width},
             {rim, high},
@@ -105,19 +114,22 @@ public:
         : outline_(outline), turns_(ringTurns), ring_(ring) {}
 
     void Build(double z, bool up, int rows, MeshBuilder* out) const {
-        Vec3 normal{0, 0, up ? 1.0 : -1.0};
-        int count = outline_.Count(), perTooth = count / turns_.Count();
+        const Vec3 normal{0, 0, up ? 1.0 : -1.0};
+        const int count = outline_.Count();
+        const int perTooth = count / turns_.Count();
         if (perTooth == 1) {
-            auto pointAt = [&](int row, int i) {
-                Vec3 outer = outline_.At(i, z), inner = turns_.Point(i, ring_, z);
+            const auto pointAt = [&](int row, int i) {
+                const Vec3 outer = outline_.At(i, z);
+                const Vec3 inner = turns_.Point(i, ring_, z);
                 return up ? Mix(outer, inner, row, rows) : Mix(inner, outer, row, rows);
             };
             return out->Grid(rows, count, true, pointAt, Constant(normal));
         }
         for (int tooth = 0; tooth < turns_.Count(); ++tooth) {
-            int first = tooth * perTooth,
-                root = first + perTooth - 1; // of the last run, which has one segment
-            Vec3 start = turns_.Point(tooth, ring_, z), next = turns_.Point(tooth + 1, ring_, z);
+            const int first = tooth * perTooth;
+            const int root = first + perTooth - 1; // of the last run, which has one segment
+            const Vec3 start = turns_.Point(tooth, ring_, z);
+            const Vec3 next = turns_.Point(tooth + 1, ring_, z);
             Fan(start, perTooth + 1, up, normal, out,
                 [&](int i) { return i < perTooth ? outline_.At(first + i, z) : next; });
             Fan(next, 2, up, normal, out, [&](int i) { return outline_.At(root + i, z); });
@@ -138,7 +150,7 @@ private:
 Turns EveryTooth(const GearOutline& outline, int teeth) {
     Turns turns;
     for (int tooth = 0; tooth < teeth; ++tooth) {
-        auto first = static_cast<std::size_t>(tooth * outline.Count() / teeth);
+        const auto first = static_cast<std::size_t>(tooth * outline.Count() / teeth);
         turns.cosines.push_back(outline.turns.cosines[first]);
         turns.sines.push_back(outline.turns.sines[first]);
     }
@@ -148,23 +160,26 @@ Turns EveryTooth(const GearOutline& outline, int teeth) {
 } // namespace
 
 void Build(const GearDims& d, Fineness fine, MeshBuilder* out) {
-    GearOutline outline = MakeGearOutline(d, std::max(1, fine.level - 1));
-    Turns ringTurns = fine.level == 1 ? EveryTooth(outline, d.teeth) : outline.turns;
-    double pitch = d.module * d.teeth / 2, ring = pitch - 1.75 * d.module;
+    const GearOutline outline = MakeGearOutline(d, std::max(1, fine.level - 1));
+    const Turns ringTurns = fine.level == 1 ? EveryTooth(outline, d.teeth) : outline.turns;
+    const double pitch = d.module * d.teeth / 2;
+    const double ring = pitch - 1.75 * d.module;
     // The teeth make the outline fine already when all else is still coarse.
-    double edge = 2 * pi * pitch / outline.Count() * (1.5 + 6.0 / fine.level);
-    int rows = RowsFor(1.5 * d.module, edge);
-    GearRim rim(outline, ringTurns, ring);
+    const double edge = 2 * kPi * pitch / outline.Count() * (1.5 + 6.0 / fine.level);
+    const int rows = RowsFor(1.5 * d.module, edge);
+    const GearRim rim(outline, ringTurns, ring);
     out->StartFace(Plane({0, 0, d.width}, {0, 0, 1}));
     rim.Build(d.width, true, rows, out);
     out->Revolve(GearProfile(d, ring), false, ringTurns, edge, fine.extraRows);
     rim.Build(0, false, rows, out);
 
-    int up = RowsFor(d.width, edge);
+    const int up = RowsFor(d.width, edge);
     for (const GearOutline::Run& run : outline.runs) {
-        double radius = outline.radii[static_cast<std::size_t>(run.first)];
+        const double radius = outline.radii[static_cast<std::size_t>(run.first)];
         out->StartFace(run.round ? Cylinder({0, 0, 0}, {0, 0, 1}, radius) : Surface{});
-        auto pointAt = [&](int row, int i) { return outline.At(run.first + i, Mix(0, d.width, row, up)); };
+        const auto pointAt = [&](int row, int i) {
+            return outline.At(run.first + i, Mix(0, d.width, row, up));
+        };
         out->Grid(up, run.segments, false, pointAt, [&](int, int i) { return outline.NormalAt(run, i); });
     }
 }

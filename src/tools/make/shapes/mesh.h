@@ -1,5 +1,3 @@
-// The tessellated solids that every kind of output writes: flat arrays, and the ways of cutting them into
-// faces.
 #pragma once
 
 #include "write/vec.h"
@@ -10,6 +8,8 @@
 #include <span>
 #include <vector>
 
+// The tessellated solids that every kind of output writes: flat arrays, and the ways of cutting them into
+// faces.
 namespace tarnwick::make {
 
 using Index = std::uint32_t;
@@ -22,7 +22,7 @@ struct IndexLists {
 
     std::size_t Count() const { return ends.size(); }
     std::span<const Index> List(std::size_t k) const {
-        std::size_t start = k == 0 ? 0 : ends[k - 1];
+        const std::size_t start = k == 0 ? 0 : ends[k - 1];
         return {indices.data() + start, ends[k] - start};
     }
     void CloseList() { ends.push_back(indices.size()); }
@@ -30,8 +30,8 @@ struct IndexLists {
 
 // The exact surface under a face, in the coordinates of its solid.
 struct Surface {
-    enum class Kind { Free, Plane, Cylinder, Cone };
-    Kind kind = Kind::Free;
+    enum class Kind { kFree, kPlane, kCylinder, kCone };
+    Kind kind = Kind::kFree;
     Vec3 origin;
     Vec3 axis{0, 0, 1};   // plane: outward normal; cone: the direction in which it widens
     double radius = 0;    // at the origin
@@ -53,7 +53,8 @@ struct Face {
 
 // A corner of a turned outline: distance from the axis and height. The outline has the material on its left.
 struct ProfilePoint {
-    double r = 0, z = 0;
+    double r = 0;
+    double z = 0;
     bool joined = false; // the segment that starts here goes on with the face of the one before it
 };
 

@@ -1,10 +1,10 @@
-// Builds the faces of a solid from grids of points, or only counts the triangles that it would build.
 #pragma once
 
 #include "tools/make/shapes/mesh.h"
 
 #include <cmath>
 
+// Builds the faces of a solid from grids of points, or only counts the triangles that it would build.
 namespace tarnwick::make {
 
 // How far a shape is subdivided: a level for its outlines, and single rows more for what lies between two
@@ -21,7 +21,8 @@ inline int RowsFor(double length, double edge) {
 
 // Directions around an axis, counter-clockwise.
 struct Turns {
-    std::vector<double> cosines, sines;
+    std::vector<double> cosines;
+    std::vector<double> sines;
 
     int Count() const { return static_cast<int>(cosines.size()); }
     void Add(double angle) {
@@ -31,7 +32,7 @@ struct Turns {
     Vec3 Direction(int i) const { return Point(i, 1, 0); }
     // i may be Count(), which is the first direction again
     Vec3 Point(int i, double radius, double height) const {
-        auto k = static_cast<std::size_t>(i == Count() ? 0 : i);
+        const auto k = static_cast<std::size_t>(i == Count() ? 0 : i);
         return {radius * cosines[k], radius * sines[k], height};
     }
 };
@@ -39,8 +40,8 @@ Turns EvenTurns(int count, double firstAngle = 0);
 
 class MeshBuilder {
 public:
-    enum class Mode { Build, Count };
-    explicit MeshBuilder(Mode mode) : counting_(mode == Mode::Count) {}
+    enum class Mode { kBuild, kCount };
+    explicit MeshBuilder(Mode mode) : counting_(mode == Mode::kCount) {}
 
     void StartFace(const Surface& surface = {});
 
@@ -78,9 +79,9 @@ private:
 template <class PointAt, class NormalAt>
 void MeshBuilder::Grid(int rows, int columns, bool closed, PointAt pointAt, NormalAt normalAt) {
     triangles_ += 2 * static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns);
-    if (counting_) return;
+    if (counting_) { return; }
     Face& face = faces_.back();
-    auto first = static_cast<Index>(face.points.size());
+    const auto first = static_cast<Index>(face.points.size());
     for (int row = 0; row <= rows; ++row) {
         for (int column = 0; column < columns + (closed ? 0 : 1); ++column) {
             face.points.push_back(pointAt(row, column));
@@ -93,13 +94,13 @@ void MeshBuilder::Grid(int rows, int columns, bool closed, PointAt pointAt, Norm
 template <class PointAt>
 void MeshBuilder::Fan(Vec3 centre, int count, Vec3 normal, PointAt pointAt) {
     triangles_ += static_cast<std::size_t>(count) - 1;
-    if (counting_) return;
+    if (counting_) { return; }
     Face& face = faces_.back();
-    auto first = static_cast<Index>(face.points.size());
+    const auto first = static_cast<Index>(face.points.size());
     face.points.push_back(centre);
-    for (int i = 0; i < count; ++i) face.points.push_back(pointAt(i));
+    for (int i = 0; i < count; ++i) { face.points.push_back(pointAt(i)); }
     face.normals.resize(face.points.size(), normal);
-    for (int i = 0; i <= count; ++i) face.fans.indices.push_back(first + static_cast<Index>(i));
+    for (int i = 0; i <= count; ++i) { face.fans.indices.push_back(first + static_cast<Index>(i)); }
     face.fans.CloseList();
 }
 
@@ -107,7 +108,7 @@ template <class PointAt>
 void MeshBuilder::Disc(Vec3 centre, int count, Vec3 normal, PointAt pointAt) {
     Fan(centre, count, normal, pointAt);
     ++triangles_;
-    if (counting_) return;
+    if (counting_) { return; }
     Face& face = faces_.back();
     face.fans.indices.push_back(static_cast<Index>(face.points.size()) - static_cast<Index>(count));
     face.fans.ends.back() = face.fans.indices.size();

@@ -1,4 +1,3 @@
-// Shafts and washers.
 #include "tools/make/shapes/builders.h"
 
 #include <algorithm>
@@ -9,13 +8,13 @@ namespace {
 
 double LargestRadius(const std::vector<ProfilePoint>& profile) {
     double radius = 0;
-    for (ProfilePoint p : profile) radius = std::max(radius, p.r);
+    for (const ProfilePoint p : profile) { radius = std::max(radius, p.r); }
     return radius;
 }
 
 void BuildTurned(const std::vector<ProfilePoint>& profile, Fineness fine, MeshBuilder* out) {
-    Turns turns = EvenTurns(4 + 4 * fine.level);
-    double edge = 2 * pi * LargestRadius(profile) / turns.Count() * 1.5;
+    const Turns turns = EvenTurns(4 + 4 * fine.level);
+    const double edge = 2 * kPi * LargestRadius(profile) / turns.Count() * 1.5;
     out->Revolve(profile, profile.front().r != 0, turns, edge, fine.extraRows);
 }
 
@@ -23,7 +22,8 @@ void BuildTurned(const std::vector<ProfilePoint>& profile, Fineness fine, MeshBu
 
 std::vector<ProfilePoint> Profile(const ShaftDims& d) {
     std::vector<ProfilePoint> profile{{0, 0}, {d.steps.front().radius - d.chamfer, 0}};
-    double z = 0, radius = 0;
+    double z = 0;
+    double radius = 0;
     for (const ShaftDims::Step& step : d.steps) {
         radius = step.radius;
         profile.push_back({radius, z == 0 ? d.chamfer : z});
@@ -37,7 +37,8 @@ std::vector<ProfilePoint> Profile(const ShaftDims& d) {
 }
 
 std::vector<ProfilePoint> Profile(const WasherDims& d) {
-    double c = d.chamfer, h = d.thickness;
+    const double c = d.chamfer;
+    const double h = d.thickness;
     return {{d.outer - c, 0}, {d.outer, c},    {d.outer, h - c}, {d.outer - c, h},
             {d.bore + c, h},  {d.bore, h - c}, {d.bore, c},      {d.bore + c, 0}};
 }
