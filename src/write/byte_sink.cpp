@@ -7,7 +7,7 @@
 #include <cstring>
 #include <vector>
 
-namespace tarnwick::make {
+namespace tarnwick {
 
 namespace {
 
@@ -98,4 +98,4 @@ std::unique_ptr<ByteSink> OpenFile(const std::string& path, bool compress) {
     return sink;
 }
 
-} // namespace tarnwick::make
+} // namespace tarnwick

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-// Where the bytes of a sample go: a file, plain or compressed, or a string of a test.
-namespace tarnwick::make {
+// Where the bytes of what is written go: a file, plain or compressed, or a string.
+namespace tarnwick {
 
 class ByteSink {
 public:
@@ -29,4 +29,4 @@ private:
 // Never null; a file that can't be opened shows at Close().
 std::unique_ptr<ByteSink> OpenFile(const std::string& path, bool compress);
 
-} // namespace tarnwick::make
+} // namespace tarnwick

@@ -1,71 +1,105 @@
 #pragma once
 
-#include "write/byte_sink.h"
-#include "write/vec.h"
+#include "write/placement.h"
+#include "write/text_buffer.h"
 
-#include <charconv>
+#include <concepts>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// Writes the text of an ISO 10303-21 file: entities numbered from 1, each on one line.
-namespace tarnwick::make {
+namespace tarnwick {
 
 // The number of an entity; 0 is written as $.
-struct Id {
+struct EntityId {
     std::int32_t number = 0;
-    bool operator==(const Id&) const = default;
+    bool operator==(const EntityId&) const = default;
 };
 
 // Text that goes into the file as it stands: enumeration values, typed values, * and $.
-struct Literal {
+struct P21Literal {
     std::string_view text;
 };
 
 // 'text' with the escapes of the format: quotes and backslashes doubled, anything beyond ASCII as \X2\ or
-// \X4\. The input is UTF-8; a byte that isn't becomes a question mark.
+// \X4\. The input is UTF-8; a byte that isn't becomes a question mark, and so does a control character.
 std::string EncodeString(std::string_view utf8);
 
+struct P21FileHeader {
+    std::string_view description;
+    std::string_view name;
+    std::string_view schema;
+    std::string_view program; // that writes the file
+    std::string_view timeStamp =
+        "2024-01-01T00:00:00"; // a constant, so that the same model is the same bytes
+};
+
+// Writes the text of an ISO 10303-21 file: entities numbered from 1, each on one line.
 class P21Writer {
 public:
-    explicit P21Writer(ByteSink* sink) : sink_(*sink) { buffer_.reserve(kBlockSize + (1 << 16)); }
+    // The sink must outlive the writer and stays open.
+    explicit P21Writer(ByteSink* sink) : out_(sink) {}
 
-    void Header(std::string_view description, std::string_view name, std::string_view schema);
-    // Writes the end of the file and what is still in the buffer; the sink stays open.
+    void Header(const P21FileHeader& header);
     void Footer();
 
-    // A whole entity. Arguments: Id, Literal, text (written as a string), int, double, Vec3, lists of Id.
+    // A whole entity. Each argument is one that some Put takes.
     template <class... Arguments>
-    Id Add(std::string_view keyword, const Arguments&... arguments) {
-        const Id id = Begin(keyword);
+    EntityId Add(std::string_view keyword, const Arguments&... arguments) {
+        const EntityId id = Begin(keyword);
         bool first = true;
         (PutSeparated(arguments, &first), ...);
         End();
         return id;
     }
-    // An entity of several partial ones, given with their parentheses.
-    Id AddComplex(std::string_view partials);
 
-    // An entity in pieces: Begin writes up to the first parenthesis, the Put functions what is between.
-    Id Begin(std::string_view keyword);
-    void End();
-    void Put(char c) { buffer_.push_back(c); }
-    void Put(Literal literal) { buffer_ += literal.text; }
-    void Put(std::string_view text) { buffer_ += EncodeString(text); }
+    // An entity in pieces: Begin writes up to the first parenthesis, the Put functions what is between. A
+    // complex entity has no keyword; its records are put with their parentheses.
+    EntityId Begin(std::string_view keyword);
+    void End() { Put(P21Literal{");\n"}); }
+    EntityId AddComplex(std::string_view records);
+
+    void Put(char c) { out_.Put(c); }
+    void Put(P21Literal literal) { out_.Put(literal.text); }
+    // A string, which is encoded.
+    void Put(std::string_view text) { out_.Put(EncodeString(text)); }
     void Put(const std::string& text) { Put(std::string_view(text)); }
     void Put(const char* text) { Put(std::string_view(text)); }
-    void Put(Id id);
-    void Put(int value) { Put(static_cast<std::int64_t>(value)); }
-    void Put(std::int64_t value);
+    void Put(EntityId id);
+    void Put(int value) { out_.PutInteger(value); }
+    void Put(std::size_t value) { out_.PutInteger(static_cast<std::int64_t>(value)); }
     void Put(double value);
     void Put(const Vec3& v);
-    void Put(std::span<const Id> ids);
-    void Put(const std::vector<Id>& ids) { Put(std::span<const Id>(ids)); }
+    void Put(std::span<const EntityId> ids) { PutList(ids); }
+    void Put(const std::vector<EntityId>& ids) { PutList(ids); }
+    void Put(std::span<const Vec3> vectors) { PutList(vectors); }
+    void Put(std::span<const int> numbers) { PutList(numbers); }
+    // An argument that a function writes.
+    template <std::invocable<P21Writer&> Function>
+    void Put(const Function& put) {
+        put(*this);
+    }
 
-    std::int64_t BytesWritten() const { return flushed_ + static_cast<std::int64_t>(buffer_.size()); }
-    Id LastId() const { return last_; }
+    template <class Items>
+    void PutList(const Items& items) {
+        PutList(items, [this](const auto& item) { Put(item); });
+    }
+    // A list whose items `put` writes.
+    template <class Items, class PutItem>
+    void PutList(const Items& items, PutItem put) {
+        char separator = '(';
+        for (const auto& item : items) {
+            Put(separator);
+            put(item);
+            separator = ',';
+        }
+        if (separator == '(') { Put('('); }
+        Put(')');
+    }
+
+    EntityId LastId() const { return last_; }
 
 private:
     template <class Argument>
@@ -74,13 +108,9 @@ private:
         *first = false;
         Put(argument);
     }
-    void Flush();
 
-    static constexpr std::size_t kBlockSize = 1 << 20;
-    ByteSink& sink_;
-    std::string buffer_;
-    std::int64_t flushed_ = 0;
-    Id last_;
+    TextBuffer out_;
+    EntityId last_;
 };
 
-} // namespace tarnwick::make
+} // namespace tarnwick

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-namespace tarnwick::make {
+namespace tarnwick {
 
 float RoundReal(double value) {
     const auto rounded = static_cast<float>(value);
@@ -17,4 +17,4 @@ void AppendReal(double value, std::string* out) {
         std::to_chars(digits, digits + sizeof digits, RoundReal(value), std::chars_format::fixed).ptr);
 }
 
-} // namespace tarnwick::make
+} // namespace tarnwick

@@ -3,7 +3,7 @@
 #include <string>
 
 // How reals are rounded and written, the same in every format.
-namespace tarnwick::make {
+namespace tarnwick {
 
 // Single precision, which is what a model for drawing needs, without the rounding noise of sines and cosines.
 float RoundReal(double value);
@@ -11,4 +11,4 @@ float RoundReal(double value);
 // As few digits as give the rounded number back; never with an exponent, and with no point behind an integer.
 void AppendReal(double value, std::string* out);
 
-} // namespace tarnwick::make
+} // namespace tarnwick

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace tarnwick::make {
+namespace tarnwick {
 
 namespace {
 
@@ -71,4 +71,4 @@ bool ZipWriter::Close() {
     return error_.empty();
 }
 
-} // namespace tarnwick::make
+} // namespace tarnwick

@@ -5,7 +5,7 @@
 #include <functional>
 
 // Writes a ZIP archive member by member.
-namespace tarnwick::make {
+namespace tarnwick {
 
 class ZipWriter {
 public:
@@ -27,4 +27,4 @@ private:
     std::string error_;
 };
 
-} // namespace tarnwick::make
+} // namespace tarnwick

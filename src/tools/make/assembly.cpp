@@ -2,7 +2,7 @@
 
 #include "tools/make/options.h"
 #include "tools/make/output.h"
-#include "write/product.h"
+#include "write/p21_assembly.h"
 
 #include <filesystem>
 
@@ -13,108 +13,61 @@ namespace {
 class StructureWriter {
 public:
     StructureWriter(const Machine& machine, P21Writer* out)
-        : machine_(machine), out_(*out), partEntities_(machine.parts.size()),
-          nodeEntities_(machine.nodes.size()) {}
+        : machine_(machine), out_(out), parts_(machine.parts.size()), nodes_(machine.nodes.size()) {}
 
     void Write(int top) {
-        out_.Header("sample assembly", Node(top).id, kAp242Schema);
-        context_ = WriteContext(&out_);
-        documentType_ = out_.Add("DOCUMENT_TYPE", "geometry");
-        locationRole_ = out_.Add("IDENTIFICATION_ROLE", "external document id and location", Id{});
-        source_ = out_.Add("EXTERNAL_SOURCE", Literal{"IDENTIFIER('')"});
-        objectRole_ = out_.Add("OBJECT_ROLE", "mandatory", Id{});
+        out_->Header({"sample assembly", Node(top).id, kAp242.schema, kProgram});
+        contexts_ = WriteContexts(out_);
+        references_ = WriteReferenceRoles(out_);
         WriteNode(top);
-        out_.Footer();
+        out_->Footer();
     }
 
 private:
-    struct Entities {
-        Product product;
-        Id origin;
-        Id representation;
-    };
-
     const Machine::Node& Node(int number) const { return machine_.nodes[static_cast<std::size_t>(number)]; }
 
-    Entities WriteProductWithOrigin(const std::string& id, const std::string& name) {
-        Entities e;
-        e.product = WriteProduct(&out_, context_, id, name, "part");
-        e.origin = WritePlacement(&out_, {});
-        return e;
-    }
-
     // The node's representation lists its origin and the places of what it uses.
-    const Entities& WriteNode(int number) {
+    const ComponentIds& WriteNode(int number) {
         const Machine::Node& node = Node(number);
-        Entities own = WriteProductWithOrigin(node.id, node.name);
-        std::vector<Id> places{own.origin};
-        std::vector<Entities> children;
+        ComponentIds own;
+        own.product = WriteProduct(out_, contexts_, node.id, node.name, "part");
+        own.origin = WritePlacement(out_, {});
+        std::vector<EntityId> places{own.origin};
+        std::vector<ComponentIds> children;
         for (const Machine::Use& use : node.uses) {
-            children.push_back(use.ofPart ? PartEntities(use.number) : ChildEntities(use.number));
-            places.push_back(WritePlacement(&out_, use.at));
+            children.push_back(use.ofPart ? PartIds(use.number) : NodeIds(use.number));
+            places.push_back(WritePlacement(out_, use.at));
         }
-        own.representation = out_.Add("SHAPE_REPRESENTATION", "", places, context_.geometry);
-        out_.Add("SHAPE_DEFINITION_REPRESENTATION", own.product.shape, own.representation);
-        for (std::size_t i = 0; i < children.size(); ++i) { WriteUse(own, children[i], places[i + 1]); }
-        return nodeEntities_[static_cast<std::size_t>(number)] = own;
+        own.representation = WriteShape(out_, contexts_, own.product.shape, places);
+        for (std::size_t i = 0; i < children.size(); ++i) {
+            WriteUse(out_, ++uses_, own, children[i], places[i + 1]);
+        }
+        return nodes_[static_cast<std::size_t>(number)] = own;
     }
 
-    const Entities& ChildEntities(int number) {
+    const ComponentIds& NodeIds(int number) {
         const Machine::Node& node = Node(number);
-        Entities& known = nodeEntities_[static_cast<std::size_t>(number)];
-        if (known.representation.number != 0) { return known; }
-        return node.stem.empty() ? WriteNode(number) : known = WriteExternal(node.id, node.name, node.stem);
+        ComponentIds& known = nodes_[static_cast<std::size_t>(number)];
+        if (known.representation != EntityId{}) { return known; }
+        if (node.stem.empty()) { return WriteNode(number); }
+        return known = External(node.id, node.name, node.stem);
     }
-    const Entities& PartEntities(int number) {
+    const ComponentIds& PartIds(int number) {
         const Machine::Part& part = machine_.parts[static_cast<std::size_t>(number)];
-        Entities& known = partEntities_[static_cast<std::size_t>(number)];
-        if (known.representation.number == 0) { known = WriteExternal(part.id, part.name, part.stem); }
+        ComponentIds& known = parts_[static_cast<std::size_t>(number)];
+        if (known.representation == EntityId{}) { known = External(part.id, part.name, part.stem); }
         return known;
     }
-
-    // A product that another file describes. The file's product has the same id, which is what joins the two.
-    Entities WriteExternal(const std::string& id, const std::string& name, const std::string& stem) {
-        Entities e = WriteProductWithOrigin(id, name);
-        e.representation = out_.Add("SHAPE_REPRESENTATION", "", std::vector{e.origin}, context_.geometry);
-        out_.Add("SHAPE_DEFINITION_REPRESENTATION", e.product.shape, e.representation);
-        const std::string file = stem + ".stp";
-        const Id document = out_.Add("DOCUMENT_FILE", file, "", "", documentType_, "", Id{});
-        out_.Add("DOCUMENT_REPRESENTATION_TYPE", "digital", document);
-        out_.Add("APPLIED_EXTERNAL_IDENTIFICATION_ASSIGNMENT", file, locationRole_, source_,
-                 std::vector{document});
-        Id reference =
-            out_.Add("APPLIED_DOCUMENT_REFERENCE", document, "", std::vector{e.product.definition});
-        out_.Add("ROLE_ASSOCIATION", objectRole_, reference);
-        return e;
-    }
-
-    void WriteUse(const Entities& parent, const Entities& child, Id place) {
-        const std::string number = std::to_string(++uses_);
-        const Id transformation = out_.Add("ITEM_DEFINED_TRANSFORMATION", "", "", child.origin, place);
-        const Id relationship = out_.Begin("");
-        out_.Put(Literal{"REPRESENTATION_RELATIONSHIP('','',"});
-        out_.Put(child.representation);
-        out_.Put(',');
-        out_.Put(parent.representation);
-        out_.Put(Literal{")REPRESENTATION_RELATIONSHIP_WITH_TRANSFORMATION("});
-        out_.Put(transformation);
-        out_.Put(Literal{")SHAPE_REPRESENTATION_RELATIONSHIP()"});
-        out_.End();
-        const Id occurrence = out_.Add("NEXT_ASSEMBLY_USAGE_OCCURRENCE", number, "use " + number, "",
-                                       parent.product.definition, child.product.definition, Id{});
-        const Id shape = out_.Add("PRODUCT_DEFINITION_SHAPE", "", "", occurrence);
-        out_.Add("CONTEXT_DEPENDENT_SHAPE_REPRESENTATION", relationship, shape);
+    ComponentIds External(const std::string& id, const std::string& name, const std::string& stem) {
+        return WriteExternal(out_, contexts_, references_, id, name, stem + ".stp");
     }
 
     const Machine& machine_;
-    P21Writer& out_;
-    Context context_;
-    Id documentType_;
-    Id locationRole_;
-    Id source_;
-    Id objectRole_;
-    std::vector<Entities> partEntities_; // none yet where representation is none
-    std::vector<Entities> nodeEntities_;
+    P21Writer* const out_;
+    ContextIds contexts_;
+    ReferenceIds references_;
+    std::vector<ComponentIds> parts_; // none yet where representation is none
+    std::vector<ComponentIds> nodes_; // likewise
     int uses_ = 0;
 };
 
@@ -153,12 +106,11 @@ private:
         PartStyle style = o_.style;
         style.firstColour = part.colour;
         ++files_;
-        return WriteFile(PathOf(part.stem), o_.compress,
-                         [&](P21Writer* out) { WritePart(plan, style, out); });
+        return WriteP21(PathOf(part.stem), o_.compress, [&](P21Writer* out) { WritePart(plan, style, out); });
     }
     bool WriteStructureFile(int node, const std::string& path) {
         ++files_;
-        return WriteFile(path, o_.compress, [&](P21Writer* out) { WriteStructure(machine_, node, out); });
+        return WriteP21(path, o_.compress, [&](P21Writer* out) { WriteStructure(machine_, node, out); });
     }
 
     const AssemblyOptions& o_;

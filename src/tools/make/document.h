@@ -1,18 +1,12 @@
 #pragma once
 
 #include "tools/make/machine.h"
-#include "write/byte_sink.h"
+#include "write/xml_document.h"
 
 #include <vector>
 
 // One STEP XML document of the machine: products, their occurrences, and the names of the files that go on.
 namespace tarnwick::make {
-
-// How a part leads to its file.
-enum class FileRoute {
-    kDirect,   // its assignment names a File that stands right behind it
-    kDocuments // its assignment names a version of a document, whose digital file is one of those at the end
-};
 
 // What all documents of a machine have in common.
 struct DocumentSet {

@@ -1,6 +1,6 @@
 #include "tools/make/exact.h"
 
-#include "write/product.h"
+#include "write/p21_product.h"
 
 #include <algorithm>
 
@@ -13,10 +13,10 @@ Vec3 Perpendicular(Vec3 axis) {
     return Unit(other - axis * Dot(other, axis));
 }
 
-Id WriteSurface(P21Writer* out, const Surface& surface, const Placement& at) {
+EntityId WriteSurface(P21Writer* out, const Surface& surface, const Placement& at) {
     if (surface.kind == Surface::Kind::kFree) { return {}; }
     const Placement own{surface.origin, surface.axis, Perpendicular(surface.axis)};
-    const Id placement = WritePlacement(out, Place(at, own));
+    const EntityId placement = WritePlacement(out, Place(at, own));
     switch (surface.kind) {
     case Surface::Kind::kPlane:
         return out->Add("PLANE", "", placement);
@@ -29,32 +29,32 @@ Id WriteSurface(P21Writer* out, const Surface& surface, const Placement& at) {
 
 // The circle of one corner of the outline as an edge that ends where it starts; none for a corner on the
 // axis.
-Id WriteCircleEdge(P21Writer* out, ProfilePoint p, const Placement& at) {
+EntityId WriteCircleEdge(P21Writer* out, ProfilePoint p, const Placement& at) {
     if (p.r == 0) { return {}; }
-    const Id start = out->Add("CARTESIAN_POINT", "", Place(at, Vec3{p.r, 0, p.z}));
-    const Id vertex = out->Add("VERTEX_POINT", "", start);
-    const Id placement = WritePlacement(out, Place(at, Placement{{0, 0, p.z}, {0, 0, 1}, {1, 0, 0}}));
-    const Id circle = out->Add("CIRCLE", "", placement, p.r);
-    return out->Add("EDGE_CURVE", "", vertex, vertex, circle, Literal{".T."});
+    const EntityId start = out->Add("CARTESIAN_POINT", "", Place(at, Vec3{p.r, 0, p.z}));
+    const EntityId vertex = out->Add("VERTEX_POINT", "", start);
+    const EntityId placement = WritePlacement(out, Place(at, Placement{{0, 0, p.z}, {0, 0, 1}, {1, 0, 0}}));
+    const EntityId circle = out->Add("CIRCLE", "", placement, p.r);
+    return out->Add("EDGE_CURVE", "", vertex, vertex, circle, P21Literal{".T."});
 }
 
-Id WriteBound(P21Writer* out, std::string_view keyword, Id edge, bool forward) {
-    const Literal sense{forward ? ".T." : ".F."};
-    const Id oriented = out->Add("ORIENTED_EDGE", "", Literal{"*"}, Literal{"*"}, edge, sense);
-    const Id loop = out->Add("EDGE_LOOP", "", std::vector{oriented});
-    return out->Add(keyword, "", loop, Literal{".T."});
+EntityId WriteBound(P21Writer* out, std::string_view keyword, EntityId edge, bool forward) {
+    const P21Literal sense{forward ? ".T." : ".F."};
+    const EntityId oriented = out->Add("ORIENTED_EDGE", "", P21Literal{"*"}, P21Literal{"*"}, edge, sense);
+    const EntityId loop = out->Add("EDGE_LOOP", "", std::vector{oriented});
+    return out->Add(keyword, "", loop, P21Literal{".T."});
 }
 
 ExactLinks WriteTurned(P21Writer* out, const Solid& solid, const Placement& at) {
     const std::vector<ProfilePoint>& profile = solid.profile;
     const std::size_t corners = profile.size();
     const std::size_t segments = profile.front().r == 0 ? corners - 1 : corners;
-    std::vector<Id> edges;
+    std::vector<EntityId> edges;
     for (const ProfilePoint p : profile) { edges.push_back(WriteCircleEdge(out, p, at)); }
     ExactLinks links;
     for (std::size_t i = 0; i < segments; ++i) {
         const std::size_t next = (i + 1) % corners;
-        std::vector<Id> bounds;
+        std::vector<EntityId> bounds;
         // Seen from outside, the circle at the start of a segment has the face on its left, that at the end
         // on its right.
         if (edges[i].number != 0) { bounds.push_back(WriteBound(out, "FACE_OUTER_BOUND", edges[i], true)); }
@@ -63,13 +63,14 @@ ExactLinks WriteTurned(P21Writer* out, const Solid& solid, const Placement& at) 
                 WriteBound(out, bounds.empty() ? "FACE_OUTER_BOUND" : "FACE_BOUND", edges[next], false));
         }
         const Surface surface = SurfaceOfSegment(profile[i], profile[next]);
-        const Id written = WriteSurface(out, surface, at);
+        const EntityId written = WriteSurface(out, surface, at);
         // Cylinders and cones face away from their axis, which is inward for a bore; planes are written
         // facing outward.
         const bool bore = surface.kind != Surface::Kind::kPlane && profile[next].z < profile[i].z;
-        links.faces.push_back(out->Add("ADVANCED_FACE", "", bounds, written, Literal{bore ? ".F." : ".T."}));
+        links.faces.push_back(
+            out->Add("ADVANCED_FACE", "", bounds, written, P21Literal{bore ? ".F." : ".T."}));
     }
-    const Id shell = out->Add("CLOSED_SHELL", "", links.faces);
+    const EntityId shell = out->Add("CLOSED_SHELL", "", links.faces);
     links.solid = out->Add("MANIFOLD_SOLID_BREP", "", shell);
     return links;
 }
@@ -77,7 +78,7 @@ ExactLinks WriteTurned(P21Writer* out, const Solid& solid, const Placement& at) 
 ExactLinks WriteSurfaces(P21Writer* out, const Solid& solid, const Placement& at) {
     ExactLinks links;
     links.faces.resize(static_cast<std::size_t>(solid.shapeFaces));
-    std::vector<std::pair<Surface, Id>> written; // few: the teeth of a gear share two cylinders
+    std::vector<std::pair<Surface, EntityId>> written; // few: the teeth of a gear share two cylinders
     for (const Face& face : solid.faces) {
         if (face.origin < 0) { continue; }
         auto same = std::find_if(written.begin(), written.end(),

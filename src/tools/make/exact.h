@@ -7,8 +7,8 @@
 namespace tarnwick::make {
 
 struct ExactLinks {
-    Id solid;              // MANIFOLD_SOLID_BREP, or none
-    std::vector<Id> faces; // by Face::origin: ADVANCED_FACE, or the bare surface, or none
+    EntityId solid;              // MANIFOLD_SOLID_BREP, or none
+    std::vector<EntityId> faces; // by Face::origin: ADVANCED_FACE, or the bare surface, or none
 };
 
 // A turned solid gets its whole boundary, any other the surfaces of those faces that have a simple one.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <numbers>
 
 namespace tarnwick::make {
 
@@ -100,13 +101,13 @@ Placement GearPlace(int slot) {
     constexpr double second = 38;
     Placement at = OnShaft(slot % 2, slot < 2 ? first : second);
     // The second gear has a gap where the first has a tooth.
-    if (slot == 1) { at.x = {0, -std::cos(kPi / kTeeth), std::sin(kPi / kTeeth)}; }
+    if (slot == 1) { at.x = {0, -std::cos(std::numbers::pi / kTeeth), std::sin(std::numbers::pi / kTeeth)}; }
     return at;
 }
 
 Placement BoltPlace(int slot) {
     const Placement at = OnShaft(0, kFlangeAt);
-    const double angle = 2 * kPi * (slot + 0.5) / kFlangeBolts;
+    const double angle = 2 * std::numbers::pi * (slot + 0.5) / kFlangeBolts;
     Vec3 head{kBoltRing * std::cos(angle), kBoltRing * std::sin(angle),
               kFlangeSeat + kFlangeThickness + kBoltHead};
     return Place(at, Placement{head, {0, 0, -1}, {1, 0, 0}});

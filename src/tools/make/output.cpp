@@ -4,14 +4,14 @@
 
 namespace tarnwick::make {
 
-bool WriteFile(const std::string& path, bool compress, const std::function<void(P21Writer*)>& write) {
-    return WriteBytes(path, compress, [&](ByteSink* sink) {
+bool WriteP21(const std::string& path, bool compress, const std::function<void(P21Writer*)>& write) {
+    return WriteFile(path, compress, [&](ByteSink* sink) {
         P21Writer writer(sink);
         write(&writer);
     });
 }
 
-bool WriteBytes(const std::string& path, bool compress, const std::function<void(ByteSink*)>& write) {
+bool WriteFile(const std::string& path, bool compress, const std::function<void(ByteSink*)>& write) {
     const std::unique_ptr<ByteSink> sink = OpenFile(path, compress);
     if (sink->Error().empty()) { write(sink.get()); }
     if (sink->Close()) { return true; }

@@ -1,327 +1,21 @@
 #include "tools/make/part.h"
 
-#include "tools/make/exact.h"
 #include "tools/make/machine.h"
 #include "tools/make/options.h"
 #include "tools/make/output.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <map>
-#include <tuple>
 
 namespace tarnwick::make {
 
 namespace {
 
-// The points of a solid, each once, and where those of each face are among them (from 1, as files count).
-struct SharedPoints {
-    std::vector<Vec3> points;
-    std::vector<std::vector<int>> ofFace;
-};
-
-SharedPoints SharePoints(const Solid& solid) {
-    std::map<std::tuple<double, double, double>, int> numbers;
-    SharedPoints shared;
-    for (const Face& face : solid.faces) {
-        std::vector<int>& indices = shared.ofFace.emplace_back();
-        for (const Vec3 p : face.points) {
-            const auto next = static_cast<int>(shared.points.size()) + 1;
-            auto [place, isNew] = numbers.try_emplace({p.x, p.y, p.z}, next);
-            if (isNew) { shared.points.push_back(p); }
-            indices.push_back(place->second);
-        }
-    }
-    return shared;
-}
-
-class PartWriter {
-public:
-    PartWriter(const PartPlan& plan, const PartStyle& style, P21Writer* out)
-        : plan_(plan), style_(style), out_(*out), prng_(style.seed) {}
-
-    PartCounts Write() {
-        out_.Header("tessellated sample part", plan_.id, kAp242Schema);
-        context_ = WriteContext(&out_);
-        product_ = WriteProduct(&out_, context_, plan_.id, plan_.name, "part");
-        WriteStyles();
-        for (std::size_t i = 0; i < plan_.items.size(); ++i) { WriteSolid(i); }
-        WriteRepresentations();
-        if (style_.material) { WriteMaterials(); }
-        out_.Footer();
-        counts_.solids = plan_.items.size();
-        return counts_;
-    }
-
-private:
-    std::size_t Colours() const { return static_cast<std::size_t>(style_.colours); }
-
-    // Every other style is see-through, or the only one.
-    void WriteStyles() {
-        for (int i = 0; i < style_.colours; ++i) {
-            const bool seeThrough = style_.transparent && (i % 2 == 1 || style_.colours == 1);
-            styles_.push_back(WriteStyle(&out_, PaletteColour(style_.firstColour + i),
-                                         seeThrough ? 0.35 + 0.1 * (i / 2 % 4) : 1));
-        }
-    }
-
-    void WriteSolid(std::size_t number) {
-        const PartPlan::Item& item = plan_.items[number];
-        Solid solid = MakeNextSolid(number);
-        ExactLinks exact;
-        if (style_.kind != FaceKind::kSets) { exact = WriteExact(&out_, solid, item.placement); }
-        PlaceMesh(item.placement, &solid);
-
-        SharedPoints shared;
-        Id list;
-        if (style_.sharedCoordinates) {
-            shared = SharePoints(solid);
-            list = WriteCoordinates(shared.points);
-        }
-        std::vector<Id> faces;
-        for (std::size_t f = 0; f < solid.faces.size(); ++f) {
-            const Face& face = solid.faces[f];
-            const Id link = face.origin < 0 || exact.faces.empty()
-                                ? Id{}
-                                : exact.faces[static_cast<std::size_t>(face.origin)];
-            if (style_.sharedCoordinates) {
-                faces.push_back(WriteFace(face, list, shared.ofFace[f], link));
-            } else {
-                faces.push_back(WriteFaceWithPoints(face, link));
-            }
-        }
-        if (style_.kind == FaceKind::kSets) {
-            representationItems_.insert(representationItems_.end(), faces.begin(), faces.end());
-            StyleSets(number, faces);
-        } else {
-            const Id tessellated = out_.Add("TESSELLATED_SOLID", "", faces, exact.solid);
-            representationItems_.push_back(tessellated);
-            StyleSolid(number, tessellated, faces);
-            if (exact.solid.number != 0) { exactSolids_.push_back(exact.solid); }
-            solids_.push_back({tessellated, exact.solid});
-        }
-        counts_.faces += faces.size();
-    }
-
-    // Each solid makes good what the ones before it have spent too much or too little.
-    Solid MakeNextSolid(std::size_t number) {
-        const PartPlan::Item& item = plan_.items[number];
-        const std::size_t solids = plan_.items.size();
-        const std::size_t due = plan_.triangles * (number + 1) / solids;
-        const std::size_t share = due > counts_.triangles ? due - counts_.triangles : 0;
-        Solid solid = MakeSolid(item.dims, item.triangles != 0 ? item.triangles : share);
-        counts_.triangles += TriangleCount(solid);
-        if (plan_.faces != 0) {
-            SetFaceCount(&solid, plan_.faces * (number + 1) / solids - plan_.faces * number / solids);
-        }
-        return solid;
-    }
-
-    Id WriteCoordinates(std::span<const Vec3> points) {
-        const Id id = out_.Begin("COORDINATES_LIST");
-        out_.Put(Literal{"'',"});
-        out_.Put(static_cast<std::int64_t>(points.size()));
-        out_.Put(Literal{",("});
-        PutVectors(points);
-        out_.End();
-        return id;
-    }
-
-    // The face's own list of points, in the face's order or, where an index picks them, in a shuffled one.
-    Id WriteFaceWithPoints(const Face& face, Id link) {
-        if (!style_.pnindex) { return WriteFace(face, WriteCoordinates(face.points), {}, link); }
-        const auto count = static_cast<int>(face.points.size());
-        std::vector<int> index(face.points.size());
-        for (int i = 0; i < count; ++i) { index[static_cast<std::size_t>(i)] = i + 1; }
-        for (int i = count - 1; i > 0; --i) {
-            std::swap(index[static_cast<std::size_t>(i)],
-                      index[static_cast<std::size_t>(prng_.Below(i + 1))]);
-        }
-        std::vector<Vec3> points(face.points.size());
-        for (std::size_t i = 0; i < index.size(); ++i) {
-            points[static_cast<std::size_t>(index[i] - 1)] = face.points[i];
-        }
-        return WriteFace(face, WriteCoordinates(points), index, link);
-    }
-
-    Id WriteFace(const Face& face, Id coordinates, std::span<const int> pnindex, Id link) {
-        static constexpr std::string_view keywords[] = {"TRIANGULATED_FACE", "COMPLEX_TRIANGULATED_FACE",
-                                                        "COMPLEX_TRIANGULATED_FACE",
-                                                        "COMPLEX_TRIANGULATED_SURFACE_SET"};
-        const Id id = out_.Begin(keywords[static_cast<std::size_t>(style_.kind)]);
-        out_.Put(Literal{"'',"});
-        out_.Put(coordinates);
-        out_.Put(',');
-        out_.Put(static_cast<std::int64_t>(face.points.size()));
-        out_.Put(Literal{",("});
-        PutVectors(NormalsToWrite(face));
-        out_.Put(',');
-        if (style_.kind != FaceKind::kSets) {
-            out_.Put(link);
-            out_.Put(',');
-        }
-        out_.Put('(');
-        for (std::size_t i = 0; i < pnindex.size(); ++i) {
-            if (i != 0) { out_.Put(','); }
-            out_.Put(pnindex[i]);
-        }
-        out_.Put(Literal{"),"});
-        PutTriangles(face);
-        out_.End();
-        return id;
-    }
-
-    // One normal stands for all points of a face, which is right for flat faces only.
-    std::span<const Vec3> NormalsToWrite(const Face& face) const {
-        const std::span<const Vec3> all(face.normals);
-        if (style_.normals == NormalKind::kNone) { return {}; }
-        const bool flat = face.surface.kind == Surface::Kind::kPlane;
-        return style_.normals == NormalKind::kOne && flat ? all.first(1) : all;
-    }
-
-    void PutTriangles(const Face& face) {
-        switch (style_.kind) {
-        case FaceKind::kFaces: {
-            triangles_.clear();
-            AppendTriangles(face, &triangles_);
-            for (std::size_t i = 0; i < triangles_.size(); ++i) {
-                out_.Put(i == 0 ? '(' : ',');
-                PutList(triangles_[i]);
-            }
-            out_.Put(')');
-            return;
-        }
-        case FaceKind::kStrips:
-            return PutStripsAndFans(AsStrips(face), {});
-        case FaceKind::kFans:
-            return PutStripsAndFans({}, AsFans(face));
-        case FaceKind::kSets:
-            return PutStripsAndFans(face.strips, face.fans);
-        }
-    }
-    void PutStripsAndFans(const IndexLists& strips, const IndexLists& fans) {
-        PutLists(strips);
-        out_.Put(',');
-        PutLists(fans);
-    }
-    void PutLists(const IndexLists& lists) {
-        out_.Put('(');
-        for (std::size_t k = 0; k < lists.Count(); ++k) {
-            if (k != 0) { out_.Put(','); }
-            PutList(lists.List(k));
-        }
-        out_.Put(')');
-    }
-    void PutList(std::span<const Index> list) {
-        for (std::size_t i = 0; i < list.size(); ++i) {
-            out_.Put(i == 0 ? '(' : ',');
-            out_.Put(static_cast<std::int64_t>(list[i]) + 1);
-        }
-        out_.Put(')');
-    }
-    // The items of a list and its closing parenthesis.
-    void PutVectors(std::span<const Vec3> vectors) {
-        for (std::size_t i = 0; i < vectors.size(); ++i) {
-            if (i != 0) { out_.Put(','); }
-            out_.Put(vectors[i]);
-        }
-        out_.Put(')');
-    }
-
-    // With no more colours than solids, solids take turns; with more, each solid has a range of its own,
-    // which its faces run through.
-    std::size_t FirstColour(std::size_t solid) const {
-        if (plan_.items[solid].colour >= 0) { return static_cast<std::size_t>(plan_.items[solid].colour); }
-        const std::size_t solids = plan_.items.size();
-        return Colours() <= solids ? solid % Colours() : solid * Colours() / solids;
-    }
-    std::size_t FaceColour(std::size_t solid, std::size_t face, std::size_t faces) const {
-        const std::size_t solids = plan_.items.size();
-        if (Colours() <= solids || plan_.items[solid].colour >= 0) { return FirstColour(solid); }
-        const std::size_t range = (solid + 1) * Colours() / solids - FirstColour(solid);
-        return FirstColour(solid) + face * range / faces;
-    }
-    void StyleSolid(std::size_t number, Id solid, const std::vector<Id>& faces) {
-        const std::size_t own = FirstColour(number);
-        const Id styled = out_.Add("STYLED_ITEM", "", std::vector{styles_[own]}, solid);
-        styledItems_.push_back(styled);
-        for (std::size_t f = 0; f < faces.size(); ++f) {
-            const std::size_t colour = FaceColour(number, f, faces.size());
-            if (colour == own) { continue; }
-            styledItems_.push_back(
-                out_.Add("OVER_RIDING_STYLED_ITEM", "", std::vector{styles_[colour]}, faces[f], styled));
-        }
-    }
-    void StyleSets(std::size_t number, const std::vector<Id>& faces) {
-        for (std::size_t f = 0; f < faces.size(); ++f) {
-            const Id style = styles_[FaceColour(number, f, faces.size())];
-            styledItems_.push_back(out_.Add("STYLED_ITEM", "", std::vector{style}, faces[f]));
-        }
-    }
-
-    void WriteRepresentations() {
-        const Id world = WritePlacement(&out_, {});
-        const Id shape = out_.Add("SHAPE_REPRESENTATION", "", std::vector{world}, context_.geometry);
-        out_.Add("SHAPE_DEFINITION_REPRESENTATION", product_.shape, shape);
-        Id tessellated =
-            out_.Add("TESSELLATED_SHAPE_REPRESENTATION", "", representationItems_, context_.geometry);
-        out_.Add("SHAPE_REPRESENTATION_RELATIONSHIP", "", "", shape, tessellated);
-        if (!exactSolids_.empty()) {
-            const Id exact =
-                out_.Add("ADVANCED_BREP_SHAPE_REPRESENTATION", "", exactSolids_, context_.geometry);
-            out_.Add("SHAPE_REPRESENTATION_RELATIONSHIP", "", "", shape, exact);
-        }
-        out_.Add("MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION", "", styledItems_,
-                 context_.geometry);
-    }
-
-    // Solids are made of three materials in turn. Each make-from link has a shape of its own that lists its
-    // solids, by the exact one where there is one.
-    void WriteMaterials() {
-        static constexpr std::array<std::array<std::string_view, 2>, 3> materials{{
-            {"RM-C45", "Steel C45 quenched and tempered"},
-            {"RM-6082", "Aluminium 6082-T6"},
-            {"RM-CW614N", "Brass CW614N"},
-        }};
-        const Id kilogram = out_.AddComplex("MASS_UNIT()NAMED_UNIT(*)SI_UNIT(.KILO.,.GRAM.)");
-        for (std::size_t m = 0; m < std::min(materials.size(), solids_.size()); ++m) {
-            const Product raw =
-                WriteProduct(&out_, context_, materials[m][0], materials[m][1], "raw material");
-            const Id quantity = out_.Add("MASS_MEASURE_WITH_UNIT", Literal{"MASS_MEASURE(1.)"}, kilogram);
-            const Id use = out_.Add("MAKE_FROM_USAGE_OPTION", std::string("M") + std::to_string(m + 1),
-                                    "made from", "", product_.definition, raw.definition, 1, "", quantity);
-            const Id shape = out_.Add("PRODUCT_DEFINITION_SHAPE", "", "", use);
-            std::vector<Id> madeOfIt;
-            for (std::size_t s = m; s < solids_.size(); s += materials.size()) {
-                madeOfIt.push_back(solids_[s].exact.number != 0 ? solids_[s].exact : solids_[s].tessellated);
-            }
-            const Id representation = out_.Add("SHAPE_REPRESENTATION", "", madeOfIt, context_.geometry);
-            out_.Add("SHAPE_DEFINITION_REPRESENTATION", shape, representation);
-        }
-    }
-
-    struct SolidIds {
-        Id tessellated;
-        Id exact;
-    };
-    const PartPlan& plan_;
-    const PartStyle& style_;
-    P21Writer& out_;
-    Prng prng_;
-    Context context_;
-    Product product_;
-    std::vector<Id> styles_;
-    std::vector<Id> representationItems_;
-    std::vector<Id> styledItems_;
-    std::vector<Id> exactSolids_;
-    std::vector<SolidIds> solids_;
-    std::vector<Triangle> triangles_;
-    PartCounts counts_;
-};
-
 std::string_view NameOf(Shape shape) {
-    static constexpr std::string_view names[] = {"Plate", "Gear",   "Bolt",   "Flange",
-                                                 "Shaft", "Washer", "Bracket"};
-    return names[static_cast<std::size_t>(shape)];
+    constexpr std::string_view kNames[] = {"Plate", "Gear", "Bolt", "Flange", "Shaft", "Washer", "Bracket"};
+    return kNames[static_cast<std::size_t>(shape)];
 }
 
 constexpr std::size_t kFewestOfAnySolid = 12;   // a block's
@@ -374,10 +68,6 @@ int ColoursOf(const PartOptions& o, const PartPlan& plan) {
 
 } // namespace
 
-PartCounts WritePart(const PartPlan& plan, const PartStyle& style, P21Writer* out) {
-    return PartWriter(plan, style, out).Write();
-}
-
 std::string CheckPartOptions(const PartOptions& o) {
     if (o.machine != 0) {
         const bool sheet = o.solids != 0 || o.faces != 0 || o.colours != 0 || o.shape;
@@ -419,8 +109,7 @@ int RunPart(const PartOptions& o) {
     PartStyle style = o.style;
     style.colours = ColoursOf(o, plan);
     PartCounts counts;
-    bool written =
-        WriteFile(o.out, o.compress, [&](P21Writer* out) { counts = WritePart(plan, style, out); });
+    bool written = WriteP21(o.out, o.compress, [&](P21Writer* out) { counts = WritePart(plan, style, out); });
     if (written) {
         std::printf("%s: %zu triangles, %zu faces, %zu solids\n", o.out.c_str(), counts.triangles,
                     counts.faces, style.kind == FaceKind::kSets ? 0 : counts.solids);

@@ -2,10 +2,10 @@
 
 #include "tools/make/options.h"
 #include "tools/make/output.h"
+#include "write/json_summary.h"
 #include "write/real_text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 
 namespace tarnwick::make {
@@ -73,12 +73,11 @@ Box BoxOf(const Solid& solid) {
 
 class SummaryWriter {
 public:
-    SummaryWriter(const StpjOptions& o, ByteSink* sink) : o_(o), sink_(*sink) {
+    SummaryWriter(const StpjOptions& o, ByteSink* sink) : o_(o), out_(sink) {
         MachineOptions m = o.machine;
         most_ = o.occurrences.value_or(std::numeric_limits<int>::max());
         if (o.occurrences) { m.uses = (most_ + m.parts - 1) / m.parts; }
         machine_ = MakeMachine(m);
-        buffer_.reserve(kBlockSize + (1 << 12));
     }
 
     SummaryCounts Write() {
@@ -93,8 +92,9 @@ public:
         }
         FindBox(0);
         WriteProducts();
-        WriteOccurrences();
-        Flush();
+        out_.BeginOccurrences(counts_.occurrences, counts_.depth);
+        WriteOccurrence({false, 0, {}}, kIdentity);
+        out_.End();
         return counts_;
     }
 
@@ -140,57 +140,22 @@ private:
         return nodeBoxes_[static_cast<std::size_t>(number)] = box;
     }
 
-    // Readers of such summaries know few of the forms that JSON allows: a blank behind each comma, and the
-    // counts in front of the tables.
     void WriteProducts() {
-        Put("{\n\"products_table\": {\n\"nb_products\": ");
-        Put(counts_.products);
-        Put(",\n\"products\": [\n");
-        for (std::size_t i = 0; i < products_.size(); ++i) {
-            const Machine::Use& use = products_[i];
+        out_.BeginProducts(counts_.products);
+        for (const Machine::Use& use : products_) {
+            const std::string& id = use.ofPart ? Part(use.number).id : Node(use.number).id;
+            const std::string& stem = use.ofPart ? Part(use.number).stem : Node(use.number).stem;
             const Box& box = BoxOfUse(use);
-            if (i != 0) { Put(",\n"); }
-            Put("{\"idx\": ");
-            Put(static_cast<int>(i + 1));
-            Put(", \"name\": \"");
-            Put(use.ofPart ? Part(use.number).id : Node(use.number).id);
-            if (use.ofPart || !Node(use.number).stem.empty()) {
-                Put("\", \"filename\": \"");
-                Put(use.ofPart ? Part(use.number).stem : Node(use.number).stem);
-                Put(".stp");
-            }
-            Put("\", \"bbox\": ");
-            Put({box.low.x, box.high.x, box.low.y, box.high.y, box.low.z, box.high.z});
-            Put("}");
+            out_.AddProduct(id, stem.empty() ? "" : stem + ".stp",
+                            {box.low.x, box.high.x, box.low.y, box.high.y, box.low.z, box.high.z});
         }
-        Put("\n]\n},\n");
-    }
-
-    void WriteOccurrences() {
-        Put("\"occurrences_table\": {\n\"nb_occurrences\": ");
-        Put(counts_.occurrences);
-        Put(",\n\"max_depth\": ");
-        Put(counts_.depth);
-        Put(",\n\"occurrences\": [\n");
-        WriteOccurrence({false, 0, {}}, kIdentity);
-        Put("\n]\n}\n}\n");
     }
 
     void WriteOccurrence(const Machine::Use& use, const Matrix& world) {
-        Put("{\"depth\": ");
-        Put(static_cast<int>(way_.size()));
-        Put(", \"idx_prd\": ");
-        Put(ProductOf(use));
-        Put(", \"rotation\": ");
-        const Matrix& m = world;
-        Put({m[0], m[1], m[2], m[4], m[5], m[6], m[8], m[9], m[10]});
-        Put(", \"translation\": ");
-        Put({m[12], m[13], m[14]});
-        Put("}");
+        out_.AddOccurrence(static_cast<int>(way_.size()), ProductOf(use), world);
         if (use.ofPart) { return; }
         for (std::size_t i = 0; i < Shown(use.number); ++i) {
             const Machine::Use& below = Node(use.number).uses[i];
-            Put(",\n");
             way_.push_back(MatrixOf(below.at));
             // From the deep end: a viewer of the assembly itself multiplies in this order, and single
             // precision would show another one.
@@ -203,32 +168,8 @@ private:
         }
     }
 
-    void Put(std::string_view text) {
-        buffer_ += text;
-        if (buffer_.size() >= kBlockSize) { Flush(); }
-    }
-    void Put(int number) {
-        char digits[16];
-        buffer_.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
-    }
-    void Put(std::initializer_list<double> numbers) {
-        const char* separator = "[";
-        for (const double number : numbers) {
-            buffer_ += separator;
-            AppendReal(number, &buffer_);
-            separator = ", ";
-        }
-        buffer_ += ']';
-    }
-    void Flush() {
-        sink_.Write(buffer_);
-        buffer_.clear();
-    }
-
-    static constexpr std::size_t kBlockSize = 1 << 20;
     const StpjOptions& o_;
-    ByteSink& sink_;
-    std::string buffer_;
+    JsonSummary out_;
     Machine machine_;
     int most_;
     SummaryCounts counts_;
@@ -256,7 +197,7 @@ std::string CheckStpjOptions(const StpjOptions& o) {
 
 int RunStpj(const StpjOptions& o) {
     SummaryCounts counts;
-    if (!WriteBytes(o.out, false, [&](ByteSink* sink) { counts = WriteSummary(o, sink); })) { return 1; }
+    if (!WriteFile(o.out, false, [&](ByteSink* sink) { counts = WriteSummary(o, sink); })) { return 1; }
     std::printf("%s: %d products, %d occurrences, depth %d\n", o.out.c_str(), counts.products,
                 counts.occurrences, counts.depth);
     return 0;

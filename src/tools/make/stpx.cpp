@@ -26,12 +26,12 @@ class FolderTarget : public Target {
 public:
     explicit FolderTarget(const StpxOptions& o) : o_(o) {}
 
-    bool WriteRoot(const WriteContent& write) override { return WriteBytes(o_.out, o_.compress, write); }
+    bool WriteRoot(const WriteContent& write) override { return WriteFile(o_.out, o_.compress, write); }
     bool WriteDocument(const std::string& name, const WriteContent& write) override {
-        return WriteBytes(PathOf(name), o_.compress, write);
+        return WriteFile(PathOf(name), o_.compress, write);
     }
     bool WritePart(const std::string& name, const WriteContent& write) override {
-        return WriteBytes(PathOf(name), o_.compress, write);
+        return WriteFile(PathOf(name), o_.compress, write);
     }
 
 private:

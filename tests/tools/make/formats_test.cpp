@@ -19,7 +19,7 @@ using nlohmann::json;
 json Load(const std::string& path) {
     SceneView view;
     test::LogCapture log;
-    std::string extension = fs::path(path).extension().string();
+    const std::string extension = fs::path(path).extension().string();
     if (extension.starts_with(".stpx"))
         LoadStpxFile(view, path.c_str(), nullptr, 1);
     else if (extension == ".stpa")
@@ -84,7 +84,7 @@ Arguments Joined(Arguments a, const Arguments& b) {
 class MakeFormats : public MakeFiles, public testing::WithParamInterface<FormatCase> {
 protected:
     Arguments CommandLine(const std::string& out) {
-        std::string kind = fs::path(GetParam().out).extension().string().substr(1, 4);
+        const std::string kind = fs::path(GetParam().out).extension().string().substr(1, 4);
         return Joined(Joined({kind, out, "--triangles-per-part", "60"}, GetParam().machine),
                       GetParam().arguments);
     }
@@ -117,9 +117,9 @@ const FormatCase kFormatCases[] = {
 
 TEST_P(MakeFormats, ShowTheTrianglesOfTheAssemblyInTheSamePlaces) {
     ASSERT_EQ(Run(CommandLine(Path(GetParam().out))), 0);
-    json made = Load(Path(GetParam().out));
+    const json made = Load(Path(GetParam().out));
     ASSERT_EQ(Run(Joined({"assembly", Path("m.stp"), "--triangles-per-part", "60"}, GetParam().machine)), 0);
-    json assembly = Load(Path("m.stp"));
+    const json assembly = Load(Path("m.stp"));
     EXPECT_EQ(made["unread"], 0);
     EXPECT_GT(made["triangles"], 0);
     EXPECT_EQ(made["triangles"], assembly["triangles"]);
@@ -143,7 +143,7 @@ INSTANTIATE_TEST_SUITE_P(AllForms, MakeFormats, testing::ValuesIn(kFormatCases),
 // --- documents ---
 
 TEST_F(MakeFiles, DocumentsAreTakenFromTheTopDown) {
-    for (int documents : {0, 1, 3, 5}) {
+    for (const int documents : {0, 1, 3, 5}) {
         ASSERT_EQ(Run({"stpx", Path("m.stpx"), "--no-parts", "--documents", std::to_string(documents)}), 0);
         EXPECT_EQ(FileCount(), static_cast<std::size_t>(documents + 1));
         EXPECT_EQ(fs::exists(folder / "group-0001.stpx"), documents >= 1);
@@ -155,7 +155,7 @@ TEST_F(MakeFiles, DocumentsAreTakenFromTheTopDown) {
 
 TEST_F(MakeFiles, WithoutPartsTheStructureIsThereAndTheFilesAreMissing) {
     ASSERT_EQ(Run({"stpx", Path("m.stpx"), "--no-parts"}), 0);
-    json report = Load(Path("m.stpx"));
+    const json report = Load(Path("m.stpx"));
     EXPECT_EQ(report["unread"], 18);
     EXPECT_EQ(report["triangles"], 0);
     EXPECT_EQ(report["products"][0]["name"], "MACHINE");
@@ -177,8 +177,8 @@ TEST_F(MakeFiles, ArchiveDoesNotDependOnItsOwnName) {
 TEST_F(MakeFiles, ArchiveStoresDocumentsOnlyWhenAsked) {
     ASSERT_EQ(Run({"stpa", Path("a.stpa"), "--triangles-per-part", "60"}), 0);
     ASSERT_EQ(Run({"stpa", Path("b.stpa"), "--triangles-per-part", "60", "--stored-documents"}), 0);
-    std::string deflated = ReadFile(Path("a.stpa"));
-    std::string stored = ReadFile(Path("b.stpa"));
+    const std::string deflated = ReadFile(Path("a.stpa"));
+    const std::string stored = ReadFile(Path("b.stpa"));
     EXPECT_EQ(deflated.find("<Part uid="), deflated.npos);
     EXPECT_NE(stored.find("<Part uid="), stored.npos);
     EXPECT_EQ(stored.find("ISO-10303-21"), stored.npos);
@@ -188,7 +188,7 @@ TEST_F(MakeFiles, ArchiveOfManyMembersIsWhole) {
     ASSERT_EQ(
         Run({"stpa", Path("m.stpa"), "--parts", "36", "--uses", "500", "--documents", "1250", "--no-parts"}),
         0);
-    json report = Load(Path("m.stpa"));
+    const json report = Load(Path("m.stpa"));
     EXPECT_EQ(report["unreadDocuments"], 0);
     EXPECT_GT(report["unread"], 0);
 }
@@ -201,11 +201,11 @@ TEST_F(MakeFiles, SummaryHasThePlacesAndThePartBoxesOfTheAssembly) {
           Arguments{"--depth", "3", "--uses", "9", "--parts", "40", "--seed", "5"}}) {
         ASSERT_EQ(Run(Joined({"assembly", Path("m.stp"), "--triangles-per-part", "60"}, machine)), 0);
         ASSERT_EQ(Run(Joined({"stpj", Path("m.stpj"), "--triangles-per-part", "60"}, machine)), 0);
-        std::string first = ReadFile(Path("m.stpj"));
+        const std::string first = ReadFile(Path("m.stpj"));
         ASSERT_EQ(Run(Joined({"stpj", Path("m.stpj"), "--triangles-per-part", "60"}, machine)), 0);
         EXPECT_TRUE(first == ReadFile(Path("m.stpj")));
-        json assembly = Load(Path("m.stp"));
-        json summary = Load(Path("m.stpj"));
+        const json assembly = Load(Path("m.stp"));
+        const json summary = Load(Path("m.stpj"));
         EXPECT_EQ(Places(summary, "boxList"), Places(assembly, "drawList"));
         std::map<std::string, json> boxes;
         for (const json& product : summary["products"]) boxes[product["name"]] = product["box"];
@@ -216,16 +216,16 @@ TEST_F(MakeFiles, SummaryHasThePlacesAndThePartBoxesOfTheAssembly) {
 }
 
 TEST_F(MakeFiles, SummaryIsJsonWithExactlyTheOccurrencesAskedFor) {
-    for (int count : {1, 2, 3, 4, 25, 26, 1000}) {
+    for (const int count : {1, 2, 3, 4, 25, 26, 1000}) {
         ASSERT_EQ(Run({"stpj", Path("m.stpj"), "--occurrences", std::to_string(count), "--depth", "2"}), 0);
-        json summary = json::parse(ReadFile(Path("m.stpj")));
+        const json summary = json::parse(ReadFile(Path("m.stpj")));
         const json& table = summary["occurrences_table"];
         EXPECT_EQ(table["nb_occurrences"], count);
         ASSERT_EQ(table["occurrences"].size(), static_cast<std::size_t>(count));
         int last = -1;
         int deepest = 0;
         for (const json& occurrence : table["occurrences"]) {
-            int depth = occurrence["depth"];
+            const int depth = occurrence["depth"];
             EXPECT_LE(depth, last + 1);
             last = depth;
             deepest = std::max(deepest, depth);
@@ -244,7 +244,7 @@ TEST_F(MakeFiles, SummaryIsJsonWithExactlyTheOccurrencesAskedFor) {
 
 TEST_F(MakeFiles, SummaryBoxesHoldWhatIsInThem) {
     ASSERT_EQ(Run({"stpj", Path("m.stpj"), "--occurrences", "500"}), 0);
-    json summary = json::parse(ReadFile(Path("m.stpj")));
+    const json summary = json::parse(ReadFile(Path("m.stpj")));
     const json& products = summary["products_table"]["products"];
     const json& top = products[0]["bbox"];
     for (const json& occurrence : summary["occurrences_table"]["occurrences"]) {

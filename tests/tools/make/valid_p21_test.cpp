@@ -3,7 +3,7 @@
 #include "make_files.h"
 #include "support/capture.h"
 #include "support/packed.h"
-#include "support/strict_p21.h"
+#include "written.h"
 
 namespace tarnwick::make {
 namespace {
@@ -33,7 +33,8 @@ protected:
     }
 
     static void Check(std::string text, const fs::path& name) {
-        EXPECT_EQ(test::ReadP21(std::move(text)).faults, std::vector<std::string>()) << name;
+        SCOPED_TRACE(name);
+        Parse(std::move(text));
     }
 };
 

@@ -1,6 +1,7 @@
 #include "tools/make/shapes/builders.h"
 
 #include <algorithm>
+#include <numbers>
 
 namespace tarnwick::make {
 
@@ -27,7 +28,7 @@ std::vector<ProfilePoint> ShankProfile(const BoltDims& d, int level) {
 void BuildBoltHead(const BoltDims& d, int perSide, const Turns& turns, double edge, MeshBuilder* out) {
     const int count = turns.Count();
     const double chamfer = 0.16 * d.headHeight;
-    const double flat = d.head * std::cos(kPi / 6) * 0.94;
+    const double flat = d.head * std::cos(std::numbers::pi / 6) * 0.94;
     const Turns corners = EvenTurns(6);
     const auto hexagon = [&](int i, double z) {
         const int side = i / perSide % 6;
@@ -72,7 +73,7 @@ void BuildBoltHead(const BoltDims& d, int perSide, const Turns& turns, double ed
 void Build(const BoltDims& d, Fineness fine, MeshBuilder* out) {
     const int perSide = fine.level + 1;
     const Turns turns = EvenTurns(6 * perSide);
-    const double edge = 2 * kPi * d.shank / turns.Count() * 1.5;
+    const double edge = 2 * std::numbers::pi * d.shank / turns.Count() * 1.5;
     BuildBoltHead(d, perSide, turns, edge, out);
     out->Revolve(ShankProfile(d, fine.level), false, turns, edge, fine.extraRows);
 }

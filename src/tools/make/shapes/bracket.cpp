@@ -1,5 +1,7 @@
 #include "tools/make/shapes/drilled_cell.h"
 
+#include <numbers>
+
 namespace tarnwick::make {
 
 namespace {
@@ -13,7 +15,7 @@ struct BracketSection {
         z = Stations(start, d.legZ - start, 1, steps);
         const int half = arcSteps / 2;
         for (int i = 0; i <= arcSteps; ++i) {
-            const double angle = kPi + kPi / 2 * i / arcSteps;
+            const double angle = std::numbers::pi + std::numbers::pi / 2 * i / arcSteps;
             inward.push_back({-std::cos(angle), 0, -std::sin(angle)});
             arc.push_back(Vec3{start, 0, start} - inward.back() * d.fillet);
             corner.push_back(i < half ? Vec3{0, 0, Mix(start, 0, i, half)}

@@ -2,6 +2,8 @@
 
 #include "tools/make/shapes/builders.h"
 
+#include <numbers>
+
 // A rectangular stretch of a wall with a round hole through it: plates and brackets are made of these.
 namespace tarnwick::make {
 
@@ -48,7 +50,7 @@ struct HoleCell {
         }
     }
     Vec3 HoleDirection(int i) const {
-        const double angle = -0.75 * kPi + 2 * kPi * i / Count();
+        const double angle = -0.75 * std::numbers::pi + 2 * std::numbers::pi * i / Count();
         return {std::cos(angle), std::sin(angle), 0};
     }
     Vec3 Hole(int i) const { return Vec3{CentreU(), CentreV(), 0} + HoleDirection(i) * radius; }

@@ -1,5 +1,7 @@
 #include "tools/make/shapes/builders.h"
 
+#include <numbers>
+
 namespace tarnwick::make {
 
 namespace {
@@ -31,12 +33,12 @@ struct HoleSector {
         }
     }
     Vec3 HoleDirection(int i) const {
-        const double angle = -0.75 * kPi + 2 * kPi * i / Count() + Middle();
+        const double angle = -0.75 * std::numbers::pi + 2 * std::numbers::pi * i / Count() + Middle();
         return {std::cos(angle), std::sin(angle), 0};
     }
     Vec3 HoleCentre() const { return {d.holeRing * std::cos(Middle()), d.holeRing * std::sin(Middle()), z}; }
     Vec3 Hole(int i) const { return HoleCentre() + HoleDirection(i) * d.hole; }
-    double Middle() const { return 2 * kPi * (number + 0.5) / d.holes; }
+    double Middle() const { return 2 * std::numbers::pi * (number + 0.5) / d.holes; }
 };
 
 } // namespace
@@ -44,7 +46,7 @@ struct HoleSector {
 void Build(const FlangeDims& d, Fineness fine, MeshBuilder* out) {
     const int steps = fine.level + 2;
     const Turns turns = EvenTurns(steps * d.holes);
-    const double edge = 2 * kPi * d.outer / turns.Count();
+    const double edge = 2 * std::numbers::pi * d.outer / turns.Count();
     const double seatHeight = 0.14 * d.thickness;
     const double seat = d.holeRing - 1.6 * d.hole;
     const double top = seatHeight + d.thickness;

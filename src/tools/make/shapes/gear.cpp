@@ -1,12 +1,13 @@
 #include "tools/make/shapes/builders.h"
 
 #include <algorithm>
+#include <numbers>
 
 namespace tarnwick::make {
 
 namespace {
 
-constexpr double kPressureAngle = 20 * kPi / 180;
+constexpr double kPressureAngle = 20 * std::numbers::pi / 180;
 
 // Half the thickness of a tooth, as an angle, at a radius: an involute above the base circle, and below it a
 // straight flank that leans outward a little, so that no two points of the outline lie in one direction from
@@ -15,7 +16,7 @@ double HalfTooth(const GearDims& d, double radius) {
     const auto involute = [](double a) { return std::tan(a) - a; };
     const double base = d.module * d.teeth / 2 * std::cos(kPressureAngle);
     const double atBase =
-        0.96 * kPi / (2 * d.teeth) + involute(kPressureAngle); // a little play between two gears
+        0.96 * std::numbers::pi / (2 * d.teeth) + involute(kPressureAngle); // a little play between two gears
     if (radius <= base) { return atBase + 0.5 * (base - radius) / base; }
     return atBase - involute(std::acos(base / radius));
 }
@@ -63,8 +64,8 @@ GearOutline MakeGearOutline(const GearDims& d, int level) {
     const double tipHalf = HalfTooth(d, tip);
     const double rootHalf = HalfTooth(d, root);
     for (int tooth = 0; tooth < d.teeth; ++tooth) {
-        const double centre = 2 * kPi * tooth / d.teeth;
-        const double next = 2 * kPi * (tooth + 1) / d.teeth;
+        const double centre = 2 * std::numbers::pi * tooth / d.teeth;
+        const double next = 2 * std::numbers::pi * (tooth + 1) / d.teeth;
         const auto flank = [&](double from, double to, double side) {
             startRun(onFlank, false);
             for (int i = 0; i < onFlank; ++i) {
@@ -165,7 +166,7 @@ void Build(const GearDims& d, Fineness fine, MeshBuilder* out) {
     const double pitch = d.module * d.teeth / 2;
     const double ring = pitch - 1.75 * d.module;
     // The teeth make the outline fine already when all else is still coarse.
-    const double edge = 2 * kPi * pitch / outline.Count() * (1.5 + 6.0 / fine.level);
+    const double edge = 2 * std::numbers::pi * pitch / outline.Count() * (1.5 + 6.0 / fine.level);
     const int rows = RowsFor(1.5 * d.module, edge);
     const GearRim rim(outline, ringTurns, ring);
     out->StartFace(Plane({0, 0, d.width}, {0, 0, 1}));

@@ -1,32 +1,14 @@
 #pragma once
 
-#include "write/vec.h"
+#include "write/index_lists.h"
+#include "write/placement.h"
 
-#include <array>
 #include <cstddef>
-#include <cstdint>
-#include <span>
 #include <vector>
 
 // The tessellated solids that every kind of output writes: flat arrays, and the ways of cutting them into
 // faces.
 namespace tarnwick::make {
-
-using Index = std::uint32_t;
-using Triangle = std::array<Index, 3>;
-
-// Lists of vertex numbers (from 0), one behind the other; ends[k] is where list k ends.
-struct IndexLists {
-    std::vector<Index> indices;
-    std::vector<std::size_t> ends;
-
-    std::size_t Count() const { return ends.size(); }
-    std::span<const Index> List(std::size_t k) const {
-        const std::size_t start = k == 0 ? 0 : ends[k - 1];
-        return {indices.data() + start, ends[k] - start};
-    }
-    void CloseList() { ends.push_back(indices.size()); }
-};
 
 // The exact surface under a face, in the coordinates of its solid.
 struct Surface {
@@ -39,8 +21,7 @@ struct Surface {
     bool operator==(const Surface&) const = default;
 };
 
-// A strip s gives the triangles (s0 s1 s2), (s3 s2 s1), (s2 s3 s4) ...; a fan f gives (f0 f1 f2), (f0 f2 f3)
-// ... Counter-clockwise seen from outside. points and normals are parallel.
+// Strips and fans are read as WriteComplexFace says; points and normals are parallel.
 struct Face {
     std::vector<Vec3> points;
     std::vector<Vec3> normals;

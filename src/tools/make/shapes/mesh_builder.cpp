@@ -1,6 +1,7 @@
 #include "tools/make/shapes/mesh_builder.h"
 
 #include <algorithm>
+#include <numbers>
 
 namespace tarnwick::make {
 
@@ -15,7 +16,7 @@ Vec3 OutwardInProfile(ProfilePoint from, ProfilePoint to) {
 
 Turns EvenTurns(int count, double firstAngle) {
     Turns turns;
-    for (int i = 0; i < count; ++i) { turns.Add(firstAngle + 2 * kPi * i / count); }
+    for (int i = 0; i < count; ++i) { turns.Add(firstAngle + 2 * std::numbers::pi * i / count); }
     return turns;
 }
 

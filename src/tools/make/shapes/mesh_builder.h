@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/make/shapes/mesh.h"
+#include "tools/make/shapes/mix.h"
 
 #include <cmath>
 

@@ -1,6 +1,7 @@
 #include "tools/make/shapes/builders.h"
 
 #include <algorithm>
+#include <numbers>
 
 namespace tarnwick::make {
 
@@ -14,7 +15,7 @@ double LargestRadius(const std::vector<ProfilePoint>& profile) {
 
 void BuildTurned(const std::vector<ProfilePoint>& profile, Fineness fine, MeshBuilder* out) {
     const Turns turns = EvenTurns(4 + 4 * fine.level);
-    const double edge = 2 * kPi * LargestRadius(profile) / turns.Count() * 1.5;
+    const double edge = 2 * std::numbers::pi * LargestRadius(profile) / turns.Count() * 1.5;
     out->Revolve(profile, profile.front().r != 0, turns, edge, fine.extraRows);
 }
 

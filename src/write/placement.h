@@ -3,9 +3,7 @@
 #include <cmath>
 
 // Points, directions and placements, in millimetres.
-namespace tarnwick::make {
-
-constexpr double kPi = 3.14159265358979323846;
+namespace tarnwick {
 
 struct Vec3 {
     double x = 0;
@@ -53,15 +51,4 @@ inline Placement Place(const Placement& at, const Placement& inner) {
     return {Place(at, inner.origin), Turn(at, inner.z), Turn(at, inner.x)};
 }
 
-// Step i of n on the way from a to b. The ends are exact and Mix(a, b, i, n) has the bits of Mix(b, a, n - i,
-// n): two faces that walk a common edge in opposite directions must meet in the same points.
-inline double Mix(double a, double b, int i, int n) {
-    if (i == 0 || a == b) { return a; }
-    if (i == n) { return b; }
-    return (a * (n - i) + b * i) / n;
-}
-inline Vec3 Mix(Vec3 a, Vec3 b, int i, int n) {
-    return {Mix(a.x, b.x, i, n), Mix(a.y, b.y, i, n), Mix(a.z, b.z, i, n)};
-}
-
-} // namespace tarnwick::make
+} // namespace tarnwick
