@@ -52,10 +52,15 @@ public:
     ZlibSink& operator=(const ZlibSink&) = delete;
 
     void Write(std::string_view bytes) override {
-        // zlib's input pointer isn't const, but it only reads.
-        stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
-        stream_.avail_in = static_cast<uInt>(bytes.size());
-        Deflate(Z_NO_FLUSH);
+        constexpr std::size_t kBlock = 1 << 30; // the length is an unsigned of 32 bits
+        while (!bytes.empty()) {
+            const std::string_view head = bytes.substr(0, kBlock);
+            // zlib's input pointer isn't const, but it only reads.
+            stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(head.data()));
+            stream_.avail_in = static_cast<uInt>(head.size());
+            Deflate(Z_NO_FLUSH);
+            bytes.remove_prefix(head.size());
+        }
     }
     bool Close() override {
         if (open_) {

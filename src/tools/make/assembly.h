@@ -22,7 +22,7 @@ struct AssemblyOptions {
 
 // Writes the file of one node: the node, the nodes below it that have no file of their own, and references to
 // the files of all others.
-void WriteStructure(const Machine& machine, int node, P21Writer* out);
+void WriteStructure(const Machine& machine, std::size_t node, P21Writer* out);
 
 std::string CheckAssemblyOptions(const AssemblyOptions& options);
 // Exit status of the program: 0, or 1 with a line on standard error.

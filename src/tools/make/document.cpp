@@ -14,7 +14,7 @@ class DocumentWriter {
 public:
     DocumentWriter(const DocumentSet& set, ByteSink* sink) : set_(set), out_(set.route, sink) {}
 
-    void Write(int top) {
+    void Write(std::size_t top) {
         AddEntry({false, top, {}});
         NumberUses(0);
         out_.Begin(kProgram);
@@ -25,20 +25,16 @@ public:
 private:
     struct Entry {
         bool ofPart = false;
-        int number = 0;                       // in parts or nodes
+        std::size_t number = 0;               // in parts or nodes
         std::vector<std::size_t> occurrences; // their numbers in this document
         std::size_t firstUse = 0;             // the number of its own first use; the others follow
     };
 
-    const Machine::Node& Node(const Entry& e) const {
-        return set_.machine.nodes[static_cast<std::size_t>(e.number)];
-    }
-    const Machine::Part& Part(const Entry& e) const {
-        return set_.machine.parts[static_cast<std::size_t>(e.number)];
-    }
+    const Machine::Node& Node(const Entry& e) const { return set_.machine.nodes[e.number]; }
+    const Machine::Part& Part(const Entry& e) const { return set_.machine.parts[e.number]; }
     bool IsElsewhere(std::size_t entry) const {
         const Entry& e = entries_[entry];
-        return e.ofPart || (entry != 0 && set_.ownDocument[static_cast<std::size_t>(e.number)]);
+        return e.ofPart || (entry != 0 && set_.ownDocument[e.number]);
     }
     std::string FileOf(const Entry& e) const {
         return e.ofPart ? Part(e).stem + set_.partSuffix : FileStem(Node(e)) + set_.documentSuffix;
@@ -81,15 +77,15 @@ private:
     const DocumentSet& set_;
     XmlDocument out_;
     std::vector<Entry> entries_; // the node of the document first
-    std::unordered_map<int, std::size_t> partEntries_;
+    std::unordered_map<std::size_t, std::size_t> partEntries_;
     std::size_t uses_ = 0;
 };
 
 // The nodes below the top, level by level.
-std::vector<int> NodesByLevel(const Machine& machine) {
-    std::vector<int> nodes{0};
+std::vector<std::size_t> NodesByLevel(const Machine& machine) {
+    std::vector<std::size_t> nodes{0};
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        for (const Machine::Use& use : machine.nodes[static_cast<std::size_t>(nodes[i])].uses) {
+        for (const Machine::Use& use : machine.nodes[nodes[i]].uses) {
             if (!use.ofPart) { nodes.push_back(use.number); }
         }
     }
@@ -101,9 +97,9 @@ std::vector<int> NodesByLevel(const Machine& machine) {
 
 std::vector<bool> ChooseDocuments(const Machine& machine, int count) {
     std::vector<bool> own(machine.nodes.size());
-    const std::vector<int> nodes = NodesByLevel(machine);
+    const std::vector<std::size_t> nodes = NodesByLevel(machine);
     for (std::size_t i = 0; i < nodes.size() && i < static_cast<std::size_t>(count); ++i) {
-        own[static_cast<std::size_t>(nodes[i])] = true;
+        own[nodes[i]] = true;
     }
     return own;
 }
@@ -118,7 +114,7 @@ int MostDocuments(const Machine& machine) {
     return static_cast<int>(machine.nodes.size()) - 1;
 }
 
-void WriteDocument(const DocumentSet& set, int node, ByteSink* sink) {
+void WriteDocument(const DocumentSet& set, std::size_t node, ByteSink* sink) {
     DocumentWriter(set, sink).Write(node);
 }
 

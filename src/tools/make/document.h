@@ -25,6 +25,6 @@ std::vector<bool> ChooseDocuments(const Machine& machine);
 int MostDocuments(const Machine& machine);
 
 // The document of one node: the node and the nodes below it that have no document of their own.
-void WriteDocument(const DocumentSet& set, int node, ByteSink* sink);
+void WriteDocument(const DocumentSet& set, std::size_t node, ByteSink* sink);
 
 } // namespace tarnwick::make

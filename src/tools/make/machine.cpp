@@ -187,7 +187,7 @@ private:
             const std::string id = Numbered(text.id, i + 1);
             machine_.parts.push_back({id, text.name + std::string(" ") + std::to_string(i + 1), Lower(id),
                                       DimsOf(role, &prng), text.colour});
-            partsOf_[static_cast<std::size_t>(role)].push_back(i);
+            partsOf_[static_cast<std::size_t>(role)].push_back(static_cast<std::size_t>(i));
         }
     }
 
@@ -206,24 +206,23 @@ private:
         return static_cast<int>(units);
     }
 
-    int AddNode(std::string id, std::string name, std::string stem) {
+    std::size_t AddNode(std::string id, std::string name, std::string stem) {
         machine_.nodes.push_back({std::move(id), std::move(name), std::move(stem), {}});
-        return static_cast<int>(machine_.nodes.size()) - 1;
+        return machine_.nodes.size() - 1;
     }
-    Machine::Node& Node(int number) { return machine_.nodes[static_cast<std::size_t>(number)]; }
 
     // Units are filled one after the other, so that where uses don't come out even only the last ones are
     // incomplete. The uses of one part are next to each other.
-    void AddUnit(int node, int unit) {
+    void AddUnit(std::size_t node, int unit) {
         for (std::size_t role = 0; role < kRoleCount; ++role) {
             const long long slots = SlotsOf(role);
             const long long uses = UsesOf(role);
             const long long first = std::min(slots * unit, uses);
             const long long end = std::min(slots * (unit + 1), uses);
             for (long long k = first; k < end; ++k) {
-                const int part = partsOf_[role][static_cast<std::size_t>(k / o_.uses)];
+                const std::size_t part = partsOf_[role][static_cast<std::size_t>(k / o_.uses)];
                 const Placement at = PlaceOf(static_cast<Role>(role), static_cast<int>(k - first));
-                Node(node).uses.push_back({true, part, at});
+                machine_.nodes[node].uses.push_back({true, part, at});
             }
         }
     }
@@ -247,12 +246,12 @@ private:
 
     // A group of the level 0 holds units, of which `units` in all are numbered from `firstUnit`; one above it
     // holds groups with `leaves` groups of the level 0 in all.
-    Size FillGroup(int node, int level, int leaves, int firstUnit, int units) {
+    Size FillGroup(std::size_t node, int level, int leaves, int firstUnit, int units) {
         const int children = level == 0 ? units : std::min(leaves, branching_);
         Size cell{kUnitX, kUnitY};
-        std::vector<int> numbers;
+        std::vector<std::size_t> numbers;
         for (int i = 0; i < children; ++i) {
-            int child;
+            std::size_t child = 0;
             if (level == 0) {
                 const int unit = firstUnit + i;
                 child = AddNode(Numbered("UNIT", unit + 1), "Gear unit " + std::to_string(unit + 1), "");
@@ -271,7 +270,7 @@ private:
             numbers.push_back(child);
         }
         for (int i = 0; i < children; ++i) {
-            Node(node).uses.push_back(
+            machine_.nodes[node].uses.push_back(
                 {false, numbers[static_cast<std::size_t>(i)], InGrid(i, children, cell)});
         }
         return GridSize(children, cell);
@@ -282,7 +281,7 @@ private:
 
     const MachineOptions& o_;
     Machine machine_;
-    std::array<std::vector<int>, kRoleCount> partsOf_;
+    std::array<std::vector<std::size_t>, kRoleCount> partsOf_;
     int branching_ = 1;
     int groups_ = 0;
 };

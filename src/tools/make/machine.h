@@ -2,7 +2,10 @@
 
 #include "tools/make/shapes/shapes.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 // The sample assembly, whatever format it is written in: which parts there are, and where they stand.
 namespace tarnwick::make {
@@ -25,8 +28,8 @@ struct Machine {
         int colour = 0; // of the palette
     };
     struct Use {
-        bool ofPart = false; // else of a node
-        int number = 0;      // in parts or nodes
+        bool ofPart = false;    // else of a node
+        std::size_t number = 0; // in parts or nodes
         Placement at;
     };
     struct Node {

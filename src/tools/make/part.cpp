@@ -1,6 +1,5 @@
 #include "tools/make/part.h"
 
-#include "tools/make/machine.h"
 #include "tools/make/options.h"
 #include "tools/make/output.h"
 
@@ -36,14 +35,15 @@ ShapeDims ChooseDims(const PartOptions& o, std::size_t number, std::size_t first
     return PlateDims{1, 1, prng->Range(30, 100), prng->Range(30, 100), prng->Range(10, 60), 0, 0};
 }
 
-void AddUses(const Machine& machine, int node, const Placement& at, std::size_t triangles, PartPlan* plan) {
-    for (const Machine::Use& use : machine.nodes[static_cast<std::size_t>(node)].uses) {
+void AddUses(const Machine& machine, std::size_t node, const Placement& at, std::size_t triangles,
+             PartPlan* plan) {
+    for (const Machine::Use& use : machine.nodes[node].uses) {
         const Placement inner = Place(at, use.at);
         if (!use.ofPart) {
             AddUses(machine, use.number, inner, triangles, plan);
             continue;
         }
-        const Machine::Part& part = machine.parts[static_cast<std::size_t>(use.number)];
+        const Machine::Part& part = machine.parts[use.number];
         plan->items.push_back({part.dims, inner, triangles, part.colour});
     }
 }
@@ -102,6 +102,11 @@ PartPlan PlanPart(const PartOptions& o) {
         plan.items.push_back({dims, Place(Placement{cell}, SheetPlacement(dims))});
     }
     return plan;
+}
+
+void WriteMachinePart(const Machine::Part& part, std::size_t triangles, PartStyle style, P21Writer* out) {
+    style.firstColour = part.colour;
+    WritePart({part.id, part.name, {{part.dims, {}}}, triangles, 0}, style, out);
 }
 
 int RunPart(const PartOptions& o) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/make/machine.h"
 #include "tools/make/part_writer.h"
 
 #include <optional>
@@ -33,6 +34,9 @@ std::string CheckPartOptions(const PartOptions& options);
 // Solids in rows on a sheet, one to a cell of kSheetCell and a little between; or a machine, with a solid for
 // each use of a part.
 PartPlan PlanPart(const PartOptions& options);
+
+// Writes the whole file of one part of a machine, in that part's colour.
+void WriteMachinePart(const Machine::Part& part, std::size_t triangles, PartStyle style, P21Writer* out);
 
 // Exit status of the program: 0, or 1 with a line on standard error.
 int RunPart(const PartOptions& options);

@@ -1,5 +1,6 @@
 #include "tools/make/stpj.h"
 
+#include "tools/make/machine_options.h"
 #include "tools/make/options.h"
 #include "tools/make/output.h"
 #include "write/json_summary.h"
@@ -99,14 +100,9 @@ public:
     }
 
 private:
-    Machine::Node& Node(int number) { return machine_.nodes[static_cast<std::size_t>(number)]; }
-    Machine::Part& Part(int number) { return machine_.parts[static_cast<std::size_t>(number)]; }
-    std::size_t& Shown(int node) { return shown_[static_cast<std::size_t>(node)]; }
-    Box& BoxOfUse(const Machine::Use& use) {
-        return (use.ofPart ? partBoxes_ : nodeBoxes_)[static_cast<std::size_t>(use.number)];
-    }
+    Box& BoxOfUse(const Machine::Use& use) { return (use.ofPart ? partBoxes_ : nodeBoxes_)[use.number]; }
     int& ProductOf(const Machine::Use& use) {
-        return (use.ofPart ? partProducts_ : nodeProducts_)[static_cast<std::size_t>(use.number)];
+        return (use.ofPart ? partProducts_ : nodeProducts_)[use.number];
     }
 
     // Numbers the products from 1 and finds out how many uses of each node there are before the last
@@ -120,31 +116,33 @@ private:
             products_.push_back(use);
         }
         if (use.ofPart) { return; }
-        for (const Machine::Use& below : Node(use.number).uses) {
+        for (const Machine::Use& below : machine_.nodes[use.number].uses) {
             if (counts_.occurrences == most_) { return; }
-            ++Shown(use.number);
+            ++shown_[use.number];
             Count(below, depth + 1);
         }
     }
 
     // An assembly right at the end that has none of its components left keeps the box that it has with them.
-    const Box& FindBox(int number) {
-        const Machine::Node& node = Node(number);
-        const std::size_t count = Shown(number) != 0 ? Shown(number) : node.uses.size();
+    const Box& FindBox(std::size_t number) {
+        const Machine::Node& node = machine_.nodes[number];
+        const std::size_t count = shown_[number] != 0 ? shown_[number] : node.uses.size();
         Box box;
         for (std::size_t i = 0; i < count; ++i) {
             const Machine::Use& use = node.uses[i];
             if (!use.ofPart) { FindBox(use.number); }
             box.Add(use.at, BoxOfUse(use));
         }
-        return nodeBoxes_[static_cast<std::size_t>(number)] = box;
+        return nodeBoxes_[number] = box;
     }
 
     void WriteProducts() {
         out_.BeginProducts(counts_.products);
         for (const Machine::Use& use : products_) {
-            const std::string& id = use.ofPart ? Part(use.number).id : Node(use.number).id;
-            const std::string& stem = use.ofPart ? Part(use.number).stem : Node(use.number).stem;
+            const std::string& id =
+                use.ofPart ? machine_.parts[use.number].id : machine_.nodes[use.number].id;
+            const std::string& stem =
+                use.ofPart ? machine_.parts[use.number].stem : machine_.nodes[use.number].stem;
             const Box& box = BoxOfUse(use);
             out_.AddProduct(id, stem.empty() ? "" : stem + ".stp",
                             {box.low.x, box.high.x, box.low.y, box.high.y, box.low.z, box.high.z});
@@ -154,8 +152,8 @@ private:
     void WriteOccurrence(const Machine::Use& use, const Matrix& world) {
         out_.AddOccurrence(static_cast<int>(way_.size()), ProductOf(use), world);
         if (use.ofPart) { return; }
-        for (std::size_t i = 0; i < Shown(use.number); ++i) {
-            const Machine::Use& below = Node(use.number).uses[i];
+        for (std::size_t i = 0; i < shown_[use.number]; ++i) {
+            const Machine::Use& below = machine_.nodes[use.number].uses[i];
             way_.push_back(MatrixOf(below.at));
             // From the deep end: a viewer of the assembly itself multiplies in this order, and single
             // precision would show another one.
@@ -189,10 +187,7 @@ SummaryCounts WriteSummary(const StpjOptions& o, ByteSink* sink) {
 }
 
 std::string CheckStpjOptions(const StpjOptions& o) {
-    if (static_cast<long long>(o.machine.parts) * o.machine.uses > 20000000) {
-        return "--parts times --uses: at most 20,000,000";
-    }
-    return {};
+    return CheckMachineOptions(o.machine);
 }
 
 int RunStpj(const StpjOptions& o) {
@@ -206,18 +201,12 @@ int RunStpj(const StpjOptions& o) {
 CLI::App* AddStpjCommand(CLI::App* app, StpjOptions* o) {
     CLI::App* const stpj = app->add_subcommand("stpj", "The machine as a JSON summary of boxes");
     stpj->add_option("OUT", o->out, "File to write")->required()->option_text(" ");
-    AddNumber(stpj, "--parts", &o->machine.parts, 1, 999999, "Different parts (default: 18)");
-    CLI::Option* uses =
-        AddNumber(stpj, "--uses", &o->machine.uses, 1, 1000000, "Occurrences of each part (default: 4)");
+    AddMachineOptions(stpj, 999999, kGroupLevels, &o->machine);
     AddNumber(stpj, "--occurrences", &o->occurrences, 1, 20000000,
               "Occurrences in all, assemblies among them, of a machine that is as large as they take")
-        ->excludes(uses);
-    AddNumber(stpj, "--depth", &o->machine.depth, 0, 30,
-              "Levels of groups between the top and the units (default: 1)");
+        ->excludes(stpj->get_option("--uses"));
     AddNumber(stpj, "--triangles-per-part", &o->trianglesPerPart, 12, 100000000,
               "Triangles of each part whose box is given, about (default: 2000)");
-    AddNumber(stpj, "--seed", &o->machine.seed, 0, 1000000000,
-              "Another machine for each number (default: 1)");
     return stpj;
 }
 

@@ -1,5 +1,6 @@
 #include "tools/make/stpx.h"
 
+#include "tools/make/machine_options.h"
 #include "tools/make/options.h"
 #include "tools/make/output.h"
 #include "write/zip_writer.h"
@@ -83,10 +84,8 @@ public:
 
     bool Write(Target* target) {
         if (!target->WriteRoot(DocumentOf(0))) { return false; }
-        for (int node = 1; node < static_cast<int>(machine_.nodes.size()); ++node) {
-            if (set_.ownDocument[static_cast<std::size_t>(node)] && !WriteNode(node, target)) {
-                return false;
-            }
+        for (std::size_t node = 1; node < machine_.nodes.size(); ++node) {
+            if (set_.ownDocument[node] && !WriteNode(node, target)) { return false; }
         }
         for (const Machine::Part& part : machine_.parts) {
             if (!o_.noParts && !WritePartOf(part, target)) { return false; }
@@ -95,25 +94,22 @@ public:
     }
     void Report() const {
         std::printf("%s: %zu parts, %lld uses, %d documents\n", o_.out.c_str(), machine_.parts.size(),
-                    static_cast<long long>(o_.machine.parts) * o_.machine.uses, documents_ + 1);
+                    AllUses(o_.machine), documents_ + 1);
     }
 
 private:
-    WriteContent DocumentOf(int node) const {
+    WriteContent DocumentOf(std::size_t node) const {
         return [this, node](ByteSink* sink) { WriteDocument(set_, node, sink); };
     }
-    bool WriteNode(int node, Target* target) {
+    bool WriteNode(std::size_t node, Target* target) {
         ++documents_;
-        const std::string stem = FileStem(machine_.nodes[static_cast<std::size_t>(node)]);
+        const std::string stem = FileStem(machine_.nodes[node]);
         return target->WriteDocument(stem + set_.documentSuffix, DocumentOf(node));
     }
     bool WritePartOf(const Machine::Part& part, Target* target) const {
-        const PartPlan plan{part.id, part.name, {{part.dims, {}}}, o_.trianglesPerPart, 0};
-        PartStyle style = o_.style;
-        style.firstColour = part.colour;
         return target->WritePart(part.stem + set_.partSuffix, [&](ByteSink* sink) {
             P21Writer writer(sink);
-            WritePart(plan, style, &writer);
+            WriteMachinePart(part, o_.trianglesPerPart, o_.style, &writer);
         });
     }
 
@@ -124,10 +120,8 @@ private:
 };
 
 std::string CheckMachine(const StpxOptions& o) {
-    if (static_cast<long long>(o.machine.parts) * o.machine.uses > 20000000) {
-        return "--parts times --uses: at most 20,000,000";
-    }
-    if (!o.documents) { return {}; }
+    std::string wrong = CheckMachineOptions(o.machine);
+    if (!wrong.empty() || !o.documents) { return wrong; }
     const int most = MostDocuments(MakeMachine(o.machine));
     if (*o.documents > most) {
         return "--documents: this machine has " + std::to_string(most) + " sub-assemblies";
@@ -138,20 +132,14 @@ std::string CheckMachine(const StpxOptions& o) {
 void AddOptions(CLI::App* kind, StpxOptions* o) {
     const std::map<std::string, FileRoute> routes{{"direct", FileRoute::kDirect},
                                                   {"documents", FileRoute::kDocuments}};
-    AddNumber(kind, "--parts", &o->machine.parts, 1, 999999, "Different parts (default: 18)");
-    AddNumber(kind, "--uses", &o->machine.uses, 1, 1000000, "Occurrences of each part (default: 4)");
-    AddNumber(kind, "--depth", &o->machine.depth, 0, 30,
-              "Levels of groups between the top and the units (default: 1)");
+    AddMachineOptions(kind, 999999, kGroupLevels, &o->machine);
     AddNumber(kind, "--documents", &o->documents, 0, 20000000,
               "Sub-assemblies in documents of their own, from the top down (default: all groups)");
     AddChoice(kind, "--route", &o->route, routes,
               "How parts lead to their files: at once, or through documents and files (default: direct)");
-    AddNumber(kind, "--triangles-per-part", &o->trianglesPerPart, 12, 100000000,
-              "Triangles of each part, about (default: 2000)");
+    AddTrianglesPerPart(kind, &o->trianglesPerPart);
     AddStyleOptions(kind, &o->style);
     kind->add_flag("--no-parts", o->noParts, "Write the documents alone, without the parts' files");
-    AddNumber(kind, "--seed", &o->machine.seed, 0, 1000000000,
-              "Another machine for each number (default: 1)");
 }
 
 } // namespace

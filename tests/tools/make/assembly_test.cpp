@@ -8,7 +8,7 @@
 namespace tarnwick::make {
 namespace {
 
-std::string StructureText(const Machine& machine, int node) {
+std::string StructureText(const Machine& machine, std::size_t node) {
     return Written([&](P21Writer* out) { WriteStructure(machine, node, out); });
 }
 
@@ -16,8 +16,8 @@ TEST(MakeAssembly, EveryStructureFileIsWhole) {
     const Machine machine = MakeMachine({20, 3, 2, 1});
     for (std::size_t n = 0; n < machine.nodes.size(); ++n) {
         if (n != 0 && machine.nodes[n].stem.empty()) continue;
-        const std::string text = StructureText(machine, static_cast<int>(n));
-        EXPECT_EQ(text, StructureText(machine, static_cast<int>(n)));
+        const std::string text = StructureText(machine, n);
+        EXPECT_EQ(text, StructureText(machine, n));
         const P21File file = Parse(text);
         const std::size_t uses = IdsOf(file, "NEXT_ASSEMBLY_USAGE_OCCURRENCE").size();
         EXPECT_GT(uses, 0u);

@@ -8,8 +8,8 @@
 namespace tarnwick::make {
 namespace {
 
-std::map<int, int> UsesOfParts(const Machine& machine) {
-    std::map<int, int> uses;
+std::map<std::size_t, int> UsesOfParts(const Machine& machine) {
+    std::map<std::size_t, int> uses;
     for (const Machine::Node& node : machine.nodes)
         for (const Machine::Use& use : node.uses)
             if (use.ofPart) ++uses[use.number];
@@ -18,7 +18,7 @@ std::map<int, int> UsesOfParts(const Machine& machine) {
 
 TEST(MakeMachine, DealsEveryPartItsNumberOfUses) {
     for (const MachineOptions o : {MachineOptions{1, 7, 0, 1}, {18, 4, 1, 1}, {40, 9, 3, 2}, {5, 1, 2, 3}}) {
-        const std::map<int, int> uses = UsesOfParts(MakeMachine(o));
+        const std::map<std::size_t, int> uses = UsesOfParts(MakeMachine(o));
         EXPECT_EQ(uses.size(), static_cast<std::size_t>(o.parts));
         for (const auto& [part, count] : uses) EXPECT_EQ(count, o.uses);
     }
@@ -30,19 +30,19 @@ TEST(MakeMachine, UsesEveryNodeButTheTopOnceAndAfterIt) {
     for (std::size_t n = 0; n < machine.nodes.size(); ++n) {
         for (const Machine::Use& use : machine.nodes[n].uses) {
             if (use.ofPart) continue;
-            EXPECT_GT(use.number, static_cast<int>(n));
-            ++uses[static_cast<std::size_t>(use.number)];
+            EXPECT_GT(use.number, n);
+            ++uses[use.number];
         }
     }
     EXPECT_EQ(uses[0], 0);
     EXPECT_TRUE(std::all_of(uses.begin() + 1, uses.end(), [](int count) { return count == 1; }));
 }
 
-int FileLevelsBelow(const Machine& machine, int node) {
+int FileLevelsBelow(const Machine& machine, std::size_t node) {
     int levels = 0;
-    for (const Machine::Use& use : machine.nodes[static_cast<std::size_t>(node)].uses) {
+    for (const Machine::Use& use : machine.nodes[node].uses) {
         if (use.ofPart) continue;
-        const bool ownFile = !machine.nodes[static_cast<std::size_t>(use.number)].stem.empty();
+        const bool ownFile = !machine.nodes[use.number].stem.empty();
         levels = std::max(levels, FileLevelsBelow(machine, use.number) + (ownFile ? 1 : 0));
     }
     return levels;
@@ -53,14 +53,15 @@ TEST(MakeMachine, NestsItsFilesAsDeepAsAsked) {
         EXPECT_EQ(FileLevelsBelow(MakeMachine({40, 9, depth, 1}), 0), depth);
 }
 
-void ForEachPlacedUnit(const Machine& machine, int node, const Placement& at, std::vector<Vec3>* units) {
-    for (const Machine::Use& use : machine.nodes[static_cast<std::size_t>(node)].uses) {
+void ForEachPlacedUnit(const Machine& machine, std::size_t node, const Placement& at,
+                       std::vector<Vec3>* units) {
+    for (const Machine::Use& use : machine.nodes[node].uses) {
         EXPECT_NEAR(Length(use.at.x), 1, 1e-12);
         EXPECT_NEAR(Length(use.at.z), 1, 1e-12);
         EXPECT_NEAR(Dot(use.at.x, use.at.z), 0, 1e-12);
         if (use.ofPart)
             continue;
-        else if (machine.nodes[static_cast<std::size_t>(use.number)].id.starts_with("UNIT"))
+        else if (machine.nodes[use.number].id.starts_with("UNIT"))
             units->push_back(Place(at, use.at).origin);
         ForEachPlacedUnit(machine, use.number, Place(at, use.at), units);
     }

@@ -25,48 +25,75 @@ std::vector<ProfilePoint> ShankProfile(const BoltDims& d, int level) {
     return profile;
 }
 
-void BuildBoltHead(const BoltDims& d, int perSide, const Turns& turns, double edge, MeshBuilder* out) {
-    const int count = turns.Count();
-    const double chamfer = 0.16 * d.headHeight;
-    const double flat = d.head * std::cos(std::numbers::pi / 6) * 0.94;
-    const Turns corners = EvenTurns(6);
-    const auto hexagon = [&](int i, double z) {
-        const int side = i / perSide % 6;
-        return Mix(corners.Point(side, d.head, z), corners.Point(side + 1, d.head, z), i % perSide, perSide);
-    };
-    out->StartFace(Plane({0, 0, 0}, {0, 0, -1}));
-    const int rows = RowsFor(flat, edge);
-    out->Disc({0, 0, 0}, count, {0, 0, -1},
-              [&](int i) { return turns.Point((count - i) % count, Mix(0, flat, 1, rows), 0); });
-    if (rows > 1) {
-        const auto outward = [&](int row, int i) { return turns.Point(i, Mix(0, flat, row + 1, rows), 0); };
-        out->Grid(rows - 1, count, true, outward, Constant({0, 0, -1}));
+class BoltHead {
+public:
+    BoltHead(const BoltDims& d, int perSide, const Turns& turns, double edge, MeshBuilder* out)
+        : d_(d), perSide_(perSide), turns_(turns), edge_(edge), out_(*out), chamfer_(0.16 * d.headHeight),
+          flat_(d.head * std::cos(std::numbers::pi / 6) * 0.94), corners_(EvenTurns(6)) {}
+
+    void Build() const {
+        Bottom();
+        Chamfer();
+        for (int side = 0; side < 6; ++side) { Side(side); }
+        Seat();
     }
-    out->StartFace();
-    const int chamferRows = RowsFor(chamfer, edge);
-    const auto slope = [&](int row, int i) {
-        return Mix(turns.Point(i, flat, 0), hexagon(i, chamfer), row, chamferRows);
-    };
-    const auto slopeNormal = [&](int, int i) {
-        return Unit(turns.Direction(i) * chamfer + Vec3{0, 0, flat - Length(hexagon(i, 0))});
-    };
-    out->Grid(chamferRows, count, true, slope, slopeNormal);
-    const int up = RowsFor(d.headHeight - chamfer, edge);
-    for (int side = 0; side < 6; ++side) {
-        const Vec3 normal = Unit(corners.Point(side, 1, 0) + corners.Point(side + 1, 1, 0));
-        out->StartFace(Plane(hexagon(side * perSide, 0), normal));
+
+private:
+    Vec3 Hexagon(int i, double z) const {
+        const int side = i / perSide_ % 6;
+        return Mix(corners_.Point(side, d_.head, z), corners_.Point(side + 1, d_.head, z), i % perSide_,
+                   perSide_);
+    }
+
+    void Bottom() const {
+        const Vec3 down{0, 0, -1};
+        const int count = turns_.Count();
+        const int rows = RowsFor(flat_, edge_);
+        out_.StartFace(Plane({0, 0, 0}, down));
+        out_.Disc({0, 0, 0}, count, down,
+                  [&](int i) { return turns_.Point((count - i) % count, Mix(0, flat_, 1, rows), 0); });
+        if (rows == 1) { return; }
+        const auto pointAt = [&](int row, int i) { return turns_.Point(i, Mix(0, flat_, row + 1, rows), 0); };
+        out_.Grid(rows - 1, count, true, pointAt, Constant(down));
+    }
+    void Chamfer() const {
+        const int rows = RowsFor(chamfer_, edge_);
         const auto pointAt = [&](int row, int i) {
-            return hexagon(side * perSide + i, Mix(chamfer, d.headHeight, row, up));
+            return Mix(turns_.Point(i, flat_, 0), Hexagon(i, chamfer_), row, rows);
         };
-        out->Grid(up, perSide, false, pointAt, Constant(normal));
+        const auto normalAt = [&](int, int i) {
+            return Unit(turns_.Direction(i) * chamfer_ + Vec3{0, 0, flat_ - Length(Hexagon(i, 0))});
+        };
+        out_.StartFace();
+        out_.Grid(rows, turns_.Count(), true, pointAt, normalAt);
     }
-    out->StartFace(Plane({0, 0, d.headHeight}, {0, 0, 1}));
-    const int in = RowsFor(d.head - d.shank, edge);
-    const auto seat = [&](int row, int i) {
-        return Mix(hexagon(i, d.headHeight), turns.Point(i, d.shank, d.headHeight), row, in);
-    };
-    out->Grid(in, count, true, seat, Constant({0, 0, 1}));
-}
+    void Side(int side) const {
+        const Vec3 normal = Unit(corners_.Point(side, 1, 0) + corners_.Point(side + 1, 1, 0));
+        const int rows = RowsFor(d_.headHeight - chamfer_, edge_);
+        const auto pointAt = [&](int row, int i) {
+            return Hexagon(side * perSide_ + i, Mix(chamfer_, d_.headHeight, row, rows));
+        };
+        out_.StartFace(Plane(Hexagon(side * perSide_, 0), normal));
+        out_.Grid(rows, perSide_, false, pointAt, Constant(normal));
+    }
+    void Seat() const {
+        const int rows = RowsFor(d_.head - d_.shank, edge_);
+        const auto pointAt = [&](int row, int i) {
+            return Mix(Hexagon(i, d_.headHeight), turns_.Point(i, d_.shank, d_.headHeight), row, rows);
+        };
+        out_.StartFace(Plane({0, 0, d_.headHeight}, {0, 0, 1}));
+        out_.Grid(rows, turns_.Count(), true, pointAt, Constant({0, 0, 1}));
+    }
+
+    const BoltDims& d_;
+    const int perSide_; // edges of the outline
+    const Turns& turns_;
+    const double edge_;
+    MeshBuilder& out_;
+    const double chamfer_; // its height
+    const double flat_;    // radius of the bottom
+    const Turns corners_;
+};
 
 } // namespace
 
@@ -74,7 +101,7 @@ void Build(const BoltDims& d, Fineness fine, MeshBuilder* out) {
     const int perSide = fine.level + 1;
     const Turns turns = EvenTurns(6 * perSide);
     const double edge = 2 * std::numbers::pi * d.shank / turns.Count() * 1.5;
-    BuildBoltHead(d, perSide, turns, edge, out);
+    BoltHead(d, perSide, turns, edge, out).Build();
     out->Revolve(ShankProfile(d, fine.level), false, turns, edge, fine.extraRows);
 }
 
