@@ -5,7 +5,10 @@
 #include "tools/make/output.h"
 #include "write/p21_assembly.h"
 
+#include <cstdio>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace tarnwick::make {
 

@@ -2,7 +2,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace tarnwick::make {
 

@@ -2,8 +2,10 @@
 
 #include "tools/make/output.h"
 
+#include <string>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace tarnwick::make {
 

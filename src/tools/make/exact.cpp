@@ -3,6 +3,8 @@
 #include "write/p21_product.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace tarnwick::make {
 

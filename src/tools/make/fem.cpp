@@ -6,6 +6,11 @@
 #include "write/p21_product.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
 
 namespace tarnwick::make {
 

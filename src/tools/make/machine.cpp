@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <numbers>
+#include <utility>
 
 namespace tarnwick::make {
 

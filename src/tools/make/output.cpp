@@ -1,6 +1,7 @@
 #include "tools/make/output.h"
 
 #include <cstdio>
+#include <memory>
 
 namespace tarnwick::make {
 

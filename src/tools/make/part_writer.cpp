@@ -12,8 +12,11 @@
 #include <map>
 #include <numeric>
 #include <optional>
+#include <span>
+#include <string_view>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 namespace tarnwick::make {
 

@@ -7,7 +7,10 @@
 #include "write/real_text.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <limits>
+#include <vector>
 
 namespace tarnwick::make {
 

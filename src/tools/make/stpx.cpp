@@ -5,8 +5,11 @@
 #include "tools/make/output.h"
 #include "write/zip_writer.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <functional>
+#include <map>
+#include <string>
 
 namespace tarnwick::make {
 
