@@ -1,20 +1,30 @@
-# Sourced by ./run, ./test and .ci/run: puts what a Debian 12 machine lacks on it.
+# What the scripts of the project share: each of them sources it. Says what happens, puts on a Debian 12 machine what that
+# lacks, builds, tests.
 
 say() { printf '%s\n' "tarnwick: $*"; }
 
+# apt_get ARGUMENT...: as root, without questions. It waits for another that is at work, as on a machine that has just
+# started.
+apt_get() {
+  local as_root=()
+  [ "$(id -u)" = 0 ] || as_root=(sudo)
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive LC_ALL=C apt-get -qq -o DPkg::Lock::Timeout=300 "$@"
+}
+
 # Installs those of the named packages that are missing.
 ensure_packages() {
-  local missing=() package
+  local missing=() package messages end=$((SECONDS + 300))
   for package in "$@"; do
     [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
   done
   [ ${#missing[@]} -gt 0 ] || return 0
   say "installing ${missing[*]}"
-  local as_root=()
-  [ "$(id -u)" = 0 ] || as_root=(sudo)
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
-    "${missing[@]}" >/dev/null
+  # apt-get gives up at once when another holds the lists.
+  until messages=$(apt_get update 2>&1); do
+    [[ $messages = *"Could not get lock"* && $SECONDS -lt $end ]] || { say "$messages"; return 1; }
+    sleep 5
+  done
+  messages=$(apt_get install -y --no-install-recommends "${missing[@]}" 2>&1) || { say "$messages"; return 1; }
 }
 
 build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcli11-dev nlohmann-json3-dev)
@@ -34,9 +44,10 @@ build() {
   local preset=$1
   shift
   say "building ($preset)"
-  cmake --preset "$preset" >"/tmp/tarnwick-configure-$$.log" 2>&1 ||
-    { cat "/tmp/tarnwick-configure-$$.log"; rm -f "/tmp/tarnwick-configure-$$.log"; return 1; }
-  rm -f "/tmp/tarnwick-configure-$$.log"
+  local log
+  log=$(mktemp)
+  cmake --preset "$preset" >"$log" 2>&1 || { cat "$log"; rm -f "$log"; return 1; }
+  rm -f "$log"
   cmake --build --preset "$preset" ${1:+--target "$@"} -- --quiet
 }
 
