@@ -2,21 +2,16 @@
 
 #include "formats/load_commands.h"
 #include "support/formats.h"
+#include "support/real_files.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 
 namespace tarnwick {
 namespace {
 
 using namespace test;
-
-std::string RealFile(const std::string& name) {
-    const std::string path = std::string(TARNWICK_REAL_FILES) + "/" + name;
-    return std::filesystem::exists(path) ? path : std::string();
-}
 
 TEST(RealFiles, AnAssemblyOf9ProductsHas18PlacedParts) {
     const std::string path = RealFile("xml/as1-oc-214-stpx/as1-oc-214.stpx");

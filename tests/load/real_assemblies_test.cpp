@@ -1,21 +1,15 @@
 // Assemblies that nobody here wrote, where they are at hand.
 
 #include "support/loaded_file.h"
+#include "support/real_files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace tarnwick::test {
 namespace {
 
 using ::testing::IsEmpty;
-
-std::string RealFile(const std::string& name) {
-    const std::string path = std::string(TARNWICK_REAL_FILES) + "/" + name;
-    return std::filesystem::exists(path) ? path : std::string();
-}
 
 TEST(RealAssembly, OverEightPartFilesComesOutWhole) {
     const std::string path = RealFile("assemblies/s1-tu-203/s1-tu-203.stp");

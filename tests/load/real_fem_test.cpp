@@ -1,20 +1,15 @@
 // Finite element files that nobody here wrote, where they are at hand.
 
 #include "support/loaded_file.h"
+#include "support/real_files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 
 namespace tarnwick::test {
 namespace {
-
-std::string RealFile(const std::string& name) {
-    const std::string path = std::string(TARNWICK_REAL_FILES) + "/" + name;
-    return std::filesystem::exists(path) ? path : std::string();
-}
 
 TEST(RealFem, WithOneConstantSectionIsBlack) {
     const std::string path = RealFile("fem/ATS3-out.unwrapped.stp");

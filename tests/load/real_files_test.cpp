@@ -1,10 +1,10 @@
 // Files of other systems, which are no part of the project.
 
 #include "support/loaded_view.h"
+#include "support/real_files.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 
 namespace tarnwick::test {
@@ -20,8 +20,8 @@ class RealFiles : public testing::Test {
 protected:
     // Loads a file of the folder, or skips the test.
     void Load(const std::string& name) {
-        const std::string path = std::string(TARNWICK_REAL_FILES) + "/" + name;
-        if (!std::filesystem::exists(path)) { GTEST_SKIP() << path << " isn't there"; }
+        const std::string path = RealFile(name);
+        if (path.empty()) { GTEST_SKIP() << name << " isn't here"; }
         view_.Load(path, 1);
         faces_ = view_.Faces();
     }
