@@ -4,8 +4,11 @@
 #include "load/load_file.h"
 #include "product/draw_list.h"
 #include "summary/select_depth.h"
+#include "support/capture.h"
 #include "support/formats.h"
+#include "support/sound_scene.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -250,26 +253,55 @@ TEST(Stpj, GivesUpAFileWithANameThatDoesNotFit) {
     EXPECT_FALSE(file(5, 584));
 }
 
-TEST(Stpj, StaysInItsTextWhereverThatIsCutOrDamaged) {
+// The first thing that isn't sound in what the load of a damaged summary shows, at any depth.
+std::string UnsoundSummary(const std::string& path) {
+    SceneView view;
+    LoadStpjFile(view, path.c_str());
+    if (const std::string reason = UnsoundIn(view); !reason.empty()) { return reason; }
+    if (view.loaded.stpjFile == nullptr) {
+        return view.loaded.boxList != nullptr ? "boxes without a file" : "";
+    }
+    const StpjFile& file = *view.loaded.stpjFile;
+    if (file.productCount < 0 || file.productCount > 2) { return "the count of the products"; }
+    if (file.occurrenceCount < 1 || file.occurrenceCount > 3) { return "the count of the occurrences"; }
+    if (view.loaded.summaryProductCount != file.productCount) { return "the products of the view"; }
+    for (std::int32_t i = 0; i < file.occurrenceCount; ++i) {
+        const StpjOccurrence& occurrence = *file.occurrences[i];
+        const bool known = occurrence.productIndex >= 1 && occurrence.productIndex <= file.productCount;
+        const ProductNode* const product = ProductOf(file, occurrence);
+        if (product != (known ? file.products[occurrence.productIndex - 1] : nullptr)) { return "a product"; }
+        if (occurrence.hasBox != 0 && (product == nullptr || product->hasBox == 0)) { return "a box"; }
+    }
+    for (const std::int32_t depth : {0, 1, 5, -1}) {
+        SelectShownDepth(view, depth);
+        if (const std::string reason = UnsoundIn(view); !reason.empty()) { return reason; }
+    }
+    return "";
+}
+
+TEST(Stpj, StaysInItsTextAndItsTablesWhereverThatIsCutOrDamaged) {
     const std::string text =
         Summary({kBoxed, "{\"name\":\"b\",\"bbox\":[1 2 3 4 5 6]}"}, {Row(0, 1), Row(1, 2), Row(1, 1)});
-    for (std::size_t cut = 0; cut <= text.size(); ++cut) {
-        Loaded loaded(text.substr(0, cut));
-        for (const std::int32_t depth : {0, 1, 5}) {
-            if (loaded.result.stpjFile != nullptr) { loaded.At(depth); }
-        }
-    }
-    const std::string letters("\"{}[]:, \0x9<", 12);
     const TestFolder folder;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        for (const char c : letters) {
-            std::string damaged = text;
-            damaged[i] = c;
-            const std::string path = folder.Write("a.stpj", damaged);
-            LoadedScene result = NewScene();
-            TraiteSTPJFile(result, path.c_str());
+    std::vector<std::string> reasons;
+    const auto load = [&](const std::string& damaged, const std::string& what) {
+        const std::string reason = UnsoundSummary(folder.Write("a.stpj", damaged));
+        if (!reason.empty()) { reasons.push_back(what + ": " + reason); }
+    };
+    {
+        const LogCapture log;
+        for (std::size_t cut = 0; cut <= text.size(); ++cut) {
+            load(text.substr(0, cut), "length " + std::to_string(cut));
+        }
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            for (const char c : std::string_view("\"{}[]:, \0x9<", 12)) {
+                std::string damaged = text;
+                damaged[i] = c;
+                load(damaged, "byte " + std::to_string(i) + " as " + std::to_string(c));
+            }
         }
     }
+    EXPECT_THAT(reasons, testing::IsEmpty());
 }
 
 TEST(StpjLoad, ShowsBoxesAndFollowsTheSlider) {
