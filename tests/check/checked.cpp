@@ -49,7 +49,7 @@ std::vector<std::string> Texts(std::string_view text) {
 }
 
 std::string GoodPart() {
-    return P21Text({
+    Lines lines{
         "#1=PRODUCT('P1','part one','',());",
         "#2=TESSELLATED_SHAPE_REPRESENTATION('',(#20,#22),#9);",
         "#9=GEOMETRIC_REPRESENTATION_CONTEXT('','',3);",
@@ -62,20 +62,9 @@ std::string GoodPart() {
         "#40=MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION('',(#41,#42),#9);",
         "#41=STYLED_ITEM('',(#50),#20);",
         "#42=STYLED_ITEM('',(#51),#22);",
-        "#50=PRESENTATION_STYLE_ASSIGNMENT((#52));",
-        "#51=PRESENTATION_STYLE_ASSIGNMENT((#53));",
-        "#52=SURFACE_STYLE_USAGE(.BOTH.,#54);",
-        "#53=SURFACE_STYLE_USAGE(.BOTH.,#55);",
-        "#54=SURFACE_SIDE_STYLE('',(#56));",
-        "#55=SURFACE_SIDE_STYLE('',(#56,#60));",
-        "#56=SURFACE_STYLE_FILL_AREA(#57);",
-        "#57=FILL_AREA_STYLE('',(#58));",
-        "#58=FILL_AREA_STYLE_COLOUR('',#59);",
-        "#59=COLOUR_RGB('',0.1,0.2,0.3);",
-        "#60=SURFACE_STYLE_RENDERING_WITH_PROPERTIES(.NORMAL.,#61,(#62));",
-        "#61=DRAUGHTING_PRE_DEFINED_COLOUR('red');",
-        "#62=SURFACE_STYLE_TRANSPARENT(0.5);",
-    });
+    };
+    Append(lines, TwoStyles());
+    return P21Text(lines);
 }
 
 std::string EditedIn(std::string text, std::string_view from, std::string_view to) {

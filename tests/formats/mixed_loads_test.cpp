@@ -4,46 +4,17 @@
 #include "formats/load_commands.h"
 #include "support/capture.h"
 #include "support/formats.h"
+#include "support/holdings.h"
 #include "support/sanitized.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace tarnwick {
 namespace {
 
 using namespace test;
-
-long CountIn(const char* folder) {
-    const auto range = std::filesystem::directory_iterator(folder);
-    return std::distance(begin(range), end(range));
-}
-
-long ResidentPages() {
-    std::ifstream file("/proc/self/statm");
-    long size = 0;
-    long resident = 0;
-    file >> size >> resident;
-    return resident;
-}
-
-// What a process holds of the system's.
-struct Holdings {
-    long files = CountIn("/proc/self/fd");
-    long threads = CountIn("/proc/self/task");
-    long pages = ResidentPages();
-};
-
-void Load(SceneView& view, const std::string& path, bool useThreads) {
-    if (path.ends_with(".stp") || path.ends_with(".stpz")) { LoadStepFile(view, path.c_str(), useThreads); }
-    if (path.ends_with(".stpx")) { LoadStpxFile(view, path.c_str(), nullptr, useThreads); }
-    if (path.ends_with(".stpj")) { LoadStpjFile(view, path.c_str()); }
-    if (path.ends_with(".stpa")) { LoadZIPFile(view, path.c_str(), nullptr, useThreads); }
-    SelectShownDepth(view, 1);
-}
 
 TEST(MixedLoads, OfAThousandGoodAndBadFilesLeaveNothingBehind) {
     const TestFolder folder;
@@ -60,8 +31,7 @@ TEST(MixedLoads, OfAThousandGoodAndBadFilesLeaveNothingBehind) {
     folder.Write("wheel.stp", part);
     const std::string archive = folder.Path("good.stpa");
     WriteArchive(archive, {{"stpa.ini", "root=\"top.stpx\""}, {"top.stpx", document}, {"wheel.stp", part}});
-    std::ifstream archived(archive, std::ios::binary);
-    const std::string packed((std::istreambuf_iterator<char>(archived)), std::istreambuf_iterator<char>());
+    const std::string packed = ReadWholeFile(archive);
     const auto half = [](const std::string& text) { return text.substr(0, text.size() / 2); };
     std::filesystem::create_directory(folder.Path("folder.stp"));
     const std::vector<std::string> paths{
@@ -84,14 +54,15 @@ TEST(MixedLoads, OfAThousandGoodAndBadFilesLeaveNothingBehind) {
     const LogCapture log;
     SceneView view;
     int shown = 0;
-    Holdings before;
+    Holdings before{};
     for (int load = 0; load < 1000; ++load) {
         const std::string& path = paths[static_cast<std::size_t>(load) % paths.size()];
-        Load(view, path, load % 4 == 0 ? 0 : 1);
+        LoadByEnding(view, path, nullptr, load % 4 == 0 ? 0 : 1);
+        SelectShownDepth(view, 1);
         if (path.find("good") != std::string::npos && view.loaded.drawnTriangles > 0) { ++shown; }
-        if (load == 200) { before = Holdings(); }
+        if (load == 200) { before = HoldingsNow(); }
     }
-    const Holdings after;
+    const Holdings after = HoldingsNow();
     EXPECT_GT(shown, 200);
     EXPECT_EQ(after.files, before.files);
     EXPECT_EQ(after.threads, before.threads);

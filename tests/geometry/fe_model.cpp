@@ -1,7 +1,10 @@
 #include "geometry/fe_model.h"
 
+#include "platform/fail_fast.h"
 #include "support/assembly_text.h"
 #include "support/capture.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 
@@ -55,6 +58,17 @@ FeModel::FeModel(std::string_view text) : path(folder.Write("model.stp", text)),
     reader = std::make_unique<FiniteElementReader>(model, arena, scratch);
     if (ReadFiniteElements(*reader) != 0) { std::abort(); }
     console = log.TakeConsole();
+}
+
+void ExpectEndOfProcess(std::string_view text) {
+    const TempFolder folder; // of the parent: the process that ends leaves what it has made
+    ReaderWorkspace workspace;
+    StepModel model(workspace, folder.Write("model.stp", text));
+    ASSERT_EQ(model.Read(), StepModel::kRead);
+    Arena arena;
+    PartScratch scratch;
+    FiniteElementReader reader(model, arena, scratch);
+    EXPECT_EXIT(ReadFiniteElements(reader), ::testing::ExitedWithCode(kFailFastStatus), "");
 }
 
 const FeNode* FeModel::Node(std::int32_t id) const {

@@ -63,4 +63,7 @@ struct FeModel {
     std::string console;
 };
 
+// Expects the reader to end the process at this text.
+void ExpectEndOfProcess(std::string_view text);
+
 } // namespace tarnwick::test

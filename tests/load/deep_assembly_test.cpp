@@ -51,6 +51,16 @@ public:
         return std::to_string(Line("S(#" + std::to_string(usage) + ")"));
     }
     void Occurrence(const std::string& shape) { Line("CONTEXT_DEPENDENT_SHAPE_REP(#1,#" + shape + ")"); }
+    // So many products below `parent`, each in the one before it, with the names "1", "2", ...; returns the
+    // last.
+    int Chain(int parent, int levels) {
+        for (int i = 1; i <= levels; ++i) {
+            const int child = Product(std::to_string(i));
+            Occurrence(Shape(parent, child));
+            parent = child;
+        }
+        return parent;
+    }
     void File(int definition, const std::string& name) {
         const std::string document = std::to_string(Line("D('" + name + "')"));
         Line("APPLIED_DOCUMENT_REF(#" + document + ",'',(#" + std::to_string(definition) + "))");
@@ -66,13 +76,8 @@ TEST(DeepAssembly, MayHaveAHundredThousandLevels) {
     constexpr int kLevels = kMany;
     const TempFolder folder;
     ShortText text;
-    int parent = text.Product("0");
-    for (int i = 1; i <= kLevels; ++i) {
-        const int child = text.Product(std::to_string(i));
-        text.Occurrence(text.Shape(parent, child));
-        parent = child;
-    }
-    text.File(parent, "part.stp");
+    const int last = text.Chain(text.Product("0"), kLevels);
+    text.File(last, "part.stp");
     folder.Write("part.stp", PlateText(1));
     const std::string path = folder.Write("top.stp", text.Text());
     const LoadedFile load(path);
@@ -91,13 +96,8 @@ TEST(DeepAssembly, MayBeACycleOfAHundredThousandLevels) {
     const int root = text.Product("root");
     const int first = text.Product("0");
     text.Occurrence(text.Shape(root, first));
-    int parent = first;
-    for (int i = 1; i < kLevels; ++i) {
-        const int child = text.Product(std::to_string(i));
-        text.Occurrence(text.Shape(parent, child));
-        parent = child;
-    }
-    text.Occurrence(text.Shape(parent, first));
+    const int last = text.Chain(first, kLevels - 1);
+    text.Occurrence(text.Shape(last, first));
     const std::string path = folder.Write("top.stp", text.Text());
     const LoadedFile load(path);
     EXPECT_EQ(load.console, "Start TraiteSTEPFile\n<E> " + path +
@@ -110,12 +110,7 @@ TEST(DeepAssembly, CanBeReported) {
     constexpr int kLevels = kMany / 5;
     const TempFolder folder;
     ShortText text;
-    int parent = text.Product("0");
-    for (int i = 1; i <= kLevels; ++i) {
-        const int child = text.Product(std::to_string(i));
-        text.Occurrence(text.Shape(parent, child));
-        parent = child;
-    }
+    text.Chain(text.Product("0"), kLevels);
     const std::string report = ReportOf(folder.Write("top.stp", text.Text()), 0);
     EXPECT_NE(report.find("\"name\":\"" + std::to_string(kLevels) + "\""), std::string::npos);
 }
@@ -234,6 +229,7 @@ void ExpectLineWithin(std::size_t megabytes, const std::string& path, const std:
     int state = 0;
     waitpid(child, &state, 0);
     ASSERT_TRUE(WIFEXITED(state)) << "signal " << WTERMSIG(state);
+    if (WEXITSTATUS(state) == 77) { GTEST_SKIP() << "the limit can't be set here"; }
     EXPECT_EQ(WEXITSTATUS(state), 0);
 }
 

@@ -4,24 +4,15 @@
 #include "load/generated_assembly.h"
 #include "load/view_setup.h"
 #include "support/capture.h"
+#include "support/holdings.h"
 #include "support/sanitized.h"
 
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 namespace tarnwick::test {
 namespace {
-
-long ResidentPages() {
-    std::ifstream file("/proc/self/statm");
-    long size = 0;
-    long resident = 0;
-    file >> size >> resident;
-    return resident;
-}
 
 TEST(RepeatedLoads, HoldWhatTheTenthOfThemHeld) {
     if (kSanitized) { GTEST_SKIP() << "a sanitizer keeps what is freed"; }
@@ -33,9 +24,9 @@ TEST(RepeatedLoads, HoldWhatTheTenthOfThemHeld) {
         SceneView view;
         for (int load = 1; load <= 200; ++load) {
             LoadStepFile(view, assembly.path.c_str(), 1);
-            if (load == 10) { afterTen = ResidentPages(); }
+            if (load == 10) { afterTen = HoldingsNow().pages; }
         }
-        afterAll = ResidentPages();
+        afterAll = HoldingsNow().pages;
     }
     // What the log of the loads takes here is no more than a few pages.
     EXPECT_LT(static_cast<double>(afterAll), 1.02 * static_cast<double>(afterTen) + 64)

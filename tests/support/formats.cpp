@@ -71,8 +71,7 @@ nlohmann::json Report(const SceneView& view) {
     return nlohmann::json::parse(SceneReport(view, "", nullptr, true));
 }
 
-nlohmann::json LoadReport(const std::string& path, const char* rootName, bool useThreads) {
-    SceneView view;
+void LoadByEnding(SceneView& view, const std::string& path, const char* rootName, bool useThreads) {
     if (path.ends_with(".stpx") || path.ends_with(".stpxz")) {
         LoadStpxFile(view, path.c_str(), rootName, useThreads);
     } else if (path.ends_with(".stpj")) {
@@ -82,6 +81,11 @@ nlohmann::json LoadReport(const std::string& path, const char* rootName, bool us
     } else {
         LoadStepFile(view, path.c_str(), useThreads);
     }
+}
+
+nlohmann::json LoadReport(const std::string& path, const char* rootName, bool useThreads) {
+    SceneView view;
+    LoadByEnding(view, path, rootName, useThreads);
     return Report(view);
 }
 

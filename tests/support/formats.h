@@ -59,7 +59,9 @@ struct ReadDocument {
 
 // The scene in the view, with all arrays.
 nlohmann::json Report(const SceneView& view);
-// The same with what a load does not repeat taken out.
+// Loads a file of any format into the view, by the ending of its name.
+void LoadByEnding(SceneView& view, const std::string& path, const char* rootName, bool useThreads);
+// The scene of a file that a new view has loaded.
 nlohmann::json LoadReport(const std::string& path, const char* rootName, bool useThreads);
 
 // A part of two triangles in a P21 file, its box from 0 to `size`, 2 and 3.
