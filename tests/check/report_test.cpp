@@ -1,6 +1,5 @@
 #include "check/checked.h"
-
-#include <nlohmann/json.hpp>
+#include "support/json.h"
 
 namespace tarnwick::test {
 namespace {
@@ -61,23 +60,23 @@ TEST(CheckReports, GiveTheAdviceOfTheMostSeriousFinding) {
 }
 
 TEST(CheckReports, HoldAllFindingsAsJson) {
-    const json report = json::parse(CheckJson(ReportOf(WithWires(12))));
+    const json report = ParseJson(CheckJson(ReportOf(WithWires(12))));
     EXPECT_EQ(report["format"], "tarnwick.check/1");
     EXPECT_EQ(report["counts"]["TESSELLATED_WIRE"], 12);
     ASSERT_EQ(report["findings"].size(), 12U);
-    EXPECT_EQ(report["findings"][11], json::parse(R"({"kind": "not-drawn", "entity": 111, "line": 21,
+    EXPECT_EQ(report["findings"][11], ParseJson(R"({"kind": "not-drawn", "entity": 111, "line": 21,
                                                        "text": "TESSELLATED_WIRE isn't drawn"})"));
     EXPECT_EQ(report["advice"], TextOf(FindingKind::kNotDrawn).advice);
 }
 
 TEST(CheckReports, HaveNullForWhatThereIsNone) {
-    const json report = json::parse(CheckJson(ReportOf(Edited("#1=PRODUCT(", "#1=PRODUKT("))));
+    const json report = ParseJson(CheckJson(ReportOf(Edited("#1=PRODUCT(", "#1=PRODUKT("))));
     EXPECT_EQ(report["findings"][0]["entity"], nullptr);
     EXPECT_EQ(report["findings"][0]["line"], nullptr);
 }
 
 TEST(CheckReports, HaveEachByteOfAName) {
-    const json report = json::parse(CheckJson(ReportOf(Edited("#62=", "#70=\xE9TAT();\n#62="))));
+    const json report = ParseJson(CheckJson(ReportOf(Edited("#62=", "#70=\xE9TAT();\n#62="))));
     EXPECT_EQ(report["counts"]["\xC3\xA9TAT"], 1);
 }
 

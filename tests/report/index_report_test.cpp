@@ -1,11 +1,11 @@
 #include "report/report.h"
 
 #include "support/capture.h"
+#include "support/json.h"
 #include "support/p21_text.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <string>
 
@@ -22,7 +22,7 @@ json IndexOf(const std::string& path, bool entities) {
         const LogCapture log;
         result = model.Read();
     }
-    return json::parse(IndexReport(model, result, entities));
+    return ParseJson(IndexReport(model, result, entities));
 }
 
 TEST(IndexReport, HasTheCountersOfAFile) {

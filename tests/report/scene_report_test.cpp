@@ -3,11 +3,11 @@
 
 #include "load/view_setup.h"
 #include "support/capture.h"
+#include "support/json.h"
 #include "support/p21_text.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <set>
 #include <string>
@@ -19,7 +19,7 @@ using nlohmann::json;
 
 json Reported(const SceneView& view, bool arrays = false) {
     const std::string status = "status";
-    return json::parse(SceneReport(view, "path", &status, arrays));
+    return ParseJson(SceneReport(view, "path", &status, arrays));
 }
 
 json ReportOf(const std::string& text, bool arrays = false) {
@@ -40,8 +40,8 @@ std::set<std::string> Keys(const json& object) {
 
 TEST(SceneReport, OfAFreshViewIsItsFirstState) {
     const SceneView view;
-    const json report = json::parse(SceneReport(view, "a/b.step", nullptr, false));
-    EXPECT_EQ(report, json::parse(R"({
+    const json report = ParseJson(SceneReport(view, "a/b.step", nullptr, false));
+    EXPECT_EQ(report, ParseJson(R"({
         "format": "tarnwick.scene/1", "path": "a/b.step", "status": null, "triangles": 0, "pickMode": 0,
         "maxDepth": 0, "box": [0.0,0.0,0.0,0.0,0.0,0.0], "centre": [0.0,0.0,0.0], "modelSize": 120.0,
         "eye": [0.0,0.0,0.0], "rootName": null, "drawList": null, "meshes": [], "products": [],
@@ -62,18 +62,17 @@ TEST(SceneReport, HasTheHeadOfAPart) {
     EXPECT_EQ(report["pickMode"], 1);
     EXPECT_EQ(report["maxDepth"], 0);
     EXPECT_EQ(report["rootName"], "P1");
-    EXPECT_EQ(report["box"], json::parse("[0,1,0,15,-2.25,0]"));
-    EXPECT_EQ(report["centre"], json::parse("[0.5,7.5,-1.125]"));
+    EXPECT_EQ(report["box"], ParseJson("[0,1,0,15,-2.25,0]"));
+    EXPECT_EQ(report["centre"], ParseJson("[0.5,7.5,-1.125]"));
     EXPECT_EQ(report["modelSize"], 18.25);
-    EXPECT_EQ(report["eye"], json::parse("[0.5,44,35.375]"));
-    EXPECT_EQ(report["drawList"], json::parse(R"([{"product":0,"matrix":null,"meshes":[0,1,2,3]}])"));
+    EXPECT_EQ(report["eye"], ParseJson("[0.5,44,35.375]"));
+    EXPECT_EQ(report["drawList"], ParseJson(R"([{"product":0,"matrix":null,"meshes":[0,1,2,3]}])"));
     EXPECT_TRUE(report["boxList"].is_null());
     EXPECT_TRUE(report["resultMesh"].is_null());
-    EXPECT_EQ(report["products"],
-              json::parse(R"([{"name":"P1","fileName":null,"definitionId":0,"formationId":0,
+    EXPECT_EQ(report["products"], ParseJson(R"([{"name":"P1","fileName":null,"definitionId":0,"formationId":0,
         "isRoot":1,"hasBox":1,"box":[0,1,0,15,-2.25,0],"occurrences":[]}])"));
     EXPECT_EQ(report["containers"],
-              json::parse(R"([{"kind":1,"containerId":20,"exactContainerId":91,"materialName":"steel"},
+              ParseJson(R"([{"kind":1,"containerId":20,"exactContainerId":91,"materialName":"steel"},
         {"kind":2,"containerId":21,"exactContainerId":0,"materialName":null}])"));
 }
 
@@ -93,17 +92,17 @@ TEST(SceneReport, HasTheFieldsOfAMesh) {
     EXPECT_EQ(mesh["vertexCount"], 4);
     EXPECT_EQ(mesh["triangleCount"], 2);
     EXPECT_EQ(mesh["normalCount"], 4);
-    EXPECT_EQ(mesh["box"], json::parse("[0,1,0,15,-2.25,0]"));
+    EXPECT_EQ(mesh["box"], ParseJson("[0,1,0,15,-2.25,0]"));
     EXPECT_EQ(mesh["colour"][0].get<float>(), 0.1f);
     EXPECT_EQ(mesh["colour"][3], 1.0);
 }
 
 TEST(SceneReport, HasArraysOnlyWhenAsked) {
     const json mesh = ReportOf(SmallPartText(), true)["meshes"][0];
-    EXPECT_EQ(mesh["vertices"], json::parse("[0,0,0,1,0,0,1,1,0,0,15,-2.25]"));
-    EXPECT_EQ(mesh["normals"], json::parse("[0,0,1,0,0,1,0,0,1,0,0,1]"));
-    EXPECT_EQ(mesh["triangles"], json::parse("[0,1,2,0,2,3]"));
-    EXPECT_EQ(mesh["pnindex"], json::parse("[0,1,2,3]"));
+    EXPECT_EQ(mesh["vertices"], ParseJson("[0,0,0,1,0,0,1,1,0,0,15,-2.25]"));
+    EXPECT_EQ(mesh["normals"], ParseJson("[0,0,1,0,0,1,0,0,1,0,0,1]"));
+    EXPECT_EQ(mesh["triangles"], ParseJson("[0,1,2,0,2,3]"));
+    EXPECT_EQ(mesh["pnindex"], ParseJson("[0,1,2,3]"));
 }
 
 // The checksums of these arrays as worked out with another tool.
@@ -117,7 +116,7 @@ TEST(SceneReport, HasTheChecksumsOfTheArrays) {
     EXPECT_EQ(mesh["normalsCrc"], "00000000");
     EXPECT_EQ(mesh["trianglesCrc"], "e108e6f9");
     EXPECT_EQ(mesh["pnindexCrc"], "2144df1c");
-    EXPECT_EQ(mesh["triangles"], json::parse("[0,4294967295,0]")) << "an index of -1 has no sign";
+    EXPECT_EQ(mesh["triangles"], ParseJson("[0,4294967295,0]")) << "an index of -1 has no sign";
     EXPECT_EQ(mesh["normals"], json::array());
 }
 
@@ -149,7 +148,7 @@ TEST(SceneReport, ListsAFaceThatWasReadTwiceTwice) {
                                                     "#20=TESSELLATED_SOLID('',(#30,#30),$);",
                                                     "#30=TRIANGULATED_FACE('',#10,1,$,$,$,((1,1,1)));"}));
     EXPECT_EQ(report["meshes"].size(), 2u);
-    EXPECT_EQ(report["drawList"][0]["meshes"], json::parse("[0,1]"));
+    EXPECT_EQ(report["drawList"][0]["meshes"], ParseJson("[0,1]"));
 }
 
 TEST(SceneReport, ListsAMeshOfSeveralItemsOnce) {
@@ -181,10 +180,10 @@ TEST(SceneReport, ListsAMeshOfSeveralItemsOnce) {
     const json report = Reported(view);
     ASSERT_EQ(report["meshes"].size(), 2u);
     EXPECT_EQ(report["meshes"][0]["faceId"], 6) << "by first appearance";
-    EXPECT_EQ(report["drawList"][0], json::parse(R"({"product":1,"matrix":null,"meshes":[0]})"));
+    EXPECT_EQ(report["drawList"][0], ParseJson(R"({"product":1,"matrix":null,"meshes":[0]})"));
     EXPECT_EQ(report["drawList"][1],
-              json::parse(R"({"product":0,"matrix":[1,0,0,0,0,1,0,0,0,0,1,0,4,5,6,1],"meshes":[1,0]})"));
-    EXPECT_EQ(report["drawList"][2], json::parse(R"({"product":null,"matrix":null,"meshes":[]})"));
+              ParseJson(R"({"product":0,"matrix":[1,0,0,0,0,1,0,0,0,0,1,0,4,5,6,1],"meshes":[1,0]})"));
+    EXPECT_EQ(report["drawList"][2], ParseJson(R"({"product":null,"matrix":null,"meshes":[]})"));
     ASSERT_EQ(report["products"].size(), 2u);
     EXPECT_EQ(report["products"][0]["occurrences"][0]["child"], 1);
     EXPECT_EQ(report["products"][0]["occurrences"][1]["rotation"][8].get<double>(), 0.1);
@@ -222,13 +221,12 @@ TEST(SceneReport, WritesNamesAsLatin1) {
     EXPECT_EQ(report["products"][0]["name"], "\xC3\xA9t\xC3\xA9");
     const SceneView view;
     const std::string status = "ok";
-    EXPECT_EQ(json::parse(SceneReport(view, "/\xC3\xA9.stp", &status, false))["path"],
-              "/\xC3\x83\xC2\xA9.stp");
+    EXPECT_EQ(ParseJson(SceneReport(view, "/\xC3\xA9.stp", &status, false))["path"], "/\xC3\x83\xC2\xA9.stp");
 }
 
 TEST(SceneReport, HasAnEmptyListForAPartWithoutFaces) {
     const json report = ReportOf(P21Text({"#1=PRODUCT('P','','',());"}));
-    EXPECT_EQ(report["drawList"], json::parse(R"([{"product":0,"matrix":null,"meshes":[]}])"));
+    EXPECT_EQ(report["drawList"], ParseJson(R"([{"product":0,"matrix":null,"meshes":[]}])"));
     EXPECT_EQ(report["products"][0]["hasBox"], 0);
     EXPECT_TRUE(report["products"][0]["box"].is_null());
     EXPECT_EQ(report["modelSize"], 10.0);

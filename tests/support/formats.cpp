@@ -68,7 +68,7 @@ ProductNode* ReadDocument::Product(std::string_view name) const {
 }
 
 nlohmann::json Report(const SceneView& view) {
-    return nlohmann::json::parse(SceneReport(view, "", nullptr, true));
+    return ParseJson(SceneReport(view, "", nullptr, true));
 }
 
 void LoadByEnding(SceneView& view, const std::string& path, const char* rootName, bool useThreads) {

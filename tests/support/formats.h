@@ -3,11 +3,10 @@
 #include "load/scene_view.h"
 #include "platform/text_block.h"
 #include "support/archive.h"
+#include "support/json.h"
 #include "support/loaded_file.h"
 #include "support/temp_folder.h"
 #include "xml/stpx_document.h"
-
-#include <nlohmann/json.hpp>
 
 #include <string>
 #include <string_view>

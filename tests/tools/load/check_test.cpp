@@ -47,14 +47,14 @@ TEST_F(LoadProgram, ChecksWhatIsNotThere) {
 TEST_F(LoadProgram, WritesTheCheckAsJson) {
     const ProgramRun run = Run({"--check", part_, "--json", "-"});
     EXPECT_EQ(run.status, 1);
-    const json report = json::parse(run.output);
+    const json report = ParseJson(run.output);
     EXPECT_EQ(report["format"], "tarnwick.check/1");
     EXPECT_EQ(report["path"], part_);
     EXPECT_EQ(report["counts"]["TRIANGULATED_FACE"], 2);
     const std::string name = folder_.Path("check.json");
     const ProgramRun toFile = Run({"--check", part_, "--json", name});
     EXPECT_EQ(toFile.output, "");
-    EXPECT_EQ(json::parse(ReadWholeFile(name)), report);
+    EXPECT_EQ(ParseJson(ReadWholeFile(name)), report);
     EXPECT_EQ(Run({"--check", folder_.Write("sound.stp", kSound), "--json", "/nowhere/check.json"}).status, 1)
         << "a report that can't be written";
 }

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "support/json.h"
 #include "support/p21_text.h"
 #include "support/run_program.h"
 #include "support/temp_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <string>
 #include <vector>
@@ -32,7 +32,7 @@ inline json ObjectIn(const std::string& text) {
     for (std::size_t from = 0; from < text.size();) {
         std::size_t to = text.find('\n', from);
         if (to == std::string::npos) { to = text.size(); }
-        const json object = json::parse(text.substr(from, to - from), nullptr, false);
+        const json object = ParseJson(text.substr(from, to - from));
         if (object.is_object() && object.contains("format")) { return object; }
         from = to + 1;
     }

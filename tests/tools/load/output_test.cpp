@@ -74,7 +74,7 @@ TEST_F(LoadProgram, PrintsPointsInALocaleWithCommas) {
     for (const char* const locale : {"LC_ALL=de_DE.UTF-8", "LC_ALL=C", "LC_ALL=C.UTF-8"}) {
         const ProgramRun run = Run({part_, "--json", folder_.Path("report.json")}, {locale});
         EXPECT_TRUE(IsStatus(run.output.substr(kCount.size()))) << run.output;
-        EXPECT_EQ(json::parse(ReadWholeFile(folder_.Path("report.json")))["modelSize"], 18.25);
+        EXPECT_EQ(ParseJson(ReadWholeFile(folder_.Path("report.json")))["modelSize"], 18.25);
     }
 }
 

@@ -4,8 +4,7 @@
 #include "make_files.h"
 #include "report/report.h"
 #include "support/capture.h"
-
-#include <nlohmann/json.hpp>
+#include "support/json.h"
 
 #include <algorithm>
 #include <map>
@@ -28,7 +27,7 @@ json Load(const std::string& path) {
         LoadStpjFile(view, path.c_str());
     else
         LoadStepFile(view, path.c_str(), 1);
-    json report = json::parse(SceneReport(view, "", nullptr, false));
+    json report = test::ParseJson(SceneReport(view, "", nullptr, false));
     report["unread"] = view.loaded.unreadFiles.size();
     report["unreadDocuments"] = std::count_if(view.loaded.unreadFiles.begin(), view.loaded.unreadFiles.end(),
                                               [](const auto& file) { return file.path.ends_with(".stpx"); });
@@ -218,7 +217,7 @@ TEST_F(MakeFiles, SummaryHasThePlacesAndThePartBoxesOfTheAssembly) {
 TEST_F(MakeFiles, SummaryIsJsonWithExactlyTheOccurrencesAskedFor) {
     for (const int count : {1, 2, 3, 4, 25, 26, 1000}) {
         ASSERT_EQ(Run({"stpj", Path("m.stpj"), "--occurrences", std::to_string(count), "--depth", "2"}), 0);
-        const json summary = json::parse(ReadFile(Path("m.stpj")));
+        const json summary = test::ParseJson(ReadFile(Path("m.stpj")));
         const json& table = summary["occurrences_table"];
         EXPECT_EQ(table["nb_occurrences"], count);
         ASSERT_EQ(table["occurrences"].size(), static_cast<std::size_t>(count));
@@ -244,7 +243,7 @@ TEST_F(MakeFiles, SummaryIsJsonWithExactlyTheOccurrencesAskedFor) {
 
 TEST_F(MakeFiles, SummaryBoxesHoldWhatIsInThem) {
     ASSERT_EQ(Run({"stpj", Path("m.stpj"), "--occurrences", "500"}), 0);
-    const json summary = json::parse(ReadFile(Path("m.stpj")));
+    const json summary = test::ParseJson(ReadFile(Path("m.stpj")));
     const json& products = summary["products_table"]["products"];
     const json& top = products[0]["bbox"];
     for (const json& occurrence : summary["occurrences_table"]["occurrences"]) {
