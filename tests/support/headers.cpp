@@ -1,0 +1,1 @@
+// Headers that are compiled ahead need one source.
