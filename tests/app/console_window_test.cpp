@@ -3,11 +3,11 @@
 #include "app/console_window.h"
 #include "app/eye_text.h"
 #include "platform/console.h"
+#include "waits.h"
 
 #include <gtest/gtest.h>
 
 #include <QScrollBar>
-#include <QTest>
 #include <QTextBlock>
 
 #include <thread>
@@ -20,6 +20,8 @@ class ConsoleWindowTest : public ::testing::Test {
 protected:
     ConsoleWindowTest() { ::testing::internal::CaptureStderr(); }
     ~ConsoleWindowTest() override { ::testing::internal::GetCapturedStderr(); }
+    // Of those that have an end.
+    QString LastLine() const { return console.document()->lastBlock().previous().text(); }
     ConsoleWindow console;
 };
 
@@ -27,11 +29,9 @@ TEST_F(ConsoleWindowTest, LinesOfTheConsoleChannelArriveInOrder) {
     ConsolePrint("Start TraiteSTEPFile\n");
     ConsolePrint("half a ");
     ConsolePrint("line\n");
-    QTest::qWait(20);
-    EXPECT_EQ(console.toPlainText(), "Start TraiteSTEPFile\nhalf a line\n");
+    ExpectSoon([&] { return console.toPlainText(); }, "Start TraiteSTEPFile\nhalf a line\n");
     ConsolePrint("more\n");
-    QTest::qWait(20);
-    EXPECT_EQ(console.toPlainText(), "Start TraiteSTEPFile\nhalf a line\nmore\n");
+    ExpectSoon([&] { return console.toPlainText(); }, "Start TraiteSTEPFile\nhalf a line\nmore\n");
     EXPECT_TRUE(console.isReadOnly());
 }
 
@@ -40,29 +40,28 @@ TEST_F(ConsoleWindowTest, OtherThreadsMayPrint) {
         for (int i = 0; i < 100; ++i) { ConsolePrint("%d\n", i); }
     });
     other.join();
-    QTest::qWait(20);
-    EXPECT_EQ(console.document()->findBlockByNumber(99).text(), "99");
+    ExpectSoon([&] { return console.document()->findBlockByNumber(99).text(); }, "99");
 }
 
 TEST_F(ConsoleWindowTest, TheLastTenThousandLinesAreKept) {
     for (int i = 0; i < 25000; ++i) { ConsolePrint("line %d\n", i); }
-    QTest::qWait(50);
+    ExpectSoon([&] { return LastLine(); }, "line 24999");
     EXPECT_LE(console.blockCount(), 10000);
-    EXPECT_EQ(console.document()->lastBlock().previous().text(), "line 24999");
     EXPECT_GE(console.document()->firstBlock().text().mid(5).toInt(), 15000);
 }
 
 TEST_F(ConsoleWindowTest, ItFollowsItsEndUntilItIsScrolledUp) {
     console.resize(400, 200);
     console.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&console));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&console, kPatience));
     for (int i = 0; i < 200; ++i) { ConsolePrint("line %d\n", i); }
-    QTest::qWait(50);
+    ExpectSoon([&] { return LastLine(); }, "line 199");
     QScrollBar* const bar = console.verticalScrollBar();
+    EXPECT_GT(bar->maximum(), 3);
     EXPECT_EQ(bar->value(), bar->maximum());
     bar->setValue(3);
     ConsolePrint("one more\n");
-    QTest::qWait(50);
+    ExpectSoon([&] { return LastLine(); }, "one more");
     EXPECT_EQ(bar->value(), 3);
 }
 

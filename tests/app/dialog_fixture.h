@@ -6,15 +6,18 @@
 #include "formats/load_commands.h"
 #include "load/view_setup.h"
 #include "models.h"
+#include "waits.h"
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
-#include <QTest>
+#include <QTimer>
 
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -37,9 +40,9 @@ protected:
         dialog->commandLine = commandLine;
         dialog->OnInitDialog();
         dialog->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&*dialog));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&*dialog, kPatience));
         dialog->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&*dialog));
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&*dialog, kPatience));
         QTest::qWait(50);
     }
 
@@ -58,6 +61,19 @@ protected:
     void Load(const std::string& path) {
         dialog->Load(path, true);
         QTest::qWait(20);
+    }
+
+    // Does `what` to the next window that holds up the dialog. Such a window has a loop of events of its own,
+    // so that a test goes on behind what opens it only when it is closed.
+    void WhenModal(std::function<void(QWidget&)> what) {
+        modalTimer_.callOnTimeout(&modalTimer_, [this, what = std::move(what)] {
+            QWidget* const window = QApplication::activeModalWidget();
+            if (window == nullptr || window == &*dialog || !window->isVisible()) { return; }
+            modalTimer_.stop();
+            modalTimer_.disconnect();
+            what(*window);
+        });
+        modalTimer_.start(20);
     }
 
     template <class Control>
@@ -84,6 +100,14 @@ protected:
         QTest::qWait(20);
     }
 
+    // Waits until the view has this height, and is drawn in it: before, a driver may still have the buffers
+    // of another one, and read past their end.
+    void WaitForHeight(int height) {
+        ExpectSoon([this] { return dialog->View().viewHeight; }, height);
+        dialog->View().framesPerSecond = 0;
+        Area()->update();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->View().framesPerSecond > 0; }, kPatience));
+    }
     // What the screen shows.
     QImage Picture() {
         const std::string path = folder_.filePath("picture.bmp").toStdString();
@@ -92,6 +116,13 @@ protected:
     }
     QColor ColourAt(const QImage& picture, ModelPoint point) {
         return picture.pixelColor(PixelOf(point).toPoint());
+    }
+    // Waits until the screen shows this colour there.
+    void ExpectColourSoon(ModelPoint point, int red, int green, int blue) {
+        const auto isNear = [&] { return IsNear(ColourAt(Picture(), point), red, green, blue); };
+        if (!QTest::qWaitFor([&] { return static_cast<bool>(isNear()); }, kPatience)) {
+            EXPECT_TRUE(isNear());
+        }
     }
     static ::testing::AssertionResult IsNear(const QColor& is, int red, int green, int blue) {
         if (std::abs(is.red() - red) <= 1 && std::abs(is.green() - green) <= 1 &&
@@ -111,6 +142,9 @@ protected:
 
     QTemporaryDir folder_;
     std::optional<STEPViewerDlg> dialog;
+
+private:
+    QTimer modalTimer_;
 };
 
 } // namespace tarnwick::test

@@ -14,7 +14,6 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTcpServer>
-#include <QTimer>
 
 #include <sys/resource.h>
 
@@ -28,7 +27,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-constexpr int kPatience = 20000; // milliseconds
 constexpr const char* kRegister = R"({"action":"register","sender":"3d viewer"})";
 
 struct Asked {
@@ -75,19 +73,15 @@ protected:
     }
     QString Downloads() const { return folder_.filePath(".cache/tarnwick/downloads"); }
     std::string Downloaded(const std::string& name) const { return Downloads().toStdString() + '/' + name; }
-    // Does `what` to the box that the link shows next, and closes it. A box has a loop of events of its own,
-    // so that a test goes on behind it only when it is closed.
+    // Does `what` to the box that the link shows next, and closes it.
     void WhenBoxIsOpen(std::function<void(const QMessageBox&)> what) {
-        connectionOfTimer_ = QObject::connect(&timer_, &QTimer::timeout, [this, what = std::move(what)] {
-            auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (box == nullptr || !box->isVisible()) { return; }
-            timer_.stop();
-            QObject::disconnect(connectionOfTimer_);
+        WhenModal([this, what = std::move(what)](QWidget& window) {
+            auto* const box = qobject_cast<QMessageBox*>(&window);
+            ASSERT_NE(box, nullptr);
             what(*box);
             ++boxes_;
             box->accept();
         });
-        timer_.start(20);
     }
     bool WaitForBoxes(int count) {
         return QTest::qWaitFor([&] { return boxes_ >= count; }, kPatience);
@@ -96,8 +90,6 @@ protected:
     std::optional<DialogLink> link;
 
 private:
-    QTimer timer_;
-    QMetaObject::Connection connectionOfTimer_;
     int boxes_ = 0;
 };
 
@@ -159,7 +151,7 @@ TEST_F(DialogLinkTest, ACheckSetsTheTextAgain) {
     Connect(*server);
     dialog->SetPickText("Material: steel  ");
     server->SendText(R"({"Check": "Connexion"})");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return LinkText() == "Connected"; }, kPatience));
+    ExpectSoon([this] { return LinkText(); }, "Connected");
 }
 
 TEST_F(DialogLinkTest, ALoadOrderShowsTheFile) {
@@ -168,10 +160,9 @@ TEST_F(DialogLinkTest, ALoadOrderShowsTheFile) {
     const std::string plate = Plate();
     server->SendText(LoadOrder(plate));
     ASSERT_TRUE(WaitForPath(plate));
-    QTest::qWait(100);
-    EXPECT_EQ(dialog->windowTitle(), "plate.stp - Tarnwick");
+    ExpectSoon([this] { return dialog->windowTitle(); }, "plate.stp - Tarnwick");
     EXPECT_THAT(Get<QLabel>("1008")->text().toStdString(), HasSubstr("Nb Triangles: 8 "));
-    EXPECT_TRUE(IsNear(ColourAt(Picture(), kRed), 244, 0, 0));
+    ExpectColourSoon(kRed, 244, 0, 0);
 }
 
 TEST_F(DialogLinkTest, ALoadOrderMayNameAProductAndIsReadWithThreads) {
@@ -212,8 +203,7 @@ TEST_F(DialogLinkTest, AUrlIsDownloadedIntoAFolderForTheUserAlone) {
     Connect(*server);
     server->SendText(LoadOrder(Url(*server, "/d/served.stp")));
     ASSERT_TRUE(WaitForPath(Downloaded("served.stp")));
-    QTest::qWait(100);
-    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 8);
+    ExpectSoon([this] { return dialog->View().loaded.drawnTriangles; }, 8);
     QFile file(QString::fromStdString(Downloaded("served.stp")));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll().toStdString(), PlateText());
@@ -232,8 +222,7 @@ TEST_F(DialogLinkTest, AnHttpsUrlIsDownloadedWhoeverVouchesForIt) {
     Connect(*server);
     server->SendText(LoadOrder("https://127.0.0.1:" + std::to_string(files->Port()) + "/served.stp"));
     ASSERT_TRUE(WaitForPath(Downloaded("served.stp")));
-    QTest::qWait(100);
-    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 8);
+    ExpectSoon([this] { return dialog->View().loaded.drawnTriangles; }, 8);
 }
 
 TEST_F(DialogLinkTest, AFolderWithBlanksAndDotsHoldsDownloadsAsWell) {
@@ -244,8 +233,7 @@ TEST_F(DialogLinkTest, AFolderWithBlanksAndDotsHoldsDownloadsAsWell) {
     Connect(*server);
     server->SendText(LoadOrder(Url(*server, "/served.stp")));
     EXPECT_TRUE(WaitForPath(cache + "/tarnwick/downloads/served.stp"));
-    QTest::qWait(100);
-    EXPECT_EQ(dialog->View().loaded.drawnTriangles, 8);
+    ExpectSoon([this] { return dialog->View().loaded.drawnTriangles; }, 8);
     unsetenv("XDG_CACHE_HOME");
 }
 
@@ -254,8 +242,7 @@ TEST_F(DialogLinkTest, AFailedDownloadIsAFileThatIsNotThere) {
     Connect(*server);
     server->SendText(LoadOrder("http://127.0.0.1:1/gone.stp"));
     ASSERT_TRUE(WaitForPath(Downloaded("gone.stp")));
-    QTest::qWait(100);
-    EXPECT_THAT(dialog->windowTitle().toStdString(), HasSubstr("gone.stp"));
+    ExpectSoon([this] { return dialog->windowTitle().contains("gone.stp"); }, true);
     EXPECT_EQ(dialog->View().loaded.drawnTriangles, 0);
 }
 
@@ -301,7 +288,7 @@ TEST_F(DialogLinkTest, ADownloadThatFillsTheDiskIsADamagedFileAndNothingElse) {
     EXPECT_LE(QFileInfo(QString::fromStdString(Downloaded("full.stp"))).size(), static_cast<qint64>(kRoom));
     EXPECT_EQ(dialog->View().loaded.drawnTriangles, 0);
     server->SendText(LoadOrder(Url(*server, "/full.stp")));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return dialog->View().loaded.drawnTriangles == 8; }, kPatience));
+    ExpectSoon([this] { return dialog->View().loaded.drawnTriangles; }, 8);
 }
 
 TEST_F(DialogLinkTest, AHostileUrlIsOneArgumentOfTheDownloadAndNothingElse) {

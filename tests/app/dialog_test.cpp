@@ -165,8 +165,8 @@ TEST_F(DialogTest, TheStatusTextIsThereAsSoonAsTheWindowIs) {
 TEST_F(DialogTest, OpenLoadsTheChosenFileWithThreads) {
     Open("", kNoting);
     Write("a b.stpx", "");
-    QTimer::singleShot(300, [this] {
-        auto* const chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    WhenModal([this](QWidget& window) {
+        auto* const chooser = qobject_cast<QFileDialog*>(&window);
         ASSERT_NE(chooser, nullptr);
         chooser->setDirectory(folder_.path());
         chooser->findChild<QLineEdit*>()->setText("a b.stpx");
@@ -181,7 +181,7 @@ TEST_F(DialogTest, OpenLoadsTheChosenFileWithThreads) {
 
 TEST_F(DialogTest, ACancelledFileDialogChangesNothing) {
     Open("", kNoting);
-    QTimer::singleShot(300, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
+    WhenModal([](QWidget& chooser) { QTest::keyClick(&chooser, Qt::Key_Escape); });
     QTest::mouseClick(Get<QPushButton>("1001"), Qt::LeftButton);
     EXPECT_THAT(asked, IsEmpty());
     EXPECT_EQ(dialog->CurrentPath(), "");
@@ -331,10 +331,9 @@ TEST_F(DialogTest, PWithTheAltKeyAndInAnotherWindowIsNoSnapshot) {
     Open();
     QTest::keyClick(dialog->windowHandle(), Qt::Key_P, Qt::AltModifier);
     QTest::keyClick(dialog->windowHandle(), Qt::Key_O);
-    QTimer::singleShot(200, [] {
-        QWidget* const box = QApplication::activeModalWidget();
-        QTest::keyClick(box, Qt::Key_P);
-        QTest::keyClick(box, Qt::Key_Escape);
+    WhenModal([](QWidget& box) {
+        QTest::keyClick(&box, Qt::Key_P);
+        QTest::keyClick(&box, Qt::Key_Escape);
     });
     QMessageBox::information(&*dialog, "Connect", "text");
     EXPECT_EQ(Snapshots(), 0);
@@ -391,19 +390,16 @@ TEST_F(DialogTest, ControlsMoveWithTheHeightAndKeepTheirPlaceAcross) {
     Open();
     ASSERT_EQ(dialog->size(), QSize(918, 778));
     dialog->resize(1018, 828);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->height() == 828; }));
-    QTest::qWait(50);
+    const auto area = [this] { return Area()->geometry(); };
+    ExpectSoon(area, QRect(10, 10, 998, 678));
     EXPECT_EQ(Get<QPushButton>("1001")->geometry(), QRect(23, 739, 65, 37));
     EXPECT_EQ(Get<QSlider>("1012")->geometry(), QRect(147, 785, 150, 24)); // hidden ones too
-    EXPECT_EQ(Area()->geometry(), QRect(10, 10, 998, 678));
     const double ratio = Area()->devicePixelRatioF();
-    EXPECT_EQ(dialog->View().viewWidth, qRound(998 * ratio));
-    EXPECT_EQ(dialog->View().viewHeight, qRound(678 * ratio));
+    ExpectSoon([this] { return QSize(dialog->View().viewWidth, dialog->View().viewHeight); },
+               QSize(998, 678) * ratio);
     dialog->resize(700, 600);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->height() == 600; }));
-    QTest::qWait(50);
+    ExpectSoon(area, QRect(10, 10, 680, 450));
     EXPECT_EQ(Get<QPushButton>("1001")->geometry(), QRect(23, 511, 65, 37));
-    EXPECT_EQ(Area()->geometry(), QRect(10, 10, 680, 450));
 }
 
 TEST_F(DialogTest, AMaximisedAndAJustRestoredDialogGivesTheViewItsOwnSize) {
@@ -411,20 +407,15 @@ TEST_F(DialogTest, AMaximisedAndAJustRestoredDialogGivesTheViewItsOwnSize) {
     const double ratio = Area()->devicePixelRatioF();
     const auto sizeOfView = [this] { return QSize(dialog->View().viewWidth, dialog->View().viewHeight); };
     dialog->showMaximized();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->width() > 1000; }));
-    QTest::qWait(200);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->width() > 1000; }, kPatience));
+    ExpectSoon(sizeOfView, dialog->size() * ratio);
     EXPECT_EQ(Area()->size(), dialog->size() - QSize(20, 150));
-    EXPECT_EQ(sizeOfView(), dialog->size() * ratio);
     dialog->showNormal();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->width() == 918; }));
-    QTest::qWait(200);
-    EXPECT_EQ(Area()->size(), QSize(898, 628));
-    EXPECT_EQ(sizeOfView(), QSize(918, 778) * ratio);
+    ExpectSoon([this] { return Area()->size(); }, QSize(898, 628));
+    ExpectSoon(sizeOfView, QSize(918, 778) * ratio);
     // And then it is forgotten.
     dialog->resize(930, 790);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->width() == 930; }));
-    QTest::qWait(100);
-    EXPECT_EQ(sizeOfView(), QSize(910, 640) * ratio);
+    ExpectSoon(sizeOfView, QSize(910, 640) * ratio);
 }
 
 TEST_F(DialogTest, AVeryLowDialogHasNoDrawingAreaAndStillWorks) {

@@ -227,14 +227,12 @@ TEST_F(DrawingTest, WireframeShowsTheGroundBetweenTheLines) {
     Open();
     Load(Plate());
     QTest::mouseClick(Get<QWidget>("1005"), Qt::LeftButton, {}, QPoint(8, 8));
-    QTest::qWait(50);
-    EXPECT_TRUE(IsNear(ColourAt(Picture(), kRed), 204, 204, 204));
+    ExpectColourSoon(kRed, 204, 204, 204);
     // A click between lines hits nothing.
     Click(kRed);
     EXPECT_EQ(dialog->View().selectedIndex, -1);
     QTest::mouseClick(Get<QWidget>("1005"), Qt::LeftButton, {}, QPoint(8, 8));
-    QTest::qWait(50);
-    EXPECT_TRUE(IsNear(ColourAt(Picture(), kRed), 244, 0, 0));
+    ExpectColourSoon(kRed, 244, 0, 0);
 }
 
 TEST_F(DrawingTest, ALeftDragTurnsAMiddleDragMovesAndARightDragZooms) {
@@ -279,16 +277,16 @@ TEST_F(DrawingTest, AZoomIsGoneFromTheProjectionAfterAResize) {
     QTest::mouseRelease(Area(), Qt::RightButton, {}, middle - QPoint(40, 0));
     EXPECT_TRUE(IsNear(ColourAt(Picture(), {-9.5, 4.5}), 204, 204, 204));
     dialog->resize(918, 780);
-    QTest::qWait(100);
-    EXPECT_TRUE(IsNear(ColourAt(Picture(), {-9.5, 4.5}), 244, 0, 0));
+    WaitForHeight(qRound(630 * Area()->devicePixelRatioF()));
+    ExpectColourSoon({-9.5, 4.5}, 244, 0, 0);
 }
 
 TEST_F(DrawingTest, APickAfterMaximisingHitsWhatIsUnderTheCursorInTheBiggerViewport) {
     Open();
     Load(Plate());
     dialog->showMaximized();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->width() > 1000; }));
-    QTest::qWait(200);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->width() > 1000; }, kPatience));
+    WaitForHeight(qRound(dialog->height() * Area()->devicePixelRatioF()));
     // The viewport starts at the control's lower left corner and is higher than the control: from above, the
     // pixel that is read lies higher than the cursor by the difference.
     const int above = dialog->View().viewHeight - qRound(Area()->height() * Area()->devicePixelRatioF());
@@ -305,12 +303,11 @@ TEST_F(DrawingTest, ThePictureComesBackAfterBeingCovered) {
         QWidget cover;
         cover.setGeometry(dialog->geometry());
         cover.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&cover));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&cover, kPatience));
         cover.raise();
         QTest::qWait(100);
     }
-    QTest::qWait(200);
-    EXPECT_TRUE(IsNear(ColourAt(Picture(), kRed), 244, 0, 0));
+    ExpectColourSoon(kRed, 244, 0, 0);
 }
 
 TEST_F(DrawingTest, OneMachineInFourFormatsGivesOnePicture) {

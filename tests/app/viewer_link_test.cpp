@@ -44,7 +44,7 @@ TEST_F(ViewerLinkTest, ConnectRegistersAndTheIdentifierCanBePasted) {
     ASSERT_TRUE(server->WaitForMessages(2));
     EXPECT_THAT(server->Messages(),
                 ElementsAre(R"({"Check": "Connexion"})", R"({"action":"register","sender":"3d viewer"})"));
-    EXPECT_FALSE(viewer.WaitForWindow("Connect").isEmpty());
+    EXPECT_FALSE(viewer.WaitForDialog("Connect").isEmpty());
     EXPECT_THAT(viewer.Console("UUID"), HasSubstr("3D Viewer session UUID: 9f2c\n"));
     EXPECT_EQ(viewer.Clipboard(), "9f2c");
     viewer.Key("Return");

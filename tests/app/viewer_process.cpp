@@ -9,7 +9,7 @@ namespace tarnwick::test {
 
 namespace {
 
-constexpr int kPatience = 20000; // milliseconds; sanitizers on a busy machine are slow
+constexpr int kPatience = 60000; // milliseconds; sanitizers on a busy machine are slow
 
 // The picture in a file that another program is about to write: its header says when all of it is there.
 QImage WholeBitmap(const QString& path) {
@@ -44,6 +44,16 @@ void ViewerProcess::Pause(int milliseconds) {
     QThread::msleep(static_cast<unsigned long>(milliseconds));
 }
 
+bool ViewerProcess::WaitUntil(const std::function<bool()>& is) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!is()) {
+        if (clock.elapsed() > kPatience) { return false; }
+        Pause();
+    }
+    return true;
+}
+
 ViewerProcess::ViewerProcess(const QStringList& arguments, const QStringList& environment) {
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     variables.insert("HOME", home_.path());
@@ -66,10 +76,7 @@ ViewerProcess::ViewerProcess(const QStringList& arguments, const QStringList& en
             }
         }
     }
-    if (IsOpen()) {
-        Run("xdotool", {"windowactivate", "--sync", window_});
-        Pause(200);
-    }
+    if (IsOpen()) { Run("xdotool", {"windowactivate", "--sync", window_}); }
 }
 
 ViewerProcess::~ViewerProcess() {
@@ -129,10 +136,7 @@ void ViewerProcess::Key(const QString& key) {
 }
 
 void ViewerProcess::WaitForSize(const std::function<bool(QSize)>& is) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!is(Size()) && clock.elapsed() < kPatience) { Pause(); }
-    Pause(200);
+    WaitUntil([&] { return is(Size()); });
 }
 
 void ViewerProcess::Resize(int width, int height) {
@@ -154,7 +158,7 @@ void ViewerProcess::Restore() {
 
 void ViewerProcess::Minimise() {
     Run("xdotool", {"windowminimize", window_});
-    Pause(400);
+    WaitUntil([this] { return Run("xprop", {"-id", window_, "WM_STATE"}).contains("Iconic"); });
 }
 
 QSize ViewerProcess::Size() {
@@ -186,32 +190,32 @@ bool ViewerProcess::Drop(QPoint place, const QStringList& uris) {
     int status = -1;
     Run(TARNWICK_XDND_DROP, QStringList{QString::number(onScreen.x()), QString::number(onScreen.y())} + uris,
         &status);
-    Pause(300);
     return status == 0;
 }
 
 bool ViewerProcess::WaitForTitle(const QString& title) {
-    QElapsedTimer clock;
-    clock.start();
-    while (Title() != title && clock.elapsed() < kPatience) { Pause(); }
-    return Title() == title;
+    return WaitUntil([&] { return Title() == title; });
 }
 
 QString ViewerProcess::WaitForWindow(const QString& name) {
-    QElapsedTimer clock;
-    clock.start();
     QString found;
-    while (found.isEmpty() && clock.elapsed() < kPatience) {
-        Pause();
+    WaitUntil([&] {
         found = Run("xdotool", {"search", "--onlyvisible", "--name", "^" + name + "$"}).section('\n', 0, 0);
-    }
-    Pause(200);
+        return !found.isEmpty();
+    });
+    return found;
+}
+
+QString ViewerProcess::WaitForDialog(const QString& name) {
+    const QString found = WaitForWindow(name);
+    WaitUntil([&] { return Run("xdotool", {"getactivewindow"}) == found; });
     return found;
 }
 
 void ViewerProcess::CloseWindow(const QString& window) {
     Run("wmctrl", {"-i", "-c", window});
-    Pause(300);
+    const QString number = QString("0x%1 ").arg(window.toULongLong(), 8, 16, QChar('0'));
+    WaitUntil([&] { return !(Run("wmctrl", {"-l"}) + '\n').contains(number); });
 }
 
 QString ViewerProcess::Clipboard() {

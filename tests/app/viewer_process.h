@@ -39,8 +39,11 @@ public:
     bool Drop(QPoint place, const QStringList& uris);
     // Waits until the dialog has this title.
     bool WaitForTitle(const QString& title);
-    // Waits until another window of this name is there; returns its identifier.
+    // Waits until another window of this name is there; returns its identifier, a decimal number.
     QString WaitForWindow(const QString& name);
+    // The same, and until it has the keys.
+    QString WaitForDialog(const QString& name);
+    // Returns when the window is gone.
     void CloseWindow(const QString& window);
     // What another program gets when the user pastes there.
     static QString Clipboard();
@@ -57,6 +60,8 @@ public:
 private:
     static QString Run(const QString& program, const QStringList& arguments, int* status = nullptr);
     static void Pause(int milliseconds = 60);
+    // False when it isn't so for all the time that a test waits.
+    static bool WaitUntil(const std::function<bool()>& is);
     void WaitForSize(const std::function<bool(QSize)>& is);
 
     QTemporaryDir home_;

@@ -238,7 +238,7 @@ TEST_F(ViewerTest, OpenAsksForAFileAndLoadsItWithThreads) {
     ViewerProcess viewer;
     ASSERT_TRUE(viewer.IsOpen());
     viewer.Click(At(50, 705).x(), At(50, 705).y());
-    ASSERT_NE(viewer.WaitForWindow("Open"), "");
+    ASSERT_NE(viewer.WaitForDialog("Open"), "");
     QProcess::execute("xdotool", {"type", Path("two.stp")});
     viewer.Key("Return");
     EXPECT_TRUE(viewer.WaitForTitle("two.stp - Tarnwick"));
@@ -297,7 +297,7 @@ TEST_F(ViewerTest, ClosingBehindTheFileDialogLeavesNothingRunning) {
     ViewerProcess viewer;
     ASSERT_TRUE(viewer.IsOpen());
     viewer.Click(At(50, 705).x(), At(50, 705).y());
-    const QString chooser = viewer.WaitForWindow("Open");
+    const QString chooser = viewer.WaitForDialog("Open");
     ASSERT_NE(chooser, "");
     viewer.CloseWindow(chooser);
     EXPECT_TRUE(viewer.IsRunning());

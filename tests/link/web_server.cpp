@@ -18,7 +18,7 @@ namespace asio = boost::asio;
 using websocketpp::connection_hdl;
 using websocketpp::frame::opcode::value;
 
-constexpr std::chrono::seconds kPatience(20);
+constexpr std::chrono::seconds kPatience(60);
 
 template <class Config>
 class Running final : public WebServer {
@@ -141,6 +141,8 @@ private:
         return changed_.wait_for(hold, kPatience, condition);
     }
     void Send(const std::string& text, typename websocketpp::frame::opcode::value kind) {
+        // A client is connected before this side knows of it.
+        WaitForConnections(1);
         ForEach([this, text, kind](connection_hdl connection) {
             websocketpp::lib::error_code error;
             server_.send(connection, text, kind, error);

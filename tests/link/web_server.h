@@ -22,7 +22,7 @@ public:
     virtual ~WebServer() = default;
 
     virtual int Port() const = 0;
-    // To every open connection.
+    // To every open connection; when there has been none, they wait for the first.
     virtual void SendText(const std::string& text) = 0;
     virtual void SendBinary(const std::string& bytes) = 0;
     // Closes every connection.
@@ -30,7 +30,7 @@ public:
     // What is answered to HTTP requests for `path`; others get status 404.
     virtual void Serve(const std::string& path, const std::string& body) = 0;
 
-    // These wait for some seconds until that many have come, and tell whether they have.
+    // These wait for up to a minute until that many have come, and tell whether they have.
     virtual bool WaitForMessages(std::size_t count) = 0;
     virtual bool WaitForConnections(int count) = 0;
     virtual bool WaitForCloses(int count) = 0;
