@@ -1,7 +1,9 @@
 # What the scripts of the project share: each of them sources it. Says what happens, puts on a Debian 12 machine what that
 # lacks, builds, tests.
 
-say() { printf '%s\n' "tarnwick: $*"; }
+# say TEXT: with the seconds since the outermost script began.
+export TARNWICK_BEGAN=${TARNWICK_BEGAN:-$EPOCHSECONDS}
+say() { printf 'tarnwick, %4d s: %s\n' $((EPOCHSECONDS - TARNWICK_BEGAN)) "$*"; }
 
 # apt_get ARGUMENT...: as root, without questions. It waits for another that is at work, as on a machine that has just
 # started.
@@ -39,6 +41,9 @@ package_packages=(dpkg-dev file)
 package_check_packages=(lintian desktop-file-utils appstream libxml2-utils groff shared-mime-info libglib2.0-bin dbus-x11
   bash-completion)
 
+all_packages=("${build_packages[@]}" "${viewer_packages[@]}" "${viewer_test_packages[@]}" "${fuzz_packages[@]}"
+  "${test_packages[@]}" "${package_packages[@]}" "${package_check_packages[@]}")
+
 # build PRESET [TARGET...]: configures if need be, and builds.
 build() {
   local preset=$1
@@ -51,9 +56,8 @@ build() {
   cmake --build --preset "$preset" ${1:+--target "$@"} -- --quiet
 }
 
-# run_tests PRESET: those that open windows first, one at a time and with a second and third try, since a busy machine may
-# keep a window or a mouse move longer than they wait; then all others at once.
+# run_tests PRESET: those that open windows first, one at a time; then all others at once.
 run_tests() {
-  ctest --preset "$1" -L display --repeat until-pass:3
+  ctest --preset "$1" -L display
   ctest --preset "$1" -LE display -j "$(nproc)"
 }
