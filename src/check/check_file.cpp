@@ -89,12 +89,10 @@ bool CheckedFile::CheckName(const P42Ent* entity) {
     // By the moves of the readers: where a quote is absent, they go on to those of other entities.
     constexpr std::size_t kLimit = 300;
     TextWalk walk = model.WalkFrom(entity);
-    walk.GoTo('(');
-    walk.GoTo('\'');
-    walk.Step();
+    walk.GoToFirstString();
     if (walk.overrun) { return true; }
-    const std::string_view name(walk.at, static_cast<std::size_t>(walk.end - walk.at));
-    if (name.size() < kLimit || name.substr(0, kLimit).find('\'') != std::string_view::npos) { return true; }
+    const std::string_view name = walk.Ahead(kLimit);
+    if (name.size() < kLimit || name.find('\'') != std::string_view::npos) { return true; }
     Add(FindingKind::kTooLong, entity, "its name has 300 characters or more");
     return false;
 }

@@ -34,23 +34,21 @@ const NamedColour* FindNamedColour(const char* name) {
     return nullptr;
 }
 
-// COLOUR_RGB(name, red, green, blue): the numbers behind the first three commas.
+// COLOUR_RGB(name, red, green, blue): the numbers after the first three commas.
 void AddRgbRow(TextWalk* walk, std::int32_t id, std::vector<ColourEntry>* rows) {
-    float values[3];
+    double rgb[3];
     walk->GoTo('(');
-    for (float& value : values) {
-        walk->GoTo(',');
-        walk->Step();
-        value = static_cast<float>(ParseReal(walk->at));
-    }
-    if (!walk->overrun) { rows->push_back({id, values[0], values[1], values[2], kUnused}); }
+    walk->PassCommas(1);
+    ReadReals(walk, rgb, 3);
+    if (walk->overrun) { return; }
+    rows->push_back(
+        {id, static_cast<float>(rgb[0]), static_cast<float>(rgb[1]), static_cast<float>(rgb[2]), kUnused});
 }
 
 // DRAUGHTING_PRE_DEFINED_COLOUR(name), by the first three characters of the name. Any other name makes no
 // row.
 void AddNamedRow(TextWalk* walk, std::int32_t id, std::vector<ColourEntry>* rows) {
-    walk->GoTo('(');
-    walk->Step();
+    walk->Enter();
     walk->Step();
     const NamedColour* const colour = FindNamedColour(walk->at);
     if (colour != nullptr) { rows->push_back({id, colour->red, colour->green, colour->blue, kUnused}); }
@@ -109,20 +107,16 @@ std::int32_t RowOf(std::int32_t colourId, float alpha, std::vector<ColourEntry>*
     return place;
 }
 
-// Behind the first argument of the line and its comma: blanks and line feeds are skipped there.
-void SkipFirstArgument(TextWalk* walk) {
-    walk->GoTo('(');
-    walk->Step();
-    walk->SkipBlanksAndLineFeeds();
-    walk->GoToArgumentComma();
-    walk->Step();
+// To the second argument of the line.
+void GoToSecondArgument(TextWalk* walk) {
+    walk->Enter();
+    walk->SkipArguments(1);
     walk->SkipBlanksAndLineFeeds();
 }
 
-// The first reference behind the first "(" of the line.
+// The first reference after the first "(" of the line.
 std::int32_t FirstReference(TextWalk* walk) {
     walk->GoTo('(');
-    walk->Step();
     return ReadReference(walk);
 }
 
@@ -138,14 +132,14 @@ int ResolveFillArea(const StepModel& model, TextWalk walk, std::int32_t* colourI
         if (entity == nullptr) { return kOtherShape; }
         walk = model.WalkFrom(entity);
     }
-    SkipFirstArgument(&walk);
+    GoToSecondArgument(&walk);
     *colourId = ReadReference(&walk);
     return walk.overrun ? kOtherShape : kResolved;
 }
 
 // SURFACE_STYLE_RENDERING_WITH_PROPERTIES and the first of its properties.
 int ResolveRendering(const StepModel& model, TextWalk walk, std::int32_t* colourId, float* alpha) {
-    SkipFirstArgument(&walk);
+    GoToSecondArgument(&walk);
     *colourId = ReadReference(&walk);
     // Without properties this is a comma of an entity further on, and what stands there becomes the alpha.
     walk.GoToArgumentComma();
@@ -157,8 +151,7 @@ int ResolveRendering(const StepModel& model, TextWalk walk, std::int32_t* colour
     const P42Ent* const entity = model.Find(property);
     if (entity == nullptr) { return kOtherShape; }
     walk = model.WalkFrom(entity);
-    walk.GoTo('(');
-    walk.Step();
+    walk.Enter();
     walk.SkipBlanksAndLineFeeds();
     if (walk.overrun) { return kOtherShape; }
     *alpha = static_cast<float>(ParseReal(walk.at));
@@ -171,8 +164,7 @@ int ResolveStyle(const StepModel& model, std::int32_t styleId, std::int32_t* col
     const P42Ent* entity = model.Find(styleId);
     if (entity == nullptr) { return kOtherShape; }
     TextWalk walk = model.WalkFrom(entity);
-    walk.GoTo('(');
-    walk.Step();
+    walk.Enter();
     walk.SkipBlanksAndLineFeeds();
     if (walk.overrun || walk.Current() != '(') { return kOtherShape; }
     const std::int32_t usageId = ReadReference(&walk);
@@ -181,14 +173,14 @@ int ResolveStyle(const StepModel& model, std::int32_t styleId, std::int32_t* col
     entity = model.Find(usageId);
     if (entity == nullptr) { return kOtherShape; }
     walk = model.WalkFrom(entity);
-    SkipFirstArgument(&walk);
+    GoToSecondArgument(&walk);
     if (walk.overrun || walk.Current() != '#') { return kOtherShape; }
     const std::int32_t sideId = ReadReference(&walk);
 
     entity = model.Find(sideId);
     if (entity == nullptr) { return kOtherShape; }
     walk = model.WalkFrom(entity);
-    SkipFirstArgument(&walk);
+    GoToSecondArgument(&walk);
     if (walk.overrun || walk.Current() != '(') { return kOtherShape; }
     const std::int32_t first = ReadReference(&walk);
     walk.SkipBlanks();

@@ -15,19 +15,11 @@ namespace {
 constexpr int kStopped = 1; // at a bad line; what was read is kept
 constexpr int kGivenUp = 2; // the file, whose lines lead nowhere
 
-// Behind the next attribute and its comma; a list in hand is stepped over from within.
-void StepOverAttribute(TextWalk* walk) {
-    walk->SkipBlanksAndLineFeeds();
-    walk->GoToArgumentComma();
-    walk->Step();
-}
-
-// Behind a number of attributes of an entity's line.
-TextWalk WalkBehind(const StepModel& model, const P42Ent* entity, int attributes) {
+// After a number of attributes of an entity's line.
+TextWalk WalkAfter(const StepModel& model, const P42Ent* entity, int attributes) {
     TextWalk walk = model.WalkFrom(entity);
-    walk.GoTo('(');
-    walk.Step();
-    for (int i = 0; i < attributes; ++i) { StepOverAttribute(&walk); }
+    walk.Enter();
+    walk.SkipArguments(attributes);
     return walk;
 }
 
@@ -64,7 +56,7 @@ int ReadNodes(FiniteElementReader& reader, ListP42Ent& lines) {
     reader.nodeMap = FeIndexMap(model.IndexArena(), HashBits(lines.Count()));
     std::vector<std::int32_t> ids;
     for (const P42Ent* line = lines.First(); line != nullptr; line = lines.Next()) {
-        TextWalk walk = WalkBehind(model, line, 1);
+        TextWalk walk = WalkAfter(model, line, 1);
         walk.SkipBlanksAndLineFeeds();
         if (walk.overrun) { return GiveUpPastEnd(reader, line); }
         if (walk.Current() != '(') { return kStopped; }
@@ -73,16 +65,11 @@ int ReadNodes(FiniteElementReader& reader, ListP42Ent& lines) {
         if (walk.overrun) { return GiveUpPastEnd(reader, line); }
         const P42Ent* const point = model.Find(ids.empty() ? 0 : ids.front());
         if (point == nullptr) { return GiveUp(reader, line, "names a point that isn't there"); }
-        walk = WalkBehind(model, point, 1);
+        walk = WalkAfter(model, point, 1);
         walk.SkipBlanks();
         walk.Step();
         double values[3];
-        values[0] = ParseReal(walk.at);
-        for (int i = 1; i < 3; ++i) {
-            walk.GoTo(',');
-            walk.Step();
-            values[i] = ParseReal(walk.at);
-        }
+        ReadReals(&walk, values, 3);
         if (walk.overrun) { return GiveUpPastEnd(reader, point); }
         const FeNode node{line->id, values[0], values[1], values[2], -1.0, 0, 0, 0, 64};
         if (!AddIndex(reader, &reader.nodeMap, line->id, reader.nodes.size())) { return kStopped; }
@@ -97,7 +84,7 @@ int ReadSections(FiniteElementReader& reader, ListP42Ent& lines) {
     reader.sectionValues.reserve(static_cast<std::size_t>(lines.Count()));
     reader.sectionMap = FeIndexMap(model.IndexArena(), HashBits(lines.Count()));
     for (const P42Ent* line = lines.First(); line != nullptr; line = lines.Next()) {
-        TextWalk walk = WalkBehind(model, line, 3);
+        TextWalk walk = WalkAfter(model, line, 3);
         walk.SkipBlanks();
         if (walk.overrun) { return GiveUpPastEnd(reader, line); }
         if (!AddIndex(reader, &reader.sectionMap, line->id, reader.sectionValues.size())) { return kStopped; }
@@ -134,14 +121,14 @@ int ReadCornerValues(FiniteElementReader& reader, const FeQuad& quad, const P42E
 
 int ReadElement(FiniteElementReader& reader, const P42Ent* line, std::vector<std::int32_t>* ids) {
     const StepModel& model = reader.part.model;
-    TextWalk walk = WalkBehind(model, line, 3);
+    TextWalk walk = WalkAfter(model, line, 3);
     walk.SkipBlanks();
     if (walk.overrun) { return GiveUpPastEnd(reader, line); }
     if (walk.Current() != '(') { return kStopped; }
     ids->clear();
     ParseIdList(&walk, ids);
     // The rest of the list and two more attributes, then the property.
-    for (int i = 0; i < 3; ++i) { StepOverAttribute(&walk); }
+    walk.SkipArguments(3);
     walk.SkipBlanks();
     const std::int32_t propertyId = ReadReference(&walk);
     if (walk.overrun) { return GiveUpPastEnd(reader, line); }
@@ -157,7 +144,7 @@ int ReadElement(FiniteElementReader& reader, const P42Ent* line, std::vector<std
 
     const P42Ent* const property = model.Find(propertyId);
     if (property == nullptr) { return 0; }
-    walk = WalkBehind(model, property, 1);
+    walk = WalkAfter(model, property, 1);
     walk.SkipBlanks();
     const std::int32_t sectionId = ReadReference(&walk);
     if (walk.overrun) { return GiveUpPastEnd(reader, property); }

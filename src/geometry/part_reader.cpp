@@ -75,13 +75,9 @@ int PartReader::ReadPart() {
 }
 
 bool PartReader::MakeProduct() {
-    const P42Ent* const entity = model.Find(model.rootProductId);
-    if (entity == nullptr) { return false; }
-    TextWalk walk = model.WalkFrom(entity);
-    walk.GoTo('(');
-    walk.GoTo('\'');
-    walk.Step();
-    const std::string_view name = ReadQuoted(&walk, 300);
+    TextWalk walk;
+    if (!model.OpenLine(model.rootProductId, &walk)) { return false; }
+    const std::string_view name = ReadFirstString(&walk, 300);
     if (walk.overrun) { return false; }
     ProductNode* const made = arena.New<ProductNode>();
     if (made == nullptr) { return false; }
@@ -95,12 +91,8 @@ bool PartReader::MakeProduct() {
 // The items of the TESSELLATED_SHAPE_REPRESENTATION, its second argument; none when the file has no such
 // entity.
 bool PartReader::ReadItemIds() {
-    const P42Ent* const representation = model.Find(model.shapeRepresentationId);
-    if (representation == nullptr) { return true; }
-    TextWalk walk = model.WalkFrom(representation);
-    walk.GoTo('(');
-    walk.GoTo(',');
-    walk.GoTo('(');
+    TextWalk walk;
+    if (!model.OpenAfterCommas(model.shapeRepresentationId, 1, &walk)) { return true; }
     ParseIdList(&walk, &scratch.itemIds);
     return !walk.overrun;
 }
@@ -114,11 +106,9 @@ bool PartReader::FindRawMaterial(bool* isRawMaterial, std::int32_t* makeFromCoun
     for (const P42Ent* record = list.First(); record != nullptr; record = list.Next()) {
         if (record->code == code::kProductRelatedProductCategory) {
             TextWalk walk = model.WalkFrom(record);
-            walk.GoTo('(');
-            walk.GoTo('\'');
-            walk.Step();
+            walk.GoToFirstString();
             if (walk.overrun) { return false; }
-            if (std::memcmp(walk.at, kCategory.data(), kCategory.size()) == 0) { *isRawMaterial = true; }
+            if (walk.Ahead(kCategory.size()) == kCategory) { *isRawMaterial = true; }
         } else if (record->code == code::kMakeFromUsageOption) {
             ++*makeFromCount;
         } else if (record->code == code::kShapeDefinitionRepresentation) {
@@ -158,21 +148,15 @@ int PartReader::ReadContainer(const P42Ent* entity) {
 bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactContainerId) {
     TextWalk walk = model.WalkFrom(entity);
     walk.GoTo('(');
-    walk.GoTo(',');
-    walk.GoTo('(');
+    walk.PassCommas(1);
     scratch.faceIds.clear();
     ParseIdList(&walk, &scratch.faceIds);
-    // The comma behind the list, and the link behind it.
-    walk.GoTo(',');
-    walk.Step();
-    while (*walk.at != '#' && *walk.at != ')' && *walk.at != '$' && walk.at < walk.end) { ++walk.at; }
+    walk.PassCommas(1); // that after the list
+    walk.at = walk.Next<'#', ')', '$'>(walk.at);
     if (walk.overrun || walk.at == walk.end) { return false; }
     // Marks where the link was looked for, also where there is none: a container that is listed twice finds
     // it again.
-    if (walk.Current() != '#') {
-        model.text[walk.at - model.text] = '#';
-        walk.far->NoteWritten('#');
-    }
+    if (walk.Current() != '#') { model.Overwrite(walk.at, '#'); }
     walk.Step();
     *exactContainerId = ReadDigits(&walk);
     return true;

@@ -8,40 +8,18 @@ namespace tarnwick {
 
 namespace {
 
-// Behind the next argument and its comma. An argument that isn't there makes the walk run on to a comma
-// further on.
-void SkipArgument(TextWalk* walk) {
-    walk->SkipBlanksAndLineFeeds();
-    walk->GoToArgumentComma();
-    walk->Step();
-}
-
-// The walk behind the first "(" of an entity's line; null for a number that isn't there.
-bool OpenLine(const StepModel& model, const P42Ent* entity, TextWalk* walk) {
-    if (entity == nullptr) { return false; }
-    *walk = model.WalkFrom(entity);
-    walk->GoTo('(');
-    walk->Step();
-    return true;
-}
-
-// The reference that stands behind `skipped` arguments of an entity.
-std::int32_t ReferenceBehind(TextWalk* walk, int skipped) {
-    for (int i = 0; i < skipped; ++i) { SkipArgument(walk); }
-    return ReadReference(walk);
-}
-
-// The name of the raw material behind a MAKE_FROM_USAGE_OPTION: its related product definition, the
-// formation, the product, whose second argument it is. False when a number on the way isn't there.
+// The name of the raw material of a MAKE_FROM_USAGE_OPTION: its related product definition, the formation,
+// the product, whose second argument it is. False when a number on the way isn't there.
 bool MaterialName(const StepModel& model, const P42Ent* option, TextWalk* walk, std::string_view* name) {
-    if (!OpenLine(model, option, walk)) { return false; }
-    const std::int32_t definition = ReferenceBehind(walk, 4);
-    if (walk->overrun || !OpenLine(model, model.Find(definition), walk)) { return false; }
-    const std::int32_t formation = ReferenceBehind(walk, 2);
-    if (walk->overrun || !OpenLine(model, model.Find(formation), walk)) { return false; }
-    const std::int32_t product = ReferenceBehind(walk, 2);
-    if (walk->overrun || !OpenLine(model, model.Find(product), walk)) { return false; }
-    SkipArgument(walk);
+    *walk = model.WalkFrom(option);
+    walk->Enter();
+    walk->SkipArguments(4);
+    const std::int32_t definition = ReadReference(walk);
+    if (walk->overrun || !model.OpenAfterArguments(definition, 2, walk)) { return false; }
+    const std::int32_t formation = ReadReference(walk);
+    if (walk->overrun || !model.OpenAfterArguments(formation, 2, walk)) { return false; }
+    const std::int32_t product = ReadReference(walk);
+    if (walk->overrun || !model.OpenAfterArguments(product, 1, walk)) { return false; }
     walk->SkipBlanksAndLineFeeds();
     walk->Step();
     *name = ReadQuoted(walk, 100);
@@ -53,16 +31,16 @@ bool MaterialName(const StepModel& model, const P42Ent* option, TextWalk* walk, 
 bool MaterialItems(const StepModel& model, const P42Ent* shapeDefinition, const P42Ent* option,
                    TextWalk* walk, std::vector<std::int32_t>* items) {
     items->clear();
-    OpenLine(model, shapeDefinition, walk);
+    *walk = model.WalkFrom(shapeDefinition);
+    walk->Enter();
     const std::int32_t definitionShape = ReadReference(walk);
     walk->GoToArgumentComma();
     walk->Step();
     const std::int32_t representation = ReadReference(walk);
-    if (walk->overrun || !OpenLine(model, model.Find(definitionShape), walk)) { return false; }
-    const std::int32_t definition = ReferenceBehind(walk, 2);
+    if (walk->overrun || !model.OpenAfterArguments(definitionShape, 2, walk)) { return false; }
+    const std::int32_t definition = ReadReference(walk);
     if (walk->overrun || model.Find(definition) != option) { return false; }
-    if (!OpenLine(model, model.Find(representation), walk)) { return false; }
-    SkipArgument(walk);
+    if (!model.OpenAfterArguments(representation, 1, walk)) { return false; }
     walk->SkipBlanksAndLineFeeds();
     ParseIdList(walk, items);
     return !walk->overrun;

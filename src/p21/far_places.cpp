@@ -27,47 +27,78 @@ const char* FindCommaIn(const char* from, const char* to, std::int64_t* depth) {
 
 } // namespace
 
-const char* FarPlaces::Find(const char* from, char c) {
+// `findIn` looks for one and the same from a place to another.
+template <class FindIn>
+const char* FarPlaces::FindBy(BlocksWith* with, const char* from, FindIn findIn) {
     if (from >= end_) { return nullptr; }
     std::size_t block = BlockOf(from);
-    if (const char* const found = FindIn(from, End(block), c)) { return found; }
-    std::vector<std::uint32_t>& with = blocksWith_[static_cast<unsigned char>(c)];
+    if (const char* const found = findIn(from, End(block))) { return found; }
+    BlocksWith& next = *with;
     const std::size_t count = BlockCount();
-    if (with.empty()) {
-        with.resize(count + 1, static_cast<std::uint32_t>(count));
+    if (next.empty()) {
+        next.resize(count + 1, static_cast<std::uint32_t>(count));
         for (std::size_t i = count; i-- > 0;) {
-            const bool isHere = FindIn(Start(i), End(i), c) != nullptr;
-            with[i] = isHere ? static_cast<std::uint32_t>(i) : with[i + 1];
+            const bool isHere = findIn(Start(i), End(i)) != nullptr;
+            next[i] = isHere ? static_cast<std::uint32_t>(i) : next[i + 1];
         }
     }
-    for (block = with[block + 1]; block < count; block = with[block + 1]) {
-        if (const char* const found = FindIn(Start(block), End(block), c)) { return found; }
+    for (block = next[block + 1]; block < count; block = next[block + 1]) {
+        if (const char* const found = findIn(Start(block), End(block))) { return found; }
     }
     return nullptr;
 }
 
-void FarPlaces::NoteWritten(char c) {
-    blocksWith_[static_cast<unsigned char>(c)].clear();
-    levels_.clear(); // it may have been a parenthesis
+const char* FarPlaces::Find(const char* from, char c) {
+    return FindBy(&withCharacter_[static_cast<unsigned char>(c)], from,
+                  [c](const char* p, const char* to) { return FindIn(p, to, c); });
+}
+
+const char* FarPlaces::FindOther(const char* from, bool lineFeeds) {
+    return FindBy(&withOther_[lineFeeds ? 1 : 0], from, [lineFeeds](const char* p, const char* to) {
+        while (p < to && (*p == ' ' || (lineFeeds && *p == '\n'))) { ++p; }
+        return p < to ? p : nullptr;
+    });
+}
+
+void FarPlaces::NoteWritten(const char* place) {
+    const std::size_t block = BlockOf(place);
+    BlocksWith& next = withCharacter_[static_cast<unsigned char>(*place)];
+    if (!next.empty()) {
+        for (std::size_t i = block + 1; i-- > 0 && next[i] > block;) {
+            next[i] = static_cast<std::uint32_t>(block);
+        }
+    }
+    // What was written over may have been a parenthesis.
+    std::size_t i = block;
+    for (std::size_t level = 0; level < levels_.size(); ++level, i /= kFanOut) {
+        levels_[level][i] = StretchOf(level, i);
+    }
+}
+
+FarPlaces::Stretch FarPlaces::StretchOf(std::size_t level, std::size_t place) const {
+    Stretch stretch;
+    if (level == 0) {
+        for (const char* p = Start(place); p < End(place); ++p) {
+            stretch.rise += *p == '(' ? 1 : *p == ')' ? -1 : 0;
+            if (*p == ',') { stretch.leastComma = std::min(stretch.leastComma, stretch.rise); }
+        }
+        return stretch;
+    }
+    const std::vector<Stretch>& below = levels_[level - 1];
+    const std::size_t last = std::min((place + 1) * kFanOut, below.size());
+    for (std::size_t i = place * kFanOut; i < last; ++i) {
+        stretch.leastComma = std::min(stretch.leastComma, stretch.rise + below[i].leastComma);
+        stretch.rise += below[i].rise;
+    }
+    return stretch;
 }
 
 void FarPlaces::MakeLevels() {
-    std::vector<Stretch>& blocks = levels_.emplace_back(BlockCount());
-    for (std::size_t i = 0; i < blocks.size(); ++i) {
-        for (const char* p = Start(i); p < End(i); ++p) {
-            blocks[i].rise += *p == '(' ? 1 : *p == ')' ? -1 : 0;
-            if (*p == ',') { blocks[i].leastComma = std::min(blocks[i].leastComma, blocks[i].rise); }
-        }
-    }
-    while (levels_.back().size() > 1) {
-        const std::vector<Stretch>& below = levels_.back();
-        std::vector<Stretch> level((below.size() + kFanOut - 1) / kFanOut);
-        for (std::size_t i = 0; i < below.size(); ++i) {
-            Stretch& stretch = level[i / kFanOut];
-            stretch.leastComma = std::min(stretch.leastComma, stretch.rise + below[i].leastComma);
-            stretch.rise += below[i].rise;
-        }
+    for (std::size_t count = BlockCount();; count = (count + kFanOut - 1) / kFanOut) {
+        std::vector<Stretch> level(count);
+        for (std::size_t i = 0; i < count; ++i) { level[i] = StretchOf(levels_.size(), i); }
         levels_.push_back(std::move(level));
+        if (count <= 1) { return; }
     }
 }
 

@@ -7,10 +7,9 @@
 
 namespace tarnwick {
 
-// Where characters stand in a text, coarsely: for walks that don't find theirs nearby. Without it every line
-// of a file that lacks a character would be a walk to the one line that has it. What is asked for first is
-// made then, in one pass over the text; nothing is made for a text whose walks are short. Used by one
-// thread.
+// Where characters stand in a text, coarsely, for walks that come far: without it every line of a file that
+// lacks a character would be a walk to the one line that has it. The table of a character is made by one pass
+// over the text when it is first asked for; a text whose walks are short has none. Used by one thread.
 class FarPlaces {
 public:
     // How far a walk goes by itself.
@@ -22,16 +21,23 @@ public:
     // The next `c` at or after `from`; null where there is none.
     const char* Find(const char* from, char c);
 
+    // The next character at or after `from` that is no blank, and no line feed either with `lineFeeds`; null
+    // where there is none.
+    const char* FindOther(const char* from, bool lineFeeds);
+
     // The next comma at or after `from` that is at depth 0 or less, when `from` is at `depth` and each
-    // parenthesis behind it counts; null where there is none.
+    // parenthesis after it counts; null where there is none.
     const char* FindComma(const char* from, std::int64_t depth);
 
-    // To be called when `c` has been written over another character of the text. A NUL that is written over
-    // a "#" needs no call.
-    void NoteWritten(char c);
+    // To be called when the character at `place`, neither blank nor line feed, was written over another such.
+    void NoteWritten(const char* place);
 
 private:
     static constexpr std::size_t kFanOut = 16;
+
+    // For each block the first one from it on that holds what is looked for, the count of blocks for none;
+    // one more entry for the end. Empty until it is asked for. What was written over may stay in it.
+    using BlocksWith = std::vector<std::uint32_t>;
 
     // What parentheses do in a stretch of the text: a block, or kFanOut neighbours of the level below.
     struct Stretch {
@@ -46,13 +52,15 @@ private:
         return end_ - Start(block) > kNear ? Start(block) + kNear : end_;
     }
     std::size_t BlockCount() const { return text_ == end_ ? 0 : BlockOf(end_ - 1) + 1; }
+    template <class FindIn>
+    const char* FindBy(BlocksWith* with, const char* from, FindIn findIn);
+    Stretch StretchOf(std::size_t level, std::size_t place) const;
     void MakeLevels();
 
     const char* text_;
     const char* end_;
-    // For each character that was asked for: the first block from this one on that holds it, the count of
-    // blocks for none.
-    std::array<std::vector<std::uint32_t>, 256> blocksWith_;
+    std::array<BlocksWith, 256> withCharacter_;
+    BlocksWith withOther_[2];                  // without line feeds, and with them
     std::vector<std::vector<Stretch>> levels_; // the first is that of the blocks, the last has one stretch
 };
 

@@ -121,10 +121,7 @@ bool StepModel::FindRootProduct() {
     for (P42Ent* record = structureList->First(); record != nullptr; record = structureList->Next()) {
         if (record->code != code::kProductRelatedProductCategory) { continue; }
         TextWalk walk = WalkFrom(record);
-        walk.GoTo('(');
-        walk.GoTo('\'');
-        walk.Step();
-        const std::string_view name = ReadQuoted(&walk, 300);
+        const std::string_view name = ReadFirstString(&walk, 300);
         if (!walk.overrun && name == "part") {
             walk.Step();
             ids.clear();

@@ -57,6 +57,32 @@ struct StepModel {
     TextWalk WalkFrom(const P42Ent* entity) const {
         return {text + entity->offset, textEnd, false, far_.get()};
     }
+    // The same by the entity's number; false, with the walk as it was, for one that isn't there.
+    bool OpenLine(std::int32_t id, TextWalk* walk) const {
+        const P42Ent* const entity = Find(id);
+        if (entity == nullptr) { return false; }
+        *walk = WalkFrom(entity);
+        return true;
+    }
+    // From the line's first "(" on past `commas` commas, wherever they stand.
+    bool OpenAfterCommas(std::int32_t id, int commas, TextWalk* walk) const {
+        if (!OpenLine(id, walk)) { return false; }
+        walk->GoTo('(');
+        walk->PassCommas(commas);
+        return true;
+    }
+    // From the line's first "(" on past `arguments` arguments.
+    bool OpenAfterArguments(std::int32_t id, int arguments, TextWalk* walk) const {
+        if (!OpenLine(id, walk)) { return false; }
+        walk->Enter();
+        walk->SkipArguments(arguments);
+        return true;
+    }
+    // Writes `c` over a character of the text; neither of them is a blank or a line feed.
+    void Overwrite(const char* place, char c) const {
+        text[place - text] = c;
+        if (far_ != nullptr) { far_->NoteWritten(place); }
+    }
     // The record number `index` (from 0) in file order.
     P42Ent* EntityAt(std::int32_t index) const;
 

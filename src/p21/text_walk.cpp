@@ -9,37 +9,34 @@
 
 namespace tarnwick {
 
-namespace {
-
-// How far a walk at `at` scans the text itself.
-const char* NearEnd(const TextWalk& walk, const char* at) {
-    return walk.far != nullptr && walk.end - at > FarPlaces::kNear ? at + FarPlaces::kNear : walk.end;
-}
-
-// The next `c` at or after `at`; the end of the text where there is none.
-const char* Next(const TextWalk& walk, const char* at, char c) {
-    const char* const nearEnd = NearEnd(walk, at);
-    const void* found = std::memchr(at, c, static_cast<std::size_t>(nearEnd - at));
-    if (found == nullptr && nearEnd < walk.end) { found = walk.far->Find(nearEnd, c); }
-    return found != nullptr ? static_cast<const char*>(found) : walk.end;
-}
-
-// The next "," or ")" at or after `at`; the end of the text where there is none.
-const char* NextDelimiter(const TextWalk& walk, const char* at) {
-    const char* const nearEnd = NearEnd(walk, at);
-    while (at < nearEnd && *at != ',' && *at != ')') { ++at; }
-    return at < nearEnd || at == walk.end ? at : std::min(Next(walk, at, ','), Next(walk, at, ')'));
-}
-
-} // namespace
-
 void TextWalk::GoTo(char c) {
-    at = Next(*this, at, c);
+    const char* const nearEnd = NearEnd(at);
+    const void* found = std::memchr(at, c, static_cast<std::size_t>(nearEnd - at));
+    if (found == nullptr && nearEnd < end) { found = far->Find(nearEnd, c); }
+    at = found != nullptr ? static_cast<const char*>(found) : end;
     if (at == end) { overrun = true; }
 }
 
+const char* TextWalk::NextFar(std::initializer_list<char> wanted, const char* from) const {
+    const char* next = end;
+    for (const char c : wanted) {
+        const char* const found = far->Find(from, c);
+        if (found != nullptr && found < next) { next = found; }
+    }
+    return next;
+}
+
+void TextWalk::SkipFar(bool lineFeeds) {
+    if (far == nullptr) {
+        while (*at == ' ' || (lineFeeds && *at == '\n')) { ++at; }
+        return;
+    }
+    const char* const found = far->FindOther(at, lineFeeds);
+    at = found != nullptr ? found : end;
+}
+
 void TextWalk::GoToArgumentComma() {
-    const char* const nearEnd = NearEnd(*this, at);
+    const char* const nearEnd = NearEnd(at);
     std::int64_t depth = 0;
     for (; at < nearEnd; ++at) {
         if (*at == '(') {
@@ -86,6 +83,13 @@ std::int32_t ReadReference(TextWalk* walk) {
     return ReadDigits(walk);
 }
 
+void ReadReals(TextWalk* walk, double* values, int count) {
+    for (int i = 0; i < count; ++i) {
+        if (i > 0) { walk->PassCommas(1); }
+        values[i] = ParseReal(walk->at);
+    }
+}
+
 std::string_view ReadQuoted(TextWalk* walk, std::size_t limit) {
     const char* const start = walk->at;
     walk->GoTo('\'');
@@ -94,9 +98,13 @@ std::string_view ReadQuoted(TextWalk* walk, std::size_t limit) {
     return {start, length};
 }
 
+std::string_view ReadFirstString(TextWalk* walk, std::size_t limit) {
+    walk->GoToFirstString();
+    return ReadQuoted(walk, limit);
+}
+
 void ParseIdList(TextWalk* walk, std::vector<std::int32_t>* ids) {
-    walk->GoTo('(');
-    walk->Step();
+    walk->Enter();
     walk->SkipBlanks();
     if (walk->Current() == ')') { return; }
     const char* p = walk->at;
@@ -111,7 +119,7 @@ void ParseIdList(TextWalk* walk, std::vector<std::int32_t>* ids) {
             ids->push_back(static_cast<std::int32_t>(id));
         } else {
             ids->push_back(StringToInteger(p + 1));
-            next = NextDelimiter(*walk, p + 1);
+            next = walk->Next<',', ')'>(p + 1);
             if (next == end) { break; }
         }
         if (*next == ')') {
@@ -119,7 +127,7 @@ void ParseIdList(TextWalk* walk, std::vector<std::int32_t>* ids) {
             return;
         }
         p = next + 1;
-        while (*p != '#' && *p != ')' && *p != '\n' && *p != '\0') { ++p; }
+        if (*p != '#') { p = walk->Next<'#', ')', '\n', '\0'>(p); }
         if (*p == ')') {
             walk->at = p;
             return;

@@ -6,7 +6,6 @@
 #include "p21/keyword_codes.h"
 #include "platform/append_pointer.h"
 #include "platform/console.h"
-#include "text/parse_real.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,38 +15,19 @@ namespace tarnwick {
 
 namespace {
 
-// The walk behind a number of commas of an entity's line, each skipped to plainly; false for an entity that
-// isn't there.
-bool OpenBehindCommas(const AssemblyReader& reader, std::int32_t id, int commas, TextWalk* walk) {
-    const P42Ent* const entity = reader.model.Find(id);
-    if (entity == nullptr) { return false; }
-    *walk = reader.model.WalkFrom(entity);
-    walk->GoTo('(');
-    for (int i = 0; i < commas; ++i) {
-        walk->GoTo(',');
-        walk->Step();
-    }
-    return true;
-}
-
-// The reference behind the next comma.
+// The reference after the next comma.
 std::int32_t NextReference(TextWalk* walk) {
     walk->GoTo(',');
     return ReadReference(walk);
 }
 
-// Three numbers of a CARTESIAN_POINT or DIRECTION: the list is taken to begin right behind the first comma of
+// Three numbers of a CARTESIAN_POINT or DIRECTION: the list is taken to begin right after the first comma of
 // the line.
 bool ReadTriple(AssemblyReader& reader, std::int32_t id, double values[3]) {
     TextWalk walk;
-    if (!OpenBehindCommas(reader, id, 1, &walk)) { return false; }
+    if (!reader.model.OpenAfterCommas(id, 1, &walk)) { return false; }
     walk.Step();
-    values[0] = ParseReal(walk.at);
-    for (int i = 1; i < 3; ++i) {
-        walk.GoTo(',');
-        walk.Step();
-        values[i] = ParseReal(walk.at);
-    }
+    ReadReals(&walk, values, 3);
     return !NoteOverrun(reader, walk, id);
 }
 
@@ -134,9 +114,11 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
     walk.GoTo('(');
     const std::int32_t relationshipId = ReadReference(&walk);
     const std::int32_t shapeId = NextReference(&walk);
-    if (NoteOverrun(reader, walk, entity->id) || !OpenBehindCommas(reader, shapeId, 0, &walk)) { return 1; }
+    if (NoteOverrun(reader, walk, entity->id) || !reader.model.OpenAfterCommas(shapeId, 0, &walk)) {
+        return 1;
+    }
     const std::int32_t usageId = ReadReference(&walk);
-    if (NoteOverrun(reader, walk, shapeId) || !OpenBehindCommas(reader, usageId, 2, &walk)) { return 1; }
+    if (NoteOverrun(reader, walk, shapeId) || !reader.model.OpenAfterCommas(usageId, 2, &walk)) { return 1; }
     const std::int32_t parentId = ReadReference(&walk);
     const std::int32_t childId = NextReference(&walk);
     if (NoteOverrun(reader, walk, usageId)) { return 1; }
@@ -149,7 +131,7 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
     const int childResult = ReadProductName(reader, childId, &childName, &childFormation);
     if (parentResult != 0 || childResult != 0) { return 1; }
     // A complex instance: the transformation stands behind its third opening parenthesis.
-    if (!OpenBehindCommas(reader, relationshipId, 0, &walk)) { return 1; }
+    if (!reader.model.OpenAfterCommas(relationshipId, 0, &walk)) { return 1; }
     for (int i = 0; i < 2; ++i) {
         walk.Step();
         walk.GoTo('(');
@@ -180,25 +162,21 @@ bool AddOccurrence(Arena& arena, ProductNode* product, Occurrence* occurrence) {
 int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::string_view* name,
                     std::int32_t* formationId) {
     TextWalk walk;
-    if (!OpenBehindCommas(reader, definitionId, 2, &walk)) { return 1; }
+    if (!reader.model.OpenAfterCommas(definitionId, 2, &walk)) { return 1; }
     *formationId = ReadReference(&walk);
-    if (NoteOverrun(reader, walk, definitionId) || !OpenBehindCommas(reader, *formationId, 2, &walk)) {
+    if (NoteOverrun(reader, walk, definitionId) || !reader.model.OpenAfterCommas(*formationId, 2, &walk)) {
         return 1;
     }
     const std::int32_t productId = ReadReference(&walk);
-    if (NoteOverrun(reader, walk, *formationId) || !OpenBehindCommas(reader, productId, 0, &walk)) {
-        return 1;
-    }
-    walk.GoTo('\'');
-    walk.Step();
-    *name = ReadQuoted(&walk, 300);
+    if (NoteOverrun(reader, walk, *formationId) || !reader.model.OpenLine(productId, &walk)) { return 1; }
+    *name = ReadFirstString(&walk, 300);
     *name = name->substr(0, name->find('\0')); // as far as the kept copy will go
     return NoteOverrun(reader, walk, productId) ? 1 : 0;
 }
 
 int ReadPlacement(AssemblyReader& reader, std::int32_t placementId, double values[9]) {
     TextWalk walk;
-    if (!OpenBehindCommas(reader, placementId, 1, &walk)) { return 1; }
+    if (!reader.model.OpenAfterCommas(placementId, 1, &walk)) { return 1; }
     std::int32_t ids[3];
     ids[0] = ReadReference(&walk);
     ids[1] = NextReference(&walk);
@@ -216,7 +194,7 @@ int ReadTransform(AssemblyReader& reader, std::int32_t transformId, double rotat
     std::copy_n(kIdentity, 9, rotation);
     std::fill_n(translation, 3, 0.0);
     TextWalk walk;
-    if (!OpenBehindCommas(reader, transformId, 2, &walk)) { return 1; }
+    if (!reader.model.OpenAfterCommas(transformId, 2, &walk)) { return 1; }
     const std::int32_t sourceId = ReadReference(&walk);
     const std::int32_t targetId = NextReference(&walk);
     if (NoteOverrun(reader, walk, transformId)) { return 1; }

@@ -3,7 +3,6 @@
 #include "p21/keyword_codes.h"
 #include "product/assembly_reader.h"
 
-#include <algorithm>
 #include <string>
 
 namespace tarnwick {
@@ -15,14 +14,12 @@ constexpr std::size_t kLongestFileName = 299;
 // The first string of the document's line, cut at the longest name and at a NUL in it.
 bool ReadFileName(AssemblyReader& reader, const P42Ent* document, std::string* name) {
     TextWalk walk = reader.model.WalkFrom(document);
-    walk.GoTo('(');
-    walk.GoTo('\'');
-    walk.Step();
-    const std::string_view rest(walk.at, static_cast<std::size_t>(walk.end - walk.at));
-    const std::size_t quote = rest.find('\'');
-    if (quote == std::string_view::npos && rest.size() < kLongestFileName) { walk.overrun = true; }
+    walk.GoToFirstString();
+    const std::string_view ahead = walk.Ahead(kLongestFileName);
+    const std::size_t quote = ahead.find('\'');
+    if (quote == std::string_view::npos && ahead.size() < kLongestFileName) { walk.overrun = true; }
     if (NoteOverrun(reader, walk, document->id)) { return false; }
-    const std::string_view text = rest.substr(0, std::min(quote, kLongestFileName));
+    const std::string_view text = ahead.substr(0, quote);
     name->assign(text.substr(0, text.find('\0')));
     return true;
 }
@@ -33,9 +30,7 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
     TextWalk walk = reader.model.WalkFrom(entity);
     walk.GoTo('(');
     const std::int32_t documentId = ReadReference(&walk);
-    walk.GoTo(',');
-    walk.Step();
-    walk.GoTo(',');
+    walk.PassCommas(2);
     walk.GoTo('(');
     const std::int32_t definitionId = ReadReference(&walk);
     if (NoteOverrun(reader, walk, entity->id)) { return 1; }

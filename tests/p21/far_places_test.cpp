@@ -13,8 +13,8 @@ namespace {
 
 // A text of many blocks with few marks in it, so that most walks come far and many past the end.
 std::string SparseText(std::mt19937& random, std::size_t length, int marks) {
-    std::string text(length, 'x');
-    for (int i = 0; i < marks; ++i) { text[random() % length] = "(((),#'"[random() % 7]; }
+    std::string text(length, random() % 3 == 0 ? 'x' : ' ');
+    for (int i = 0; i < marks; ++i) { text[random() % length] = "(((),#'\nx"[random() % 9]; }
     return text;
 }
 
@@ -50,13 +50,25 @@ TEST(FarPlaces, LeadWalksToWhereAPlainScanDoes) {
             ASSERT_TRUE(walks.AreEqual()) << "round " << round << " from " << from;
             std::vector<std::int32_t> plainIds;
             std::vector<std::int32_t> quickIds;
+            for (const bool lineFeeds : {false, true}) {
+                Pair blanks(text, &far, from);
+                lineFeeds ? blanks.plain.SkipBlanksAndLineFeeds() : blanks.plain.SkipBlanks();
+                lineFeeds ? blanks.quick.SkipBlanksAndLineFeeds() : blanks.quick.SkipBlanks();
+                ASSERT_TRUE(blanks.AreEqual()) << "round " << round << " from " << from;
+            }
+            const Pair starts(text, &far, from);
+            ASSERT_EQ((starts.plain.Next<'(', '#', '\0'>(starts.plain.at)),
+                      (starts.quick.Next<'(', '#', '\0'>(starts.quick.at)));
             Pair lists(text, &far, from);
             ParseIdList(&lists.plain, &plainIds);
             ParseIdList(&lists.quick, &quickIds);
             ASSERT_TRUE(lists.AreEqual() && plainIds == quickIds) << "round " << round << " from " << from;
             // The readers take out the "#" of a line that breaks off.
             const std::size_t out = text.find('#', from);
-            if (i % 10 == 0 && out != std::string::npos) { text[out] = '\0'; }
+            if (i % 10 == 0 && out != std::string::npos) {
+                text[out] = '\0';
+                far.NoteWritten(&text[out]);
+            }
         }
     }
 }
@@ -87,9 +99,14 @@ TEST(FarPlaces, FindWhatIsWrittenIntoTheText) {
     EXPECT_EQ(far.Find(text.data(), '#'), nullptr);
     EXPECT_EQ(far.FindComma(text.data(), 0), &text[5 * kNear]);
     text[3 * kNear] = '#';
-    far.NoteWritten('#');
+    far.NoteWritten(&text[3 * kNear]);
     EXPECT_EQ(far.Find(text.data(), '#'), &text[3 * kNear]);
+    EXPECT_EQ(far.Find(text.data() + 4 * kNear, '#'), nullptr);
     EXPECT_EQ(far.FindComma(text.data(), 0), &text[8 * kNear]);
+    text[6 * kNear] = '#';
+    far.NoteWritten(&text[6 * kNear]);
+    EXPECT_EQ(far.Find(text.data(), '#'), &text[3 * kNear]);
+    EXPECT_EQ(far.Find(text.data() + 4 * kNear, '#'), &text[6 * kNear]);
 }
 
 TEST(FarPlaces, HaveNothingInAnEmptyText) {

@@ -95,6 +95,63 @@ TEST(TextWalk, LeadsOutOfAListInHandToItsComma) {
     EXPECT_EQ(further.At(), 12) << "the first comma of the next entity";
 }
 
+TEST(TextWalk, EntersTheNextParenthesis) {
+    Walked walked("X(a(b");
+    walked.walk.Enter();
+    EXPECT_EQ(walked.At(), 2);
+    walked.walk.Enter();
+    EXPECT_EQ(walked.At(), 4);
+    walked.walk.Enter();
+    EXPECT_TRUE(walked.walk.overrun);
+}
+
+TEST(TextWalk, PassesCommasWhereverTheyStand) {
+    Walked walked("X('a,b',(1,2))");
+    walked.walk.PassCommas(3);
+    EXPECT_EQ(walked.At(), 11);
+    walked.walk.PassCommas(1);
+    EXPECT_TRUE(walked.walk.overrun);
+}
+
+TEST(TextWalk, SkipsArgumentsWithTheirLists) {
+    Walked walked(" \n'a',((1,2),3) , 4)");
+    walked.walk.SkipArguments(2);
+    EXPECT_EQ(walked.walk.Ahead(3), " 4)");
+    EXPECT_FALSE(walked.walk.overrun);
+}
+
+TEST(TextWalk, FindsTheFirstOfSeveralCharacters) {
+    const Walked walked("ab)c,");
+    EXPECT_EQ((walked.walk.Next<',', ')'>(walked.walk.at)), walked.walk.at + 2);
+    EXPECT_EQ((walked.walk.Next<'(', '#'>(walked.walk.at)), walked.walk.end);
+}
+
+TEST(TextWalk, SeesNoFurtherAheadThanTheTextGoes) {
+    Walked walked("abc");
+    EXPECT_EQ(walked.walk.Ahead(2), "ab");
+    EXPECT_EQ(walked.walk.Ahead(9), "abc");
+    walked.walk.GoTo(',');
+    EXPECT_EQ(walked.walk.Ahead(9), "");
+}
+
+TEST(ReadFirstString, TakesWhatStandsBetweenTheFirstQuotesAfterAParenthesis) {
+    Walked walked("#1='no'(5,'yes','later')");
+    EXPECT_EQ(ReadFirstString(&walked.walk, 300), "yes");
+    EXPECT_EQ(walked.At(), 14);
+}
+
+TEST(ReadReals, TakesOneAfterEachComma) {
+    Walked walked("1.5, -2. ),3)");
+    double values[3];
+    ReadReals(&walked.walk, values, 3);
+    EXPECT_EQ(values[0], 1.5);
+    EXPECT_EQ(values[1], -2.0);
+    EXPECT_EQ(values[2], 3.0);
+    EXPECT_EQ(walked.At(), 11);
+    ReadReals(&walked.walk, values, 2);
+    EXPECT_TRUE(walked.walk.overrun);
+}
+
 TEST(ReadReference, GoesToTheNumberSignAndTakesTheDigits) {
     Walked walked("  x#12)");
     EXPECT_EQ(ReadReference(&walked.walk), 12);
