@@ -3,9 +3,7 @@
 // form goes through the plain sequence of moves (find the parenthesis, find each comma, convert what stands
 // between), which defines the outcome.
 //
-// Reading is line-oriented by origin: where a list meets a line feed, more lines could once be fetched. There
-// is nothing to fetch here, so such a list ends there, and the walk is set back to a line whose first
-// character is now NUL.
+// A list ends at a line feed: the walk is then set back to the start of the line, which becomes a NUL.
 
 #include "geometry/triangulated_face.h"
 
@@ -24,40 +22,36 @@ namespace {
 constexpr const char* kPastEnd = "runs past the end of the file";
 constexpr const char* kNoMemory = "no memory for it";
 
-// The reading position in the line of an entity.
-struct FaceWalk {
-    char* line; // its "#"
-    char* at;
-    char* end; // of the text, where a NUL stands
-    const char* problem = nullptr;
+// A walk in the line of an entity. A move that finds no target fails it, as what the reader of a list meets
+// may.
+struct FaceWalk : TextWalk {
+    FaceWalk(const StepModel& walked, const P42Ent* entity)
+        : TextWalk(walked.WalkFrom(entity)), model(walked), line(at) {}
 
-    bool Failed() const { return problem != nullptr; }
-
+    bool Failed() const { return overrun; }
+    // Why it failed.
+    const char* Problem() const { return problem != nullptr ? problem : kPastEnd; }
     void Fail(const char* reason) {
         problem = reason;
+        overrun = true;
         at = end;
     }
-    void GoTo(char c) {
-        void* const found = std::memchr(at, c, static_cast<std::size_t>(end - at));
-        if (found == nullptr) {
-            Fail(kPastEnd);
-        } else {
-            at = static_cast<char*>(found);
-        }
-    }
-    void Step() {
+
+    // Forward by one character. At the end of the text it stays and hasn't failed: the NUL there ends a line.
+    void StepInLine() {
         if (at < end) { ++at; }
-    }
-    void SkipBlanks() {
-        while (*at == ' ') { ++at; }
     }
     bool AtLineEnd() const { return *at == '\n' || *at == '\0'; }
 
-    // What is left of a wish for the next line.
-    void Refill() {
+    // Ends a list at the end of the line: back to the start of the line, which becomes a NUL.
+    void BreakOff() {
         at = line;
-        *line = '\0';
+        model.Overwrite(line, '\0');
     }
+
+    const StepModel& model;
+    const char* line; // its "#"
+    const char* problem = nullptr;
 };
 
 // Digits as they mostly stand in an index list, 1 to 7 of them; false, and nothing done, for any other text.
@@ -71,20 +65,18 @@ bool TakeIndex(const char*& p, std::uint32_t* value) {
 }
 
 // The numbers of a triple from `p`, the place of its "(", as they mostly stand: "(a,b,c)". Returns the place
-// behind the
-// ")", or null for any other form.
-char* TakeTriple(char* p, float* out) {
+// after the ")", or null for any other form.
+const char* TakeTriple(const char* p, float* out) {
     const char* q = p + 1;
     out[0] = static_cast<float>(ParseReal(q, &q));
     if (*q != ',') { return nullptr; }
     out[1] = static_cast<float>(ParseReal(q + 1, &q));
     if (*q != ',') { return nullptr; }
     out[2] = static_cast<float>(ParseReal(q + 1, &q));
-    if (*q != ')') { return nullptr; }
-    return p + (q + 1 - p);
+    return *q == ')' ? q + 1 : nullptr;
 }
 
-char* TakeTriple(char* p, std::uint32_t* out) {
+const char* TakeTriple(const char* p, std::uint32_t* out) {
     const char* q = p + 1;
     if (!TakeIndex(q, &out[0]) || *q != ',') { return nullptr; }
     ++q;
@@ -92,7 +84,7 @@ char* TakeTriple(char* p, std::uint32_t* out) {
     ++q;
     if (!TakeIndex(q, &out[2]) || *q != ')') { return nullptr; }
     for (int i = 0; i < 3; ++i) { --out[i]; }
-    return p + (q + 1 - p);
+    return q + 1;
 }
 
 void Convert(const char* p, float* out) {
@@ -105,15 +97,15 @@ void Convert(const char* p, std::uint32_t* out) {
 // The same by the plain moves: the next ")" closes the triple, wherever its two commas are. Null, with the
 // walk failed, when the text ends before them.
 template <class Number>
-char* FindTriple(FaceWalk* walk, Number* out) {
-    char* const start = walk->at;
-    walk->Step();
+const char* FindTriple(FaceWalk* walk, Number* out) {
+    const char* const start = walk->at;
+    walk->StepInLine();
     walk->GoTo(')');
-    char* const close = walk->at;
+    const char* const close = walk->at;
     walk->at = std::min(start + 1, walk->end);
     walk->GoTo(',');
-    char* const first = walk->at;
-    walk->Step();
+    const char* const first = walk->at;
+    walk->StepInLine();
     walk->GoTo(',');
     if (walk->Failed()) { return nullptr; }
     Convert(start + 1, &out[0]);
@@ -128,8 +120,7 @@ template <class Array>
 bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
     walk->SkipBlanks();
     if (*walk->at == '$') { return true; }
-    walk->GoTo('(');
-    walk->Step();
+    walk->Enter();
     walk->SkipBlanks();
     if (walk->Failed()) { return false; }
     for (;;) {
@@ -137,17 +128,21 @@ bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
             walk->Fail(kNoMemory);
             return false;
         }
-        char* p = TakeTriple(walk->at, out->Next());
+        const char* p = TakeTriple(walk->at, out->Next());
         if (p == nullptr) {
             p = FindTriple(walk, out->Next());
             if (p == nullptr) { return false; }
         }
         out->Advance(3);
-        while (*p != '(' && *p != ')' && *p != '\n' && *p != '\0') { ++p; }
+        if (p[0] == ',' && p[1] == '(') {
+            ++p;
+        } else {
+            p = walk->Next<'(', ')', '\n', '\0'>(p);
+        }
         walk->at = p;
         if (*p == ')') { return true; }
         if (*p != '(') {
-            walk->Refill();
+            walk->BreakOff();
             OutputPrint("%s", endOfFile);
             return false;
         }
@@ -163,29 +158,20 @@ void TraiteTriangle(FaceWalk* walk, TipArray<std::uint32_t>* out) {
     ReadTriples(walk, out, "<E> StepFaceB::TraiteTriangle: Fin de fichier\n");
 }
 
-// Steps to the next argument, which is behind the next comma at any depth. False when the line ends first.
+// Steps to the next argument, which is after the next comma at any depth. False when the line ends first.
 bool ArgumentSuivant(FaceWalk* walk) {
-    const auto stepTo = [walk](auto goesOn) {
-        do {
-            walk->Step();
-            if (walk->AtLineEnd()) {
-                walk->Refill();
-                OutputPrint("<E> StepFaceB::ArgumentSuivant: Fin de fichier\n");
-                return false;
-            }
-        } while (goesOn(*walk->at));
-        return true;
-    };
-    if (*walk->at != ',' && !stepTo([](char c) { return c != ','; })) { return false; }
-    return stepTo([](char c) { return c == ' '; });
-}
-
-// The digits at the walk, at most 14; more end the process.
-std::int32_t TakeDigits(FaceWalk* walk) {
-    TextWalk digits{walk->at, walk->end};
-    const std::int32_t value = ReadDigits(&digits);
-    walk->at += digits.at - walk->at;
-    return value;
+    if (*walk->at != ',') {
+        walk->StepInLine();
+        walk->at = walk->Next<',', '\n', '\0'>(walk->at);
+    }
+    if (*walk->at == ',') {
+        walk->StepInLine();
+        walk->SkipBlanks();
+    }
+    if (!walk->AtLineEnd()) { return true; }
+    walk->BreakOff();
+    OutputPrint("<E> StepFaceB::ArgumentSuivant: Fin de fichier\n");
+    return false;
 }
 
 // The entity number of a reference; 0 when no digits follow the "#", -1 when a "," or ")" comes before it.
@@ -194,14 +180,13 @@ std::int32_t LitReference(FaceWalk* walk) {
         if (*walk->at == ',' || *walk->at == ')') { return -1; }
         ++walk->at;
     }
-    walk->Step();
-    return TakeDigits(walk);
+    walk->StepInLine();
+    return ReadDigits(walk);
 }
 
 // Reads a flat list of the form (i,j,k,...), "(" or not, and appends the values minus 1. Returns their
-// number, 0 at a
-// ")", -1 where the line ends or the walk has failed; what was read stays. The walk is left behind the list
-// and its comma.
+// number, 0 at a ")", -1 where the line ends or the walk has failed; what was read stays. The walk is left
+// after the list and its comma.
 template <class Array>
 std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
     if (*walk->at == ')') { return 0; }
@@ -215,8 +200,7 @@ std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
         const char* delimiter = walk->at;
         std::uint32_t value;
         if (!TakeIndex(delimiter, &value) || (*delimiter != ',' && *delimiter != ')')) {
-            delimiter = walk->at;
-            while (*delimiter != ',' && *delimiter != ')' && delimiter < walk->end) { ++delimiter; }
+            delimiter = walk->Next<',', ')'>(walk->at);
             if (delimiter == walk->end) {
                 walk->Fail(kPastEnd);
                 return -1;
@@ -226,16 +210,16 @@ std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
         *list->Next() = static_cast<std::int32_t>(value - 1);
         list->Advance(1);
         ++count;
-        walk->at += delimiter + 1 - walk->at;
+        walk->at = delimiter + 1;
         if (*delimiter == ')') { break; }
         if (walk->AtLineEnd()) {
-            walk->Refill();
+            walk->BreakOff();
             return -1;
         }
     }
     if (*walk->at == ',') { ++walk->at; }
     if (walk->AtLineEnd()) {
-        walk->Refill();
+        walk->BreakOff();
         return -1;
     }
     return count;
@@ -266,8 +250,7 @@ void ReadTriangleLists(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipAr
                        Append append) {
     walk->SkipBlanks();
     if (*walk->at == '$') { return; }
-    walk->GoTo('(');
-    walk->Step();
+    walk->Enter();
     walk->SkipBlanks();
     if (*walk->at == ')') { return; }
     for (bool brokeOff = false; !walk->Failed();) {
@@ -306,7 +289,7 @@ void TraiteFan(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipArray<std:
 // alone.
 std::int32_t ReadPnmax(FaceWalk* walk) {
     if (*walk->at == '$') { return 0; }
-    char* const limit = std::min(walk->line + 100, walk->end);
+    const char* const limit = std::min(walk->line + 100, walk->end);
     while (walk->at < limit && !real::IsDigit(*walk->at)) { ++walk->at; }
     std::int64_t value = 0;
     for (const char* const start = walk->at; walk->at < limit && real::IsDigit(*walk->at); ++walk->at) {
@@ -318,13 +301,9 @@ std::int32_t ReadPnmax(FaceWalk* walk) {
 
 // A walk to the points of a COORDINATES_LIST, its third argument.
 FaceWalk WalkToPoints(const StepModel& model, const P42Ent* list) {
-    char* const line = model.text + list->offset;
-    FaceWalk walk{line, line, model.textEnd};
+    FaceWalk walk(model, list);
     walk.GoTo('(');
-    walk.GoTo(',');
-    walk.Step();
-    walk.GoTo(',');
-    walk.Step();
+    walk.PassCommas(2);
     return walk;
 }
 
@@ -350,7 +329,7 @@ bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, 
     const bool whole = !walk.Failed() && TraiteCoords(&walk, &points);
     if (walk.Failed()) {
         points.Drop();
-        *problem = walk.problem;
+        *problem = walk.Problem();
         return false;
     }
     face->vertexCount = static_cast<std::int32_t>(points.Count() / 3);
@@ -372,7 +351,7 @@ bool FillCoordCache(FaceScratch* scratch, const StepModel& model, const P42Ent* 
     if (!walk.Failed()) { TraiteCoords(&walk, &scratch->list); }
     if (walk.Failed()) {
         cache = {};
-        *problem = walk.problem;
+        *problem = walk.Problem();
         return false;
     }
     cache = {list->id, static_cast<std::int32_t>(scratch->list.Count() / 3), scratch->list.Data()};
@@ -440,79 +419,87 @@ bool RepeatNormal(StepFaceB* face, const float normal[3], Arena& arena) {
     return true;
 }
 
+// The normals of a face, from the walk at their argument; the one of a flat face goes to `oneNormal`. False
+// when the walk fails.
+bool ReadNormals(FaceWalk* walk, Arena& arena, StepFaceB* face, float oneNormal[3]) {
+    TipArray<float> normals(arena);
+    if (walk->at[0] == '(' && walk->at[1] != ')') { TraiteCoords(walk, &normals); }
+    face->normalCount = static_cast<std::int32_t>(normals.Count() / 3);
+    if (face->normalCount == 1) {
+        std::copy_n(normals.Data(), 3, oneNormal);
+        normals.Drop();
+    } else {
+        face->normals = normals.Close();
+    }
+    return !walk->Failed();
+}
+
+// pnindex, from the walk at its argument. False when the walk fails.
+bool ReadPnindex(FaceWalk* walk, Arena& arena, StepFaceB* face) {
+    walk->SkipBlanks();
+    if (*walk->at != '(') { return true; }
+    ++walk->at;
+    walk->SkipBlanks();
+    if (*walk->at == '$' || *walk->at == ')') { return true; }
+    TipArray<std::int32_t> pnindex(arena);
+    LitEntiers(walk, &pnindex);
+    face->pnindexCount = static_cast<std::int32_t>(pnindex.Count());
+    face->pnindex = pnindex.Close();
+    if (walk->Failed()) { return false; }
+    // Back to before the comma that the list's reader has passed.
+    if (face->pnindexCount != 0) { walk->at -= 2; }
+    return true;
+}
+
+// The triangles, or strips and fans, from the walk at their first argument. False when the walk fails or the
+// line ends before the fans.
+bool ReadTriangles(FaceWalk* walk, std::int32_t code, Arena& arena, FaceScratch* scratch, StepFaceB* face) {
+    TipArray<std::uint32_t> triangles(arena);
+    bool read = true;
+    if (code == code::kTriangulatedFace) {
+        TraiteTriangle(walk, &triangles);
+    } else {
+        TraiteStrip(walk, &scratch->strip, &triangles);
+        read = !walk->Failed() && ArgumentSuivant(walk);
+        if (read) { TraiteFan(walk, &scratch->strip, &triangles); }
+    }
+    face->triangleCount = static_cast<std::int32_t>(triangles.Count() / 3);
+    face->triangles = triangles.Close();
+    return read && !walk->Failed();
+}
+
+// Reads the arguments of the face's own line; the number of its COORDINATES_LIST goes to `coordinatesId`.
+// False when the walk fails or the line ends before an argument that must be there.
+bool ReadArguments(FaceWalk* walk, std::int32_t code, Arena& arena, FaceScratch* scratch, StepFaceB* face,
+                   std::int32_t* coordinatesId, float oneNormal[3]) {
+    walk->GoTo('(');
+    walk->PassCommas(1);
+    *coordinatesId = LitReference(walk);
+    walk->PassCommas(1);
+    if (walk->Failed()) { return false; }
+    face->pnmax = ReadPnmax(walk);
+    if (!ArgumentSuivant(walk) || !ReadNormals(walk, arena, face, oneNormal)) { return false; }
+    if (code != code::kComplexTriangulatedSurfaceSet) {
+        ArgumentSuivant(walk);
+        if (*walk->at == '#') { face->exactFaceId = LitReference(walk); }
+    }
+    ArgumentSuivant(walk);
+    return ReadPnindex(walk, arena, face) && ArgumentSuivant(walk) &&
+           ReadTriangles(walk, code, arena, scratch, face);
+}
+
 } // namespace
 
 int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& arena, FaceScratch* scratch,
                FaceProblem* problem) {
-    const std::int32_t code = entity->code;
-    char* const line = model.text + entity->offset;
-    FaceWalk walk{line, line, model.textEnd};
-    const auto failed = [&walk, problem] {
-        problem->reason = walk.problem;
-        return -1;
-    };
     face->faceId = entity->id;
-    walk.GoTo('(');
-    walk.GoTo(',');
-    walk.Step();
-    const std::int32_t coordinatesId = LitReference(&walk);
-    walk.GoTo(',');
-    walk.Step();
-    if (walk.Failed()) { return failed(); }
-    face->pnmax = ReadPnmax(&walk);
-    if (!ArgumentSuivant(&walk)) { return failed(); }
-
+    FaceWalk walk(model, entity);
+    std::int32_t coordinatesId = 0;
     float oneNormal[3] = {};
-    {
-        TipArray<float> normals(arena);
-        if (walk.at[0] == '(' && walk.at[1] != ')') { TraiteCoords(&walk, &normals); }
-        face->normalCount = static_cast<std::int32_t>(normals.Count() / 3);
-        if (face->normalCount == 1) {
-            std::copy_n(normals.Data(), 3, oneNormal);
-            normals.Drop();
-        } else {
-            face->normals = normals.Close();
-        }
-        if (walk.Failed()) { return failed(); }
+    if (!ReadArguments(&walk, entity->code, arena, scratch, face, &coordinatesId, oneNormal)) {
+        problem->reason = walk.Failed() ? walk.Problem() : nullptr;
+        return -1;
     }
-
-    if (code != code::kComplexTriangulatedSurfaceSet) {
-        ArgumentSuivant(&walk);
-        if (*walk.at == '#') { face->exactFaceId = LitReference(&walk); }
-    }
-
-    ArgumentSuivant(&walk);
-    walk.SkipBlanks();
-    if (*walk.at == '(') {
-        ++walk.at;
-        walk.SkipBlanks();
-        if (*walk.at != '$' && *walk.at != ')') {
-            TipArray<std::int32_t> pnindex(arena);
-            LitEntiers(&walk, &pnindex);
-            face->pnindexCount = static_cast<std::int32_t>(pnindex.Count());
-            face->pnindex = pnindex.Close();
-            if (walk.Failed()) { return failed(); }
-            // Back to before the comma that the list's reader has passed.
-            if (face->pnindexCount != 0) { walk.at -= 2; }
-        }
-    }
-
-    if (!ArgumentSuivant(&walk)) { return failed(); }
-    {
-        TipArray<std::uint32_t> triangles(arena);
-        bool read = true;
-        if (code == code::kTriangulatedFace) {
-            TraiteTriangle(&walk, &triangles);
-        } else {
-            TraiteStrip(&walk, &scratch->strip, &triangles);
-            read = !walk.Failed() && ArgumentSuivant(&walk);
-            if (read) { TraiteFan(&walk, &scratch->strip, &triangles); }
-        }
-        face->triangleCount = static_cast<std::int32_t>(triangles.Count() / 3);
-        face->triangles = triangles.Close();
-        if (!read || walk.Failed()) { return failed(); }
-    }
-
     const P42Ent* const list = model.Find(coordinatesId);
     if (list == nullptr) {
         problem->reason = "has no COORDINATES_LIST";
