@@ -1,10 +1,7 @@
 #include "archive/stpa_archive.h"
 
-#include "p21/p42_ent.h"
-#include "platform/clock.h"
 #include "platform/console.h"
 #include "text/inflate_bytes.h"
-#include "text/text_find.h"
 
 #include <minizip/unzip.h>
 
@@ -18,9 +15,7 @@ namespace tarnwick {
 namespace {
 
 constexpr std::size_t kNameRoom = 256;
-constexpr std::size_t kLongBucket = 64;
 constexpr std::uint64_t kLargestMember = std::numeric_limits<std::int32_t>::max();
-constexpr std::uint64_t kSmallestRecord = 46;  // of a member in the central directory
 constexpr std::uint64_t kMostInflation = 1032; // deflate packs no tighter, whatever a record claims
 constexpr std::size_t kTextReserve = 0x40000;
 constexpr std::size_t kStoredReserve = 9;
@@ -35,51 +30,7 @@ constexpr const char* kForeignMethod = "is packed by a method that isn't known h
 constexpr const char* kEncrypted = "is encrypted";
 constexpr const char* kTooLarge = "is too large";
 
-// Names that were chosen to meet in one bucket would make every look-up a walk over all of them.
-const ZipEntry* FindFar(ZipIndex& index, std::string_view name) {
-    if (index.far.empty()) {
-        for (const std::vector<ZipEntry>& bucket : index.buckets) {
-            for (const ZipEntry& entry : bucket) { index.far.emplace(entry.name, &entry); }
-        }
-    }
-    const auto found = index.far.find(name);
-    return found != index.far.end() ? found->second : nullptr;
-}
-
 } // namespace
-
-void ZipIndexInit(ZipIndex& index, std::int32_t bits) {
-    index.bits = bits;
-    index.size = std::int32_t{1} << bits;
-    index.mask = index.size - 1;
-    index.buckets.assign(static_cast<std::size_t>(index.size), {});
-}
-
-std::int32_t ZipHash(const ZipIndex& index, std::string_view name) {
-    std::uint32_t sum = 0;
-    std::uint32_t weight = 1;
-    for (const char c : name) {
-        sum += static_cast<std::uint32_t>(static_cast<signed char>(c)) * weight;
-        weight += 7;
-    }
-    return BucketOf(static_cast<std::int32_t>(sum), index.bits, index.mask);
-}
-
-const ZipEntry* ZipLookup(ZipIndex& index, std::string_view name) {
-    if (index.size == 0) { return nullptr; }
-    const double start = ClockSeconds();
-    const std::vector<ZipEntry>& bucket = index.buckets[static_cast<std::size_t>(ZipHash(index, name))];
-    const ZipEntry* entry = nullptr;
-    if (bucket.size() <= kLongBucket) {
-        const auto found =
-            std::find_if(bucket.begin(), bucket.end(), [name](const ZipEntry& e) { return e.name == name; });
-        if (found != bucket.end()) { entry = &*found; }
-    } else {
-        entry = FindFar(index, name);
-    }
-    index.lookupSeconds += ClockSeconds() - start;
-    return entry;
-}
 
 ZipArchive::ZipArchive(const char* path) {
     constexpr std::size_t kPathRoom = 255;
@@ -106,12 +57,6 @@ ZipArchive::~ZipArchive() {
 }
 
 void ZipArchive::IndexArchive(const char* name) {
-    unz_global_info64 global{};
-    unzGetGlobalInfo64(zip_, &global);
-    // The count is the archive's own claim, and only a hint for the number of buckets.
-    const std::uint64_t possible = file_->Size() / kSmallestRecord;
-    ZipIndexInit(index, HashBits(static_cast<std::int32_t>(
-                            std::min({std::uint64_t{global.number_entry}, possible, kLargestMember}))));
     for (int result = unzGoToFirstFile(zip_); result == UNZ_OK; result = unzGoToNextFile(zip_)) {
         char buffer[kNameRoom];
         unz_file_info64 info{};
@@ -125,9 +70,8 @@ void ZipArchive::IndexArchive(const char* name) {
                          kNameRoom);
             continue;
         }
-        ZipEntry entry{position.pos_in_zip_directory, position.num_of_file, buffer};
-        index.buckets[static_cast<std::size_t>(ZipHash(index, entry.name))].push_back(std::move(entry));
-        ++index.count;
+        const std::string& kept = names_.emplace_back(buffer);
+        members_.Add(kept, {position.pos_in_zip_directory, position.num_of_file});
     }
 }
 
@@ -180,7 +124,7 @@ int ZipArchive::GetBufferCurrentFile(const MemberInfo& info, unsigned char* buff
 ZipArchive::Packed ZipArchive::ReadPacked(const char* name) {
     Packed packed;
     MemberInfo info{};
-    const ZipEntry* const entry = ZipLookup(index, name);
+    const ZipEntry* const entry = members_.Find(name);
     if (entry == nullptr) {
         packed.oddity = kNoMember;
         return packed;
@@ -208,7 +152,7 @@ ZipArchive::Packed ZipArchive::ReadPacked(const char* name) {
 
 char* ZipArchive::ReadMember(const char* name, TextMemory& memory, std::size_t* size, const char** problem) {
     *size = 0;
-    const ZipEntry* const entry = ZipLookup(index, name);
+    const ZipEntry* const entry = members_.Find(name);
     if (entry == nullptr || zip_ == nullptr) {
         *problem = kNoMember;
         return nullptr;

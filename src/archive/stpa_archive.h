@@ -1,46 +1,24 @@
 #pragma once
 
+#include "text/look_up.h"
 #include "text/opened_file.h"
 #include "xml/document_archive.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <vector>
 
 namespace tarnwick {
 
-// One member of an archive: where its record stands.
+// Where the record of one member of an archive stands.
 struct ZipEntry {
     std::uint64_t centralOffset; // in the central directory
     std::uint64_t memberIndex;   // its number
-    std::string name;
 };
-
-// The members by name: a chained hash table of a fixed size, in the order of the central directory. It spares
-// a walk over the directory for every member that is wanted.
-struct ZipIndex {
-    std::int32_t count = 0;
-    std::int32_t bits = 0;
-    std::int32_t size = 0; // buckets, 2 to the power `bits`
-    std::int32_t mask = 0;
-    double lookupSeconds = 0;
-    std::vector<std::vector<ZipEntry>> buckets;
-    // All members, made when a bucket turns out too long to be searched time and again.
-    std::unordered_map<std::string_view, const ZipEntry*> far;
-};
-
-// An index of 2 to the power `bits` empty buckets.
-void ZipIndexInit(ZipIndex& index, std::int32_t bits);
-
-// The bucket of a name: its bytes weighted by their places, the sum folded to the width of the index.
-std::int32_t ZipHash(const ZipIndex& index, std::string_view name);
-
-// The first member of this name, or null. Counts the time that it takes.
-const ZipEntry* ZipLookup(ZipIndex& index, std::string_view name);
 
 // An opened ZIP archive.
 class ZipArchive final : public DocumentArchive {
@@ -53,7 +31,8 @@ public:
     ~ZipArchive() override;
 
     bool IsOpen() const { return zip_ != nullptr; }
-    ZipIndex index;
+    // Members that can be asked for.
+    std::size_t MemberCount() const { return members_.Count(); }
 
     // A member's raw bytes after a gzip head of ten bytes.
     Packed ReadPacked(const char* name) override;
@@ -77,6 +56,10 @@ private:
 
     void* zip_ = nullptr;            // the library's handle
     std::optional<OpenedFile> file_; // the same file, for the raw bytes
+    // By name; of two of one name the first in the central directory counts. It spares a walk over the
+    // directory for every member that is wanted.
+    LookUp<std::string_view, ZipEntry> members_;
+    std::deque<std::string> names_; // of the members, where the keys point
 };
 
 } // namespace tarnwick

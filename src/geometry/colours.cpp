@@ -2,18 +2,15 @@
 #include "p21/keyword_codes.h"
 #include "text/parse_real.h"
 
-#include <algorithm>
+#include <bit>
 #include <cstring>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace tarnwick {
 
 namespace {
 
-constexpr std::int32_t kColourBits = 12; // of the index of styled items, at least
-constexpr std::int32_t kStyleBits = 6;   // of the index of styles, at least
 constexpr float kUnused = -1.0f;
 constexpr std::int32_t kNoRow = -1;
 
@@ -70,42 +67,59 @@ bool ReadColourRows(PartReader& reader) {
     return true;
 }
 
-// The rows of a colour, in the table's order. Those that styles use stand first, since a style takes the
-// first one that is free; which of them has an alpha is looked up, since a search for each style would cost
-// the product of styles and rows.
-struct ColourRows {
-    std::vector<std::int32_t> places;
-    std::size_t used = 0; // the rest is free
-    std::unordered_map<float, std::int32_t> usedByAlpha;
-};
-using RowsOfColour = std::unordered_map<std::int32_t, ColourRows>;
+// Gives styles their rows of the colour table. Of a colour's rows, those that styles use stand first, since a
+// style takes the first one that is free; which of them has an alpha is looked up, since a search for each
+// style would cost the product of styles and rows.
+class StyleRows {
+public:
+    explicit StyleRows(std::vector<ColourEntry>* rows) : rows_(*rows) {
+        for (std::size_t i = 0; i < rows_.size(); ++i) {
+            rowsOfColour_.At(rows_[i].colourId).places.push_back(static_cast<std::int32_t>(i));
+        }
+    }
 
-// The row of a colour with an alpha: one that no style uses yet or that has this alpha, else a new one.
-// kNoRow when the table doesn't have the colour.
-std::int32_t RowOf(std::int32_t colourId, float alpha, std::vector<ColourEntry>* rows,
-                   RowsOfColour* rowsOfColour) {
-    const auto found = rowsOfColour->find(colourId);
-    if (found == rowsOfColour->end()) { return kNoRow; }
-    ColourRows& own = found->second;
-    const auto known = own.usedByAlpha.find(alpha);
-    if (known != own.usedByAlpha.end()) {
-        (*rows)[static_cast<std::size_t>(known->second)].alpha = alpha; // zeros differ in their sign
-        return known->second;
+    // The row of a colour with an alpha: one that no style uses yet or that has this alpha, else a new one.
+    // kNoRow when the table doesn't have the colour.
+    std::int32_t RowOf(std::int32_t colourId, float alpha) {
+        RowsOfColour* const own = rowsOfColour_.Find(colourId);
+        if (own == nullptr) { return kNoRow; }
+        const std::uint64_t key = KeyOf(colourId, alpha);
+        const bool isNumber = alpha == alpha;
+        if (const std::int32_t* const known = isNumber ? usedByAlpha_.Find(key) : nullptr) {
+            rows_[static_cast<std::size_t>(*known)].alpha =
+                alpha; // 0 and -0 are equal: that of the last stays
+            return *known;
+        }
+        if (own->used == own->places.size()) {
+            ColourEntry added = rows_[static_cast<std::size_t>(own->places.back())];
+            added.alpha = kUnused;
+            own->places.push_back(static_cast<std::int32_t>(rows_.size()));
+            rows_.push_back(added);
+        }
+        const std::int32_t place = own->places[own->used];
+        rows_[static_cast<std::size_t>(place)].alpha = alpha;
+        if (alpha != kUnused) { // a row with that alpha stays free
+            if (isNumber) { usedByAlpha_.Add(key, place); }
+            ++own->used;
+        }
+        return place;
     }
-    if (own.used == own.places.size()) {
-        ColourEntry added = (*rows)[static_cast<std::size_t>(own.places.back())];
-        added.alpha = kUnused;
-        own.places.push_back(static_cast<std::int32_t>(rows->size()));
-        rows->push_back(added);
+
+private:
+    struct RowsOfColour {
+        std::vector<std::int32_t> places;
+        std::size_t used = 0; // the rest is free
+    };
+
+    static std::uint64_t KeyOf(std::int32_t colourId, float alpha) {
+        const auto bits = std::bit_cast<std::uint32_t>(alpha == 0.0f ? 0.0f : alpha);
+        return std::uint64_t{static_cast<std::uint32_t>(colourId)} << 32 | bits;
     }
-    const std::int32_t place = own.places[own.used];
-    (*rows)[static_cast<std::size_t>(place)].alpha = alpha;
-    if (alpha != kUnused) { // a row with that alpha stays free
-        if (alpha == alpha) { own.usedByAlpha.emplace(alpha, place); }
-        ++own.used;
-    }
-    return place;
-}
+
+    std::vector<ColourEntry>& rows_;
+    LookUp<std::int32_t, RowsOfColour> rowsOfColour_;
+    LookUp<std::uint64_t, std::int32_t> usedByAlpha_;
+};
 
 // To the second argument of the line.
 void GoToSecondArgument(TextWalk* walk) {
@@ -204,61 +218,56 @@ bool IsKnownColourName(std::string_view name) {
     return name.size() >= 3 && FindNamedColour(name.data()) != nullptr;
 }
 
-bool ReadColours(PartReader& reader) {
-    StepModel& model = reader.model;
-    if (model.presentationId < 1) { return true; }
-    if (!ReadColourRows(reader)) { return false; }
-    const P42Ent* const presentation = model.Find(model.presentationId);
-    if (presentation == nullptr) { return true; }
-    TextWalk walk = model.WalkFrom(presentation);
-    walk.GoTo('(');
-    walk.GoTo(',');
-    walk.GoTo('(');
-    std::vector<std::int32_t> itemIds;
-    ParseIdList(&walk, &itemIds);
-    if (walk.overrun) { return false; }
+namespace {
 
-    RowsOfColour rowsOfColour;
-    std::vector<ColourEntry>& rows = reader.scratch.colours;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        rowsOfColour[rows[i].colourId].places.push_back(static_cast<std::int32_t>(i));
-    }
-    Arena* const arena = model.IndexArena();
-    const std::int32_t bits = HashBits(static_cast<std::int32_t>(itemIds.size()));
-    reader.colourIndex = ColourIndex(arena, std::max(bits, kColourBits));
-    ColourIndex styleRows(arena, std::max(bits, kStyleBits));
-    const auto add = [arena](ColourIndex& index, std::int32_t id, std::int32_t row) {
-        ColourRow* const entry = arena->New<ColourRow>();
-        if (entry == nullptr) { return false; }
-        *entry = {id, row};
-        return index.Add(entry);
-    };
-    for (const std::int32_t id : itemIds) {
-        // STYLED_ITEM(name, (#style), #item), by position: whatever stands in the list is read like one.
+// What the presentation lists, its second argument; nothing when it isn't there. False when its line runs
+// past the end of the text.
+bool ReadStyledIds(const StepModel& model, std::vector<std::int32_t>* ids) {
+    TextWalk walk;
+    if (!model.OpenAfterCommas(model.presentationId, 1, &walk)) { return true; }
+    ParseIdList(&walk, ids);
+    return !walk.overrun;
+}
+
+// The two references of a STYLED_ITEM(name, (#style), #item), by position: whatever stands in the list is
+// read like one. False when they run past the end of the text.
+bool ReadStyledItem(TextWalk walk, std::int32_t* styleId, std::int32_t* itemId) {
+    walk.GoTo('=');
+    walk.GoTo('#');
+    walk.Step();
+    *styleId = StringToInteger(walk.at);
+    walk.PassCommas(1);
+    walk.Step();
+    *itemId = StringToInteger(walk.at);
+    return !walk.overrun;
+}
+
+} // namespace
+
+bool ReadColours(PartReader& reader) {
+    const StepModel& model = reader.model;
+    if (model.presentationId < 1) { return true; }
+    std::vector<std::int32_t> ids;
+    if (!ReadColourRows(reader) || !ReadStyledIds(model, &ids)) { return false; }
+    StyleRows styleRows(&reader.scratch.colours);
+    ColourIndex rowOfStyle;
+    for (const std::int32_t id : ids) {
         const P42Ent* const styled = model.Find(id);
         if (styled == nullptr) { break; }
-        walk = model.WalkFrom(styled);
-        walk.Step();
-        walk.GoTo('=');
-        walk.GoTo('#');
-        walk.Step();
-        const std::int32_t styleId = StringToInteger(walk.at);
-        walk.GoTo(',');
-        walk.Step();
-        walk.Step();
-        if (walk.overrun) { return false; }
-        const std::int32_t itemId = StringToInteger(walk.at);
-        const ColourRow* const known = styleRows.Find(styleId);
-        std::int32_t row = known != nullptr ? known->row : kNoRow;
+        std::int32_t styleId = 0;
+        std::int32_t itemId = 0;
+        if (!ReadStyledItem(model.WalkFrom(styled), &styleId, &itemId)) { return false; }
+        const std::int32_t* const known = rowOfStyle.Find(styleId);
+        std::int32_t row = known != nullptr ? *known : kNoRow;
         if (known == nullptr) {
             std::int32_t colourId = 0;
             float alpha = 0;
             if (ResolveStyle(model, styleId, &colourId, &alpha) == kResolved) {
-                row = RowOf(colourId, alpha, &rows, &rowsOfColour);
+                row = styleRows.RowOf(colourId, alpha);
             }
-            if (!add(styleRows, styleId, row)) { return false; }
+            rowOfStyle.Add(styleId, row);
         }
-        if (row != kNoRow && !add(reader.colourIndex, itemId, row)) { return false; }
+        if (row != kNoRow) { reader.colourIndex.Add(itemId, row); }
     }
     return true;
 }

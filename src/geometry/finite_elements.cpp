@@ -32,13 +32,6 @@ int GiveUpPastEnd(const FiniteElementReader& reader, const P42Ent* entity) {
     return GiveUp(reader, entity, "runs past the end of the file");
 }
 
-bool AddIndex(const FiniteElementReader& reader, FeIndexMap* map, std::int32_t id, std::size_t index) {
-    FeIndex* const entry = reader.part.model.IndexArena()->New<FeIndex>();
-    if (entry == nullptr) { return false; }
-    *entry = {id, static_cast<std::int32_t>(index)};
-    return map->Add(entry);
-}
-
 // The limits are kept as f32, and compared in f64.
 void WidenBox(float box[6], const FeNode& node, bool first) {
     const double values[3] = {node.x, node.y, node.z};
@@ -53,7 +46,7 @@ void WidenBox(float box[6], const FeNode& node, bool first) {
 int ReadNodes(FiniteElementReader& reader, ListP42Ent& lines) {
     const StepModel& model = reader.part.model;
     reader.nodes.reserve(static_cast<std::size_t>(lines.Count()));
-    reader.nodeMap = FeIndexMap(model.IndexArena(), HashBits(lines.Count()));
+    reader.nodeMap.Reserve(static_cast<std::size_t>(lines.Count()));
     std::vector<std::int32_t> ids;
     for (const P42Ent* line = lines.First(); line != nullptr; line = lines.Next()) {
         TextWalk walk = WalkAfter(model, line, 1);
@@ -72,7 +65,7 @@ int ReadNodes(FiniteElementReader& reader, ListP42Ent& lines) {
         ReadReals(&walk, values, 3);
         if (walk.overrun) { return GiveUpPastEnd(reader, point); }
         const FeNode node{line->id, values[0], values[1], values[2], -1.0, 0, 0, 0, 64};
-        if (!AddIndex(reader, &reader.nodeMap, line->id, reader.nodes.size())) { return kStopped; }
+        reader.nodeMap.Add(line->id, static_cast<std::int32_t>(reader.nodes.size()));
         WidenBox(reader.part.box, node, reader.nodes.empty());
         reader.nodes.push_back(node);
     }
@@ -82,12 +75,12 @@ int ReadNodes(FiniteElementReader& reader, ListP42Ent& lines) {
 int ReadSections(FiniteElementReader& reader, ListP42Ent& lines) {
     const StepModel& model = reader.part.model;
     reader.sectionValues.reserve(static_cast<std::size_t>(lines.Count()));
-    reader.sectionMap = FeIndexMap(model.IndexArena(), HashBits(lines.Count()));
+    reader.sectionMap.Reserve(static_cast<std::size_t>(lines.Count()));
     for (const P42Ent* line = lines.First(); line != nullptr; line = lines.Next()) {
         TextWalk walk = WalkAfter(model, line, 3);
         walk.SkipBlanks();
         if (walk.overrun) { return GiveUpPastEnd(reader, line); }
-        if (!AddIndex(reader, &reader.sectionMap, line->id, reader.sectionValues.size())) { return kStopped; }
+        reader.sectionMap.Add(line->id, static_cast<std::int32_t>(reader.sectionValues.size()));
         reader.sectionValues.push_back(ParseReal(walk.at));
     }
     return 0;
@@ -105,9 +98,9 @@ int ReadCornerValues(FiniteElementReader& reader, const FeQuad& quad, const P42E
     if (walk.overrun) { return GiveUpPastEnd(reader, varying); }
     if (ids->size() != 4) { return 0; }
     for (std::size_t corner = 0; corner < 4; ++corner) {
-        const FeIndex* const section = reader.sectionMap.Find((*ids)[corner]);
+        const std::int32_t* const section = reader.sectionMap.Find((*ids)[corner]);
         if (section == nullptr) { return kStopped; }
-        const double value = reader.sectionValues[static_cast<std::size_t>(section->index)];
+        const double value = reader.sectionValues[static_cast<std::size_t>(*section)];
         reader.nodes[static_cast<std::size_t>(quad.nodes[corner])].value = value;
         if (value > reader.maxValue) { reader.maxValue = value; }
         if (reader.minValue == -1.0) {
@@ -135,9 +128,9 @@ int ReadElement(FiniteElementReader& reader, const P42Ent* line, std::vector<std
     if (ids->size() != 4) { return 0; }
     FeQuad quad{};
     for (std::size_t corner = 0; corner < 4; ++corner) {
-        const FeIndex* const node = reader.nodeMap.Find((*ids)[corner]);
+        const std::int32_t* const node = reader.nodeMap.Find((*ids)[corner]);
         if (node == nullptr) { return kStopped; }
-        quad.nodes[corner] = node->index;
+        quad.nodes[corner] = *node;
     }
     reader.quads.push_back(quad);
     for (const std::int32_t node : quad.nodes) { reader.nodes[static_cast<std::size_t>(node)].used = 1; }

@@ -17,11 +17,7 @@ struct FeNode {
 };
 
 // From the entity number of a NODE or section line to its index, from 0.
-struct FeIndex {
-    std::int32_t id;
-    std::int32_t index;
-};
-using FeIndexMap = IdMap<FeIndex, &FeIndex::id>;
+using FeIndexMap = LookUp<std::int32_t, std::int32_t>;
 
 struct FeQuad {
     std::int32_t nodes[4];

@@ -124,8 +124,8 @@ int PartReader::ReadContainer(const P42Ent* entity) {
     container->containerId = entity->id;
     container->kind = entity->code == code::kTessellatedSolid ? 1 : 2;
     containers[containerCount++] = container;
-    const ColourRow* const colour = colourIndex.Find(entity->id);
-    currentColour = colour != nullptr ? colour->row : -1;
+    const std::int32_t* const colour = colourIndex.Find(entity->id);
+    currentColour = colour != nullptr ? *colour : -1;
     if (!ReadContainerItems(entity, &container->exactContainerId)) {
         return GiveUp("the list of a solid or shell runs past the end of the file");
     }
@@ -175,8 +175,8 @@ int PartReader::ReadFace(const P42Ent* entity, const FaceContainer* container) {
         face->exactContainerId = container->exactContainerId;
         face->containerType = container->kind;
     }
-    const ColourRow* const own = colourIndex.Find(entity->id);
-    const std::int32_t row = own != nullptr ? own->row : currentColour;
+    const std::int32_t* const own = colourIndex.Find(entity->id);
+    const std::int32_t row = own != nullptr ? *own : currentColour;
     if (row >= 0) {
         const ColourEntry& colour = scratch.colours[static_cast<std::size_t>(row)];
         face->colour[0] = colour.red;

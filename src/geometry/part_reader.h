@@ -1,10 +1,10 @@
 #pragma once
 
 #include "geometry/triangulated_face.h"
-#include "p21/id_map.h"
 #include "p21/step_model.h"
 #include "platform/arena.h"
 #include "product/scene_records.h"
+#include "text/look_up.h"
 
 #include <cstdint>
 #include <string_view>
@@ -20,11 +20,7 @@ struct ColourEntry {
 };
 
 // From the entity number of a styled item, or of a style, to a row of the colour table.
-struct ColourRow {
-    std::int32_t id;
-    std::int32_t row;
-};
-using ColourIndex = IdMap<ColourRow, &ColourRow::id>;
+using ColourIndex = LookUp<std::int32_t, std::int32_t>;
 
 // What a reading thread keeps from part to part.
 struct PartScratch {

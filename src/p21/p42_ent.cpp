@@ -7,6 +7,13 @@
 
 namespace tarnwick {
 
+namespace {
+
+// How far a look-up goes in its bucket.
+constexpr int kLongBucket = 64;
+
+} // namespace
+
 void ListP42Ent::Clear() {
     head_ = nullptr;
     tail_ = nullptr;
@@ -78,7 +85,7 @@ bool MapP42Ent::AddAll(P42Ent* const* records, std::int32_t count) {
         done += here;
     }
     count_ += count;
-    far_.Drop();
+    far_ = {};
     return true;
 }
 
@@ -86,13 +93,15 @@ void MapP42Ent::Clear() {
     for (std::int32_t i = 0; i < bucketCount_; ++i) { buckets_[i].Clear(); }
     count_ = 0;
     cursorBucket_ = 0;
-    far_.Drop();
+    far_ = {};
 }
 
 std::int32_t MapP42Ent::Add(P42Ent* record) {
     const std::int32_t inBucket = buckets_[BucketOf(record->id, bits_, mask_)].Add(record);
-    if (inBucket > 0) { ++count_; }
-    far_.Drop();
+    if (inBucket > 0) {
+        ++count_;
+        if (!far_.IsEmpty()) { far_.Add(record->id, record); }
+    }
     return inBucket;
 }
 
@@ -106,20 +115,22 @@ P42Ent* MapP42Ent::Find(std::int32_t id) {
     for (const P42Node* node = buckets_[BucketOf(id, bits_, mask_)].Head(); node != nullptr;
          node = node->next) {
         if (node->record->id == id) { return node->record; }
-        if (++steps == FarIndex<P42Ent>::kFar && MakeFarIndex()) { return far_.Find(id); }
+        if (++steps == kLongBucket) { return FindFar(id); }
     }
     return nullptr;
 }
 
-bool MapP42Ent::MakeFarIndex() {
-    if (far_.IsMade()) { return true; }
-    if (!far_.Make(arena_, count_)) { return false; }
-    for (std::int32_t i = 0; i < bucketCount_; ++i) {
-        for (const P42Node* node = buckets_[i].Head(); node != nullptr; node = node->next) {
-            far_.Add(node->record->id, node->record);
+P42Ent* MapP42Ent::FindFar(std::int32_t id) {
+    if (far_.IsEmpty()) {
+        far_.Reserve(static_cast<std::size_t>(count_));
+        for (std::int32_t i = 0; i < bucketCount_; ++i) {
+            for (const P42Node* node = buckets_[i].Head(); node != nullptr; node = node->next) {
+                far_.Add(node->record->id, node->record);
+            }
         }
     }
-    return true;
+    P42Ent* const* const found = far_.Find(id);
+    return found != nullptr ? *found : nullptr;
 }
 
 P42Ent* MapP42Ent::First() {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "p21/far_index.h"
 #include "platform/arena.h"
+#include "text/look_up.h"
 
 #include <cstdint>
 
@@ -19,7 +19,7 @@ struct P42Ent {
     void* arrays[3];        // null
 };
 
-// What readers do with a collection, whether it is the whole table or a side list.
+// A collection of records: the whole table or a side list.
 class CollP42Ent {
 public:
     // Forgets all records.
@@ -34,7 +34,7 @@ public:
     virtual P42Ent* Find(std::int32_t id) = 0;
     // The first record, or null; sets the cursor.
     virtual P42Ent* First() = 0;
-    // The record behind the last one returned, or null at the end.
+    // The record after the last one returned, or null at the end.
     virtual P42Ent* Next() = 0;
     virtual std::int32_t Count() const = 0;
     // Prints how evenly the records are spread, on standard output.
@@ -136,10 +136,12 @@ public:
 
 private:
     void MakeBuckets(std::int32_t upTo);
-    bool MakeFarIndex();
+    P42Ent* FindFar(std::int32_t id);
 
     std::int32_t count_ = 0;
-    FarIndex<P42Ent> far_;
+    // All records once more, made when a look-up has come too far in its bucket: numbers that a file doubles,
+    // or that were chosen to meet in one bucket, would else make every look-up a walk over all of them.
+    LookUp<std::int32_t, P42Ent*> far_;
     ListP42Ent* buckets_ = nullptr;
     Arena* arena_;
     std::int32_t made_ = 0; // buckets

@@ -79,20 +79,17 @@ P42Ent* StepModel::EntityAt(std::int32_t index) const {
 }
 
 bool StepModel::BuildEntityMap() {
-    void* const memory = workspace_.index.Allocate(sizeof(MapP42Ent));
-    if (memory == nullptr) { return false; }
-    MapP42Ent* const map =
-        ::new (memory) MapP42Ent(&workspace_.index, HashBits(entityCount), MapP42Ent::kBucketsOnDemand);
-    if (map->BucketCount() == 0) { return false; }
+    map_.emplace(&workspace_.index, HashBits(entityCount), MapP42Ent::kBucketsOnDemand);
+    if (map_->BucketCount() == 0) { return false; }
     std::int32_t left = entityCount;
     std::int64_t room = 10000;
     for (int block = 0; left > 0; ++block, room *= 10) {
         const std::int32_t here = left < room ? left : static_cast<std::int32_t>(room);
-        if (!map->AddAll(entityBlocks[block], here)) { return false; }
+        if (!map_->AddAll(entityBlocks[block], here)) { return false; }
         left -= here;
     }
-    map->MakeAllBuckets();
-    entityMap = map;
+    map_->MakeAllBuckets();
+    entityMap = &*map_;
     return true;
 }
 

@@ -125,6 +125,7 @@ private:
     ReaderWorkspace& workspace_;
     const bool isFile_;               // else `compressedData` is all there is, whatever the model's name
     std::unique_ptr<FarPlaces> far_;  // of the text, from the scan on
+    std::optional<MapP42Ent> map_;    // what `entityMap` points to
     int blocks_ = 0;                  // blocks made
     P42Ent** currentBlock_ = nullptr; // the last of them
     std::int32_t blockRoom_ = 0;      // its room

@@ -90,9 +90,7 @@ void FrameRows(const double axis[3], const double reference[3], double rows[9]) 
 } // namespace
 
 int ReadAssemblyStructure(ProductTree& tree, StepModel& model, bool isTopFile, Arena& arena) {
-    // Exporters that write "PRODUCT (" have products that the scan didn't count.
-    const std::int32_t expected = std::max(model.productCount / 10, model.entityCount / 40);
-    AssemblyReader reader{model, tree, arena, ProductMap(model.IndexArena(), HashBits(expected)), {}, {}};
+    AssemblyReader reader{model, tree, arena, {}, {}, {}};
     reader.products.reserve(static_cast<std::size_t>(model.productCount) + 5);
     ScanAssemblyEntities(reader);
     if (reader.overrun) { return 1; }
@@ -212,7 +210,7 @@ int ReadTransform(AssemblyReader& reader, std::int32_t transformId, double rotat
 
 ProductNode* IdentifyProduct(AssemblyReader& reader, std::int32_t definitionId, std::string_view name,
                              std::int32_t formationId) {
-    if (ProductNode* const known = reader.productMap.Find(definitionId)) { return known; }
+    if (ProductNode* const* const known = reader.productMap.Find(definitionId)) { return *known; }
     if (ProductNode* const queued = FindQueued(reader.tree, name)) { return queued; }
     return MakeProduct(reader, definitionId, name, formationId);
 }
@@ -227,7 +225,8 @@ ProductNode* MakeProduct(AssemblyReader& reader, std::int32_t definitionId, std:
     product->definitionId = definitionId;
     product->formationId = formationId;
     reader.products.push_back(product);
-    return reader.productMap.Add(product) ? product : nullptr;
+    reader.productMap.Add(definitionId, product);
+    return product;
 }
 
 bool NoteOverrun(AssemblyReader& reader, const TextWalk& walk, std::int32_t entityId) {

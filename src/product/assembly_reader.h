@@ -1,9 +1,9 @@
 #pragma once
 
-#include "p21/id_map.h"
 #include "p21/step_model.h"
 #include "platform/arena.h"
 #include "product/product_tree.h"
+#include "text/look_up.h"
 
 #include <cstdint>
 #include <string_view>
@@ -12,15 +12,13 @@
 
 namespace tarnwick {
 
-using ProductMap = IdMap<ProductNode, &ProductNode::definitionId>;
-
 // The working record for the structure of one file, alive during one ReadAssemblyStructure.
 struct AssemblyReader {
     StepModel& model;
-    ProductTree& tree; // its queue: the products of other files
-    Arena& arena;      // where the records of the tree go
-    ProductMap productMap;
-    std::vector<ProductNode*> products; // made while reading this file, in that order
+    ProductTree& tree;                             // its queue: the products of other files
+    Arena& arena;                                  // where the records of the tree go
+    LookUp<std::int32_t, ProductNode*> productMap; // by the number of its definition
+    std::vector<ProductNode*> products;            // made while reading this file, in that order
     // Uses that were read: they take effect when the file has come to its end, so that one that is given up
     // leaves nothing on the products of other files.
     std::vector<std::pair<ProductNode*, Occurrence*>> uses;
@@ -72,7 +70,7 @@ ProductNode* MakeProduct(AssemblyReader& reader, std::int32_t definitionId, std:
                          std::int32_t formationId);
 
 // The first product of that name that is on the queue, or null.
-ProductNode* FindQueued(const ProductTree& tree, std::string_view name);
+ProductNode* FindQueued(ProductTree& tree, std::string_view name);
 
 // Puts a product whose file is to be read on the tree's queue.
 void PushPartQueue(ProductTree& tree, ProductNode* product);

@@ -34,7 +34,8 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
     walk.GoTo('(');
     const std::int32_t definitionId = ReadReference(&walk);
     if (NoteOverrun(reader, walk, entity->id)) { return 1; }
-    ProductNode* product = reader.productMap.Find(definitionId);
+    ProductNode* const* const known = reader.productMap.Find(definitionId);
+    ProductNode* product = known != nullptr ? *known : nullptr;
     if (product == nullptr) {
         std::string_view name;
         std::int32_t formationId = 0;
@@ -56,13 +57,13 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
     return 0;
 }
 
-ProductNode* FindQueued(const ProductTree& tree, std::string_view name) {
-    const auto found = tree.queuedNames.find(name);
-    return found != tree.queuedNames.end() ? found->second : nullptr;
+ProductNode* FindQueued(ProductTree& tree, std::string_view name) {
+    ProductNode* const* const found = tree.queuedNames.Find(name);
+    return found != nullptr ? *found : nullptr;
 }
 
 void PushPartQueue(ProductTree& tree, ProductNode* product) {
-    tree.queuedNames.emplace(product->name, product);
+    tree.queuedNames.Add(product->name, product);
     tree.queue.Push(product);
 }
 

@@ -2,12 +2,12 @@
 
 #include "product/part_queue.h"
 #include "product/scene_records.h"
+#include "text/look_up.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 
 namespace tarnwick {
 
@@ -37,7 +37,7 @@ struct ProductTree {
     ProductNode* root = nullptr; // null when none was found
     PartQueue queue;             // those whose file is to be read
     // The first queued product of each name.
-    std::unordered_map<std::string_view, ProductNode*> queuedNames;
+    LookUp<std::string_view, ProductNode*> queuedNames;
 };
 
 } // namespace tarnwick

@@ -2,9 +2,9 @@
 
 #include "product/product_tree.h"
 #include "product/scene_records.h"
+#include "text/look_up.h"
 
 #include <string_view>
-#include <unordered_map>
 
 namespace tarnwick {
 
@@ -38,21 +38,16 @@ public:
     void Allocate() { table_.Allocate(); }
 
     void Append(ProductNode* product) {
-        firstByName_.emplace(product->name, table_.Count());
+        std::int32_t& first = firstByName_.At(product->name);
+        if (!IsFirst(first, product->name)) { first = table_.Count() + 1; }
         table_.Append(product);
     }
-    void Shrink(std::int32_t count) {
-        for (std::int32_t i = count; i < table_.Count(); ++i) {
-            const auto found = firstByName_.find(table_[i]->name);
-            if (found != firstByName_.end() && found->second >= count) { firstByName_.erase(found); }
-        }
-        table_.Shrink(count);
-    }
+    void Shrink(std::int32_t count) { table_.Shrink(count); }
 
     // The first product of this name, or null.
     ProductNode* FindByName(std::string_view name) {
-        const auto found = firstByName_.find(name);
-        return found != firstByName_.end() ? table_[found->second] : nullptr;
+        const std::int32_t* const first = firstByName_.Find(name);
+        return first != nullptr && IsFirst(*first, name) ? table_[*first - 1] : nullptr;
     }
 
     std::int32_t Count() const { return table_.Count(); }
@@ -60,8 +55,13 @@ public:
     ProductNode* operator[](std::int32_t index) { return table_[index]; }
 
 private:
+    // Whether a place, from 1, has the name still: Shrink leaves places that are free or have other products.
+    bool IsFirst(std::int32_t place, std::string_view name) {
+        return place > 0 && place <= table_.Count() && table_[place - 1]->name == name;
+    }
+
     ProductTable table_;
-    std::unordered_map<std::string_view, std::int32_t> firstByName_;
+    LookUp<std::string_view, std::int32_t> firstByName_; // places, from 1
 };
 
 } // namespace tarnwick

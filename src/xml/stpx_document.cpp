@@ -2,8 +2,8 @@
 
 #include "platform/append_pointer.h"
 #include "platform/console.h"
+#include "text/look_up.h"
 #include "text/scan_reals.h"
-#include "text/string_map.h"
 #include "text/text_find.h"
 #include "xml/stpx_scan.h"
 #include "xml/usual_tags.h"
@@ -17,28 +17,26 @@ namespace {
 
 using std::string_view;
 
-// The states bear the numbers of their element groups: one digit for the part, 10 to 19 for its properties,
-// 20 and 30 for placements and assignments, 50 and 60 for files and documents.
 enum class State {
-    kFindContainer = -1,
-    kContainer = 0,
-    kInPart = 1,
-    kInPartView = 2,
-    kCentreProperty = 10,
-    kFindContext = 11,
-    kInContext = 12,
-    kBoxProperty = 15,
-    kSkipProperty = 19,
-    kInRelation = 20,
-    kInPlacement = 21,
-    kInAssignment = 30,
-    kInFile = 50,
-    kInFileId = 51,
-    kInLocations = 52,
-    kInDocument = 60,
-    kInVersion = 61,
-    kInDefinition = 62,
-    kInFiles = 63,
+    kFindContainer,
+    kContainer,
+    kInPart,
+    kInPartView,
+    kCentreProperty,
+    kFindContext,
+    kInContext,
+    kBoxProperty,
+    kSkipProperty,
+    kInRelation,
+    kInPlacement,
+    kInAssignment,
+    kInFile,
+    kInFileId,
+    kInLocations,
+    kInDocument,
+    kInVersion,
+    kInDefinition,
+    kInFiles,
 };
 
 enum class PropertyKind { kNone, kCornerPoint, kBoundingBox };
@@ -84,8 +82,15 @@ private:
     bool ScanAll();
     bool TakeUsualTags();
     bool Step();
+    void StepContainer();
+    bool StepPart();
     bool StepPartView();
+    void StepProperty();
     bool StepContext();
+    bool StepRelation();
+    bool StepPlacement();
+    void StepFile();
+    void StepDocument();
     bool ReadPartName();
     bool ReadNumbers(double* values, int count);
     bool ReadPoint();
@@ -140,10 +145,10 @@ private:
     bool hasRotation_ = false;
     bool hasTranslation_ = false;
 
-    StringMap<ProductNode*> occurrenceUids_; // the product whose view holds the occurrence
+    LookUp<string_view, ProductNode*> occurrenceUids_; // the product whose view holds the occurrence
     std::vector<AssignedDocument> assignedDocuments_;
-    StringMap<string_view> mapDV_DF_;       // document version to digital file
-    StringMap<string_view> mapDF_Filename_; // file to file name
+    LookUp<string_view, string_view> mapDV_DF_;       // document version to digital file
+    LookUp<string_view, string_view> mapDF_Filename_; // file to file name
     std::unordered_map<ProductNode*, JoinedProduct> joined_;
 };
 
@@ -214,92 +219,24 @@ bool DocumentReader::Step() {
         if (Tag() == "<DataContainer") { state_ = State::kContainer; }
         return true;
     case State::kContainer:
-        if (Tag() == "<Part") {
-            productIsNew_ = false;
-            state_ = State::kInPart;
-        } else if (Tag() == "<File") {
-            fileUid_ = Uid();
-            state_ = State::kInFile;
-        } else if (Tag() == "<Document") {
-            state_ = State::kInDocument;
-        } else if (Tag() == "</DataContainer") {
-            done_ = true;
-        }
+        StepContainer();
         return true;
     case State::kInPart:
-        if (Tag() == "<Name") { return ReadPartName(); }
-        if (Tag() == "</Part") {
-            document_.products.push_back(currentProduct_);
-            state_ = State::kContainer;
-        } else if (Tag() == "<PartView") {
-            pointCount_ = 0;
-            viewOccurrences_ = 0;
-            state_ = State::kInPartView;
-        }
-        return true;
+        return StepPart();
     case State::kInPartView:
         return StepPartView();
     case State::kCentreProperty:
-        if (Tag() == "</ShapeDependentProperty") {
-            resumePosition_ = scan_.at;
-            state_ = propertyKind_ == PropertyKind::kCornerPoint && !pointRefA_.empty() ? State::kFindContext
-                                                                                        : State::kInPartView;
-        } else if (Tag() == "<Id") {
-            if (find::CutAtNul(scan_.id) == "bounding box corner point") {
-                propertyKind_ = PropertyKind::kCornerPoint;
-            }
-        } else if (Tag() == "<CentrePoint") {
-            pointRefA_ = Uid();
-        }
+    case State::kBoxProperty:
+    case State::kSkipProperty:
+        StepProperty();
         return true;
     case State::kFindContext:
-        if (Tag() == "<RepresentationContext") {
-            state_ = State::kInContext;
-        } else if (Tag() == "</DataContainer") {
-            scan_.at = resumePosition_;
-            state_ = State::kInPartView;
-        }
-        return true;
     case State::kInContext:
         return StepContext();
-    case State::kBoxProperty:
-        if (Tag() == "</ShapeDependentProperty") {
-            const bool complete =
-                propertyKind_ == PropertyKind::kBoundingBox && !pointRefA_.empty() && !pointRefB_.empty();
-            resumePosition_ = scan_.at;
-            state_ = complete ? State::kFindContext : State::kInPartView;
-        } else if (Tag() == "<PointMin") {
-            pointRefA_ = Uid();
-        } else if (Tag() == "<PointMax") {
-            pointRefB_ = Uid();
-        }
-        return true;
-    case State::kSkipProperty:
-        if (Tag() == "</ShapeDependentProperty") { state_ = State::kInPartView; }
-        return true;
     case State::kInRelation:
-        if (Tag() == "</ViewOccurrenceRelationship") {
-            state_ = State::kInPartView;
-            return AddOccurrence();
-        }
-        if (Tag() == "<Related") {
-            relatedUid_ = scan_.uid;
-            hasRelated_ = true;
-        } else if (Tag() == "<Placement") {
-            state_ = State::kInPlacement;
-        }
-        return true;
+        return StepRelation();
     case State::kInPlacement:
-        if (Tag() == "</Placement") {
-            state_ = State::kInRelation;
-        } else if (Tag() == "<RotationMatrix") {
-            hasRotation_ = true;
-            return ReadNumbers(rotationValues_, 9);
-        } else if (Tag() == "<TranslationVector") {
-            hasTranslation_ = true;
-            return ReadNumbers(translationValues_, 3);
-        }
-        return true;
+        return StepPlacement();
     case State::kInAssignment:
         if (Tag() == "</DocumentAssignment") {
             state_ = State::kInPartView;
@@ -308,54 +245,43 @@ bool DocumentReader::Step() {
         }
         return true;
     case State::kInFile:
-        if (Tag() == "</File") {
-            state_ = State::kContainer;
-        } else if (Tag() == "<Id") {
-            state_ = State::kInFileId;
-        } else if (Tag() == "<Locations") {
-            state_ = State::kInLocations;
-        }
-        return true;
     case State::kInFileId:
-        if (Tag() == "</Id") {
-            state_ = State::kInFile;
-        } else if (Tag() == "<Identifier") {
-            TakeIdentifier();
-        }
-        return true;
     case State::kInLocations:
-        if (Tag() == "</Locations") { state_ = State::kInFile; }
+        StepFile();
         return true;
     case State::kInDocument:
-        if (Tag() == "</Document") {
-            state_ = State::kContainer;
-        } else if (Tag() == "<DocumentVersion") {
-            versionUid_ = Uid();
-            state_ = State::kInVersion;
-        }
-        return true;
     case State::kInVersion:
-        if (Tag() == "</DocumentVersion") {
-            state_ = State::kInDocument;
-        } else if (Tag() == "<DocumentDefinition") {
-            state_ = State::kInDefinition;
-        }
-        return true;
     case State::kInDefinition:
-        if (Tag() == "</DocumentDefinition") {
-            state_ = State::kInVersion;
-        } else if (Tag() == "<Files") {
-            state_ = State::kInFiles;
-        }
-        return true;
     case State::kInFiles:
-        if (Tag() == "</Files") {
-            state_ = State::kInDefinition;
-        } else if (Tag() == "<DigitalFile") {
-            digitalFileSeen_ = true;
-            mapDV_DF_.Add(versionUid_, Uid());
-        }
+        StepDocument();
         return true;
+    }
+    return true;
+}
+
+void DocumentReader::StepContainer() {
+    if (Tag() == "<Part") {
+        productIsNew_ = false;
+        state_ = State::kInPart;
+    } else if (Tag() == "<File") {
+        fileUid_ = Uid();
+        state_ = State::kInFile;
+    } else if (Tag() == "<Document") {
+        state_ = State::kInDocument;
+    } else if (Tag() == "</DataContainer") {
+        done_ = true;
+    }
+}
+
+bool DocumentReader::StepPart() {
+    if (Tag() == "<Name") { return ReadPartName(); }
+    if (Tag() == "</Part") {
+        document_.products.push_back(currentProduct_);
+        state_ = State::kContainer;
+    } else if (Tag() == "<PartView") {
+        pointCount_ = 0;
+        viewOccurrences_ = 0;
+        state_ = State::kInPartView;
     }
     return true;
 }
@@ -387,8 +313,43 @@ bool DocumentReader::StepPartView() {
     return true;
 }
 
-// The search for the points of a property, in what stands behind it.
+// The properties of a view: which points its box has. Their places follow in a context.
+void DocumentReader::StepProperty() {
+    if (Tag() == "</ShapeDependentProperty") {
+        const bool complete =
+            state_ == State::kCentreProperty
+                ? propertyKind_ == PropertyKind::kCornerPoint && !pointRefA_.empty()
+                : propertyKind_ == PropertyKind::kBoundingBox && !pointRefA_.empty() && !pointRefB_.empty();
+        if (state_ != State::kSkipProperty) { resumePosition_ = scan_.at; }
+        state_ = complete ? State::kFindContext : State::kInPartView;
+    } else if (state_ == State::kCentreProperty) {
+        if (Tag() == "<Id") {
+            if (find::CutAtNul(scan_.id) == "bounding box corner point") {
+                propertyKind_ = PropertyKind::kCornerPoint;
+            }
+        } else if (Tag() == "<CentrePoint") {
+            pointRefA_ = Uid();
+        }
+    } else if (state_ == State::kBoxProperty) {
+        if (Tag() == "<PointMin") {
+            pointRefA_ = Uid();
+        } else if (Tag() == "<PointMax") {
+            pointRefB_ = Uid();
+        }
+    }
+}
+
+// The search for the points of a property, in what stands after it.
 bool DocumentReader::StepContext() {
+    if (state_ == State::kFindContext) {
+        if (Tag() == "<RepresentationContext") {
+            state_ = State::kInContext;
+        } else if (Tag() == "</DataContainer") {
+            scan_.at = resumePosition_;
+            state_ = State::kInPartView;
+        }
+        return true;
+    }
     if (Tag() == "</RepresentationContext") {
         state_ = State::kFindContext;
         return true;
@@ -406,6 +367,78 @@ bool DocumentReader::StepContext() {
         state_ = State::kInPartView;
     }
     return true;
+}
+
+bool DocumentReader::StepRelation() {
+    if (Tag() == "</ViewOccurrenceRelationship") {
+        state_ = State::kInPartView;
+        return AddOccurrence();
+    }
+    if (Tag() == "<Related") {
+        relatedUid_ = scan_.uid;
+        hasRelated_ = true;
+    } else if (Tag() == "<Placement") {
+        state_ = State::kInPlacement;
+    }
+    return true;
+}
+
+bool DocumentReader::StepPlacement() {
+    if (Tag() == "</Placement") {
+        state_ = State::kInRelation;
+    } else if (Tag() == "<RotationMatrix") {
+        hasRotation_ = true;
+        return ReadNumbers(rotationValues_, 9);
+    } else if (Tag() == "<TranslationVector") {
+        hasTranslation_ = true;
+        return ReadNumbers(translationValues_, 3);
+    }
+    return true;
+}
+
+void DocumentReader::StepFile() {
+    if (state_ == State::kInLocations) {
+        if (Tag() == "</Locations") { state_ = State::kInFile; }
+    } else if (state_ == State::kInFileId) {
+        if (Tag() == "</Id") {
+            state_ = State::kInFile;
+        } else if (Tag() == "<Identifier") {
+            TakeIdentifier();
+        }
+    } else if (Tag() == "</File") {
+        state_ = State::kContainer;
+    } else if (Tag() == "<Id") {
+        state_ = State::kInFileId;
+    } else if (Tag() == "<Locations") {
+        state_ = State::kInLocations;
+    }
+}
+
+// A document down to the file of its definition, one state for each level.
+void DocumentReader::StepDocument() {
+    struct Level {
+        string_view close;
+        State outer;
+        string_view open;
+        State inner;
+    };
+    static constexpr Level kLevels[] = {
+        {"</Document", State::kContainer, "<DocumentVersion", State::kInVersion},
+        {"</DocumentVersion", State::kInDocument, "<DocumentDefinition", State::kInDefinition},
+        {"</DocumentDefinition", State::kInVersion, "<Files", State::kInFiles},
+        {"</Files", State::kInDefinition, "<DigitalFile", State::kInFiles},
+    };
+    const Level& level = kLevels[static_cast<int>(state_) - static_cast<int>(State::kInDocument)];
+    if (Tag() == level.close) {
+        state_ = level.outer;
+    } else if (Tag() == level.open) {
+        if (state_ == State::kInDocument) { versionUid_ = Uid(); }
+        if (state_ == State::kInFiles) {
+            digitalFileSeen_ = true;
+            mapDV_DF_.Add(versionUid_, Uid());
+        }
+        state_ = level.inner;
+    }
 }
 
 // The name of a part, from the element that follows; none when that is another one. A part of a further
@@ -526,11 +559,10 @@ void DocumentReader::AddAssembly(ProductNode* product, string_view fileName) {
 
 // Finds the root and the child of every occurrence.
 bool DocumentReader::ResolveOccurrences() {
-    if (occurrenceUids_.Entries().empty()) {
+    if (occurrenceUids_.IsEmpty()) {
         document_.root = currentProduct_;
         return true;
     }
-    occurrenceUids_.Build();
     const ProductNode* former = nullptr;
     for (ProductNode* const product : document_.products) {
         if (product == nullptr) { break; }
@@ -561,8 +593,6 @@ void DocumentReader::ResolveFileNames() {
                                         "e dans mapDF_Filename\n";
     constexpr const char* kNotInVersions = "<E> Chaine %.*s non trouv\xE9"
                                            "e dans mapDV_DF\n";
-    mapDV_DF_.Build();
-    mapDF_Filename_.Build();
     for (const AssignedDocument& assigned : assignedDocuments_) {
         if (assigned.product == nullptr) { break; }
         string_view file = assigned.uid;

@@ -295,49 +295,35 @@ TEST(Stpa, LeavesOutMembersWithNamesOf256Characters) {
     members.push_back({std::string(255, 'n'), "x"});
     WriteArchive(folder.Path("fits.stpa"), members);
     const ZipArchive fits(folder.Path("fits.stpa").c_str());
-    EXPECT_EQ(fits.index.count, 4);
+    EXPECT_EQ(fits.MemberCount(), 4u);
     members.push_back({std::string(256, 'n'), "x"});
     WriteArchive(folder.Path("long.stpa"), members);
     const ConsoleText console;
     const ZipArchive tooLong(folder.Path("long.stpa").c_str());
-    EXPECT_EQ(tooLong.index.count, 4);
+    EXPECT_EQ(tooLong.MemberCount(), 4u);
     EXPECT_EQ(console.Count("<E>"), 1);
 }
 
-TEST(ZipHash, FoldsTheWeightedSumOfTheName) {
-    ZipIndex index;
-    ZipIndexInit(index, 4);
-    EXPECT_EQ(index.size, 16);
-    EXPECT_EQ(index.mask, 15);
-    const auto plain = [&](const std::string& name) {
-        std::int32_t sum = 0;
-        for (std::size_t i = 0; i < name.size(); ++i) {
-            sum += static_cast<signed char>(name[i]) * (1 + 7 * static_cast<std::int32_t>(i));
-        }
-        std::int32_t total = 0;
-        for (; sum > 0; sum >>= 4) { total += sum & 15; }
-        return total & 15;
-    };
-    EXPECT_EQ(ZipHash(index, ""), 0);
-    EXPECT_EQ(ZipHash(index, "a"), (6 + 1) & 15);
-    for (const char* const name : {"parts/w.stp", "main.stpx", "\xFF\xFE", "a\x80", "stpa.ini"}) {
-        EXPECT_EQ(ZipHash(index, name), plain(name)) << name;
-    }
-}
-
-TEST(ZipIndex, HasABucketForEachMemberOrSo) {
+TEST(ZipArchive, FindsTheFirstOfTheMembersOfOneName) {
     const TestFolder folder;
-    for (const auto& [count, size] : std::vector<std::pair<int, int>>{{5, 4}, {6, 8}, {11, 8}, {12, 16}}) {
-        std::vector<Member> members;
-        for (int i = 0; i < count; ++i) { members.push_back({"m" + std::to_string(i), "x"}); }
-        WriteArchive(folder.Path("n.stpa"), members);
-        ZipArchive archive(folder.Path("n.stpa").c_str());
-        EXPECT_EQ(archive.index.size, size);
-        EXPECT_EQ(archive.index.count, count);
-        EXPECT_NE(ZipLookup(archive.index, "m4"), nullptr);
-        EXPECT_EQ(ZipLookup(archive.index, "m99"), nullptr);
-        EXPECT_GE(archive.index.lookupSeconds, 0);
+    std::vector<Member> members;
+    for (int i = 0; i < 300; ++i) {
+        members.push_back({"m" + std::to_string(i % 100), "content " + std::to_string(i)});
     }
+    WriteArchive(folder.Path("n.stpa"), members);
+    ZipArchive archive(folder.Path("n.stpa").c_str());
+    EXPECT_EQ(archive.MemberCount(), 300u);
+    TextMemory memory;
+    std::size_t size = 0;
+    const char* problem = nullptr;
+    for (int i = 0; i < 100; ++i) {
+        const char* const text =
+            archive.ReadMember(("m" + std::to_string(i)).c_str(), memory, &size, &problem);
+        ASSERT_NE(text, nullptr);
+        EXPECT_EQ(std::string(text, size), "content " + std::to_string(i));
+    }
+    EXPECT_EQ(archive.ReadMember("m100", memory, &size, &problem), nullptr);
+    EXPECT_EQ(archive.ReadPacked("").data, nullptr);
 }
 
 TEST(ZipArchive, PutsTheHeadOfAGzipFileInFrontOfAMembersBytes) {
@@ -426,21 +412,6 @@ TEST(Stpa, ReadsHundredsOfPartsOnSixThreads) {
         folder.Write(members[i].name, members[i].content);
     }
     EXPECT_EQ(archive, LoadReport(folder.Write("main.stpx", root), nullptr, 0));
-}
-
-TEST(ZipIndex, FindsTheFirstOfTheMembersThatMeetInOneBucket) {
-    ZipIndex index;
-    ZipIndexInit(index, 2);
-    const auto add = [&index](const std::string& name, std::uint64_t number) {
-        index.buckets[static_cast<std::size_t>(ZipHash(index, name))].push_back({number, number, name});
-    };
-    for (std::uint64_t i = 0; i < 3000; ++i) { add("part" + std::to_string(i % 1000), i); }
-    for (std::uint64_t i = 0; i < 1000; ++i) {
-        const ZipEntry* const entry = ZipLookup(index, "part" + std::to_string(i));
-        ASSERT_NE(entry, nullptr);
-        ASSERT_EQ(entry->memberIndex, i);
-    }
-    EXPECT_EQ(ZipLookup(index, "part1000"), nullptr);
 }
 
 } // namespace

@@ -50,8 +50,7 @@ void FaceFile::Open(const FaceText& text) {
     model_.textEnd = block_.data() + text.text.size();
     records_ = text.records;
     const auto bits = HashBits(static_cast<std::int32_t>(records_.size()));
-    model_.entityMap =
-        ::new (workspace_.index.Allocate(sizeof(MapP42Ent))) MapP42Ent(&workspace_.index, bits);
+    model_.entityMap = &map_.emplace(&workspace_.index, bits);
     for (P42Ent& record : records_) { model_.entityMap->Add(&record); }
 }
 

@@ -5,6 +5,7 @@
 #include "support/capture.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -64,6 +65,7 @@ private:
     StepModel model_;
     std::vector<char> block_;
     std::vector<P42Ent> records_;
+    std::optional<MapP42Ent> map_;
     Arena arena_;
     FaceScratch scratch_;
 };

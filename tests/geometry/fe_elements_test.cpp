@@ -244,7 +244,7 @@ TEST(FeSections, ReadTheFourthAttribute) {
     const int c = text.Line("UNIFORM_SURFACE_SECTION('x',$,$,$)");
     const FeModel run(text.Text());
     const auto value = [&run](int id) {
-        return run.reader->sectionValues[static_cast<std::size_t>(run.reader->sectionMap.Find(id)->index)];
+        return run.reader->sectionValues[static_cast<std::size_t>(*run.reader->sectionMap.Find(id))];
     };
     EXPECT_EQ(value(a), 7.5);
     EXPECT_EQ(value(b), -2);

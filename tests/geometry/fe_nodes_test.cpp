@@ -28,7 +28,7 @@ TEST(FeNodes, AreReadInTheOrderOfTheTable) {
     EXPECT_NE(expected, ids);
     for (std::size_t i = 0; i < 40; ++i) {
         EXPECT_EQ(run.Node(ids[i])->x, static_cast<double>(i));
-        EXPECT_EQ(run.reader->nodeMap.Find(expected[i])->index, static_cast<std::int32_t>(i));
+        EXPECT_EQ(*run.reader->nodeMap.Find(expected[i]), static_cast<std::int32_t>(i));
     }
 }
 

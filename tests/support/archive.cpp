@@ -1,6 +1,7 @@
 #include "support/archive.h"
 
 #include <gtest/gtest.h>
+#include <minizip/unzip.h>
 #include <minizip/zip.h>
 #include <zlib.h>
 
@@ -22,6 +23,18 @@ void WriteArchive(const std::string& path, const std::vector<Member>& members) {
         ASSERT_EQ(zipCloseFileInZip(zip), ZIP_OK);
     }
     ASSERT_EQ(zipClose(zip, nullptr), ZIP_OK);
+}
+
+std::vector<std::string> MemberNames(const std::string& path) {
+    std::vector<std::string> names;
+    unzFile zip = unzOpen64(path.c_str());
+    for (int result = unzGoToFirstFile(zip); result == UNZ_OK; result = unzGoToNextFile(zip)) {
+        char name[256];
+        unzGetCurrentFileInfo64(zip, nullptr, name, sizeof name, nullptr, 0, nullptr, 0);
+        names.emplace_back(name);
+    }
+    unzClose(zip);
+    return names;
 }
 
 } // namespace tarnwick::test

@@ -16,4 +16,7 @@ struct Member {
 // Writes a ZIP archive of these members, in this order.
 void WriteArchive(const std::string& path, const std::vector<Member>& members);
 
+// The names of an archive's members, in the order of its directory.
+std::vector<std::string> MemberNames(const std::string& path);
+
 } // namespace tarnwick::test

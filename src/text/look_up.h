@@ -1,0 +1,216 @@
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace tarnwick {
+
+// The secret of one table's hash. No file knows it, so that none can choose keys that meet.
+struct HashSecret {
+    std::uint64_t a;
+    std::uint64_t b;
+
+    // From where the table lies, which is another place in every run.
+    static HashSecret Of(const void* table) {
+        const std::uint64_t place = reinterpret_cast<std::uintptr_t>(table);
+        return {(place ^ 0x9E3779B97F4A7C15u) * 0xBF58476D1CE4E5B9u,
+                std::rotl(place, 32) * 0x94D049BB133111EBu | 1};
+    }
+};
+
+// 32 bits for a number, all of which depend on all of it.
+inline std::uint32_t HashOf(std::uint64_t number, HashSecret secret) {
+    std::uint64_t mixed = (number ^ secret.a) * secret.b;
+    mixed = (mixed ^ mixed >> 32) * 0xBF58476D1CE4E5B9u;
+    return static_cast<std::uint32_t>((mixed ^ mixed >> 29) >> 32);
+}
+
+// The same for a text, by SipHash-1-3: as long as its secret is one, nobody finds texts of equal hashes.
+inline std::uint32_t HashOf(std::string_view text, HashSecret secret) {
+    std::uint64_t v0 = secret.a ^ 0x736F6D6570736575u;
+    std::uint64_t v1 = secret.b ^ 0x646F72616E646F6Du;
+    std::uint64_t v2 = secret.a ^ 0x6C7967656E657261u;
+    std::uint64_t v3 = secret.b ^ 0x7465646279746573u;
+    const auto round = [&] {
+        v0 += v1;
+        v1 = std::rotl(v1, 13) ^ v0;
+        v0 = std::rotl(v0, 32);
+        v2 += v3;
+        v3 = std::rotl(v3, 16) ^ v2;
+        v0 += v3;
+        v3 = std::rotl(v3, 21) ^ v0;
+        v2 += v1;
+        v1 = std::rotl(v1, 17) ^ v2;
+        v2 = std::rotl(v2, 32);
+    };
+    const auto take = [&](std::uint64_t word) {
+        v3 ^= word;
+        round();
+        v0 ^= word;
+    };
+    const char* p = text.data();
+    std::size_t left = text.size();
+    for (; left >= 8; left -= 8, p += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, p, 8);
+        take(word);
+    }
+    std::uint64_t last = static_cast<std::uint64_t>(text.size()) << 56;
+    for (std::size_t i = 0; i < left; ++i) {
+        last |= static_cast<std::uint64_t>(static_cast<unsigned char>(p[i])) << (8 * i);
+    }
+    take(last);
+    v2 ^= 0xFF;
+    for (int i = 0; i < 3; ++i) { round(); }
+    return static_cast<std::uint32_t>(v0 ^ v1 ^ v2 ^ v3);
+}
+
+// A table from numbers or names to values, for look-ups alone: nobody goes through it. The entries are a list,
+// in which the slots of an open hash table hold the places. Time and memory grow as the number of entries and
+// the length of their names do, whatever the keys are and however Add and Find take turns. Where a key is
+// added again, the entry added first is found. Names are borrowed.
+template <class Key, class Value>
+class LookUp {
+    static_assert(std::integral<Key> || std::same_as<Key, std::string_view>);
+
+public:
+    // Room for as many entries, where that is known or guessed.
+    void Reserve(std::size_t entries) { entries_.reserve(entries); }
+
+    // Appends an entry. It gets its slot when a key is looked for: the slots of many entries are filled faster
+    // in a row.
+    void Add(Key key, Value value) { entries_.push_back({Kept(key, secret_), std::move(value)}); }
+
+    // Adds the key if it isn't there; whether it did.
+    bool AddNew(Key key, Value value = {}) {
+        if (Find(key) != nullptr) { return false; }
+        Add(key, std::move(value));
+        return true;
+    }
+
+    // The value of the first entry with this key, or null. Where it stands until the next Add.
+    Value* Find(Key key) {
+        const Kept wanted(key, secret_);
+        PlaceAll();
+        return ValueAt(*SlotOf(wanted));
+    }
+
+    // The same, with an entry for a key that has none.
+    Value& At(Key key) {
+        if (Value* const found = Find(key)) { return *found; }
+        Add(key, {});
+        return entries_.back().value;
+    }
+
+    bool Contains(Key key) { return Find(key) != nullptr; }
+
+    // Looks for `keys` keys and hands the outcomes to found(i, value or null) in their order; keyOf(i) is the
+    // key. A few at a time: while one is on its way from memory, the way to the others is asked for as well.
+    template <class KeyOf, class Found>
+    void FindEach(std::int32_t keys, KeyOf keyOf, Found found) {
+        constexpr std::int32_t kAtATime = 16;
+        PlaceAll();
+        for (std::int32_t done = 0; done < keys; done += kAtATime) {
+            Kept wanted[kAtATime];
+            const std::int32_t here = std::min(keys - done, kAtATime);
+            for (std::int32_t i = 0; i < here; ++i) {
+                wanted[i] = Kept(keyOf(done + i), secret_);
+                __builtin_prefetch(&slots_[HomeOf(wanted[i].hash)]);
+            }
+            for (std::int32_t i = 0; i < here; ++i) {
+                const Slot& slot = slots_[HomeOf(wanted[i].hash)];
+                if (slot.place > 0) { __builtin_prefetch(&entries_[slot.place - 1]); }
+            }
+            for (std::int32_t i = 0; i < here; ++i) { found(done + i, ValueAt(*SlotOf(wanted[i]))); }
+        }
+    }
+
+    bool IsEmpty() const { return entries_.empty(); }
+    // Keys that were added again count each time.
+    std::size_t Count() const { return entries_.size(); }
+
+private:
+    struct KeptNumber {
+        KeptNumber() = default;
+        KeptNumber(Key key, HashSecret secret)
+            : number(key), hash(HashOf(static_cast<std::uint64_t>(key), secret)) {}
+        bool operator==(const KeptNumber& other) const { return number == other.number; }
+
+        Key number;
+        std::uint32_t hash;
+    };
+    struct KeptName {
+        KeptName() = default;
+        KeptName(std::string_view name, HashSecret secret)
+            : start(name.data()), length(static_cast<std::uint32_t>(name.size())),
+              hash(HashOf(name, secret)) {}
+        bool operator==(const KeptName& other) const {
+            return std::string_view(start, length) == std::string_view(other.start, other.length);
+        }
+
+        const char* start;
+        std::uint32_t length;
+        std::uint32_t hash;
+    };
+    using Kept = std::conditional_t<std::integral<Key>, KeptNumber, KeptName>;
+    struct Entry {
+        Kept key;
+        Value value;
+    };
+    struct Slot {
+        std::uint32_t hash;  // most unequal keys that come to a slot differ in it
+        std::uint32_t place; // of the entry, from 1; 0 for a free slot
+    };
+
+    std::size_t HomeOf(std::uint32_t hash) const { return hash >> shift_; }
+    Value* ValueAt(const Slot& slot) {
+        return slot.place > 0 ? &entries_[slot.place - 1].value : nullptr;
+    }
+
+    // The slot that has the key, or the free one where it belongs.
+    Slot* SlotOf(const Kept& key) {
+        const std::size_t mask = slots_.size() - 1;
+        for (std::size_t i = HomeOf(key.hash);; i = (i + 1) & mask) {
+            Slot& slot = slots_[i];
+            if (slot.place == 0 || (slot.hash == key.hash && entries_[slot.place - 1].key == key)) {
+                return &slot;
+            }
+        }
+    }
+
+    void PlaceAll() {
+        if (placed_ < entries_.size() || slots_.empty()) [[unlikely]] { PlaceRest(); }
+    }
+    [[gnu::noinline]] void PlaceRest() {
+        if (entries_.size() + entries_.size() / 2 > slots_.size() || slots_.empty()) { MakeSlots(); }
+        for (; placed_ < entries_.size(); ++placed_) {
+            const Kept& key = entries_[placed_].key;
+            Slot* const slot = SlotOf(key);
+            if (slot->place == 0) { *slot = {key.hash, static_cast<std::uint32_t>(placed_ + 1)}; }
+        }
+    }
+    // Makes one and a half to three slots for each entry.
+    void MakeSlots() {
+        const std::size_t least = entries_.size() + entries_.size() / 2;
+        const int bits = std::max(3, static_cast<int>(std::bit_width(least)));
+        slots_.assign(std::size_t{1} << bits, {});
+        shift_ = 32 - bits;
+        placed_ = 0;
+    }
+
+    HashSecret secret_ = HashSecret::Of(this);
+    std::vector<Entry> entries_;
+    std::vector<Slot> slots_; // a power of two of them; a third of them is free at least
+    std::size_t placed_ = 0;  // entries that have their slots
+    int shift_ = 0;           // that leaves of a hash the place of its slot
+};
+
+} // namespace tarnwick
