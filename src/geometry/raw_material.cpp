@@ -2,6 +2,7 @@
 #include "p21/keyword_codes.h"
 
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace tarnwick {
@@ -26,24 +27,123 @@ bool MaterialName(const StepModel& model, const P42Ent* option, TextWalk* walk, 
     return !walk->overrun;
 }
 
-// The items of the representation that a SHAPE_DEFINITION_REPRESENTATION attaches to the option itself.
-// False, with no items, when it belongs to something else or a number isn't there.
-bool MaterialItems(const StepModel& model, const P42Ent* shapeDefinition, const P42Ent* option,
-                   TextWalk* walk, std::vector<std::int32_t>* items) {
-    items->clear();
+// What a SHAPE_DEFINITION_REPRESENTATION attaches to what.
+struct Attachment {
+    const P42Ent* definition = nullptr; // null when a number on the way isn't there
+    std::int32_t representation = 0;
+};
+
+Attachment ReadAttachment(const StepModel& model, const P42Ent* shapeDefinition, TextWalk* walk) {
     *walk = model.WalkFrom(shapeDefinition);
     walk->Enter();
     const std::int32_t definitionShape = ReadReference(walk);
     walk->GoToArgumentComma();
     walk->Step();
     const std::int32_t representation = ReadReference(walk);
-    if (walk->overrun || !model.OpenAfterArguments(definitionShape, 2, walk)) { return false; }
+    if (walk->overrun || !model.OpenAfterArguments(definitionShape, 2, walk)) { return {}; }
     const std::int32_t definition = ReadReference(walk);
-    if (walk->overrun || model.Find(definition) != option) { return false; }
-    if (!model.OpenAfterArguments(representation, 1, walk)) { return false; }
-    walk->SkipBlanksAndLineFeeds();
-    ParseIdList(walk, items);
-    return !walk->overrun;
+    if (walk->overrun) { return {}; }
+    return {model.Find(definition), representation};
+}
+
+// The names that materials give to the items of representations. Each of the latter is read once, whatever
+// number of materials it is attached to: the last of them names its items.
+class NamedItems {
+public:
+    explicit NamedItems(const StepModel& model) : model_(model) {}
+
+    // Names the items of a representation; one that isn't there has none. False when its line runs past the
+    // end of the text.
+    bool Name(std::int32_t representation, std::string_view name) {
+        TextWalk walk;
+        if (!model_.OpenAfterArguments(representation, 1, &walk)) { return true; }
+        walk.GoTo('(');
+        const auto place = static_cast<std::int32_t>(walk.at - model_.text);
+        const std::int32_t* const known = listAt_.Find(place);
+        if (known == nullptr) {
+            List list{.first = ids_.size()};
+            ParseIdList(&walk, &ids_);
+            if (walk.overrun) {
+                ids_.resize(list.first);
+                return false;
+            }
+            list.count = ids_.size() - list.first;
+            listAt_.Add(place, static_cast<std::int32_t>(lists_.size()));
+            lists_.push_back(list);
+        }
+        List& list = lists_[known != nullptr ? static_cast<std::size_t>(*known) : lists_.size() - 1];
+        list.name = name;
+        list.turn = ++turns_;
+        return true;
+    }
+
+    // Writes the names on the containers that are among the items, by their own number or that of their link.
+    void WriteOn(FaceContainer** containers, std::int32_t count, Arena& arena) {
+        LookUp<std::int32_t, List*> lastOf; // of the lists that have an item
+        for (List& list : lists_) {
+            for (std::size_t i = 0; i < list.count; ++i) {
+                List*& last = lastOf.At(ids_[list.first + i]);
+                if (last == nullptr || last->turn < list.turn) { last = &list; }
+            }
+        }
+        for (std::int32_t i = 0; i < count; ++i) {
+            List* const* const own = lastOf.Find(containers[i]->containerId);
+            List* named = own != nullptr ? *own : nullptr;
+            List* const* const linked = lastOf.Find(containers[i]->exactContainerId);
+            if (linked != nullptr && (named == nullptr || named->turn < (*linked)->turn)) { named = *linked; }
+            if (named == nullptr) { continue; }
+            if (named->copy == nullptr) { named->copy = arena.Copy(named->name.data(), named->name.size()); }
+            containers[i]->materialName = named->copy;
+        }
+    }
+
+private:
+    struct List {
+        std::size_t first = 0; // of `ids_`
+        std::size_t count = 0;
+        std::string_view name = {}; // that it was given last
+        std::int64_t turn = 0;      // when
+        const char* copy = nullptr; // of the name, once a container has it
+    };
+
+    const StepModel& model_;
+    std::vector<std::int32_t> ids_;
+    std::vector<List> lists_;
+    LookUp<std::int32_t, std::int32_t> listAt_; // by the place in the text where a list starts
+    std::int64_t turns_ = 0;
+};
+
+// Names the items of each option's representations, in the order of the options and of the shape definitions.
+// False when a line runs past the end of the text; what was named before stays.
+bool NameItems(const StepModel& model, const std::vector<const P42Ent*>& options,
+               const std::vector<const P42Ent*>& shapeDefinitions, NamedItems* items) {
+    std::unordered_map<const P42Ent*, std::vector<std::int32_t>> attached; // representations
+    bool areRead = false;
+    TextWalk walk{};
+    for (const P42Ent* const option : options) {
+        std::string_view name;
+        const bool named = MaterialName(model, option, &walk, &name);
+        if (walk.overrun) { return false; }
+        if (!named) { continue; }
+        if (areRead) {
+            for (const std::int32_t id : attached[option]) {
+                if (!items->Name(id, name)) { return false; }
+            }
+            continue;
+        }
+        // The first option with a name meets what is wrong with a shape definition.
+        areRead = true;
+        for (const P42Ent* const shapeDefinition : shapeDefinitions) {
+            const Attachment attachment = ReadAttachment(model, shapeDefinition, &walk);
+            if (walk.overrun) { return false; }
+            if (attachment.definition == nullptr) { continue; }
+            attached[attachment.definition].push_back(attachment.representation);
+            if (attachment.definition == option && !items->Name(attachment.representation, name)) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -58,29 +158,10 @@ bool LinkRawMaterial(PartReader& reader, std::int32_t makeFromCount, std::int32_
         if (record->code == code::kMakeFromUsageOption) { options.push_back(record); }
         if (record->code == code::kShapeDefinitionRepresentation) { shapeDefinitions.push_back(record); }
     }
-    std::vector<std::int32_t> items;
-    TextWalk walk{};
-    for (const P42Ent* const option : options) {
-        std::string_view name;
-        const bool named = MaterialName(model, option, &walk, &name);
-        if (walk.overrun) { return false; }
-        if (!named) { continue; }
-        for (const P42Ent* const shapeDefinition : shapeDefinitions) {
-            const bool attached = MaterialItems(model, shapeDefinition, option, &walk, &items);
-            if (walk.overrun) { return false; }
-            if (!attached) { continue; }
-            const char* copy = nullptr;
-            for (const std::int32_t id : items) {
-                for (std::int32_t i = 0; i < reader.containerCount; ++i) {
-                    FaceContainer* const container = reader.containers[i];
-                    if (container->exactContainerId != id && container->containerId != id) { continue; }
-                    if (copy == nullptr) { copy = reader.arena.Copy(name.data(), name.size()); }
-                    container->materialName = copy;
-                }
-            }
-        }
-    }
-    return true;
+    NamedItems items(model);
+    const bool read = NameItems(model, options, shapeDefinitions, &items);
+    items.WriteOn(reader.containers, reader.containerCount, reader.arena);
+    return read;
 }
 
 } // namespace tarnwick
