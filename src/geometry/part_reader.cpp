@@ -156,7 +156,12 @@ bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactCon
     if (walk.overrun || walk.at == walk.end) { return false; }
     // Marks where the link was looked for, also where there is none: a container that is listed twice finds
     // it again.
-    if (walk.Current() != '#') { model.Overwrite(walk.at, '#'); }
+    if (walk.Current() != '#') {
+        if (walk.Current() == ')') {
+            scratch.face.ForgetListAt(static_cast<std::int32_t>(walk.at - model.text));
+        }
+        model.Overwrite(walk.at, '#');
+    }
     walk.Step();
     *exactContainerId = ReadDigits(&walk);
     return true;

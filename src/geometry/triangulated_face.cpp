@@ -45,12 +45,14 @@ struct FaceWalk : TextWalk {
 
     // Ends a list at the end of the line: back to the start of the line, which becomes a NUL.
     void BreakOff() {
+        brokeAt = at;
         at = line;
         model.Overwrite(line, '\0');
     }
 
     const StepModel& model;
     const char* line; // its "#"
+    const char* brokeAt = nullptr;
     const char* problem = nullptr;
 };
 
@@ -149,9 +151,11 @@ bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
     }
 }
 
+constexpr const char* kCoordsBrokeOff = "<E> StepFaceB::TraiteCoords: Fin de fichier\n";
+
 template <class Array>
 bool TraiteCoords(FaceWalk* walk, Array* out) {
-    return ReadTriples(walk, out, "<E> StepFaceB::TraiteCoords: Fin de fichier\n");
+    return ReadTriples(walk, out, kCoordsBrokeOff);
 }
 
 void TraiteTriangle(FaceWalk* walk, TipArray<std::uint32_t>* out) {
@@ -339,6 +343,16 @@ bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, 
     return true;
 }
 
+// Keeps what the walk has read into `points`, if it didn't leave the line.
+void KeepList(const FaceWalk& walk, bool isWhole, const ScratchArray<float>& points, KnownList* list) {
+    const char* const end = isWhole ? walk.at : walk.brokeAt;
+    if (end > walk.Next<'\n'>(walk.line)) { return; }
+    list->points.assign(points.Data(), points.Data() + points.Count());
+    list->isWhole = isWhole;
+    list->end = static_cast<std::int32_t>(end - walk.model.text);
+    list->isKept = true;
+}
+
 // Fills the cache from a list that it doesn't hold.
 bool FillCoordCache(FaceScratch* scratch, const StepModel& model, const P42Ent* list, const char** problem) {
     CoordCache& cache = scratch->coordCache;
@@ -346,15 +360,23 @@ bool FillCoordCache(FaceScratch* scratch, const StepModel& model, const P42Ent* 
         cache = *scratch->allPoints;
         return true;
     }
+    KnownList& known = scratch->knownLists[list->offset];
+    if (known.isKept) {
+        if (!known.isWhole) { OutputPrint("%s", kCoordsBrokeOff); }
+        cache = {list->id, static_cast<std::int32_t>(known.points.size() / 3), known.points.data()};
+        return true;
+    }
     scratch->list.Clear();
     FaceWalk walk = WalkToPoints(model, list);
-    if (!walk.Failed()) { TraiteCoords(&walk, &scratch->list); }
+    const bool isWhole = !walk.Failed() && TraiteCoords(&walk, &scratch->list);
     if (walk.Failed()) {
         cache = {};
         *problem = walk.Problem();
         return false;
     }
     cache = {list->id, static_cast<std::int32_t>(scratch->list.Count() / 3), scratch->list.Data()};
+    if (known.wasRead) { KeepList(walk, isWhole, scratch->list, &known); }
+    known.wasRead = true;
     return true;
 }
 

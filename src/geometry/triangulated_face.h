@@ -6,7 +6,10 @@
 #include "product/scene_records.h"
 
 #include <cstdint>
+#include <iterator>
+#include <map>
 #include <optional>
+#include <vector>
 
 namespace tarnwick {
 
@@ -17,12 +20,24 @@ struct CoordCache {
     const float* points = nullptr;  // x, y, z of each, in the scratch list or in the vertices of a face
 };
 
+// A COORDINATES_LIST that faces with pnindex have come to.
+struct KnownList {
+    bool wasRead = false;
+    // Once it is read again: its points, for faces that take turns with other lists. Only of one that ends on
+    // its own line, and until a character is written over it.
+    bool isKept = false;
+    bool isWhole = false;      // else it broke off
+    std::int32_t end = 0;      // where its reading ended, from the start of the text
+    std::vector<float> points; // x, y, z of each
+};
+
 // What a reading thread keeps from face to face.
 struct FaceScratch {
     // The list that the last face with pnindex took its points from, broken off or whole: faces that share a
     // list, one after another, pay for parsing it once.
     CoordCache coordCache;
-    ScratchArray<float> list; // what `coordCache` mostly points into
+    std::map<std::int32_t, KnownList> knownLists; // by the offset of their lines
+    ScratchArray<float> list; // what `coordCache` points into, unless that is a known list
     // The last whole list that a face without pnindex has read, which is its vertices. A list may be #0.
     std::optional<CoordCache> allPoints;
     ScratchArray<std::int32_t> strip; // the values of one strip or fan
@@ -30,7 +45,16 @@ struct FaceScratch {
     // Forgets the lists of the part before.
     void Reset() {
         coordCache = {};
+        knownLists.clear();
         allPoints.reset();
+    }
+
+    // To be called when a parenthesis of the text is written over. What is in use stays.
+    void ForgetListAt(std::int32_t offset) {
+        const auto next = knownLists.upper_bound(offset);
+        if (next == knownLists.begin()) { return; }
+        KnownList& known = std::prev(next)->second;
+        if (offset <= known.end) { known.isKept = false; }
     }
 };
 
