@@ -20,68 +20,77 @@ bool Begins(const char* p, const char (&literal)[Size]) {
 std::int32_t ClassifyEntity(const char* p) {
     switch (*p) {
     case 'C':
-        if (Begins<25>(p, "COMPLEX_TRIANGULATED_FACE")) { return 18; }
-        if (Begins<14>(p, "COORDINATES_LI")) { return 16; }
-        if (Begins<32>(p, "COMPLEX_TRIANGULATED_SURFACE_SET")) { return 20; }
-        if (Begins<12>(p, "CARTESIAN_PO")) { return 10; }
-        if (Begins<12>(p, "CLOSED_SHELL")) { return 4; }
-        if (Begins<10>(p, "COLOUR_RGB")) { return 23; }
-        if (Begins<27>(p, "CONTEXT_DEPENDENT_SHAPE_REP")) { return 25; }
-        return 0;
+        if (Begins<25>(p, "COMPLEX_TRIANGULATED_FACE")) { return code::kComplexTriangulatedFace; }
+        if (Begins<14>(p, "COORDINATES_LI")) { return code::kCoordinatesList; }
+        if (Begins<32>(p, "COMPLEX_TRIANGULATED_SURFACE_SET")) {
+            return code::kComplexTriangulatedSurfaceSet;
+        }
+        if (Begins<12>(p, "CARTESIAN_PO")) { return code::kCartesianPoint; }
+        if (Begins<12>(p, "CLOSED_SHELL")) { return code::kClosedShell; }
+        if (Begins<10>(p, "COLOUR_RGB")) { return code::kColourRgb; }
+        if (Begins<27>(p, "CONTEXT_DEPENDENT_SHAPE_REP")) {
+            return code::kContextDependentShapeRepresentation;
+        }
+        return code::kUnknown;
     case 'D':
-        return Begins<29>(p, "DRAUGHTING_PRE_DEFINED_COLOUR") ? 24 : 0;
+        return Begins<29>(p, "DRAUGHTING_PRE_DEFINED_COLOUR") ? code::kDraughtingPreDefinedColour
+                                                              : code::kUnknown;
     case 'T':
-        if (Begins<32>(p, "TESSELLATED_SHAPE_REPRESENTATION")) { return 12; }
-        if (Begins<17>(p, "TESSELLATED_SOLID")) { return 13; }
-        if (Begins<17>(p, "TESSELLATED_SHELL")) { return 14; }
-        if (Begins<16>(p, "TESSELLATED_WIRE")) { return 15; }
-        if (Begins<17>(p, "TRIANGULATED_FACE")) { return 17; }
-        if (Begins<17>(p, "TRIANGULATED_SURFACE_SET")) { return 19; }
-        return 0;
+        if (Begins<32>(p, "TESSELLATED_SHAPE_REPRESENTATION")) {
+            return code::kTessellatedShapeRepresentation;
+        }
+        if (Begins<17>(p, "TESSELLATED_SOLID")) { return code::kTessellatedSolid; }
+        if (Begins<17>(p, "TESSELLATED_SHELL")) { return code::kTessellatedShell; }
+        if (Begins<16>(p, "TESSELLATED_WIRE")) { return code::kTessellatedWire; }
+        if (Begins<17>(p, "TRIANGULATED_FACE")) { return code::kTriangulatedFace; }
+        if (Begins<17>(p, "TRIANGULATED_SURFACE_SET")) { return code::kTriangulatedSurfaceSet; }
+        return code::kUnknown;
     case 'M':
-        if (Begins<12>(p, "MANIFOLD_SOL")) { return 1; }
-        if (Begins<34>(p, "MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION")) { return 22; }
-        if (Begins<21>(p, "MAKE_FROM_USAGE_OPTION")) { return 42; }
-        return 0;
+        if (Begins<12>(p, "MANIFOLD_SOL")) { return code::kManifoldSolid; }
+        if (Begins<34>(p, "MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION")) {
+            return code::kPresentationRepresentation;
+        }
+        if (Begins<21>(p, "MAKE_FROM_USAGE_OPTION")) { return code::kMakeFromUsageOption; }
+        return code::kUnknown;
     case 'N':
-        if (Begins<8>(p, "NEXT_ASS")) { return 26; }
-        if (Begins<5>(p, "NODE(")) { return 39; }
-        return 0;
+        if (Begins<8>(p, "NEXT_ASS")) { return code::kNextAssemblyUsage; }
+        if (Begins<5>(p, "NODE(")) { return code::kNode; }
+        return code::kUnknown;
     case 'B':
-        if (Begins<12>(p, "BREP_WITH_VO")) { return 2; }
-        if (Begins<13>(p, "B_SPLINE_SURF")) { return 31; }
-        if (Begins<13>(p, "B_SPLINE_CURV")) { return 32; }
-        if (Begins<8>(p, "B_SPLINE")) { return 30; }
-        return 0;
+        if (Begins<12>(p, "BREP_WITH_VO")) { return code::kBrepWithVoids; }
+        if (Begins<13>(p, "B_SPLINE_SURF")) { return code::kBSplineSurface; }
+        if (Begins<13>(p, "B_SPLINE_CURV")) { return code::kBSplineCurve; }
+        if (Begins<8>(p, "B_SPLINE")) { return code::kBSpline; }
+        return code::kUnknown;
     case 'O':
-        return Begins<10>(p, "OPEN_SHELL") ? 5 : 0;
+        return Begins<10>(p, "OPEN_SHELL") ? code::kOpenShell : code::kUnknown;
     case 'A':
-        if (Begins<12>(p, "ADVANCED_FAC")) { return 6; }
-        if (Begins<20>(p, "APPLIED_DOCUMENT_REF")) { return 29; }
-        return 0;
+        if (Begins<12>(p, "ADVANCED_FAC")) { return code::kAdvancedFace; }
+        if (Begins<20>(p, "APPLIED_DOCUMENT_REF")) { return code::kAppliedDocumentReference; }
+        return code::kUnknown;
     case 'E':
-        if (Begins<10>(p, "EDGE_CURVE")) { return 9; }
-        if (Begins<9>(p, "EDGE_LOOP")) { return 7; }
-        return 0;
+        if (Begins<10>(p, "EDGE_CURVE")) { return code::kEdgeCurve; }
+        if (Begins<9>(p, "EDGE_LOOP")) { return code::kEdgeLoop; }
+        return code::kUnknown;
     case 'V':
-        return Begins<12>(p, "VERTEX_POINT") ? 11 : 0;
+        return Begins<12>(p, "VERTEX_POINT") ? code::kVertexPoint : code::kUnknown;
     case 'F':
-        return Begins<12>(p, "FACETED_BREP") ? 3 : 0;
+        return Begins<12>(p, "FACETED_BREP") ? code::kFacetedBrep : code::kUnknown;
     case 'S':
-        if (Begins<18>(p, "SURFACE_STYLE_FILL")) { return 33; }
-        if (Begins<18>(p, "SURFACE_STYLE_REND")) { return 34; }
-        if (Begins<33>(p, "SURFACE_3D_ELEMENT_REPRESENTATION")) { return 37; }
-        if (Begins<29>(p, "SURFACE_SECTION_FIELD_VARYING")) { return 38; }
-        if (Begins<31>(p, "SHAPE_DEFINITION_REPRESENTATION")) { return 41; }
-        return 0;
+        if (Begins<18>(p, "SURFACE_STYLE_FILL")) { return code::kSurfaceStyleFillArea; }
+        if (Begins<18>(p, "SURFACE_STYLE_REND")) { return code::kSurfaceStyleRendering; }
+        if (Begins<33>(p, "SURFACE_3D_ELEMENT_REPRESENTATION")) { return code::kSurface3dElement; }
+        if (Begins<29>(p, "SURFACE_SECTION_FIELD_VARYING")) { return code::kSurfaceSectionFieldVarying; }
+        if (Begins<31>(p, "SHAPE_DEFINITION_REPRESENTATION")) { return code::kShapeDefinitionRepresentation; }
+        return code::kUnknown;
     case 'P':
-        if (Begins<8>(p, "PRODUCT(")) { return 27; }
-        if (Begins<27>(p, "PRODUCT_RELATED_PRODUCT_CAT")) { return 28; }
-        return 0;
+        if (Begins<8>(p, "PRODUCT(")) { return code::kProduct; }
+        if (Begins<27>(p, "PRODUCT_RELATED_PRODUCT_CAT")) { return code::kProductRelatedProductCategory; }
+        return code::kUnknown;
     case 'U':
-        return Begins<19>(p, "UNIFORM_SURFACE_SEC") ? 40 : 0;
+        return Begins<19>(p, "UNIFORM_SURFACE_SEC") ? code::kUniformSurfaceSection : code::kUnknown;
     default:
-        return 0;
+        return code::kUnknown;
     }
 }
 
