@@ -6,12 +6,11 @@
 #include "p21/keyword_codes.h"
 
 #include <unordered_map>
+#include <unordered_set>
 
 namespace tarnwick {
 
 namespace {
-
-constexpr std::int32_t kAdvancedFace = 6;
 
 class AssemblyCheck {
 public:
@@ -40,8 +39,11 @@ private:
     const P42Ent* At(const Arguments& arguments, std::size_t place) const {
         return place < arguments.size() ? model_.Find(ReferenceOf(arguments[place])) : nullptr;
     }
-    Arguments ArgumentsAt(const P42Ent* entity) const {
-        return entity != nullptr ? ArgumentsOf(EntityText(model_, entity)) : Arguments{};
+    // Cut apart once, since many may refer to one entity.
+    const Arguments& ArgumentsAt(const P42Ent* entity) {
+        const auto [place, isNew] = arguments_.try_emplace(entity);
+        if (isNew && entity != nullptr) { place->second = ArgumentsOf(EntityText(model_, entity)); }
+        return place->second;
     }
     bool IsFirstVisit(const P42Ent* entity) { return entity != nullptr && visited_.insert(entity).second; }
 
@@ -52,9 +54,9 @@ private:
     }
 
     void CheckUse(const P42Ent* use) {
-        const Arguments arguments = ArgumentsAt(use);
+        const Arguments& arguments = ArgumentsAt(use);
         const P42Ent* const definitionShape = At(arguments, 1);
-        const Arguments shape = ArgumentsAt(definitionShape);
+        const Arguments& shape = ArgumentsAt(definitionShape);
         const P42Ent* const usage = At(shape, 2);
         if (usage == nullptr || usage->code != code::kNextAssemblyUsage) {
             file_.Add(FindingKind::kUse, use, "doesn't lead to a NEXT_ASSEMBLY_USAGE_OCCURRENCE");
@@ -62,7 +64,7 @@ private:
         }
         if (IsFirstVisit(definitionShape)) { CheckWay(definitionShape, shape, 2, 0); }
         reached_.insert(usage);
-        const Arguments usageArguments = ArgumentsAt(usage);
+        const Arguments& usageArguments = ArgumentsAt(usage);
         if (IsFirstVisit(usage)) { CheckWay(usage, usageArguments, 3, 2); }
         const P42Ent* const parent = At(usageArguments, 3);
         const P42Ent* const child = At(usageArguments, 4);
@@ -73,28 +75,37 @@ private:
         CheckRelationship(use, At(arguments, 0));
     }
 
-    // The transformation stands behind the third "(" of the relationship.
+    // The transformation stands after the third "(" of the relationship.
     void CheckRelationship(const P42Ent* use, const P42Ent* relationship) {
         if (relationship == nullptr) { return; }
-        std::string_view text = EntityText(model_, relationship);
-        for (int i = 0; i < 3 && !text.empty(); ++i) {
-            const std::size_t open = text.find('(');
-            text = open != std::string_view::npos ? text.substr(open + 1) : std::string_view();
-        }
-        const P42Ent* const transform = model_.Find(ReferenceOf(text));
-        const std::string_view keyword =
-            transform != nullptr ? KeywordOf(EntityText(model_, transform)) : std::string_view();
-        if (keyword != "ITEM_DEFINED_TRANSFORMATION") {
+        const auto [place, isNew] = transforms_.try_emplace(relationship);
+        if (isNew) { place->second = TransformOf(relationship); }
+        const P42Ent* const transform = place->second;
+        if (transform == nullptr) {
             file_.Add(FindingKind::kUse, use,
                       "its relationship " + Number(relationship->id) +
                           " doesn't lead to an ITEM_DEFINED_TRANSFORMATION where it is looked for");
             return;
         }
         if (!IsFirstVisit(transform)) { return; }
-        const Arguments arguments = ArgumentsAt(transform);
+        const Arguments& arguments = ArgumentsAt(transform);
         CheckWay(transform, arguments, 2, 2);
         CheckPlacement(transform, At(arguments, 2));
         CheckPlacement(transform, At(arguments, 3));
+    }
+
+    // The ITEM_DEFINED_TRANSFORMATION of a relationship; null when there is none where it is looked for.
+    const P42Ent* TransformOf(const P42Ent* relationship) const {
+        std::string_view text = EntityText(model_, relationship);
+        for (int i = 0; i < 3 && !text.empty(); ++i) {
+            const std::size_t open = text.find('(');
+            text = open != std::string_view::npos ? text.substr(open + 1) : std::string_view();
+        }
+        const P42Ent* const transform = model_.Find(ReferenceOf(text));
+        return transform != nullptr &&
+                       KeywordOf(EntityText(model_, transform)) == "ITEM_DEFINED_TRANSFORMATION"
+                   ? transform
+                   : nullptr;
     }
 
     void CheckPlacement(const P42Ent* transform, const P42Ent* placement) {
@@ -103,7 +114,7 @@ private:
             return;
         }
         if (!IsFirstVisit(placement)) { return; }
-        const Arguments arguments = ArgumentsAt(placement);
+        const Arguments& arguments = ArgumentsAt(placement);
         CheckWay(placement, arguments, 1, 1);
         for (std::size_t i = 1; i < 4; ++i) {
             const P42Ent* const triple = At(arguments, i);
@@ -118,7 +129,7 @@ private:
 
     // A point or direction.
     void CheckTriple(const P42Ent* triple) {
-        const Arguments arguments = ArgumentsAt(triple);
+        const Arguments& arguments = ArgumentsAt(triple);
         if (!arguments.empty() && file_.HasComma(triple, arguments[0])) { return; }
         if (arguments.size() < 2 || ShapeOf(arguments[1]).values != 3) {
             file_.Add(FindingKind::kUse, triple, "isn't three numbers");
@@ -130,10 +141,10 @@ private:
 
     void CheckProduct(const P42Ent* definition) {
         if (!IsFirstVisit(definition)) { return; }
-        const Arguments arguments = ArgumentsAt(definition);
+        const Arguments& arguments = ArgumentsAt(definition);
         CheckWay(definition, arguments, 2, 2);
         const P42Ent* const formation = At(arguments, 2);
-        const Arguments formationArguments = ArgumentsAt(formation);
+        const Arguments& formationArguments = ArgumentsAt(formation);
         if (IsFirstVisit(formation)) { CheckWay(formation, formationArguments, 2, 2); }
         const P42Ent* const product = At(formationArguments, 2);
         if (product == nullptr) {
@@ -141,7 +152,7 @@ private:
             return;
         }
         file_.CheckName(product);
-        const Arguments productArguments = ArgumentsAt(product);
+        const Arguments& productArguments = ArgumentsAt(product);
         if (!productArguments.empty()) { names_[definition] = StringOf(productArguments[0]); }
     }
 
@@ -152,7 +163,7 @@ private:
     }
 
     void CheckDocument(const P42Ent* reference) {
-        const Arguments arguments = ArgumentsAt(reference);
+        const Arguments& arguments = ArgumentsAt(reference);
         const P42Ent* const document = At(arguments, 0);
         if (document == nullptr || arguments.size() < 3) { return; }
         const std::vector<std::int32_t> items = ReferencesIn(arguments[2]);
@@ -161,19 +172,30 @@ private:
         CheckProduct(definition);
         const auto product = names_.find(definition);
         if (product == names_.end()) { return; }
-        const Arguments documentArguments = ArgumentsAt(document);
+        const Arguments& documentArguments = ArgumentsAt(document);
         if (documentArguments.empty()) { return; }
-        std::string name(StringOf(documentArguments[0]));
+        const std::string_view name = StringOf(documentArguments[0]);
         withFile_.insert(definition);
-        if (name.find("...") != std::string::npos) {
+        const auto [hasDots, isNew] = hasDots_.try_emplace(document);
+        if (isNew) { hasDots->second = name.find("...") != std::string_view::npos; }
+        if (hasDots->second) {
             file_.Add(FindingKind::kNoFile, document,
-                      "the file name '" + name + "' of product '" + std::string(product->second) +
-                          "' is no name, since it holds \"...\"");
+                      "the file name '" + std::string(name) + "' of product '" +
+                          std::string(product->second) + "' is no name, since it holds \"...\"");
             return;
         }
-        if (name.ends_with(".cgr")) { name.replace(name.size() - 3, 3, "stp"); }
-        references_->names.push_back(std::move(name));
-        references_->products.emplace_back(product->second);
+        references_->references.push_back({PlaceOf(name, true), PlaceOf(product->second, false)});
+    }
+
+    // The place of a name among those of the references. A name is known by where it stands.
+    std::size_t PlaceOf(std::string_view name, bool isFile) {
+        LookUp<std::int32_t, std::size_t>& places = isFile ? filePlaces_ : productPlaces_;
+        const std::int32_t offset = name.empty() ? 0 : OffsetOf(model_, name.data());
+        if (const std::size_t* const known = places.Find(offset)) { return *known; }
+        std::string& kept = references_->names.emplace_back(name);
+        if (isFile && kept.ends_with(".cgr")) { kept.replace(kept.size() - 3, 3, "stp"); }
+        places.Add(offset, references_->names.size() - 1);
+        return references_->names.size() - 1;
     }
 
     // Products that nothing hangs under and that no reference gives a file.
@@ -181,7 +203,7 @@ private:
         bool hasShapes = false;
         for (std::int32_t i = 0; i < model_.entityCount; ++i) {
             const std::int32_t entityCode = model_.EntityAt(i)->code;
-            if (entityCode == kAdvancedFace || entityCode == code::kTriangulatedFace ||
+            if (entityCode == code::kAdvancedFace || entityCode == code::kTriangulatedFace ||
                 entityCode == code::kComplexTriangulatedFace ||
                 entityCode == code::kComplexTriangulatedSurfaceSet) {
                 hasShapes = true;
@@ -217,12 +239,17 @@ private:
     CheckedFile& file_;
     const StepModel& model_;
     FileReferences* references_;
+    std::unordered_map<const P42Ent*, Arguments> arguments_;
+    std::unordered_map<const P42Ent*, const P42Ent*> transforms_; // of relationships
     std::unordered_set<const P42Ent*> visited_;
     std::unordered_set<const P42Ent*> reached_;                 // uses
     std::unordered_set<const P42Ent*> parents_;                 // definitions
     std::unordered_set<const P42Ent*> children_;                // definitions
     std::unordered_set<const P42Ent*> withFile_;                // definitions
     std::unordered_map<const P42Ent*, std::string_view> names_; // of the products of definitions
+    std::unordered_map<const P42Ent*, bool> hasDots_;           // documents, in the names of their files
+    LookUp<std::int32_t, std::size_t> filePlaces_;              // by the offset of the name
+    LookUp<std::int32_t, std::size_t> productPlaces_;
 };
 
 } // namespace

@@ -7,7 +7,6 @@
 #include "text/parse_real.h"
 
 #include <string>
-#include <unordered_map>
 
 namespace tarnwick {
 
@@ -30,7 +29,7 @@ public:
 
     void Run() {
         CheckColourLines();
-        if (file_.drawn.empty() || HasLongReference(model_)) { return; }
+        if (file_.drawn.IsEmpty() || HasLongReference(model_)) { return; }
         ReadList();
         const P42Ent* firstStyled = nullptr;
         for (std::int32_t i = 0; i < model_.entityCount; ++i) {
@@ -50,10 +49,14 @@ private:
     // A colour that breaks off makes its reader go on to the end of the file.
     void CheckColourLines() {
         if (model_.Find(model_.presentationId) == nullptr) { return; }
+        LookUp<std::int32_t, bool> isWhole; // of the colours that were looked at
         for (const std::int32_t id : model_.colourIds) {
             const P42Ent* const colour = model_.Find(id);
             if (colour == nullptr || colour->code != code::kColourRgb) { continue; }
-            if (ArgumentsOf(EntityText(model_, colour)).size() < 4) {
+            if (!isWhole.Contains(id)) {
+                isWhole.Add(id, ArgumentsOf(EntityText(model_, colour)).size() >= 4);
+            }
+            if (!*isWhole.Find(id)) {
                 file_.Add(FindingKind::kDamaged, colour, "isn't a name and three numbers");
             }
         }
@@ -86,7 +89,7 @@ private:
                               ", which isn't there: what is listed behind it has no effect");
                 return;
             }
-            listed_.insert(id);
+            listed_.AddNew(id);
         }
     }
 
@@ -95,13 +98,13 @@ private:
         const auto arguments = ArgumentsOf(text);
         if (arguments.size() < 3) { return; }
         const std::int32_t item = ReferenceOf(arguments[2]);
-        if (!file_.drawn.contains(item)) { return; }
+        if (!file_.drawn.Contains(item)) { return; }
         stylesDrawn_ = true;
         const std::string lost = ": " + Number(item) + " doesn't get its colour";
         if (presentation_ == nullptr) {
             file_.Add(FindingKind::kColour, styled,
                       "the file has no MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION" + lost);
-        } else if (!listed_.contains(styled->id)) {
+        } else if (!listed_.Contains(styled->id)) {
             file_.Add(FindingKind::kColour, styled,
                       "isn't listed by the first presentation, " + Number(presentation_->id) + lost);
         } else if (ReferencesIn(arguments[1]).size() != 1) {
@@ -114,9 +117,8 @@ private:
     }
 
     void CheckStyle(const P42Ent* styled, std::int32_t styleId, const std::string& lost) {
-        const auto [place, isNew] = styles_.try_emplace(styleId);
-        if (isNew) { place->second = Resolve(styleId); }
-        const Outcome& outcome = place->second;
+        if (styles_.Find(styleId) == nullptr) { styles_.Add(styleId, Resolve(styleId)); }
+        const Outcome& outcome = *styles_.Find(styleId);
         if (!outcome.problem.empty()) { file_.Add(FindingKind::kColour, styled, outcome.problem + lost); }
         if (outcome.isTransparent) {
             file_.Add(FindingKind::kTransparent, styled,
@@ -135,27 +137,33 @@ private:
         if (ResolveStyle(model_, styleId, &colourId, &alpha) != 0) {
             return {.problem = "no colour is reached from its style " + Number(styleId)};
         }
+        if (!colours_.Contains(colourId)) { colours_.Add(colourId, ProblemOf(colourId)); }
+        const std::string& problem = *colours_.Find(colourId);
+        if (!problem.empty()) { return {.problem = problem}; }
+        return {.problem = {}, .isTransparent = alpha == 0.0f};
+    }
+
+    // Why a colour isn't one for the readers; empty for one that is.
+    std::string ProblemOf(std::int32_t colourId) {
         const P42Ent* const colour = model_.Find(colourId);
-        if (colour == nullptr) { return {.problem = "its colour " + Number(colourId) + " isn't there"}; }
+        if (colour == nullptr) { return "its colour " + Number(colourId) + " isn't there"; }
         const auto arguments = ArgumentsOf(EntityText(model_, colour));
         if (colour->code == code::kColourRgb) {
-            if (!arguments.empty() && colours_.insert(colourId).second) {
-                file_.HasComma(colour, arguments[0]);
-            }
+            if (!arguments.empty()) { file_.HasComma(colour, arguments[0]); }
         } else if (colour->code != code::kDraughtingPreDefinedColour) {
-            return {.problem = Number(colourId) + " is no colour that is known"};
+            return Number(colourId) + " is no colour that is known";
         } else if (arguments.empty() || !IsKnownColourName(StringOf(arguments[0]))) {
-            return {.problem = "the name of its colour " + Number(colourId) + " isn't known"};
+            return "the name of its colour " + Number(colourId) + " isn't known";
         }
-        return {.problem = {}, .isTransparent = alpha == 0.0f};
+        return {};
     }
 
     CheckedFile& file_;
     const StepModel& model_;
     const P42Ent* presentation_ = nullptr; // the first
-    std::unordered_set<std::int32_t> listed_;
-    std::unordered_map<std::int32_t, Outcome> styles_;
-    std::unordered_set<std::int32_t> colours_; // whose names were looked at
+    LookUp<std::int32_t, bool> listed_;
+    LookUp<std::int32_t, Outcome> styles_;
+    LookUp<std::int32_t, std::string> colours_; // why each isn't known; empty for one that is
     bool stylesDrawn_ = false;
 };
 

@@ -2,12 +2,13 @@
 
 #include "check/findings.h"
 #include "p21/step_model.h"
+#include "text/look_up.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 namespace tarnwick {
@@ -17,8 +18,14 @@ using KeywordCounts = std::map<std::string, std::int64_t, std::less<>>;
 
 // What one file of an assembly says of other files.
 struct FileReferences {
-    std::vector<std::string> names;        // of files, as its document references have them
-    std::vector<std::string> products;     // which they belong to
+    // A document reference: the name of a file and the product that it belongs to, by their places in
+    // `names`.
+    struct Reference {
+        std::size_t file;
+        std::size_t product;
+    };
+    std::vector<Reference> references;
+    std::vector<std::string> names;        // each once, however often it is referred to
     std::vector<std::string> bareProducts; // that nothing hangs under and that have no file here
     std::vector<Finding> bareFindings;     // on each of them; it holds unless another file names one
 };
@@ -27,7 +34,7 @@ struct FileReferences {
 struct CheckedFile {
     const StepModel& model;
     std::vector<Finding>& findings;
-    std::unordered_set<std::int32_t> drawn; // solids, shells, surface sets and faces that are read
+    LookUp<std::int32_t, bool> drawn; // solids, shells, surface sets and faces that are read
 
     // Adds a finding at the line of an entity.
     void Add(FindingKind kind, const P42Ent* entity, std::string text);

@@ -34,7 +34,7 @@ std::int32_t EntityAtStart(std::string_view text) {
 
 // Whether the keyword counts for a reader. Others are reached by their number alone.
 bool IsRead(std::int32_t keywordCode) {
-    return keywordCode >= code::kTessellatedShapeRepresentation && keywordCode != 15;
+    return keywordCode >= code::kTessellatedShapeRepresentation && keywordCode != code::kTessellatedWire;
 }
 
 // How far a keyword is looked for behind its "=".
@@ -60,7 +60,7 @@ public:
         } else if (!inComment) {
             CheckStart(line);
         }
-        if (!continuing_) { opener_ = line; }
+        if (!continuing_) { openerId_ = EntityAtStart(line); }
         continuing_ = !complete;
         return true;
     }
@@ -85,10 +85,9 @@ private:
     void CheckSwallowed(std::string_view line) {
         const std::int32_t id = EntityAtStart(WithoutBlanks(line));
         if (id == 0) { return; }
-        const std::int32_t openerId = EntityAtStart(opener_);
         Add(FindingKind::kSwallowed, id, line,
-            openerId != 0 ? "is taken as the rest of " + Number(openerId) + ", which doesn't end in \";\""
-                          : "is lost, since the line before it doesn't end in \";\"");
+            openerId_ != 0 ? "is taken as the rest of " + Number(openerId_) + ", which doesn't end in \";\""
+                           : "is lost, since the line before it doesn't end in \";\"");
     }
 
     // The start of a line that the scan looks at.
@@ -148,7 +147,7 @@ private:
     CheckedFile& file_;
     bool continuing_ = false; // the line before was no end of a statement
     bool inComment_ = false;
-    std::string_view opener_; // the line that started the statement
+    std::int32_t openerId_ = 0; // of the entity at the start of the statement; 0 for none
 };
 
 } // namespace

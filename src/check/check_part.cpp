@@ -9,12 +9,12 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace tarnwick {
 
 namespace {
 
-constexpr std::int32_t kAdvancedFace = 6;
 constexpr std::size_t kMostDigits = 14;
 
 bool IsContainer(std::int32_t entityCode) {
@@ -113,6 +113,7 @@ private:
 
     // An item of the representation that isn't read.
     void NoteItem(const P42Ent* item) {
+        if (!noted_.insert(item).second) { return; }
         const std::string keyword = Keyword(item);
         if (keyword.starts_with("AXIS2_PLACEMENT") || !seen_.insert(item).second) { return; }
         file_.Add(FindingKind::kNotDrawn, item,
@@ -122,7 +123,7 @@ private:
 
     void CheckContainer(const P42Ent* container) {
         if (!seen_.insert(container).second) { return; }
-        file_.drawn.insert(container->id);
+        file_.drawn.AddNew(container->id);
         for (const P42Ent* const face : Listed(container)) {
             if (IsFace(face->code)) {
                 CheckFace(face);
@@ -136,7 +137,7 @@ private:
 
     void CheckFace(const P42Ent* face) {
         if (!seen_.insert(face).second) { return; }
-        file_.drawn.insert(face->id);
+        file_.drawn.AddNew(face->id);
         ++drawnFaces_;
         const bool isSet = face->code == code::kComplexTriangulatedSurfaceSet;
         const bool isComplex = face->code != code::kTriangulatedFace;
@@ -310,7 +311,7 @@ private:
         std::int64_t exact = 0;
         for (std::int32_t i = 0; i < model_.entityCount; ++i) {
             const P42Ent* const entity = model_.EntityAt(i);
-            if (entity->code != kAdvancedFace) { continue; }
+            if (entity->code != code::kAdvancedFace) { continue; }
             if (exact++ == 0) { first = entity; }
         }
         if (exact == 0) {
@@ -335,6 +336,7 @@ private:
     CheckedFile& file_;
     const StepModel& model_;
     std::unordered_set<const P42Ent*> seen_;
+    std::unordered_set<const P42Ent*> noted_; // items that aren't read
     std::unordered_map<const P42Ent*, std::int64_t> points_;
     std::int64_t drawnFaces_ = 0;
     bool hasSet_ = false; // a surface set may stand for any number of faces

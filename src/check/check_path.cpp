@@ -8,6 +8,7 @@
 #include "xml/stpx_file.h"
 
 #include <algorithm>
+#include <deque>
 #include <memory>
 #include <string_view>
 #include <tuple>
@@ -35,6 +36,22 @@ void AddUnread(CheckReport* report, const std::string& path, const std::string& 
     AddFile(report, path, {finding});
 }
 
+// Names out of files, each once.
+class NameSet {
+public:
+    // Whether it is new.
+    bool Insert(std::string_view name) {
+        if (places_.Contains(name)) { return false; }
+        places_.Add(names_.emplace_back(name), true);
+        return true;
+    }
+    bool Contains(std::string_view name) { return places_.Contains(name); }
+
+private:
+    std::deque<std::string> names_;
+    LookUp<std::string_view, bool> places_;
+};
+
 // The file and what its documents lead to, in the order of the references.
 class StepFiles {
 public:
@@ -45,7 +62,7 @@ public:
         folder_ = FolderOf(path);
         for (std::size_t i = 0; i < wanted_.size(); ++i) { CheckOne(i); }
         for (auto& [product, finding] : bareLeaves_) {
-            if (!productsWithFile_.contains(product)) { report_->findings.push_back(std::move(finding)); }
+            if (!productsWithFile_.Contains(product)) { report_->findings.push_back(std::move(finding)); }
         }
     }
 
@@ -74,10 +91,22 @@ private:
             bareLeaves_.emplace_back(references.bareProducts[i], references.bareFindings[i]);
         }
         AddFile(report_, wanted.path, std::move(findings));
-        for (std::size_t i = 0; i < references.names.size(); ++i) {
-            productsWithFile_.insert(references.products[i]);
-            std::string path = folder_ + PartName(references.names[i]);
-            if (paths_.insert(path).second) { wanted_.push_back({std::move(path), references.products[i]}); }
+        TakeReferences(references);
+    }
+
+    void TakeReferences(const FileReferences& references) {
+        std::vector<bool> isTaken(references.names.size()); // a name of a file or of a product, never of both
+        const auto take = [&isTaken](std::size_t place) {
+            const bool isNew = !isTaken[place];
+            isTaken[place] = true;
+            return isNew;
+        };
+        for (const auto& [file, product] : references.references) {
+            const std::string& productName = references.names[product];
+            if (take(product)) { productsWithFile_.Insert(productName); }
+            if (!take(file)) { continue; }
+            std::string path = folder_ + PartName(references.names[file]);
+            if (paths_.Insert(path)) { wanted_.push_back({std::move(path), productName}); }
         }
     }
 
@@ -94,8 +123,8 @@ private:
     std::string folder_;
     std::int32_t compression_ = 0;
     std::vector<Wanted> wanted_;
-    std::unordered_set<std::string> paths_;
-    std::unordered_set<std::string> productsWithFile_;
+    NameSet paths_;
+    NameSet productsWithFile_;
     std::vector<std::pair<std::string, Finding>> bareLeaves_; // by product
 };
 
@@ -104,13 +133,13 @@ std::vector<std::string> PartFiles(const ProductNode* root, std::vector<Finding>
     std::vector<std::string> names;
     if (root == nullptr) { return names; }
     std::unordered_set<const ProductNode*> seen{root};
-    std::unordered_set<std::string_view> known;
+    LookUp<std::string_view, bool> known;
     std::vector<const ProductNode*> open{root};
     while (!open.empty()) {
         const ProductNode& product = *open.back();
         open.pop_back();
         if (product.fileName != nullptr && !IsXmlFileName(product.fileName) &&
-            known.insert(product.fileName).second) {
+            known.AddNew(product.fileName)) {
             names.emplace_back(product.fileName);
         }
         for (std::int32_t i = 0; i < product.occurrenceCount; ++i) {
