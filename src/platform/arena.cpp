@@ -2,6 +2,7 @@
 
 #include "platform/pages.h"
 #include "platform/sanitizers.h"
+#include "platform/within_memory.h"
 
 #include <algorithm>
 #include <cstring>
@@ -28,6 +29,11 @@ std::size_t RoundUp(std::size_t bytes) {
 } // namespace
 
 bool Arena::AddChunk(std::size_t atLeast) {
+    // Room for the note comes first: pages that can't be noted would be lost.
+    if (chunks_.size() == chunks_.capacity() &&
+        !WithinMemory([this] { chunks_.reserve(std::max<std::size_t>(8, 2 * chunks_.size())); })) {
+        return false;
+    }
     nextChunk_ = std::clamp(nextChunk_ * 2, kFirstChunk, kLargestChunk);
     const std::size_t bytes = std::max(nextChunk_, RoundUp(atLeast));
     // A few lines can fill any memory, by what they list again and again.
