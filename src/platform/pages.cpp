@@ -1,10 +1,10 @@
 #include "platform/pages.h"
 
+#include "platform/memory_left.h"
+
 #include <sys/mman.h>
-#include <sys/sysinfo.h>
 
 #include <cstdint>
-#include <cstdio>
 
 namespace tarnwick {
 
@@ -18,20 +18,6 @@ void* Map(std::size_t bytes) {
     void* const pages =
         mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     return pages == MAP_FAILED ? nullptr : pages;
-}
-
-// What could be used before the system has to take memory from somebody, in bytes; its own estimate, which
-// counts what it can drop. As good as endless where it doesn't say.
-std::uint64_t AvailableMemory() {
-    std::FILE* const file = std::fopen("/proc/meminfo", "re");
-    if (file == nullptr) { return UINT64_MAX; }
-    unsigned long long kilobytes = UINT64_MAX >> 10;
-    char line[100];
-    while (std::fgets(line, sizeof line, file) != nullptr) {
-        if (std::sscanf(line, "MemAvailable: %llu", &kilobytes) == 1) { break; }
-    }
-    std::fclose(file);
-    return std::uint64_t{kilobytes} << 10;
 }
 
 } // namespace
@@ -56,11 +42,7 @@ void* AllocatePages(std::size_t bytes) {
 }
 
 bool IsMemoryLeft(std::size_t bytes) {
-    struct sysinfo info;
-    if (sysinfo(&info) != 0) { return true; }
-    const std::uint64_t reserve = std::uint64_t{info.totalram} * info.mem_unit / 32;
-    const std::uint64_t free = std::uint64_t{info.freeram} * info.mem_unit;
-    return free > bytes + reserve || AvailableMemory() > bytes + reserve;
+    return MemoryLeft() > bytes;
 }
 
 void FreePages(void* pages, std::size_t bytes) {

@@ -9,7 +9,7 @@ namespace tarnwick {
 // least 1.
 void* AllocatePages(std::size_t bytes);
 
-// Whether the system has `bytes` of memory left for a block that will be filled, and some more for others. It
+// Whether `bytes` of memory are left for a block that will be filled, and some more for others. The system
 // hands out more than it has, and ends a process that then uses it.
 bool IsMemoryLeft(std::size_t bytes);
 
