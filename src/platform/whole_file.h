@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+
+namespace tarnwick {
+
+// A file that is written whole or not at all. The bytes go into a file beside it, which takes its name only
+// when all of them are there; a pipe, a device or a link is written in place. Needs no
+// memory of the heap.
+class WholeFile {
+public:
+    explicit WholeFile(const char* path);
+    WholeFile(const WholeFile&) = delete;
+    WholeFile& operator=(const WholeFile&) = delete;
+    // Drops what wasn't closed.
+    ~WholeFile();
+
+    bool IsOpen() const { return file_ >= 0; }
+    void Write(const void* bytes, std::size_t count);
+    // Gives the file its name. Returns 0, or the errno of the first failure; then it isn't there, or still is
+    // what it was before.
+    int Close();
+
+private:
+    void Fail();
+
+    static constexpr std::size_t kPathRoom = 4096;
+
+    char path_[kPathRoom];
+    char neighbour_[kPathRoom]; // empty when the file is written in place
+    int file_ = -1;
+    int error_ = 0;
+};
+
+} // namespace tarnwick
