@@ -29,12 +29,12 @@ ensure_packages() {
   messages=$(apt_get install -y --no-install-recommends "${missing[@]}" 2>&1) || { say "$messages"; return 1; }
 }
 
-build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcli11-dev nlohmann-json3-dev)
+build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcli11-dev)
 # What only the viewer and its tests need.
 viewer_packages=(qt6-base-dev libgl-dev libglu1-mesa-dev libgl1-mesa-dri libcpprest-dev libssl-dev curl)
 viewer_test_packages=(xvfb openbox xdotool wmctrl x11-utils libx11-dev libegl-dev locales xclip libwebsocketpp-dev openssl)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libfast-float-dev)
+test_packages=(nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev libfast-float-dev)
 
 package_packages=(dpkg-dev file)
 # What only the check of the package needs.

@@ -1,5 +1,6 @@
 #include "check/check_path.h"
-#include "report/json_values.h"
+#include "report/json_writer.h"
+#include "text/one_line.h"
 
 namespace tarnwick {
 
@@ -19,11 +20,31 @@ std::string FindingLine(const CheckReport& report, const Finding& finding) {
     }
     if (finding.line > 0) { add("line " + std::to_string(finding.line)); }
     if (finding.entity > 0) { add(Number(finding.entity)); }
-    return place.empty() ? finding.text : place + ": " + finding.text;
+    return OnOneLine(place.empty() ? finding.text : place + ": " + finding.text);
 }
 
-nlohmann::ordered_json NumberOrNull(std::int32_t number) {
-    return number > 0 ? nlohmann::ordered_json(number) : nlohmann::ordered_json(nullptr);
+void WriteNumberOrNull(JsonWriter* json, const char* key, std::int32_t number) {
+    json->Key(key);
+    if (number > 0) {
+        json->Integer(number);
+    } else {
+        json->Null();
+    }
+}
+
+void WriteFinding(JsonWriter* json, const CheckReport& report, const Finding& finding) {
+    json->BeginObject();
+    json->Key("kind");
+    json->Text(TextOf(finding.kind).name);
+    if (report.files.size() > 1) {
+        json->Key("file");
+        json->Text(report.files[static_cast<std::size_t>(finding.file)]);
+    }
+    WriteNumberOrNull(json, "entity", finding.entity);
+    WriteNumberOrNull(json, "line", finding.line);
+    json->Key("text");
+    json->Text(finding.text);
+    json->EndObject();
 }
 
 } // namespace
@@ -33,7 +54,7 @@ std::string CheckText(const CheckReport& report) {
     for (const auto& [keyword, count] : report.counts) {
         const std::string digits = std::to_string(count);
         text.append(digits.size() < 9 ? 9 - digits.size() : 0, ' ');
-        text += digits + "  " + keyword + "\n";
+        text += digits + "  " + OnOneLine(keyword) + "\n";
     }
     const std::vector<Finding>& findings = report.findings;
     for (std::size_t i = 0; i < findings.size();) {
@@ -49,25 +70,27 @@ std::string CheckText(const CheckReport& report) {
 }
 
 std::string CheckJson(const CheckReport& report) {
-    nlohmann::ordered_json object;
-    object["format"] = "tarnwick.check/1";
-    object["path"] = JsonText(report.path);
-    nlohmann::ordered_json& counts = object["counts"] = nlohmann::ordered_json::object();
-    for (const auto& [keyword, count] : report.counts) { counts[JsonText(keyword)] = count; }
-    nlohmann::ordered_json& findings = object["findings"] = nlohmann::ordered_json::array();
-    for (const Finding& finding : report.findings) {
-        nlohmann::ordered_json one;
-        one["kind"] = TextOf(finding.kind).name;
-        if (report.files.size() > 1) {
-            one["file"] = JsonText(report.files[static_cast<std::size_t>(finding.file)]);
-        }
-        one["entity"] = NumberOrNull(finding.entity);
-        one["line"] = NumberOrNull(finding.line);
-        one["text"] = JsonText(finding.text);
-        findings.push_back(std::move(one));
+    JsonWriter json;
+    json.BeginObject();
+    json.Key("format");
+    json.Text("tarnwick.check/1");
+    json.Key("path");
+    json.Text(report.path);
+    json.Key("counts");
+    json.BeginObject();
+    for (const auto& [keyword, count] : report.counts) {
+        json.TextKey(keyword);
+        json.Integer(count);
     }
-    object["advice"] = AdviceFor(report.findings);
-    return object.dump() + "\n";
+    json.EndObject();
+    json.Key("findings");
+    json.BeginArray();
+    for (const Finding& finding : report.findings) { WriteFinding(&json, report, finding); }
+    json.EndArray();
+    json.Key("advice");
+    json.Text(AdviceFor(report.findings));
+    json.EndObject();
+    return json.Take() + "\n";
 }
 
 } // namespace tarnwick

@@ -1,52 +1,72 @@
-#include "report/json_values.h"
+#include "report/json_writer.h"
 #include "report/report.h"
 
 namespace tarnwick {
 
-using Json = nlohmann::ordered_json;
-
 namespace {
 
-Json StructureIds(const StepModel& model) {
-    Json ids = Json::array();
+void WriteStructureIds(JsonWriter* json, const StepModel& model) {
     for (const P42Ent* record = model.structureList->First(); record != nullptr;
          record = model.structureList->Next()) {
-        ids.push_back(record->id);
+        json->Integer(record->id);
     }
-    return ids;
 }
 
-Json Entities(const StepModel& model) {
-    Json entities = Json::array();
+void WriteEntities(JsonWriter* json, const StepModel& model) {
     for (std::int32_t i = 0; i < model.entityCount; ++i) {
         const P42Ent* const record = model.EntityAt(i);
-        entities.push_back({record->id, record->offset, record->multiLine, record->code});
+        json->BeginArray();
+        json->Integer(record->id);
+        json->Integer(static_cast<std::int64_t>(record->offset));
+        json->Integer(record->multiLine);
+        json->Integer(record->code);
+        json->EndArray();
     }
-    return entities;
 }
 
 } // namespace
 
 std::string IndexReport(const StepModel& model, int result, bool entities) {
     const bool read = result == StepModel::kRead;
-    const auto counted = [read](std::int32_t count) { return read ? count : 0; };
-    Json report;
-    report["format"] = "tarnwick.index/1";
-    report["result"] = result;
-    report["fileName"] = JsonText(model.fileName);
-    report["compression"] = model.compression;
-    report["isAssembly"] = counted(model.isAssembly);
-    report["apNumber"] = counted(model.apNumber);
-    report["entityCount"] = counted(model.entityCount);
-    report["shapeRepresentationId"] = counted(model.shapeRepresentationId);
-    report["presentationId"] = counted(model.presentationId);
-    report["colourIds"] = read ? Json(model.colourIds) : Json::array();
-    report["rootProductId"] = counted(model.rootProductId);
-    report["productCount"] = counted(model.productCount);
-    report["structureList"] = read ? StructureIds(model) : Json::array();
-    report["bucketCount"] = read ? model.entityMap->BucketCount() : 0;
-    if (entities) { report["entities"] = read ? Entities(model) : Json::array(); }
-    return report.dump() + "\n";
+    JsonWriter json;
+    const auto number = [&json](const char* key, std::int64_t value) {
+        json.Key(key);
+        json.Integer(value);
+    };
+    const auto counted = [&](const char* key, std::int32_t count) { number(key, read ? count : 0); };
+    json.BeginObject();
+    json.Key("format");
+    json.Text("tarnwick.index/1");
+    number("result", result);
+    json.Key("fileName");
+    json.Text(model.fileName);
+    number("compression", model.compression);
+    counted("isAssembly", model.isAssembly);
+    counted("apNumber", model.apNumber);
+    counted("entityCount", model.entityCount);
+    counted("shapeRepresentationId", model.shapeRepresentationId);
+    counted("presentationId", model.presentationId);
+    json.Key("colourIds");
+    json.BeginArray();
+    if (read) {
+        for (const std::int32_t id : model.colourIds) { json.Integer(id); }
+    }
+    json.EndArray();
+    counted("rootProductId", model.rootProductId);
+    counted("productCount", model.productCount);
+    json.Key("structureList");
+    json.BeginArray();
+    if (read) { WriteStructureIds(&json, model); }
+    json.EndArray();
+    number("bucketCount", read ? model.entityMap->BucketCount() : 0);
+    if (entities) {
+        json.Key("entities");
+        json.BeginArray();
+        if (read) { WriteEntities(&json, model); }
+        json.EndArray();
+    }
+    json.EndObject();
+    return json.Take() + "\n";
 }
 
 } // namespace tarnwick

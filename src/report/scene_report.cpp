@@ -1,41 +1,60 @@
-#include "report/json_values.h"
+#include "report/json_writer.h"
 #include "report/report.h"
 
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace tarnwick {
 
-using Json = nlohmann::ordered_json;
-
 namespace {
 
-Json Floats(const float* values, std::size_t count) {
-    Json array = Json::array();
-    for (std::size_t i = 0; i < count; ++i) { array.push_back(JsonFloat(values[i])); }
-    return array;
-}
+// The report of one view, written piece by piece.
+class Report : public JsonWriter {
+public:
+    explicit Report(bool arrays) : arrays_(arrays) {}
 
-Json Doubles(const double* values, std::size_t count) {
-    Json array = Json::array();
-    for (std::size_t i = 0; i < count; ++i) { array.push_back(JsonDouble(values[i])); }
-    return array;
-}
+    bool HasArrays() const { return arrays_; }
 
-template <class T>
-Json Integers(const T* values, std::size_t count) {
-    Json array = Json::array();
-    for (std::size_t i = 0; i < count; ++i) { array.push_back(values[i]); }
-    return array;
-}
+    void Number(std::string_view key, std::int64_t value) {
+        Key(key);
+        Integer(value);
+    }
+    void Floats(std::string_view key, const float* values, std::size_t count) {
+        Array(key, values, count, [this](float value) { Float(value); });
+    }
+    void Doubles(std::string_view key, const double* values, std::size_t count) {
+        Array(key, values, count, [this](double value) { Double(value); });
+    }
+    template <class T>
+    void Integers(std::string_view key, const T* values, std::size_t count) {
+        Array(key, values, count, [this](T value) { Integer(value); });
+    }
+    void FloatsOrNull(std::string_view key, const float* values, std::size_t count) {
+        if (values != nullptr) { return Floats(key, values, count); }
+        Key(key);
+        Null();
+    }
+    void Checksum(std::string_view key, const void* data, std::size_t bytes) {
+        Key(key);
+        Crc(data, bytes);
+    }
+    void Name(std::string_view key, const char* text) {
+        Key(key);
+        TextOrNull(text);
+    }
 
-Json Matrix(const float* matrix) {
-    return matrix != nullptr ? Floats(matrix, 16) : Json(nullptr);
-}
+private:
+    template <class T, class Write>
+    void Array(std::string_view key, const T* values, std::size_t count, Write write) {
+        Key(key);
+        BeginArray();
+        for (std::size_t i = 0; i < count; ++i) { write(values[i]); }
+        EndArray();
+    }
 
-Json TextOrNull(const char* text) {
-    return text != nullptr ? Json(JsonText(text)) : Json(nullptr);
-}
+    bool arrays_;
+};
 
 // Gives each record a number at its first appearance.
 template <class Record>
@@ -52,10 +71,12 @@ public:
         bool isNew;
         return NumberOf(record, &isNew);
     }
-    // The record's number, or null where it has none.
-    Json Known(const Record* record) const {
+    // Writes the record's number, or null where it has none.
+    void WriteKnown(Report* report, std::string_view key, const Record* record) const {
+        report->Key(key);
         const auto found = numbers_.find(record);
-        return found != numbers_.end() ? Json(found->second) : Json(nullptr);
+        if (found == numbers_.end()) { return report->Null(); }
+        report->Integer(static_cast<std::int64_t>(found->second));
     }
     const std::vector<const Record*>& Records() const { return records_; }
 
@@ -91,110 +112,145 @@ void NumberTree(const ProductNode* root, Products* products) {
     }
 }
 
-Json Mesh(const StepFaceB& face, bool arrays) {
+void WriteMesh(Report* report, const StepFaceB& face) {
     const auto vertices = 3 * static_cast<std::size_t>(face.vertexCount);
     const auto normals = 3 * static_cast<std::size_t>(face.normalCount);
     const auto triangles = 3 * static_cast<std::size_t>(face.triangleCount);
     const auto pnindex = static_cast<std::size_t>(face.pnindexCount);
-    Json mesh;
-    mesh["faceId"] = face.faceId;
-    mesh["exactFaceId"] = face.exactFaceId;
-    mesh["containerId"] = face.containerId;
-    mesh["exactContainerId"] = face.exactContainerId;
-    mesh["containerType"] = face.containerType;
-    mesh["pnmax"] = face.pnmax;
-    mesh["pnindexCount"] = face.pnindexCount;
-    mesh["vertexCount"] = face.vertexCount;
-    mesh["triangleCount"] = face.triangleCount;
-    mesh["normalCount"] = face.normalCount;
-    mesh["colour"] = Floats(face.colour, 4);
-    mesh["box"] = Floats(face.box, 6);
-    mesh["verticesCrc"] = Crc(face.vertices, vertices * sizeof(float));
-    mesh["normalsCrc"] = Crc(face.normals, normals * sizeof(float));
-    mesh["trianglesCrc"] = Crc(face.triangles, triangles * sizeof(std::uint32_t));
-    mesh["pnindexCrc"] = Crc(face.pnindex, pnindex * sizeof(std::int32_t));
-    if (arrays) {
-        mesh["vertices"] = Floats(face.vertices, vertices);
-        mesh["normals"] = Floats(face.normals, normals);
-        mesh["triangles"] = Integers(face.triangles, triangles);
-        mesh["pnindex"] = Integers(face.pnindex, pnindex);
+    report->BeginObject();
+    report->Number("faceId", face.faceId);
+    report->Number("exactFaceId", face.exactFaceId);
+    report->Number("containerId", face.containerId);
+    report->Number("exactContainerId", face.exactContainerId);
+    report->Number("containerType", face.containerType);
+    report->Number("pnmax", face.pnmax);
+    report->Number("pnindexCount", face.pnindexCount);
+    report->Number("vertexCount", face.vertexCount);
+    report->Number("triangleCount", face.triangleCount);
+    report->Number("normalCount", face.normalCount);
+    report->Floats("colour", face.colour, 4);
+    report->Floats("box", face.box, 6);
+    report->Checksum("verticesCrc", face.vertices, vertices * sizeof(float));
+    report->Checksum("normalsCrc", face.normals, normals * sizeof(float));
+    report->Checksum("trianglesCrc", face.triangles, triangles * sizeof(std::uint32_t));
+    report->Checksum("pnindexCrc", face.pnindex, pnindex * sizeof(std::int32_t));
+    if (report->HasArrays()) {
+        report->Floats("vertices", face.vertices, vertices);
+        report->Floats("normals", face.normals, normals);
+        report->Integers("triangles", face.triangles, triangles);
+        report->Integers("pnindex", face.pnindex, pnindex);
     }
-    return mesh;
+    report->EndObject();
 }
 
-Json Items(const DrawList* list, const Products& products, Meshes* meshes) {
-    if (list == nullptr) { return nullptr; }
-    Json items = Json::array();
-    for (std::int32_t i = 0; i < list->count; ++i) {
-        const DrawItem& item = *list->items[i];
-        Json indices = Json::array();
-        for (std::int32_t m = 0; m < item.meshCount; ++m) {
-            indices.push_back(meshes->NumberOf(item.meshes[m]));
-        }
-        items.push_back({{"product", products.Known(item.product)},
-                         {"matrix", Matrix(item.matrix)},
-                         {"meshes", std::move(indices)}});
+void WriteItem(Report* report, const DrawItem& item, const Products& products, Meshes* meshes) {
+    report->BeginObject();
+    products.WriteKnown(report, "product", item.product);
+    report->FloatsOrNull("matrix", item.matrix, 16);
+    report->Key("meshes");
+    report->BeginArray();
+    for (std::int32_t m = 0; m < item.meshCount; ++m) {
+        report->Integer(static_cast<std::int64_t>(meshes->NumberOf(item.meshes[m])));
     }
-    return items;
+    report->EndArray();
+    report->EndObject();
 }
 
-Json Boxes(const DrawList* list, const Products& products) {
-    if (list == nullptr) { return nullptr; }
-    Json boxes = Json::array();
+void WriteItems(Report* report, const DrawList* list, const Products& products, Meshes* meshes) {
+    report->Key("drawList");
+    if (list == nullptr) { return report->Null(); }
+    report->BeginArray();
+    for (std::int32_t i = 0; i < list->count; ++i) { WriteItem(report, *list->items[i], products, meshes); }
+    report->EndArray();
+}
+
+void WriteBoxes(Report* report, const DrawList* list, const Products& products) {
+    report->Key("boxList");
+    if (list == nullptr) { return report->Null(); }
+    report->BeginArray();
     for (std::int32_t i = 0; i < list->count; ++i) {
         const BoxItem& box = *list->boxes[i];
-        boxes.push_back({{"product", products.Known(box.product)},
-                         {"matrix", Matrix(box.matrix)},
-                         {"vertices", Floats(box.vertices, 3 * static_cast<std::size_t>(box.vertexCount))}});
+        report->BeginObject();
+        products.WriteKnown(report, "product", box.product);
+        report->FloatsOrNull("matrix", box.matrix, 16);
+        report->Floats("vertices", box.vertices, 3 * static_cast<std::size_t>(box.vertexCount));
+        report->EndObject();
     }
-    return boxes;
+    report->EndArray();
 }
 
-Json Product(const ProductNode& product, const Products& products) {
-    Json occurrences = Json::array();
+void WriteProduct(Report* report, const ProductNode& product, const Products& products) {
+    report->BeginObject();
+    report->Name("name", product.name);
+    report->Name("fileName", product.fileName);
+    report->Number("definitionId", product.definitionId);
+    report->Number("formationId", product.formationId);
+    report->Number("isRoot", product.isRoot);
+    report->Number("hasBox", product.hasBox);
+    report->FloatsOrNull("box", product.hasBox != 0 ? product.box : nullptr, 6);
+    report->Key("occurrences");
+    report->BeginArray();
     for (std::int32_t i = 0; i < product.occurrenceCount; ++i) {
         const Occurrence& occurrence = *product.occurrences[i];
-        occurrences.push_back({{"child", products.Known(occurrence.child)},
-                               {"rotation", Doubles(occurrence.rotation, 9)},
-                               {"translation", Doubles(occurrence.translation, 3)}});
+        report->BeginObject();
+        products.WriteKnown(report, "child", occurrence.child);
+        report->Doubles("rotation", occurrence.rotation, 9);
+        report->Doubles("translation", occurrence.translation, 3);
+        report->EndObject();
     }
-    return {{"name", TextOrNull(product.name)},
-            {"fileName", TextOrNull(product.fileName)},
-            {"definitionId", product.definitionId},
-            {"formationId", product.formationId},
-            {"isRoot", product.isRoot},
-            {"hasBox", product.hasBox},
-            {"box", product.hasBox != 0 ? Floats(product.box, 6) : Json(nullptr)},
-            {"occurrences", std::move(occurrences)}};
+    report->EndArray();
+    report->EndObject();
 }
 
-Json Result(const ResultMesh* mesh, bool arrays) {
-    if (mesh == nullptr) { return nullptr; }
+void WriteResult(Report* report, const ResultMesh* mesh) {
+    report->Key("resultMesh");
+    if (mesh == nullptr) { return report->Null(); }
     const auto nodes = static_cast<std::size_t>(mesh->nodeCount);
     const auto quads = static_cast<std::size_t>(mesh->quadCount);
-    Json result = {{"nodeCount", mesh->nodeCount},
-                   {"quadCount", mesh->quadCount},
-                   {"verticesCrc", Crc(mesh->vertices, 3 * nodes * sizeof(float))},
-                   {"coloursCrc", Crc(mesh->colours, 4 * nodes)},
-                   {"quadIndicesCrc", Crc(mesh->quadIndices, 4 * quads * sizeof(std::uint32_t))}};
-    if (arrays) {
-        result["vertices"] = Floats(mesh->vertices, 3 * nodes);
-        result["colours"] = Integers(mesh->colours, 4 * nodes);
-        result["quadIndices"] = Integers(mesh->quadIndices, 4 * quads);
+    report->BeginObject();
+    report->Number("nodeCount", mesh->nodeCount);
+    report->Number("quadCount", mesh->quadCount);
+    report->Checksum("verticesCrc", mesh->vertices, 3 * nodes * sizeof(float));
+    report->Checksum("coloursCrc", mesh->colours, 4 * nodes);
+    report->Checksum("quadIndicesCrc", mesh->quadIndices, 4 * quads * sizeof(std::uint32_t));
+    if (report->HasArrays()) {
+        report->Floats("vertices", mesh->vertices, 3 * nodes);
+        report->Integers("colours", mesh->colours, 4 * nodes);
+        report->Integers("quadIndices", mesh->quadIndices, 4 * quads);
     }
-    return result;
+    report->EndObject();
 }
 
-Json Containers(const SceneView& view) {
-    Json containers = Json::array();
+void WriteContainers(Report* report, const SceneView& view) {
+    report->Key("containers");
+    report->BeginArray();
     for (std::int32_t i = 0; i < view.loaded.containerCount; ++i) {
         const FaceContainer& container = *view.loaded.containers[i];
-        containers.push_back({{"kind", container.kind},
-                              {"containerId", container.containerId},
-                              {"exactContainerId", container.exactContainerId},
-                              {"materialName", TextOrNull(container.materialName)}});
+        report->BeginObject();
+        report->Number("kind", container.kind);
+        report->Number("containerId", container.containerId);
+        report->Number("exactContainerId", container.exactContainerId);
+        report->Name("materialName", container.materialName);
+        report->EndObject();
     }
-    return containers;
+    report->EndArray();
+}
+
+void WriteView(Report* report, const SceneView& view) {
+    report->Number("triangles", view.loaded.drawnTriangles);
+    report->Number("pickMode", view.loaded.pickMode);
+    report->Number("maxDepth", view.loaded.maxDepth);
+    report->Floats("box", view.loaded.box, 6);
+    report->Floats("centre", view.centre, 3);
+    report->Key("modelSize");
+    report->Float(view.modelSize);
+    report->Floats("eye", view.eye, 3);
+    report->Key("rootName");
+    if (view.loaded.hasRootName) {
+        report->Text(view.loaded.rootName);
+    } else {
+        report->Null();
+    }
 }
 
 } // namespace
@@ -207,32 +263,33 @@ std::string SceneReport(const SceneView& view, const std::string& path, const st
         products.NumberOf(view.loaded.summaryProducts[i]);
     }
     Meshes meshes;
-    Json items = Items(view.loaded.drawList, products, &meshes);
-    Json meshRecords = Json::array();
-    for (const StepFaceB* const face : meshes.Records()) { meshRecords.push_back(Mesh(*face, arrays)); }
-    Json productRecords = Json::array();
-    for (const ProductNode* const product : products.Records()) {
-        productRecords.push_back(Product(*product, products));
+    Report report(arrays);
+    report.BeginObject();
+    report.Key("format");
+    report.Text("tarnwick.scene/1");
+    report.Key("path");
+    report.Text(path);
+    report.Key("status");
+    if (status != nullptr) {
+        report.Text(*status);
+    } else {
+        report.Null();
     }
-    Json report;
-    report["format"] = "tarnwick.scene/1";
-    report["path"] = JsonText(path);
-    report["status"] = status != nullptr ? Json(JsonText(*status)) : Json(nullptr);
-    report["triangles"] = view.loaded.drawnTriangles;
-    report["pickMode"] = view.loaded.pickMode;
-    report["maxDepth"] = view.loaded.maxDepth;
-    report["box"] = Floats(view.loaded.box, 6);
-    report["centre"] = Floats(view.centre, 3);
-    report["modelSize"] = JsonFloat(view.modelSize);
-    report["eye"] = Floats(view.eye, 3);
-    report["rootName"] = view.loaded.hasRootName ? Json(JsonText(view.loaded.rootName)) : Json(nullptr);
-    report["drawList"] = std::move(items);
-    report["meshes"] = std::move(meshRecords);
-    report["products"] = std::move(productRecords);
-    report["boxList"] = Boxes(view.loaded.boxList, products);
-    report["resultMesh"] = Result(view.loaded.resultMesh, arrays);
-    report["containers"] = Containers(view);
-    return report.dump() + "\n";
+    WriteView(&report, view);
+    WriteItems(&report, view.loaded.drawList, products, &meshes);
+    report.Key("meshes");
+    report.BeginArray();
+    for (const StepFaceB* const face : meshes.Records()) { WriteMesh(&report, *face); }
+    report.EndArray();
+    report.Key("products");
+    report.BeginArray();
+    for (const ProductNode* const product : products.Records()) { WriteProduct(&report, *product, products); }
+    report.EndArray();
+    WriteBoxes(&report, view.loaded.boxList, products);
+    WriteResult(&report, view.loaded.resultMesh);
+    WriteContainers(&report, view);
+    report.EndObject();
+    return report.Take() + "\n";
 }
 
 } // namespace tarnwick

@@ -80,5 +80,17 @@ TEST(CheckReports, HaveEachByteOfAName) {
     EXPECT_EQ(report["counts"]["\xC3\xA9TAT"], 1);
 }
 
+TEST(CheckReports, KeepANameOnOneLine) {
+    CheckReport report;
+    report.path = "a\nb.stp";
+    report.files = {report.path, "c\x1b.stp"};
+    report.counts["P\nQ"] = 1;
+    report.findings.push_back({.kind = FindingKind::kUnread, .file = 1, .text = "product 'd\ne' is lost"});
+    const std::string text = CheckText(report);
+    EXPECT_THAT(text, HasSubstr("        1  P?Q\n"));
+    EXPECT_THAT(text, HasSubstr("  c?.stp: product 'd?e' is lost\n"));
+    EXPECT_EQ(json::parse(CheckJson(report))["findings"][0]["file"], "c\x1b.stp");
+}
+
 } // namespace
 } // namespace tarnwick::test
