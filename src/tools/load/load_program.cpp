@@ -4,11 +4,15 @@
 #include "formats/load_commands.h"
 #include "load/no_controls.h"
 #include "platform/console.h"
+#include "platform/whole_file.h"
+#include "platform/within_memory.h"
 #include "report/report.h"
 #include "text/one_line.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 namespace tarnwick::tools {
@@ -28,14 +32,39 @@ void MoveSlider(LoadDispatch& dispatch, std::int32_t position) {
     ChangeDepth(dispatch, std::clamp(position, 0, std::max(dispatch.view.loaded.maxDepth, 0)));
 }
 
-bool WriteReport(const std::string& report, const std::string& name) {
-    const bool toStandardOutput = name == "-";
-    std::FILE* const file = toStandardOutput ? stdout : std::fopen(name.c_str(), "wb");
-    bool written = file != nullptr && std::fwrite(report.data(), 1, report.size(), file) == report.size();
-    if (file != nullptr) {
-        written = (toStandardOutput ? std::fflush(file) : std::fclose(file)) == 0 && written;
+// Tells why a text is lost; 0 stands for none. True when there is none.
+bool TellUnwritten(const char* name, int error) {
+    if (error != 0) {
+        std::fprintf(stderr, "tarnwick-load: %s can't be written: %s\n", OnOneLine(name).c_str(),
+                     std::strerror(error));
     }
-    if (!written) { std::fprintf(stderr, "tarnwick-load: %s can't be written\n", name.c_str()); }
+    return error == 0;
+}
+
+// What stands in the buffer of standard output fails only here.
+bool FlushOutput() {
+    errno = 0;
+    const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    return TellUnwritten("standard output", written ? 0 : errno != 0 ? errno : EIO);
+}
+
+bool WriteReport(const std::string& report, const std::string& name) {
+    if (name == "-") {
+        std::fwrite(report.data(), 1, report.size(), stdout);
+        return FlushOutput();
+    }
+    WholeFile file(name.c_str());
+    file.Write(report.data(), report.size());
+    return TellUnwritten(name.c_str(), file.Close());
+}
+
+// Makes and writes a report; false, and told, when that fails. There may be memory for what comes after it.
+template <class Make>
+bool Report(const std::string& name, Make make) {
+    bool written = false;
+    if (!WithinMemory([&] { written = WriteReport(make(), name); })) {
+        std::fputs("tarnwick-load: the report needs more memory than there is\n", stderr);
+    }
     return written;
 }
 
@@ -68,16 +97,17 @@ int LoadAndReport(const LoadOptions& options) {
     const std::string* const status = loaded ? &controls.status : nullptr;
     bool written = true;
     if (!options.jsonFile.empty()) {
-        written =
-            WriteReport(SceneReport(view, dispatch.currentPath, status, options.arrays), options.jsonFile);
+        written = Report(options.jsonFile,
+                         [&] { return SceneReport(view, dispatch.currentPath, status, options.arrays); });
     }
     if (!loaded) {
         std::fprintf(stderr, "tarnwick-load: %s: not a kind of file that can be loaded, by its extension\n",
-                     dispatch.currentPath.c_str());
+                     OnOneLine(dispatch.currentPath).c_str());
     } else if (!jsonOnOutput) {
         std::printf("%s\n", status->c_str());
     }
     SayUnread(view);
+    written = FlushOutput() && written;
     return written && view.loaded.drawnTriangles >= 1 ? 0 : 1;
 }
 
@@ -85,9 +115,9 @@ int PrintIndex(const LoadOptions& options) {
     ReaderWorkspace workspace;
     StepModel model(workspace, options.path);
     const int result = model.Read();
-    const bool written = WriteReport(IndexReport(model, result, options.entities), "-");
+    const bool written = Report("-", [&] { return IndexReport(model, result, options.entities); });
     if (result == StepModel::kNotOpened) {
-        std::fprintf(stderr, "tarnwick-load: %s can't be opened\n", options.path.c_str());
+        std::fprintf(stderr, "tarnwick-load: %s can't be opened\n", OnOneLine(options.path).c_str());
     }
     return written && result == StepModel::kRead ? 0 : 1;
 }
@@ -100,8 +130,8 @@ int PrintCheck(const LoadOptions& options) {
     const char* const rootName = options.product ? options.product->c_str() : nullptr;
     const CheckReport report = CheckPath(dispatch, options.path, rootName, !options.noThreads);
     const bool asJson = !options.jsonFile.empty();
-    const bool written =
-        WriteReport(asJson ? CheckJson(report) : CheckText(report), asJson ? options.jsonFile : "-");
+    const bool written = Report(asJson ? options.jsonFile : "-",
+                                [&] { return asJson ? CheckJson(report) : CheckText(report); });
     return written && report.findings.empty() ? 0 : 1;
 }
 
