@@ -19,7 +19,7 @@ void SortUnread(UnreadFiles* files) {
 
 void GiveUpForMemory(const char* path, const char* productName, std::int32_t place, UnreadFiles* files) {
     ConsolePrint("<E> %s: given up, no memory\n", path);
-    WithinMemory([&] { files->push_back({place, path, productName, "needs more memory than there is"}); });
+    WithinMemory([&] { files->push_back({place, path, productName, kNeedsMemory}); });
 }
 
 } // namespace tarnwick

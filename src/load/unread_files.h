@@ -17,6 +17,8 @@ using UnreadFiles = std::vector<UnreadFile>;
 
 // Of a file that was opened, when its part, its structure or its mesh is given up. Why is on the console.
 inline constexpr const char* kGivenUpReason = "can't be read to its end";
+// Of a file that memory ran out for.
+inline constexpr const char* kNeedsMemory = "needs more memory than there is";
 
 // Why a file could not be read, from what StepModel::Read returned.
 const char* UnreadReason(int result);

@@ -6,6 +6,7 @@
 #include "platform/text_block.h"
 #include "product/draw_list.h"
 #include "summary/select_depth.h"
+#include "text/one_line.h"
 #include "text/opened_file.h"
 #include "text/parse_real.h"
 #include "text/text_find.h"
@@ -60,7 +61,7 @@ public:
 private:
     bool Ended() const { return at_ >= end_; }
     void Say(const std::string& problem) {
-        if (!said_) { ConsolePrint("<E> %s: %s\n", file_.path, problem.c_str()); }
+        if (!said_) { ConsolePrint("<E> %s: %s\n", OnOneLine(file_.path).c_str(), problem.c_str()); }
         said_ = true;
     }
 
@@ -349,28 +350,39 @@ void StpjText::SayOddOccurrences() {
     }
 }
 
-// The file's bytes in `block`; null, and said, when they can't be had.
-char* ReadText(const char* path, TextBlock& block, std::size_t* size) {
+// The file's bytes in `block`; null, and said with its reason, when they can't be had.
+char* ReadText(const char* path, TextBlock& block, std::size_t* size, const char** reason) {
+    const std::string name = OnOneLine(path);
     const OpenedFile file(path);
     if (!file.IsOpen()) {
-        ConsolePrint("<E> %s: it can't be opened\n", path);
+        ConsolePrint("<E> %s: it can't be opened\n", name.c_str());
+        *reason = "can't be opened";
         return nullptr;
     }
-    char* const text =
-        file.Size() <= kLargestText ? block.Get(static_cast<std::size_t>(file.Size()) + 10) : nullptr;
+    const auto bytes = static_cast<unsigned long long>(file.Size());
+    if (file.Size() > kLargestText) {
+        ConsolePrint("<E> %s: its %llu bytes are more than a summary may have\n", name.c_str(), bytes);
+        *reason = "is too large";
+        return nullptr;
+    }
+    char* const text = block.Get(static_cast<std::size_t>(file.Size()) + 10);
     if (text == nullptr) {
-        ConsolePrint("<E> %s: no memory for its %llu bytes\n", path,
-                     static_cast<unsigned long long>(file.Size()));
+        ConsolePrint("<E> %s: no memory for its %llu bytes\n", name.c_str(), bytes);
+        *reason = kNeedsMemory;
         return nullptr;
     }
     *size = file.ReadAt(0, text, static_cast<std::size_t>(file.Size()));
+    if (*size < file.Size()) {
+        ConsolePrint("<E> %s: only %zu of its %llu bytes can be read\n", name.c_str(), *size, bytes);
+    }
     return text;
 }
 
 StpjFile* MakeFile(Arena& arena, const char* path) {
     StpjFile* const file = arena.New<StpjFile>();
-    if (file != nullptr) { file->path = arena.Copy(path, std::strlen(path)); }
-    return file;
+    if (file == nullptr) { return nullptr; }
+    file->path = arena.Copy(path, std::strlen(path));
+    return file->path != nullptr ? file : nullptr;
 }
 
 } // namespace
@@ -396,14 +408,22 @@ int TraiteSTPJFile(LoadedScene& loaded, const char* path) {
     std::size_t size = 0;
     Arena& arena = loaded.scene->Main();
     StpjFile* const file = MakeFile(arena, path);
-    char* const text = file != nullptr ? ReadText(path, block, &size) : nullptr;
+    DrawList* const boxes = arena.New<DrawList>();
+    if (file == nullptr || boxes == nullptr) {
+        GiveUpForMemory(path, "", 0, &loaded.unreadFiles);
+        return 0;
+    }
+    const char* reason = nullptr;
+    char* const text = ReadText(path, block, &size, &reason);
     if (text == nullptr) {
-        loaded.unreadFiles.push_back({0, path, "", "can't be opened"});
+        loaded.unreadFiles.push_back({0, path, "", reason});
         return 0;
     }
     const char* const problem = ReadStpjText(*file, text, size, arena);
     if (problem != nullptr || file->occurrenceCount == 0) {
-        loaded.unreadFiles.push_back({0, path, "", "isn't a summary with products and occurrences"});
+        loaded.unreadFiles.push_back(
+            {0, path, "",
+             problem == kNoMemory ? kNeedsMemory : "isn't a summary with products and occurrences"});
         return 0;
     }
     loaded.maxDepth = file->maxDepth;
@@ -412,15 +432,11 @@ int TraiteSTPJFile(LoadedScene& loaded, const char* path) {
     loaded.hasBox = true;
     ConsolePrint("CPU load products & occurrences : %f s\n", ClockSeconds() - start);
     loaded.boxMemory = std::make_unique<Arena>();
-    loaded.boxList = arena.New<DrawList>();
-    if (loaded.boxList == nullptr) {
-        GiveUpForMemory(path, "", 0, &loaded.unreadFiles);
-        return 0;
+    loaded.boxList = boxes;
+    if (!SelectDepth(*file, loaded.maxDepth, boxes, *loaded.boxMemory)) {
+        ConsolePrint("<E> %s: no memory for all of its boxes\n", OnOneLine(path).c_str());
     }
-    if (!SelectDepth(*file, loaded.maxDepth, loaded.boxList, *loaded.boxMemory)) {
-        ConsolePrint("<E> %s: no memory for all of its boxes\n", path);
-    }
-    loaded.drawnTriangles = CountBoxTriangles(*loaded.boxList);
+    loaded.drawnTriangles = CountBoxTriangles(*boxes);
     loaded.stpjFile = file;
     loaded.summaryProducts = file->products;
     loaded.summaryProductCount = file->productCount;
