@@ -1,16 +1,20 @@
 #include "link/message_queue.h"
 
+#include "platform/console.h"
+#include "platform/within_memory.h"
+
 namespace tarnwick {
 
 bool MessageQueue::Push(std::string text) {
     const std::lock_guard<std::mutex> hold(lock_);
     const std::size_t bytes = BytesOf(text);
     if (stopped_ || bytes > kMostBytes - bytes_) { return false; }
-    bytes_ += bytes;
-    texts_.push_back(std::move(text));
+    // First what may fail: a text without a thread would wait for ever, and its bytes stay counted.
     if (!thread_.joinable()) {
         thread_ = std::thread([this] { Run(); });
     }
+    texts_.push_back(std::move(text));
+    bytes_ += bytes;
     changed_.notify_one();
     return true;
 }
@@ -33,7 +37,9 @@ void MessageQueue::Run() {
         texts_.pop_front();
         bytes_ -= BytesOf(text);
         hold.unlock();
-        handle_(text);
+        if (!WithinMemory([&] { handle_(text); })) {
+            ConsolePrint("<E> Message of the server: it needs more memory than there is\n");
+        }
         hold.lock();
     }
 }

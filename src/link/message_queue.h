@@ -19,7 +19,8 @@ public:
     MessageQueue& operator=(const MessageQueue&) = delete;
     ~MessageQueue() { Stop(); }
 
-    // Takes a text, on any thread. False when kMostBytes wait already, or after Stop.
+    // Takes a text, on any thread. False when kMostBytes wait already, or after Stop. Throws what the
+    // standard library does when there is no memory, or no thread, for it; then the text isn't taken.
     bool Push(std::string text);
 
     // Waits for the text at work; the others are dropped.

@@ -2,6 +2,7 @@
 #include "link/message_queue.h"
 #include "link/server_messages.h"
 #include "platform/console.h"
+#include "text/one_line.h"
 #include "text/or_null.h"
 #include "text/wide_text.h"
 
@@ -10,7 +11,9 @@
 
 #include <cstdlib>
 #include <exception>
+#include <new>
 #include <string>
+#include <system_error>
 
 namespace tarnwick {
 
@@ -81,6 +84,10 @@ struct ServerLink::Session {
             std::string text = message.extract_string().get();
             if (KindOf(text) == ServerMessage::Unknown) { return; }
             if (!queue.Push(std::move(text))) { ConsolePrint("<E> Message of the server: too many wait\n"); }
+        } catch (const std::bad_alloc&) {
+            ConsolePrint("<E> Message of the server: it needs more memory than there is\n");
+        } catch (const std::system_error& failure) {
+            ConsolePrint("<E> Message of the server: no thread for it, %s\n", failure.what());
         } catch (const std::exception&) {
             // A message that is no text is none of ours.
         }
@@ -121,8 +128,8 @@ void ServerLink::OnClose() {
 void ServerLink::OnAddPmi(const Selection& selection) {
     const std::vector<std::string> arguments = BrowserArguments(kViewerFolder, selection);
     ConsolePrint("Call XML viewer : Edit PMI\n");
-    ConsolePrint("  File: %s\n  Product: %s  Face: %s\n", OrNull(selection.path), OrNull(selection.rootName),
-                 selection.selectedText.c_str());
+    ConsolePrint("  File: %s\n  Product: %s  Face: %s\n", OnOneLine(OrNull(selection.path)).c_str(),
+                 OnOneLine(OrNull(selection.rootName)).c_str(), OnOneLine(selection.selectedText).c_str());
     dialog_.StartProgram({"chromium", "google-chrome"}, arguments);
 }
 

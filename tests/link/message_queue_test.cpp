@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <new>
 #include <vector>
 
 namespace tarnwick::test {
@@ -67,6 +68,21 @@ TEST(MessageQueue, CanBeStoppedBeforeItsFirstText) {
     queue.Stop();
     queue.Stop();
     EXPECT_FALSE(queue.Push("x"));
+}
+
+TEST(MessageQueue, GoesOnAfterATextThatTookTooMuchMemory) {
+    std::atomic<int> count = 0;
+    ::testing::internal::CaptureStderr();
+    MessageQueue queue([&](const std::string& text) {
+        ++count;
+        if (text == "large") { throw std::bad_alloc(); }
+    });
+    ASSERT_TRUE(queue.Push("large"));
+    ASSERT_TRUE(queue.Push("small"));
+    while (count < 2) { std::this_thread::yield(); }
+    queue.Stop();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "<E> Message of the server: it needs more memory than there is\n");
 }
 
 } // namespace
