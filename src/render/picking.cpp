@@ -4,6 +4,7 @@
 #include "platform/console.h"
 #include "render/opengl_control.h"
 #include "render/pick_code.h"
+#include "text/one_line.h"
 #include "text/or_null.h"
 
 #include <GL/gl.h>
@@ -84,7 +85,9 @@ void OpenGLControl::TellMaterial() const {
     for (std::int32_t i = 0; i < loaded.containerCount; ++i) {
         const FaceContainer& container = *loaded.containers[i];
         if (container.containerId != selectedContainerId) { continue; }
-        if (container.materialName != nullptr) { ConsolePrint("Material: %s\n", container.materialName); }
+        if (container.materialName != nullptr) {
+            ConsolePrint("Material: %s\n", OnOneLine(container.materialName).c_str());
+        }
         if (dialog != nullptr) {
             dialog->SetPickText(container.materialName != nullptr
                                     ? "Material: " + std::string(container.materialName) + "  "
@@ -96,7 +99,8 @@ void OpenGLControl::TellMaterial() const {
 void OpenGLControl::TellPickedProduct(const ProductNode* product) {
     if (product == nullptr) { return; }
     selectedText = product->name != nullptr ? product->name : "";
-    ConsolePrint("Product selected: %s   File: %s\n", OrNull(product->name), OrNull(product->fileName));
+    ConsolePrint("Product selected: %s   File: %s\n", OnOneLine(OrNull(product->name)).c_str(),
+                 OnOneLine(OrNull(product->fileName)).c_str());
 }
 
 } // namespace tarnwick

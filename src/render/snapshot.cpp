@@ -2,13 +2,14 @@
 
 #include "render/snapshot.h"
 #include "platform/console.h"
+#include "platform/whole_file.h"
 #include "render/opengl_control.h"
+#include "text/one_line.h"
 
 #include <GL/gl.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -81,15 +82,21 @@ int OpenGLControl::grab_GL(const char* path) {
     ReadScreen(width, height, image.get(), imageBytes);
     std::fill_n(image.get() + imageBytes - 2, 2, static_cast<unsigned char>(0));
 
-    std::FILE* const file = std::fopen(path, "wb");
-    if (file == nullptr) {
-        OutputPrint("[Error] : grab_GL(), Cannot open %s for writting.\n", path);
+    WholeFile file(path);
+    if (!file.IsOpen()) {
+        OutputPrint("[Error] : grab_GL(), Cannot open %s for writting.\n", OnOneLine(path).c_str());
         return 0;
     }
     const auto header = Header(width, height, imageBytes);
-    const bool written = std::fwrite(header.data(), 1, header.size(), file) == header.size() &&
-                         std::fwrite(image.get(), 1, imageBytes, file) == imageBytes;
-    return std::fclose(file) == 0 && written ? 1 : 0;
+    file.Write(header.data(), header.size());
+    file.Write(image.get(), imageBytes);
+    const int error = file.Close();
+    if (error != 0) {
+        OutputPrint("[Error] : grab_GL(), Cannot write %s: %s\n", OnOneLine(path).c_str(),
+                    std::strerror(error));
+        return 0;
+    }
+    return 1;
 }
 
 void OpenGLControl::ReadScreen(int width, int height, unsigned char* pixels, std::size_t bytes) {
