@@ -1,4 +1,5 @@
 #include "app/dialog_link.h"
+#include "app/child_program.h"
 #include "app/eye_text.h"
 #include "app/step_viewer_dlg.h"
 
@@ -7,23 +8,19 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QMessageBox>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QThread>
 
 #include <sys/stat.h>
 
+#include <chrono>
+#include <thread>
+
 namespace tarnwick {
 
 namespace {
 
-constexpr int kMillisecondsBetweenLooks = 50; // at whether the dialog closes
-
-QStringList EyeTexts(const std::vector<std::string>& texts) {
-    QStringList list;
-    for (const std::string& text : texts) { list.append(EyeText(text)); }
-    return list;
-}
+constexpr std::chrono::milliseconds kBetweenLooks{20}; // at a program, and whether the dialog closes
 
 } // namespace
 
@@ -121,18 +118,10 @@ bool DialogLink::Invalidate() {
 }
 
 void DialogLink::RunProgram(const std::vector<std::string>& command) {
-    QStringList arguments = EyeTexts(command);
-    const QString program = arguments.takeFirst();
-    QProcess process;
-    process.setProcessChannelMode(QProcess::ForwardedChannels);
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.start(program, arguments);
-    while (process.state() != QProcess::NotRunning && !process.waitForFinished(kMillisecondsBetweenLooks)) {
-        if (IsClosing()) {
-            process.kill();
-            process.waitForFinished();
-            return;
-        }
+    ChildProgram program(command);
+    while (program.IsRunning()) {
+        if (IsClosing()) { program.Kill(); }
+        std::this_thread::sleep_for(kBetweenLooks);
     }
 }
 
@@ -141,7 +130,9 @@ void DialogLink::StartProgram(const std::vector<std::string>& names,
     for (const std::string& name : names) {
         const QString program = QStandardPaths::findExecutable(EyeText(name));
         if (program.isEmpty()) { continue; }
-        QProcess::startDetached(program, EyeTexts(arguments));
+        std::vector<std::string> command{QFile::encodeName(program).toStdString()};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        StartDetached(command);
         return;
     }
 }

@@ -2,14 +2,26 @@
 
 #include "app/command_line.h"
 #include "app/tarnwick_app.h"
+#include "platform/out_of_memory.h"
+#include "platform/within_memory.h"
 
 #include <QApplication>
 
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
+
+using namespace tarnwick;
 
 namespace {
+
+constexpr const char* kOutOfMemory = "tarnwick: it needs more memory than there is\n";
+
+// Before the toolkit makes its own objects.
+[[gnu::constructor(101)]] void Prepare() {
+    std::set_terminate([] { EndOutOfMemory(kOutOfMemory); });
+}
 
 // The toolkit ends a program whose display it can't reach by an abort, with the advice to install it again.
 void EndWithoutWindow(QtMsgType type, const QMessageLogContext& context, const QString& text) {
@@ -21,10 +33,7 @@ void EndWithoutWindow(QtMsgType type, const QMessageLogContext& context, const Q
     std::_Exit(1);
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    using namespace tarnwick;
+int Run(int argc, char** argv) {
     if (const std::optional<int> status = AnswerAtOnce(argc, argv)) { return *status; }
     CTarnwickApp::PrepareToolkit();
     qInstallMessageHandler(EndWithoutWindow);
@@ -33,4 +42,12 @@ int main(int argc, char** argv) {
     std::setlocale(LC_NUMERIC, "C"); // the toolkit took over the user's, and 1.5 would be printed as 1,5
     CTarnwickApp app(ArgumentsOf(argc, argv));
     return app.InitInstance();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    int status = 1;
+    if (!WithinMemory([&] { status = Run(argc, argv); })) { std::fputs(kOutOfMemory, stderr); }
+    return status;
 }

@@ -6,6 +6,8 @@
 #include "app/title_text.h"
 #include "load/arguments.h"
 #include "platform/clock.h"
+#include "platform/console.h"
+#include "platform/within_memory.h"
 #include "render/snapshot.h"
 
 #include <QApplication>
@@ -119,6 +121,12 @@ void STEPViewerDlg::OnInitDialog() {
 }
 
 void STEPViewerDlg::Load(const std::string& arguments, bool useThreads) {
+    if (!WithinMemory([&] { LoadNamed(arguments, useThreads); })) {
+        ConsolePrint("<E> The load needs more memory than there is\n");
+    }
+}
+
+void STEPViewerDlg::LoadNamed(const std::string& arguments, bool useThreads) {
     const std::vector<std::string> tokens = SplitArguments(arguments);
     if (tokens.empty()) { return; }
     progressShown_ = ClockSeconds();
@@ -232,7 +240,9 @@ bool STEPViewerDlg::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void STEPViewerDlg::TakeSnapshot() {
-    View().grab_GL(SnapshotPath(SnapshotFolder(), dispatch_.currentPath).c_str());
+    const bool enough = WithinMemory(
+        [this] { View().grab_GL(SnapshotPath(SnapshotFolder(), dispatch_.currentPath).c_str()); });
+    if (!enough) { ConsolePrint("<E> The snapshot needs more memory than there is\n"); }
 }
 
 void STEPViewerDlg::done(int result) {

@@ -54,6 +54,7 @@ protected:
 
 private:
     void CreateControls();
+    void LoadNamed(const std::string& arguments, bool useThreads);
     void OnOpen();
     // The first file of a drop; further ones don't count.
     void OnDropFiles(const QString& first);

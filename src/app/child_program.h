@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace tarnwick {
+
+// A program that runs beside the viewer, with an empty standard input and its own output going where ours
+// does. Its arguments arrive as the bytes they are: those of the toolkit would be recoded, and a file name
+// needn't be text. Used by one thread.
+class ChildProgram {
+public:
+    // Starts `command`, whose first word is looked for as the shell does; the console tells when it can't.
+    explicit ChildProgram(const std::vector<std::string>& command);
+    ChildProgram(const ChildProgram&) = delete;
+    ChildProgram& operator=(const ChildProgram&) = delete;
+    ~ChildProgram() { Kill(); }
+
+    bool IsRunning();
+    // Ends it, and waits for that.
+    void Kill();
+
+private:
+    pid_t process_ = 0; // 0 when there is none to wait for
+};
+
+// Starts a program that outlives the viewer; the first word is its path.
+void StartDetached(const std::vector<std::string>& command);
+
+} // namespace tarnwick
