@@ -1,0 +1,156 @@
+#include "faults/cases.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+namespace tarnwick::faults {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+struct Sample {
+    const char* name; // of the file, in a folder of its own
+    const char* kind; // of tarnwick-make
+    Words options;
+};
+
+const std::vector<Sample>& Samples() {
+    const Words part{"--triangles", "60", "--faces", "6", "--solids", "2", "--colours", "2"};
+    const Words rich{"--triangles", "60",        "--faces",       "6",         "--solids", "2", "--colours",
+                     "2",           "--pnindex", "--transparent", "--material"};
+    const Words machine{"--parts", "3", "--uses", "2", "--depth", "1", "--triangles-per-part", "40"};
+    const auto with = [](Words words, const Words& more) {
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
+    };
+    static const std::vector<Sample> samples{
+        {"part.stp", "part", rich},
+        {"part.stpz", "part", with(part, {"--compress"})},
+        {"assembly.stp", "assembly", machine},
+        {"missing.stp", "assembly", with(machine, {"--one-missing"})},
+        {"assembly.stpz", "assembly", with(machine, {"--compress"})},
+        {"mesh.stp", "fem", {"--quads", "9"}},
+        {"mesh.stpz", "fem", {"--quads", "9", "--compress"}},
+        {"document.stpx", "stpx", with(machine, {"--documents", "1"})},
+        {"document.stpxz", "stpx", with(machine, {"--documents", "1", "--route", "documents", "--compress"})},
+        {"archive.stpa", "stpa", with(machine, {"--documents", "1"})},
+        {"summary.stpj", "stpj", {"--parts", "3", "--uses", "2"}},
+    };
+    return samples;
+}
+
+void Run(const std::string& program, const Words& words) {
+    std::string command = program;
+    for (const std::string& word : words) { command += " '" + word + "'"; }
+    if (std::system((command + " >/dev/null").c_str()) != 0) {
+        std::fprintf(stderr, "%s failed\n", command.c_str());
+        std::exit(3);
+    }
+}
+
+Input OverSample(const Programs& programs, const std::string& name, const std::string& path) {
+    Input input{name, {}};
+    const auto add = [&](const char* what, const Words& options) -> Case& {
+        Case one{what + (" " + name), programs.load, options};
+        one.arguments.push_back(path);
+        input.cases.push_back(std::move(one));
+        return input.cases.back();
+    };
+    add("load", {}).isLog = true;
+    const auto addReport = [&](const char* what, Words options) {
+        options.insert(options.end(), {"--json", "%o/report.json"});
+        Case& one = add(what, options);
+        one.isLog = true;
+        one.writesText = true;
+    };
+    addReport("json", {});
+    addReport("json --no-threads", {"--no-threads"});
+    add("json --arrays", {"--json", "-", "--arrays"});
+    add("check", {"--check"}).tellsOnOutput = true;
+    add("check --json", {"--check", "--json", "-"}).tellsOnOutput = true;
+    const std::string extension = std::filesystem::path(name).extension();
+    if (extension == ".stp" || extension == ".stpz") { add("index", {"--index", "--entities"}); }
+    for (const char* const threads : {"", " --no-threads"}) {
+        Case one{"arenas" + (threads + (" " + name)), programs.arenaLoad, {"--json", "-", "--arrays", path}};
+        if (*threads != '\0') { one.arguments.insert(one.arguments.begin(), "--no-threads"); }
+        input.cases.push_back(std::move(one));
+    }
+    Case check{"arenas check " + name, programs.arenaLoad, {"--check", "--json", "-", path}};
+    check.tellsOnOutput = true;
+    input.cases.push_back(std::move(check));
+    return input;
+}
+
+// Loads one after the other, where a later one finds what an earlier one left.
+Input OverLists(const Programs& programs, const std::filesystem::path& folder) {
+    Input input{"one after another", {}};
+    const auto path = [&](const char* name) { return (folder / name / name).string(); };
+    const std::vector<std::vector<const char*>> lists{
+        {"part.stp", "none.stp"},
+        {"part.stp", "archive.stpa", "document.stpx"},
+        {"part.stp", "document.stpx", "mesh.stp"},
+        {"part.stp", "summary.stpj", "part.stpz"},
+        {"archive.stpa", "broken.stpa", "summary.stpj"},
+        {"document.stpx", "broken.stpx", "part.stp"},
+        {"assembly.stp", "broken.stp", "archive.stpa"},
+        {"mesh.stp", "broken.stpj", "mesh.stp"},
+    };
+    for (const auto& list : lists) {
+        Case one{"list", programs.loadList, {}};
+        for (const char* const name : list) {
+            one.name += std::string(" ") + name;
+            one.arguments.push_back(path(name));
+        }
+        input.cases.push_back(one);
+        Case arenas = one;
+        arenas.name.replace(0, 4, "arenas");
+        arenas.program = programs.arenaList;
+        input.cases.push_back(std::move(arenas));
+        one.name += " --no-threads";
+        one.arguments.insert(one.arguments.begin(), "--no-threads");
+        input.cases.push_back(std::move(one));
+    }
+    return input;
+}
+
+Input OverMaking(const Programs& programs) {
+    Input input{"tarnwick-make", {}};
+    for (const Sample& sample : Samples()) {
+        Case one{"make " + std::string(sample.name), programs.make, {sample.kind}};
+        one.arguments.insert(one.arguments.end(), sample.options.begin(), sample.options.end());
+        one.arguments.push_back(std::string("%o/") + sample.name);
+        input.cases.push_back(std::move(one));
+    }
+    return input;
+}
+
+} // namespace
+
+std::vector<Input> MakeInputs(const Programs& programs, const std::filesystem::path& folder) {
+    std::vector<Input> inputs;
+    for (const Sample& sample : Samples()) {
+        const std::filesystem::path own = folder / sample.name;
+        std::filesystem::create_directories(own);
+        Words words{sample.kind};
+        words.insert(words.end(), sample.options.begin(), sample.options.end());
+        words.push_back((own / sample.name).string());
+        Run(programs.make, words);
+        inputs.push_back(OverSample(programs, sample.name, words.back()));
+    }
+    for (const char* const name : {"broken.stp", "broken.stpx", "broken.stpa", "broken.stpj"}) {
+        std::filesystem::create_directories(folder / name);
+        std::ofstream(folder / name / name) << "no such file\n";
+    }
+    inputs.push_back(OverLists(programs, folder));
+    inputs.push_back(OverMaking(programs));
+    if (!programs.snapshot.empty()) {
+        const std::string part = (folder / "part.stp" / "part.stp").string();
+        inputs.push_back({"snapshot", {{"snapshot", programs.snapshot, {part, "%o/shot.bmp"}}}});
+        inputs.back().cases[0].tellsOnOutput = true; // a file that can't be written is told there
+    }
+    return inputs;
+}
+
+} // namespace tarnwick::faults
