@@ -158,10 +158,21 @@ std::vector<std::string> PartFiles(const ProductNode* root, std::vector<Finding>
     return names;
 }
 
-void CheckDocumentPart(CheckReport* report, StepModel& model, const std::string& name) {
+// Whether the load has told of a file.
+bool IsTold(const SceneView& view, const std::string& path) {
+    return std::any_of(view.loaded.unreadFiles.begin(), view.loaded.unreadFiles.end(),
+                       [&path](const UnreadFile& file) { return file.path == path; });
+}
+
+void CheckDocumentPart(CheckReport* report, const SceneView& view, StepModel& model,
+                       const std::string& name) {
     std::vector<Finding> findings;
     const int result = ReadToCheck(model, &findings);
-    if (result != StepModel::kRead) { return; } // told by the load
+    if (result != StepModel::kRead) {
+        // What the load could read may fail now.
+        if (!IsTold(view, name)) { AddUnread(report, name, "", UnreadReason(result)); }
+        return;
+    }
     FileReferences none;
     if (model.isAssembly != 0) { return; } // told by the load
     CheckStepFile(model, result, FileRole::kPart, &report->counts, &findings, &none);
@@ -180,7 +191,14 @@ void CheckLoaded(CheckReport* report, const SceneView& view, FileKind kind) {
         report->findings.push_back({.kind = FindingKind::kUse, .text = "the document has no root product"});
     }
     std::unique_ptr<ZipArchive> archive;
-    if (kind == FileKind::kArchive) { archive = std::make_unique<ZipArchive>(path.c_str()); }
+    if (kind == FileKind::kArchive) {
+        archive = std::make_unique<ZipArchive>(path.c_str());
+        if (!archive->IsOpen()) {
+            // The load could open it, or has told that it couldn't.
+            if (!IsTold(view, path)) { AddUnread(report, path, "", "can't be opened as an archive"); }
+            return;
+        }
+    }
     ReaderWorkspace workspace;
     for (const std::string& name : PartFiles(view.loaded.root, &report->findings)) {
         if (archive == nullptr) {
@@ -188,13 +206,16 @@ void CheckLoaded(CheckReport* report, const SceneView& view, FileKind kind) {
             std::replace(part.begin(), part.end(), '\\', '/');
             part.insert(0, FolderOf(path));
             StepModel model(workspace, part);
-            CheckDocumentPart(report, model, part);
-        } else if (archive->IsOpen()) {
+            CheckDocumentPart(report, view, model, part);
+        } else {
             ZipArchive::Packed packed = archive->ReadPacked(name.c_str());
-            if (packed.data == nullptr) { continue; }
+            if (packed.data == nullptr) {
+                if (!IsTold(view, name)) { AddUnread(report, name, "", packed.oddity); }
+                continue;
+            }
             StepModel model(workspace, std::move(packed.data), packed.size);
             model.fileName = name;
-            CheckDocumentPart(report, model, name);
+            CheckDocumentPart(report, view, model, name);
         }
     }
 }
