@@ -46,7 +46,7 @@ void TakeNumbers(const char* p, const char* end, Arrays* arrays) {
             continue;
         }
         const char* digits = p + (*p == '-');
-        std::uint64_t word = tarnwick::real::LoadEight(digits);
+        std::uint64_t word = tarnwick::LoadEight(digits);
         unsigned count = tarnwick::real::LeadingDigits(word);
         if (count > 0 && count < 8 && digits[count] != '.') {
             if (!arrays->integers.Reserve(1)) { std::abort(); }

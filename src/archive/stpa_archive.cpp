@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <utility>
 
 namespace tarnwick {
@@ -15,7 +14,6 @@ namespace tarnwick {
 namespace {
 
 constexpr std::size_t kNameRoom = 256;
-constexpr std::uint64_t kLargestMember = std::numeric_limits<std::int32_t>::max();
 constexpr std::uint64_t kMostInflation = 1032; // deflate packs no tighter, whatever a record claims
 constexpr std::size_t kTextReserve = 0x40000;
 constexpr std::size_t kStoredReserve = 9;
@@ -134,7 +132,7 @@ ZipArchive::Packed ZipArchive::ReadPacked(const char* name) {
         return packed;
     }
     const std::uint64_t room = std::min(info.compressedSize, file_->Size()) + 100;
-    if (room > kLargestMember) {
+    if (room > kLargestText) {
         packed.oddity = kTooLarge;
         return packed;
     }
@@ -163,8 +161,8 @@ char* ZipArchive::ReadMember(const char* name, TextMemory& memory, std::size_t* 
         return nullptr;
     }
     // What the record claims is more than a text may have.
-    if (std::min(info.compressedSize, file_->Size()) > kLargestMember ||
-        info.uncompressedSize > kLargestMember - kTextReserve) {
+    if (std::min(info.compressedSize, file_->Size()) > kLargestText ||
+        info.uncompressedSize > kLargestText - kTextReserve) {
         *problem = kTooLarge;
         return nullptr;
     }

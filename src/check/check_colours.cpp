@@ -12,13 +12,14 @@ namespace tarnwick {
 
 namespace {
 
-// Whether the text holds a reference of 15 digits, which ends the program where a style's chain meets it.
+// Whether the text holds a reference of too many digits, which ends the program where a style's chain meets
+// it.
 bool HasLongReference(const StepModel& model) {
     const std::string_view text(model.text, static_cast<std::size_t>(model.textEnd - model.text));
     for (std::size_t at = text.find('#'); at != std::string_view::npos; at = text.find('#', at + 1)) {
         std::size_t digits = 0;
-        while (digits < 15 && real::IsDigit(model.text[at + 1 + digits])) { ++digits; }
-        if (digits == 15) { return true; }
+        while (digits < kDigitRoom && real::IsDigit(model.text[at + 1 + digits])) { ++digits; }
+        if (digits == kDigitRoom) { return true; }
     }
     return false;
 }

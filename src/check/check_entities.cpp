@@ -5,17 +5,15 @@ namespace tarnwick {
 
 namespace {
 
-constexpr std::size_t kMostDigits = 14;
-
 void CheckReferences(CheckedFile& file, const P42Ent* entity, std::string_view behindEquals) {
     ReferenceFinder references(behindEquals);
     std::int32_t id = 0;
     std::size_t digits = 0;
     std::size_t at = 0;
     while (references.Next(&id, &digits, &at)) {
-        if (digits > kMostDigits) {
+        if (digits >= kDigitRoom) {
             file.AddAt(FindingKind::kTooLong, entity, behindEquals.data() + at,
-                       "refers to a number of more than 14 digits");
+                       "refers to a number of more than " + std::to_string(kDigitRoom - 1) + " digits");
         } else if (file.model.Find(id) == nullptr) {
             file.AddAt(FindingKind::kMissing, entity, behindEquals.data() + at,
                        "refers to " + std::string(behindEquals.substr(at, digits + 1)) +

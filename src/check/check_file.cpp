@@ -11,17 +11,16 @@ namespace tarnwick {
 
 namespace {
 
-constexpr std::int32_t kFiniteElementSchema = 209;
-
 // Why a file that was opened isn't a P21 file for the readers.
 std::string WhyNotStep(const StepModel& model) {
     const std::string reason = "the file isn't read: ";
     if (model.text == nullptr || model.textEnd == model.text) { return reason + "it is empty"; }
     const std::string_view text(model.text, static_cast<std::size_t>(model.textEnd - model.text));
-    if (!text.starts_with("ISO-10303-21")) {
-        const bool later = text.substr(0, 1000).find("ISO-10303-21") != std::string_view::npos;
-        return reason + (later ? "something stands before its ISO-10303-21, which must come first"
-                               : "it doesn't start with ISO-10303-21");
+    if (!text.starts_with(StepModel::kStart)) {
+        const bool later = text.substr(0, 1000).find(StepModel::kStart) != std::string_view::npos;
+        const std::string start(StepModel::kStart);
+        return reason + (later ? "something stands before its " + start + ", which must come first"
+                               : "it doesn't start with " + start);
     }
     if (text.find("\nDATA;") == std::string_view::npos) { return reason + "no line starts with DATA;"; }
     if (text.find("FILE_SCHEMA(") == std::string_view::npos) {
@@ -87,13 +86,12 @@ void CheckedFile::CheckReferenceList(const P42Ent* entity, std::string_view list
 
 bool CheckedFile::CheckName(const P42Ent* entity) {
     // By the moves of the readers: where a quote is absent, they go on to those of other entities.
-    constexpr std::size_t kLimit = 300;
     TextWalk walk = model.WalkFrom(entity);
     walk.GoToFirstString();
     if (walk.overrun) { return true; }
-    const std::string_view name = walk.Ahead(kLimit);
-    if (name.size() < kLimit || name.find('\'') != std::string_view::npos) { return true; }
-    Add(FindingKind::kTooLong, entity, "its name has 300 characters or more");
+    const std::string_view name = walk.Ahead(kNameRoom);
+    if (name.size() < kNameRoom || name.find('\'') != std::string_view::npos) { return true; }
+    Add(FindingKind::kTooLong, entity, "its name has " + std::to_string(kNameRoom) + " characters or more");
     return false;
 }
 
@@ -141,7 +139,7 @@ void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCou
         } else {
             CheckAssembly(file, isTop, references);
         }
-    } else if (isTop && model.apNumber == kFiniteElementSchema) {
+    } else if (isTop && model.apNumber == StepModel::kFiniteElementSchema) {
         CheckFiniteElements(file);
     } else {
         CheckPart(file, isTop);

@@ -15,8 +15,6 @@ namespace tarnwick {
 
 namespace {
 
-constexpr std::size_t kMostDigits = 14;
-
 bool IsContainer(std::int32_t entityCode) {
     return entityCode == code::kTessellatedSolid || entityCode == code::kTessellatedShell;
 }
@@ -168,8 +166,9 @@ private:
             file_.Add(FindingKind::kDamaged, face, "its third argument is neither a number nor $");
             return false;
         }
-        if (pnmax.size() > kMostDigits) {
-            file_.Add(FindingKind::kTooLong, face, "its third argument has more than 14 digits");
+        if (pnmax.size() >= kDigitRoom) {
+            file_.Add(FindingKind::kTooLong, face,
+                      "its third argument has more than " + std::to_string(kDigitRoom - 1) + " digits");
         }
         if (IsFace(face->code) && Trimmed(arguments[4]) != "$" && ReferenceOf(arguments[4]) == 0) {
             file_.Add(FindingKind::kDamaged, face, "its fifth argument is neither a reference nor $");

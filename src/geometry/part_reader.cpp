@@ -77,7 +77,7 @@ int PartReader::ReadPart() {
 bool PartReader::MakeProduct() {
     TextWalk walk;
     if (!model.OpenLine(model.rootProductId, &walk)) { return false; }
-    const std::string_view name = ReadFirstString(&walk, 300);
+    const std::string_view name = ReadFirstString(&walk, kNameRoom);
     if (walk.overrun) { return false; }
     ProductNode* const made = arena.New<ProductNode>();
     if (made == nullptr) { return false; }

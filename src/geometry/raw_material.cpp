@@ -23,7 +23,7 @@ bool MaterialName(const StepModel& model, const P42Ent* option, TextWalk* walk, 
     if (walk->overrun || !model.OpenAfterArguments(product, 1, walk)) { return false; }
     walk->SkipBlanksAndLineFeeds();
     walk->Step();
-    *name = ReadQuoted(walk, 100);
+    *name = ReadQuoted(walk, kMaterialRoom);
     return !walk->overrun;
 }
 

@@ -58,7 +58,7 @@ struct FaceWalk : TextWalk {
 
 // Digits as they mostly stand in an index list, 1 to 7 of them; false, and nothing done, for any other text.
 bool TakeIndex(const char*& p, std::uint32_t* value) {
-    const std::uint64_t word = real::LoadEight(p);
+    const std::uint64_t word = LoadEight(p);
     const unsigned count = real::LeadingDigits(word);
     if (count == 0 || count == 8) { return false; }
     *value = real::DigitsValue(word, count);
@@ -297,7 +297,7 @@ std::int32_t ReadPnmax(FaceWalk* walk) {
     while (walk->at < limit && !real::IsDigit(*walk->at)) { ++walk->at; }
     std::int64_t value = 0;
     for (const char* const start = walk->at; walk->at < limit && real::IsDigit(*walk->at); ++walk->at) {
-        if (walk->at - start == 14) { FailFast(); }
+        if (static_cast<std::size_t>(walk->at - start) == kDigitRoom - 1) { FailFast(); }
         value = value * 10 + (*walk->at - '0');
     }
     return static_cast<std::int32_t>(std::min<std::int64_t>(value, INT32_MAX));

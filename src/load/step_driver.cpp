@@ -16,8 +16,6 @@ namespace tarnwick {
 
 namespace {
 
-constexpr std::int32_t kFiniteElementSchema = 209;
-
 // The files of an assembly: a part is read by the caller, a sub-assembly adds to the tree and to the queue.
 class AssemblyFiles final : public PartFiles {
 public:
@@ -122,7 +120,7 @@ int TraiteSTEPFile(LoadSession& session, const char* path, bool useThreads) {
     session.isAssembly = model.isAssembly;
     if (session.isAssembly != 0) {
         ReadAssembly(session, model, path);
-    } else if (model.apNumber == kFiniteElementSchema) {
+    } else if (model.apNumber == StepModel::kFiniteElementSchema) {
         ReadFiniteElementFile(session, model);
     } else {
         ReadSinglePart(session, model);

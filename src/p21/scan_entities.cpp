@@ -156,7 +156,7 @@ bool StepModel::ScanEntities() {
         const char* equals = line + 1;
         std::int32_t id = 0;
         // A number as it is mostly written, of up to eight digits and right in front of the "=".
-        const std::uint64_t word = real::LoadEight(equals);
+        const std::uint64_t word = LoadEight(equals);
         const unsigned digits = real::LeadingDigits(word);
         if (digits > 0 && equals[digits] == '=') [[likely]] {
             id = static_cast<std::int32_t>(real::DigitsValue(word, digits));

@@ -3,7 +3,6 @@
 #include "p21/keyword_codes.h"
 #include "platform/console.h"
 
-#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -48,9 +47,8 @@ int StepModel::Read() {
 int StepModel::ReadIndex() {
     const int opened = isFile_ ? ReadFile() : InflateData();
     if (opened != kRead) { return opened; }
-    constexpr std::string_view kHeader = "ISO-10303-21";
-    if (text == nullptr || static_cast<std::size_t>(textEnd - text) < kHeader.size() ||
-        std::memcmp(text, kHeader.data(), kHeader.size()) != 0) {
+    if (text == nullptr ||
+        !std::string_view(text, static_cast<std::size_t>(textEnd - text)).starts_with(kStart)) {
         ConsolePrint("<E> Invalid P21 file\n");
         return kNotP21;
     }
@@ -93,7 +91,7 @@ bool StepModel::BuildEntityMap() {
     return true;
 }
 
-// The schema name's number: two characters behind the first "A" of the first string behind "FILE_SCHEMA(", as
+// The schema name's number: two characters after the first "A" of the first string after "FILE_SCHEMA(", as
 // the 242 of 'AP242_MANAGED...'. A name without such a number gives 0.
 bool StepModel::ReadSchemaNumber() {
     const std::string_view content(text, static_cast<std::size_t>(textEnd - text));
@@ -118,7 +116,7 @@ bool StepModel::FindRootProduct() {
     for (P42Ent* record = structureList->First(); record != nullptr; record = structureList->Next()) {
         if (record->code != code::kProductRelatedProductCategory) { continue; }
         TextWalk walk = WalkFrom(record);
-        const std::string_view name = ReadFirstString(&walk, 300);
+        const std::string_view name = ReadFirstString(&walk, kNameRoom);
         if (!walk.overrun && name == "part") {
             walk.Step();
             ids.clear();

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarnwick {
@@ -29,6 +30,9 @@ struct StepModel {
     static constexpr int kNotOpened = 1;
     static constexpr int kNotP21 = 5;
 
+    static constexpr std::string_view kStart = "ISO-10303-21"; // of every P21 text
+    static constexpr std::int32_t kFiniteElementSchema = 209;
+
     static constexpr int kBlocks = 10;
 
     // A model of the file at `path`; reads nothing yet.
@@ -44,9 +48,9 @@ struct StepModel {
     // returned.
     int Read();
 
-    // The two halves of Read, for who wants to look at a table before the process may end on a name in it.
+    // The two halves of Read, so that --check can look at the table before a name in it ends the process.
     int ReadIndex();
-    // Behind ReadIndex: names the root among several products. kRead or kNotP21.
+    // After ReadIndex: names the root among several products. kRead or kNotP21.
     int DiscoverRoot();
 
     // The record of an entity number, or null.
@@ -90,7 +94,7 @@ struct StepModel {
     double inflateSeconds = 0;
     std::string fileName; // as given, rewritten by the fall-back rule; empty for a model made from memory
     char* text = nullptr;
-    char* textEnd = nullptr; // where the NUL behind the text stands
+    char* textEnd = nullptr; // where the NUL after the text stands
     std::unique_ptr<unsigned char[]> compressedData;
     std::uint32_t compressedSize = 0;
     // How the file's bytes are packed, see TextFile; decides the suffix of the files of an assembly.

@@ -70,7 +70,7 @@ std::int32_t ReadDigits(TextWalk* walk) {
     const char* const start = walk->at;
     std::int64_t value = 0;
     for (; real::IsDigit(*walk->at); ++walk->at) {
-        if (walk->at - start == 14) { FailFast(); }
+        if (static_cast<std::size_t>(walk->at - start) == kDigitRoom - 1) { FailFast(); }
         value = value * 10 + (*walk->at - '0');
     }
     constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();

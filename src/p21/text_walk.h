@@ -2,12 +2,19 @@
 
 #include "p21/far_places.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
 #include <vector>
 
 namespace tarnwick {
+
+// The rooms of the buffers that the format is about, their NUL included: a name, or a number's digits, that
+// doesn't fit ends the process.
+inline constexpr std::size_t kNameRoom = 300;
+inline constexpr std::size_t kMaterialRoom = 100; // of the name of a raw material
+inline constexpr std::size_t kDigitRoom = 15;
 
 // A walk over the raw text of a file, forward from some entity's line: the moves of which all readers of P21
 // text are made. A move that finds no target stops at `end`, where a NUL stands, and sets `overrun`; all
@@ -104,8 +111,8 @@ private:
 // exceeds 32 bits is cut to the nearest number that fits.
 std::int32_t StringToInteger(const char* p);
 
-// The decimal value of the digits at `walk`, which is left after them; 0 without digits. 15 digits or more
-// end the process, since the number has a buffer of 15 characters.
+// The decimal value of the digits at `walk`, which is left after them; 0 without digits. kDigitRoom digits or
+// more end the process.
 std::int32_t ReadDigits(TextWalk* walk);
 
 // Goes to the next "#" and reads the digits after it, as ReadDigits does.

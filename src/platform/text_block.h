@@ -1,8 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 
 namespace tarnwick {
+
+// The characters that a text may have: places in it are counted in 32 bits.
+inline constexpr std::uint64_t kLargestText = std::numeric_limits<std::int32_t>::max();
 
 // A writable block for the bytes of one file that its owner keeps and reuses for the next file, since fresh
 // pages for every file of an assembly would put half of the processor time into the kernel. Used by one

@@ -167,7 +167,7 @@ int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::stri
     }
     const std::int32_t productId = ReadReference(&walk);
     if (NoteOverrun(reader, walk, *formationId) || !reader.model.OpenLine(productId, &walk)) { return 1; }
-    *name = ReadFirstString(&walk, 300);
+    *name = ReadFirstString(&walk, kNameRoom);
     *name = name->substr(0, name->find('\0')); // as far as the kept copy will go
     return NoteOverrun(reader, walk, productId) ? 1 : 0;
 }

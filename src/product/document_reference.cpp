@@ -9,7 +9,7 @@ namespace tarnwick {
 
 namespace {
 
-constexpr std::size_t kLongestFileName = 299;
+constexpr std::size_t kLongestFileName = kNameRoom - 1;
 
 // The first string of the document's line, cut at the longest name and at a NUL in it.
 bool ReadFileName(AssemblyReader& reader, const P42Ent* document, std::string* name) {

@@ -28,7 +28,6 @@ constexpr std::string_view kSentinel("\0,}{:[] \"\"\"", 11);
 
 constexpr std::size_t kNameRoom = 512;
 constexpr std::size_t kFileNameRoom = 584;
-constexpr std::uint64_t kLargestText = std::numeric_limits<std::int32_t>::max();
 
 constexpr const char* kNoMemory = "no memory";
 

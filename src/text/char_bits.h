@@ -1,8 +1,8 @@
 #pragma once
 
-#include <bit>
+#include "text/load_eight.h"
+
 #include <cstdint>
-#include <cstring>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -13,17 +13,15 @@ namespace tarnwick {
 // The characters that one call of CharBits looks at.
 inline constexpr int kCharBlock = 64;
 
-// The same in plain steps, for machines without the instructions: eight characters at a time, whose high bits
-// are then gathered by a multiplication.
+// What CharBits gives, in plain steps, for machines without the instructions: eight characters at a time,
+// whose high bits are then gathered by a multiplication.
 template <char... c>
 inline std::uint64_t PlainCharBits(const char* p) {
     constexpr std::uint64_t kOnes = 0x0101010101010101u;
     constexpr std::uint64_t kSevens = 0x7F7F7F7F7F7F7F7Fu;
     std::uint64_t bits = 0;
     for (int word = 0; word < 8; ++word) {
-        std::uint64_t eight;
-        std::memcpy(&eight, p + 8 * word, sizeof eight);
-        if constexpr (std::endian::native == std::endian::big) { eight = __builtin_bswap64(eight); }
+        const std::uint64_t eight = LoadEight(p + 8 * word);
         std::uint64_t others = ~std::uint64_t{0};
         for (const char one : {c...}) {
             const std::uint64_t x = eight ^ (kOnes * static_cast<unsigned char>(one));
@@ -35,6 +33,17 @@ inline std::uint64_t PlainCharBits(const char* p) {
     return bits;
 }
 
+#ifdef __SSE2__
+// A bit for each of the 16 characters at `p` that is one of `c...`.
+template <char... c>
+inline std::uint32_t SixteenBits(const char* p) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    __m128i marks = _mm_setzero_si128();
+    ((marks = _mm_or_si128(marks, _mm_cmpeq_epi8(block, _mm_set1_epi8(c)))), ...);
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(marks));
+}
+#endif
+
 // A bit for each of the 64 characters at `p`, the lowest for the first: set where it is one of `c...`. Lines,
 // tags and values of a few dozen characters follow one another by their bits at a fraction of what a search
 // for each would take.
@@ -43,11 +52,7 @@ inline std::uint64_t CharBits(const char* p) {
 #ifdef __SSE2__
     std::uint64_t bits = 0;
     for (int part = 0; part < 4; ++part) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * part));
-        __m128i marks = _mm_setzero_si128();
-        ((marks = _mm_or_si128(marks, _mm_cmpeq_epi8(block, _mm_set1_epi8(c)))), ...);
-        bits |= static_cast<std::uint64_t>(static_cast<std::uint32_t>(_mm_movemask_epi8(marks)))
-                << (16 * part);
+        bits |= std::uint64_t{SixteenBits<c...>(p + 16 * part)} << (16 * part);
     }
     return bits;
 #else

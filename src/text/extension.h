@@ -1,14 +1,12 @@
 #pragma once
 
+#include "text/lower_case.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace tarnwick {
-
-inline char LowerCase(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 // The extension of a path, by which it is loaded, in small letters; empty for a path that has none, whose
 // only "." is its first character, or with one of 9 characters and more.
@@ -16,9 +14,7 @@ inline std::string ExtensionOf(std::string_view path) {
     constexpr std::size_t kTooLong = 9;
     const std::size_t dot = path.rfind('.');
     if (dot == std::string_view::npos || dot == 0 || path.size() - dot > kTooLong) { return {}; }
-    std::string extension(path.substr(dot + 1));
-    for (char& c : extension) { c = LowerCase(c); }
-    return extension;
+    return LowerCase(std::string(path.substr(dot + 1)));
 }
 
 } // namespace tarnwick

@@ -1,18 +1,17 @@
 #include "text/inflate_bytes.h"
 
 #include "platform/console.h"
+#include "platform/text_block.h"
 
 #include <zlib.h>
 
 #include <algorithm>
-#include <limits>
 
 namespace tarnwick {
 
 std::size_t InflatedRoom(std::uint64_t size) {
-    constexpr std::uint64_t kLargest = std::numeric_limits<std::int32_t>::max();
     const std::uint64_t room = (size + size / 16) * 20 + 272384;
-    return size > kLargest || room > kLargest ? 0 : static_cast<std::size_t>(room);
+    return size > kLargestText || room > kLargestText ? 0 : static_cast<std::size_t>(room);
 }
 
 std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* out, std::size_t room,

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "text/load_eight.h"
+
 #include <cstdint>
-#include <cstring>
 
 // The number parser that all readers share. The reals of ISO 10303-21 (clause 6.4.2) are read with
 // deliberately simple arithmetic in f64 whose every rounding is part of the result:
@@ -42,15 +43,6 @@ const char* TakeLongRun(const char* p, Run* run);
 
 // The tail of a real from its "E" on; returns the position behind it.
 const char* TakeExponent(const char* p, double value, double sign, double* result);
-
-inline std::uint64_t LoadEight(const char* p) {
-    std::uint64_t word;
-    std::memcpy(&word, p, sizeof word);
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    word = __builtin_bswap64(word);
-#endif
-    return word;
-}
 
 // How many of the eight characters of `word`, the first in the lowest byte, are digits before the first that
 // isn't.

@@ -56,7 +56,7 @@ int ReadSlowly(const char* p, const char* end, float* value) {
 // Takes a run of digits, eight at a time. What exceeds the mantissa is lost.
 const char* TakeDigits(const char* p, std::uint64_t* mantissa) {
     for (;;) {
-        const std::uint64_t word = real::LoadEight(p);
+        const std::uint64_t word = LoadEight(p);
         const unsigned count = real::LeadingDigits(word);
         if (count == 0) { return p; }
         *mantissa = *mantissa * real::kTables.ten[count] + real::DigitsValue(word, count);

@@ -33,7 +33,7 @@ bool TakeTwin(std::string* path, std::int32_t* compression) {
 
 // The bytes of the file in `block`, zeros after them; null, and told, when they can't be had.
 char* ReadBytes(const TextFile& file, const OpenedFile& opened, TextBlock& block, std::size_t* size) {
-    if (opened.Size() > TextFile::kLargest) {
+    if (opened.Size() > kLargestText) {
         ConsolePrint("<E> %s: files of 2 GiB and more can't be read\n", file.path.c_str());
         return nullptr;
     }

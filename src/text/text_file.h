@@ -21,9 +21,6 @@ struct TextFile {
     static constexpr std::int32_t kTwoCharacterSuffix = 1; // part.stp.Z
     static constexpr std::int32_t kOneCharacterSuffix = 2; // part.stpz
 
-    // A text longer than this can't be read: places in it are counted in 32 bits.
-    static constexpr std::uint64_t kLargest = 0x7FFFFFFF;
-
     std::string path; // rewritten when the file is there under the name of its twin only
     std::int32_t compression = kPlain;
     double readSeconds = 0;

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "text/char_bits.h"
+#include "text/load_eight.h"
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
-
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 // Searches in a text of one's own that has a sentinel behind its end: none of them tests for the end, and a
 // place at or behind it means that the character is not there. They look at up to 16 characters at a time,
@@ -17,13 +16,6 @@ namespace tarnwick::find {
 
 inline constexpr std::uint64_t kOnes = 0x0101010101010101u;
 inline constexpr std::uint64_t kHighs = 0x8080808080808080u;
-
-inline std::uint64_t LoadEight(const char* p) {
-    std::uint64_t word;
-    std::memcpy(&word, p, sizeof word);
-    if constexpr (std::endian::native == std::endian::big) { word = __builtin_bswap64(word); }
-    return word;
-}
 
 // The high bit of each byte of `word` that is `c`; bytes above the lowest such one may be marked too.
 inline std::uint64_t Marks(std::uint64_t word, char c) {
@@ -35,23 +27,12 @@ inline const char* AtMark(const char* p, std::uint64_t marks) {
     return p + (std::countr_zero(marks) >> 3);
 }
 
-#ifdef __SSE2__
-// A bit for each of the 16 characters at `p` that is one of `c...`.
-template <char... c>
-inline std::uint32_t Bits(const char* p) {
-    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    __m128i marks = _mm_setzero_si128();
-    ((marks = _mm_or_si128(marks, _mm_cmpeq_epi8(block, _mm_set1_epi8(c)))), ...);
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(marks));
-}
-#endif
-
 // The first of the characters `c...` at or behind `p`.
 template <char... c>
 inline const char* First(const char* p) {
 #ifdef __SSE2__
     for (;; p += 16) {
-        const std::uint32_t bits = Bits<c...>(p);
+        const std::uint32_t bits = SixteenBits<c...>(p);
         if (bits != 0) { return p + std::countr_zero(bits); }
     }
 #else
@@ -68,7 +49,7 @@ template <char c>
 inline const char* Near(const char* p) {
     for (const char* const end = p + 32; p < end;) {
 #ifdef __SSE2__
-        const std::uint32_t bits = Bits<c>(p);
+        const std::uint32_t bits = SixteenBits<c>(p);
         if (bits != 0) { return p + std::countr_zero(bits); }
         p += 16;
 #else

@@ -3,7 +3,7 @@
 #include "platform/console.h"
 #include "platform/paths.h"
 #include "product/draw_list.h"
-#include "text/extension.h"
+#include "text/lower_case.h"
 #include "text/one_line.h"
 #include "xml/stpx_boxes.h"
 #include "xml/stpx_document.h"
@@ -123,8 +123,7 @@ std::int32_t IsAssembly(const ProductNode& root) {
     const std::string_view name = root.fileName;
     const std::size_t dot = name.rfind('.');
     if (dot == std::string_view::npos) { return 1; }
-    std::string ending(name.substr(dot));
-    std::transform(ending.begin(), ending.end(), ending.begin(), LowerCase);
+    const std::string ending = LowerCase(std::string(name.substr(dot)));
     return ending == ".stp" || ending == ".stpx" ? 0 : 1;
 }
 

@@ -7,7 +7,7 @@
 namespace tarnwick {
 
 TextFile OpenStpxFile(std::string path) {
-    const bool compressed = !path.empty() && LowerCase(path.back()) == 'z';
+    const bool compressed = !path.empty() && (path.back() == 'z' || path.back() == 'Z');
     return {.path = std::move(path),
             .compression = compressed ? TextFile::kTwoCharacterSuffix : TextFile::kPlain};
 }

@@ -16,6 +16,7 @@ constexpr std::string_view kSentinel = "=\"\"> <\n";
 constexpr std::size_t kLongestTagName = 90;
 
 constexpr const char* kEndOfText = "it ends before its </DataContainer>";
+static_assert(kTagRoom == 112, "the phrases name it");
 constexpr const char* kLongTag = "a tag has 112 characters or more";
 constexpr const char* kLongAttribute = "an attribute has 112 characters or more";
 constexpr const char* kLongText = "the text of an element is too long";
