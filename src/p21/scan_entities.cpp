@@ -1,5 +1,5 @@
 // The one pass over the lines of a file's data section: an entity is recognised only at the first character
-// of a line, and its keyword by prefix; nothing behind the keyword is read.
+// of a line, and its keyword by prefix; nothing after the keyword is read.
 
 #include "p21/keyword_codes.h"
 #include "p21/step_model.h"
@@ -16,7 +16,7 @@ namespace tarnwick {
 
 namespace {
 
-// Finds line ends, one behind another, in a text that ends at its first NUL; there is one behind the text.
+// Finds line ends, one after another, in a text that ends at its first NUL; there is one after the text.
 class LineFinder {
 public:
     explicit LineFinder(char* start) : block_(start), ends_(CharBits<'\n', '\0'>(start)) {}
@@ -121,6 +121,37 @@ inline bool StepModel::AddEntity(std::int32_t id, const char* line, std::int32_t
     return true;
 }
 
+// Takes the entity whose line starts at `line`, with its "#". A line without a "=" makes none, nor does a
+// number below 1. False when the file is given up.
+inline bool StepModel::ScanEntity(const char* line, bool complete) {
+    const char* equals = line + 1;
+    std::int32_t id = 0;
+    // A number as it is mostly written, of up to eight digits and right in front of the "=".
+    const std::uint64_t word = LoadEight(equals);
+    const unsigned digits = real::LeadingDigits(word);
+    if (digits > 0 && equals[digits] == '=') [[likely]] {
+        id = static_cast<std::int32_t>(real::DigitsValue(word, digits));
+        equals += digits;
+    } else {
+        while (*equals != '=' && *equals != '\n' && equals < textEnd) { ++equals; }
+        if (equals == textEnd) {
+            GiveUp("its last line breaks off in an entity number");
+            return false;
+        }
+        if (*equals != '=') {
+            OutputPrint("<E> Definition d'entite non reconnue:\n");
+            return true;
+        }
+        id = StringToInteger(line + 1);
+    }
+    if (id < 1) { return true; }
+    const char* keyword = equals + 1;
+    while (*keyword == ' ') { ++keyword; }
+    if (AddEntity(id, line, ClassifyEntity(keyword), complete)) { return true; }
+    GiveUp("no memory for its entities");
+    return false;
+}
+
 bool StepModel::ScanEntities() {
     char* const data = FindDataSection();
     if (data == nullptr) {
@@ -153,33 +184,7 @@ bool StepModel::ScanEntities() {
             if (std::memcmp(line, "ENDSEC", 6) == 0) { break; }
             continue;
         }
-        const char* equals = line + 1;
-        std::int32_t id = 0;
-        // A number as it is mostly written, of up to eight digits and right in front of the "=".
-        const std::uint64_t word = LoadEight(equals);
-        const unsigned digits = real::LeadingDigits(word);
-        if (digits > 0 && equals[digits] == '=') [[likely]] {
-            id = static_cast<std::int32_t>(real::DigitsValue(word, digits));
-            equals += digits;
-        } else {
-            while (*equals != '=' && *equals != '\n' && equals < textEnd) { ++equals; }
-            if (equals == textEnd) {
-                GiveUp("its last line breaks off in an entity number");
-                return false;
-            }
-            if (*equals != '=') {
-                OutputPrint("<E> Definition d'entite non reconnue:\n");
-                continue;
-            }
-            id = StringToInteger(line + 1);
-        }
-        if (id < 1) { continue; }
-        const char* keyword = equals + 1;
-        while (*keyword == ' ') { ++keyword; }
-        if (!AddEntity(id, line, ClassifyEntity(keyword), complete)) {
-            GiveUp("no memory for its entities");
-            return false;
-        }
+        if (!ScanEntity(line, complete)) { return false; }
     }
     OutputPrint("\nNombre d'entites dans le fichier d'entree: %d\n", entityCount);
     return true;

@@ -117,6 +117,7 @@ private:
     int InflateData();
     void TakeText(const TextFile& file);
     bool ScanEntities();
+    bool ScanEntity(const char* line, bool complete);
     char* FindDataSection() const;
     bool AddBlock();
     bool AddRecords();

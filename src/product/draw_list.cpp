@@ -45,9 +45,9 @@ bool Append(Arena& arena, Item*** items, DrawList* list, Item* item) {
     return true;
 }
 
-// The matrix of an occurrence. The two minus signs stand against the sign of the y component of W in the
-// placement of a P21 occurrence, so that with a world-aligned source frame the columns are the target frame's
-// X, Z by X, and Z.
+// The matrix of an occurrence. The two minus signs cancel the sign of the y component of W in the placement
+// of a P21 occurrence, so that with a world-aligned source frame the columns are the target frame's X, Z by
+// X, and Z.
 void PlacementMatrix(const double* rotation, const double* translation, float m[16]) {
     std::fill_n(m, 16, 0.0f);
     m[0] = m[5] = m[10] = m[15] = 1.0f;
@@ -184,75 +184,113 @@ void ComputeProductBox(ProductNode* product) {
     product->hasBox = 1;
 }
 
-int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, PrepareOccurrence prepare) {
-    if (product == nullptr) { return 1; }
-    // A product without a list is given this one while its own is being made, so that a way back to it is
-    // noticed.
-    DrawList inWork{};
+namespace {
+
+// A walk over a product tree, from the leaves upward, with a stack of its own: a tree may be deeper than that
+// of the thread.
+class TreeWalk {
+public:
+    TreeWalk(Arena& arena, const char* fileName, PrepareOccurrence prepare)
+        : arena_(arena), fileName_(fileName), prepare_(prepare) {}
+
+    // Gives the products their lists; false when the tree has too many items or memory runs out.
+    bool Run(ProductNode* product) {
+        root_ = product;
+        Enter(product);
+        while (!stack_.empty()) {
+            Frame& frame = stack_.back();
+            if (state_ != State::kGoesOn || frame.next == frame.product->occurrenceCount) {
+                frame.product->drawList = frame.list;
+                ComputeProductBox(frame.product);
+                stack_.pop_back();
+            } else {
+                StepInto(&frame);
+            }
+        }
+        return state_ == State::kGoesOn;
+    }
+
+    bool HasTooManyItems() const { return state_ == State::kTooMany; }
+
+private:
     struct Frame {
         ProductNode* product;
         DrawList* list;
         std::int32_t next; // occurrence
     };
-    // A stack of our own: a tree may be deeper than that of the thread.
-    std::vector<Frame> stack;
-    const auto enter = [&](ProductNode* entered) {
-        DrawList* list = entered->drawList;
+    enum class State { kGoesOn, kTooMany, kNoMemory };
+
+    void Enter(ProductNode* product) {
+        DrawList* list = product->drawList;
         if (list == nullptr) {
-            list = MakeDrawList(arena, kFirstCapacity);
-            entered->drawList = &inWork;
+            list = MakeDrawList(arena_, kFirstCapacity);
+            product->drawList = &inWork_;
         }
-        stack.push_back({entered, list, 0});
-        return list != nullptr;
-    };
-    bool cycleSaid = false;
-    bool counted = false;
-    bool tooMany = false;
-    bool enough = enter(product);
-    while (!stack.empty()) {
-        Frame& frame = stack.back();
-        if (!enough || frame.next == frame.product->occurrenceCount) {
-            frame.product->drawList = frame.list;
-            ComputeProductBox(frame.product);
-            stack.pop_back();
-            continue;
-        }
-        Occurrence* const occurrence = frame.product->occurrences[frame.next];
-        ProductNode* const child = occurrence->child;
-        if (child == nullptr) { // the use of a product that no file describes
-            ++frame.next;
-            continue;
-        }
-        if (child->drawList == nullptr) {
-            enough = enter(child);
-            continue;
-        }
-        ++frame.next;
-        if (child->drawList == &inWork) {
-            if (!cycleSaid) {
-                ConsolePrint("<E> %s: product '%s' is part of itself; that use of it is left out\n", fileName,
-                             OnOneLine(child->name).c_str());
-            }
-            cycleSaid = true;
-            continue;
-        }
-        if (!counted && frame.list->count + std::int64_t{child->drawList->count} > kManyItems) {
-            counted = true;
-            tooMany = CountPlacedItems(product, &inWork) > kMostItems;
-            enough = !tooMany;
-            if (tooMany) { continue; }
-        }
-        if (prepare != nullptr) { prepare(occurrence); }
-        enough = AppendPlacedItems(arena, frame.list, child->drawList->count, child->drawList->items,
-                                   occurrence->rotation, occurrence->translation);
+        stack_.push_back({product, list, 0});
+        if (list == nullptr) { state_ = State::kNoMemory; }
     }
-    if (tooMany) {
+
+    // Enters the child of the next occurrence, or places its items where it has a list.
+    void StepInto(Frame* frame) {
+        Occurrence* const occurrence = frame->product->occurrences[frame->next];
+        ProductNode* const child = occurrence->child;
+        if (child != nullptr && child->drawList == nullptr) { return Enter(child); }
+        ++frame->next;
+        if (child == nullptr) { return; } // the use of a product that no file describes
+        if (child->drawList == &inWork_) {
+            SayCycle(*child);
+        } else if (IsWithinLimit(*frame->list, *child->drawList)) {
+            if (prepare_ != nullptr) { prepare_(occurrence); }
+            const bool placed =
+                AppendPlacedItems(arena_, frame->list, child->drawList->count, child->drawList->items,
+                                  occurrence->rotation, occurrence->translation);
+            if (!placed) { state_ = State::kNoMemory; }
+        } else {
+            state_ = State::kTooMany;
+        }
+    }
+
+    void SayCycle(const ProductNode& product) {
+        if (!cycleSaid_) {
+            ConsolePrint("<E> %s: product '%s' is part of itself; that use of it is left out\n", fileName_,
+                         OnOneLine(product.name).c_str());
+        }
+        cycleSaid_ = true;
+    }
+
+    // Whether the tree may go on with a list that gets the items of another. What is to come is counted once.
+    bool IsWithinLimit(const DrawList& list, const DrawList& more) {
+        if (counted_ || list.count + std::int64_t{more.count} <= kManyItems) { return true; }
+        counted_ = true;
+        return CountPlacedItems(root_, &inWork_) <= kMostItems;
+    }
+
+    Arena& arena_;
+    const char* fileName_;
+    PrepareOccurrence prepare_;
+    ProductNode* root_ = nullptr;
+    // A product without a list is given this one while its own is being made, so that a way back to it is
+    // noticed.
+    DrawList inWork_{};
+    std::vector<Frame> stack_;
+    State state_ = State::kGoesOn;
+    bool cycleSaid_ = false;
+    bool counted_ = false;
+};
+
+} // namespace
+
+int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, PrepareOccurrence prepare) {
+    if (product == nullptr) { return 1; }
+    TreeWalk walk(arena, fileName, prepare);
+    if (walk.Run(product)) { return 0; }
+    if (walk.HasTooManyItems()) {
         ConsolePrint("<E> %s: not all of its parts are placed, they are more than %lld\n", fileName,
                      static_cast<long long>(kMostItems));
-    } else if (!enough) {
+    } else {
         ConsolePrint("<E> %s: no memory to place all of its parts\n", fileName);
     }
-    return enough ? 0 : 1;
+    return 1;
 }
 
 std::int32_t CountTriangles(const DrawList& list) {
