@@ -1,11 +1,12 @@
 #pragma once
 
+#include "text/load_eight.h"
+
 #include <algorithm>
 #include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -58,14 +59,14 @@ inline std::uint32_t HashOf(std::string_view text, HashSecret secret) {
     };
     const char* p = text.data();
     std::size_t left = text.size();
-    for (; left >= 8; left -= 8, p += 8) {
-        std::uint64_t word;
-        std::memcpy(&word, p, 8);
-        take(word);
-    }
+    for (; left >= 8; left -= 8, p += 8) { take(LoadEight(p)); }
     std::uint64_t last = static_cast<std::uint64_t>(text.size()) << 56;
-    for (std::size_t i = 0; i < left; ++i) {
-        last |= static_cast<std::uint64_t>(static_cast<unsigned char>(p[i])) << (8 * i);
+    if (left > 0 && text.size() >= 8) {
+        last |= LoadEight(p + left - 8) >> (64 - 8 * left);
+    } else {
+        for (std::size_t i = 0; i < left; ++i) {
+            last |= static_cast<std::uint64_t>(static_cast<unsigned char>(p[i])) << (8 * i);
+        }
     }
     take(last);
     v2 ^= 0xFF;
