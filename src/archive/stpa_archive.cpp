@@ -95,7 +95,7 @@ bool ZipArchive::FindData(std::uint64_t* offset) {
     return true;
 }
 
-// A member's bytes, no more than the file still has behind `offset`.
+// A member's bytes, no more than the file still has after `offset`.
 std::size_t ZipArchive::BytesThere(const MemberInfo& info, std::uint64_t offset) const {
     const std::uint64_t left = file_->Size() > offset ? file_->Size() - offset : 0;
     return static_cast<std::size_t>(std::min(info.compressedSize, left));

@@ -23,7 +23,7 @@ struct ZipEntry {
 // An opened ZIP archive.
 class ZipArchive final : public DocumentArchive {
 public:
-    // Opens the archive `path`, or else `path` with ".zip" behind it, and indexes its members; says on the
+    // Opens the archive `path`, or else `path` with ".zip" after it, and indexes its members; says on the
     // console what was opened, and on standard output that nothing was.
     explicit ZipArchive(const char* path);
     ZipArchive(const ZipArchive&) = delete;

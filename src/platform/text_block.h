@@ -14,7 +14,7 @@ inline constexpr std::uint64_t kLargestText = std::numeric_limits<std::int32_t>:
 // thread.
 class TextBlock {
 public:
-    // Readable bytes behind the asked size, so that a number may be taken eight characters at a time.
+    // Readable bytes after the asked size, so that a number may be taken eight characters at a time.
     static constexpr std::size_t kPadding = 64;
 
     TextBlock() = default;

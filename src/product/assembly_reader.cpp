@@ -50,8 +50,7 @@ void MakeRoom(ProductArray& products, std::int32_t more) {
     products.Allocate(more > capacity ? capacity + more : 2 * capacity);
 }
 
-// One row of a frame and what the rows of two frames make: inverse(a) times b, by the adjugate over the
-// determinant.
+// inverse(a) times b, row by row, by the adjugate over the determinant; false for a singular `a`.
 bool Combine(const double a[9], const double b[9], double out[9]) {
     const double c00 = a[4] * a[8] - a[5] * a[7];
     const double c01 = a[5] * a[6] - a[3] * a[8];
@@ -77,7 +76,7 @@ bool Combine(const double a[9], const double b[9], double out[9]) {
 }
 
 // The rows X, W, Z of a frame from its axis and reference direction. W is Z by X with the sign of its y
-// reversed; the sign flips of the draw lists stand against that.
+// reversed; the sign flips of the draw lists cancel that.
 void FrameRows(const double axis[3], const double reference[3], double rows[9]) {
     const double* const z = axis;
     const double* const x = reference;
@@ -128,7 +127,7 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
     const int parentResult = ReadProductName(reader, parentId, &parentName, &parentFormation);
     const int childResult = ReadProductName(reader, childId, &childName, &childFormation);
     if (parentResult != 0 || childResult != 0) { return 1; }
-    // A complex instance: the transformation stands behind its third opening parenthesis.
+    // A complex instance: the transformation stands after its third opening parenthesis.
     if (!reader.model.OpenAfterCommas(relationshipId, 0, &walk)) { return 1; }
     for (int i = 0; i < 2; ++i) {
         walk.Step();

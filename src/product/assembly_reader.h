@@ -37,7 +37,7 @@ int ReadAssemblyStructure(ProductTree& tree, StepModel& model, bool isTopFile, A
 // not.
 int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity);
 
-// The `id` of the PRODUCT behind a PRODUCT_DEFINITION, as it stands in the text, and the entity number of the
+// The `id` of the PRODUCT of a PRODUCT_DEFINITION, as it stands in the text, and the entity number of the
 // formation between them. 1 when a hop leads nowhere, else 0.
 int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::string_view* name,
                     std::int32_t* formationId);

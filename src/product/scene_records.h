@@ -48,7 +48,7 @@ struct StepFaceB {
     std::int32_t vertexCount;
     std::int32_t triangleCount;
     std::int32_t normalCount;     // 0, `vertexCount`, or any other number that the file gives
-    const CoordCache* coordCache; // the reader's, while the part is being read; null afterwards
+    const CoordCache* coordCache; // null: readers keep theirs to themselves
     float* vertices;              // x, y, z of each vertex
     float* normals;               // x, y, z of each normal, as read, not normalised
     std::uint32_t* triangles;     // three indices into `vertices` each; not tested against `vertexCount`

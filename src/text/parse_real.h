@@ -6,7 +6,7 @@
 
 // The number parser that all readers share. The reals of ISO 10303-21 (clause 6.4.2) are read with
 // deliberately simple arithmetic in f64 whose every rounding is part of the result:
-//   value = value * 10 + digit over all digits; scale = scale * 0.1 for each digit behind the point; value *
+//   value = value * 10 + digit over all digits; scale = scale * 0.1 for each digit after the point; value *
 //   scale; with an exponent times or by 1e50, 1e8 and 10 repeated. A negative exponent beyond 8 gives 0.
 // What is below gives the same bits in fewer steps: digits are gathered in a u64 for as long as f64 would
 // hold them exactly (up to 2^53), and the repeated products come from tables that were made by repeating
@@ -41,7 +41,7 @@ struct Run {
 // Takes the rest of a run of digits one at a time, in f64 once it is longer than f64 holds exactly.
 const char* TakeLongRun(const char* p, Run* run);
 
-// The tail of a real from its "E" on; returns the position behind it.
+// The tail of a real from its "E" on; returns the position after it.
 const char* TakeExponent(const char* p, double value, double sign, double* result);
 
 // How many of the eight characters of `word`, the first in the lowest byte, are digits before the first that
@@ -64,8 +64,8 @@ inline std::uint32_t DigitsValue(std::uint64_t word, unsigned count) {
 
 } // namespace real
 
-// The real at `p`, and the position behind what was read in *end. Blanks and tabs ahead of it are skipped;
-// text without digits gives 0 or its negative. Up to 16 bytes behind the number must be readable.
+// The real at `p`, and the position after what was read in *end. Blanks and tabs ahead of it are skipped;
+// text without digits gives 0 or its negative. Up to 16 bytes after the number must be readable.
 inline double ParseReal(const char* p, const char** end) {
     using namespace real;
     while (*p == ' ' || *p == '\t') { ++p; }

@@ -9,9 +9,9 @@
 #include <cstring>
 #include <string_view>
 
-// Searches in a text of one's own that has a sentinel behind its end: none of them tests for the end, and a
-// place at or behind it means that the character is not there. They look at up to 16 characters at a time,
-// some of them behind the one that is found, so as many bytes behind the sentinel must be readable.
+// Searches in a text of one's own that has a sentinel after its end: none of them tests for the end, and a
+// place at or after it means that the character is not there. They look at up to 16 characters at a time,
+// some of them after the one that is found, so as many bytes after the sentinel must be readable.
 namespace tarnwick::find {
 
 inline constexpr std::uint64_t kOnes = 0x0101010101010101u;
@@ -27,7 +27,7 @@ inline const char* AtMark(const char* p, std::uint64_t marks) {
     return p + (std::countr_zero(marks) >> 3);
 }
 
-// The first of the characters `c...` at or behind `p`.
+// The first of the characters `c...` at or after `p`.
 template <char... c>
 inline const char* First(const char* p) {
 #ifdef __SSE2__

@@ -9,7 +9,7 @@
 namespace tarnwick {
 
 // A growable table of products in the order of their being found. It is doubled as soon as it is full, so
-// that there is always a free place behind the last entry.
+// that there is always a free place after the last entry.
 class ProductTable {
 public:
     static constexpr std::int32_t kFirstCapacity = 1000;

@@ -124,7 +124,7 @@ private:
     StpxScan scan_;
     State state_ = State::kFindContainer;
     bool done_ = false;
-    char textBuffer_[kTextRoom + 8]; // with what may be read behind a number
+    char textBuffer_[kTextRoom + 8]; // with what may be read after a number
     string_view pointRefA_;
     string_view pointRefB_;
     string_view fileUid_;
@@ -585,7 +585,7 @@ bool DocumentReader::ResolveOccurrences() {
     return true;
 }
 
-// The route of file names through documents and files, for a text in which no file stood right behind its
+// The route of file names through documents and files, for a text in which no file stood right after its
 // part.
 void DocumentReader::ResolveFileNames() {
     // The byte 0xE9 is the last letter of the second-last word in Latin-1, as it always was on this channel.
