@@ -27,57 +27,50 @@ struct HashSecret {
     }
 };
 
-// 32 bits for a number, all of which depend on all of it.
-inline std::uint32_t HashOf(std::uint64_t number, HashSecret secret) {
-    std::uint64_t mixed = (number ^ secret.a) * secret.b;
-    mixed = (mixed ^ mixed >> 32) * 0xBF58476D1CE4E5B9u;
-    return static_cast<std::uint32_t>((mixed ^ mixed >> 29) >> 32);
+// The product of two numbers in 128 bits, its halves folded into one.
+inline std::uint64_t FoldedProduct(std::uint64_t a, std::uint64_t b) {
+#ifdef __SIZEOF_INT128__
+    __extension__ using Wide = unsigned __int128;
+    const Wide product = static_cast<Wide>(a) * b;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+#else
+    constexpr std::uint64_t kLow = 0xFFFFFFFF;
+    const std::uint64_t low = (a & kLow) * (b & kLow);
+    const std::uint64_t one = (a >> 32) * (b & kLow) + (low >> 32);
+    const std::uint64_t other = (a & kLow) * (b >> 32) + (one & kLow);
+    const std::uint64_t high = (a >> 32) * (b >> 32) + (one >> 32) + (other >> 32);
+    return (other << 32 | (low & kLow)) ^ high;
+#endif
 }
 
-// The same for a text, by SipHash-1-3: as long as its secret is one, nobody finds texts of equal hashes.
+// 32 bits for a number, all of which depend on all of it.
+inline std::uint32_t HashOf(std::uint64_t number, HashSecret secret) {
+    const std::uint64_t mixed = FoldedProduct(number ^ secret.a, secret.b);
+    return static_cast<std::uint32_t>(FoldedProduct(mixed, 0x9E3779B97F4A7C15u) >> 32);
+}
+
+// The same for a text. Each eight characters go into a product with the secret, which then hides what else
+// would have to be in them for two texts to meet.
 inline std::uint32_t HashOf(std::string_view text, HashSecret secret) {
-    std::uint64_t v0 = secret.a ^ 0x736F6D6570736575u;
-    std::uint64_t v1 = secret.b ^ 0x646F72616E646F6Du;
-    std::uint64_t v2 = secret.a ^ 0x6C7967656E657261u;
-    std::uint64_t v3 = secret.b ^ 0x7465646279746573u;
-    const auto round = [&] {
-        v0 += v1;
-        v1 = std::rotl(v1, 13) ^ v0;
-        v0 = std::rotl(v0, 32);
-        v2 += v3;
-        v3 = std::rotl(v3, 16) ^ v2;
-        v0 += v3;
-        v3 = std::rotl(v3, 21) ^ v0;
-        v2 += v1;
-        v1 = std::rotl(v1, 17) ^ v2;
-        v2 = std::rotl(v2, 32);
-    };
-    const auto take = [&](std::uint64_t word) {
-        v3 ^= word;
-        round();
-        v0 ^= word;
-    };
+    std::uint64_t mixed = secret.a ^ text.size();
     const char* p = text.data();
     std::size_t left = text.size();
-    for (; left >= 8; left -= 8, p += 8) { take(LoadEight(p)); }
-    std::uint64_t last = static_cast<std::uint64_t>(text.size()) << 56;
+    for (; left >= 8; left -= 8, p += 8) { mixed = FoldedProduct(mixed ^ LoadEight(p), secret.b); }
+    std::uint64_t last = 0;
     if (left > 0 && text.size() >= 8) {
-        last |= LoadEight(p + left - 8) >> (64 - 8 * left);
+        last = LoadEight(p + left - 8) >> (64 - 8 * left);
     } else {
         for (std::size_t i = 0; i < left; ++i) {
             last |= static_cast<std::uint64_t>(static_cast<unsigned char>(p[i])) << (8 * i);
         }
     }
-    take(last);
-    v2 ^= 0xFF;
-    for (int i = 0; i < 3; ++i) { round(); }
-    return static_cast<std::uint32_t>(v0 ^ v1 ^ v2 ^ v3);
+    return HashOf(mixed ^ last, secret);
 }
 
-// A table from numbers or names to values, for look-ups alone: nobody goes through it. The entries are a list,
-// in which the slots of an open hash table hold the places. Time and memory grow as the number of entries and
-// the length of their names do, whatever the keys are and however Add and Find take turns. Where a key is
-// added again, the entry added first is found. Names are borrowed.
+// A table from numbers or names to values, for look-ups alone: nobody goes through it. The entries are a
+// list, in which the slots of an open hash table hold the places. Time and memory grow as the number of
+// entries and the length of their names do, whatever the keys are and however Add and Find take turns. Where
+// a key is added again, the entry added first is found. Names are borrowed.
 template <class Key, class Value>
 class LookUp {
     static_assert(std::integral<Key> || std::same_as<Key, std::string_view>);
@@ -86,8 +79,8 @@ public:
     // Room for as many entries, where that is known or guessed.
     void Reserve(std::size_t entries) { entries_.reserve(entries); }
 
-    // Appends an entry. It gets its slot when a key is looked for: the slots of many entries are filled faster
-    // in a row.
+    // Appends an entry. It gets its slot when a key is looked for: the slots of many entries are filled
+    // faster in a row.
     void Add(Key key, Value value) { entries_.push_back({Kept(key, secret_), std::move(value)}); }
 
     // Adds the key if it isn't there; whether it did.
@@ -172,9 +165,7 @@ private:
     };
 
     std::size_t HomeOf(std::uint32_t hash) const { return hash >> shift_; }
-    Value* ValueAt(const Slot& slot) {
-        return slot.place > 0 ? &entries_[slot.place - 1].value : nullptr;
-    }
+    Value* ValueAt(const Slot& slot) { return slot.place > 0 ? &entries_[slot.place - 1].value : nullptr; }
 
     // The slot that has the key, or the free one where it belongs.
     Slot* SlotOf(const Kept& key) {
@@ -191,17 +182,17 @@ private:
         if (placed_ < entries_.size() || slots_.empty()) [[unlikely]] { PlaceRest(); }
     }
     [[gnu::noinline]] void PlaceRest() {
-        if (entries_.size() + entries_.size() / 2 > slots_.size() || slots_.empty()) { MakeSlots(); }
+        if (LeastSlots() > slots_.size()) { MakeSlots(); }
         for (; placed_ < entries_.size(); ++placed_) {
             const Kept& key = entries_[placed_].key;
             Slot* const slot = SlotOf(key);
             if (slot->place == 0) { *slot = {key.hash, static_cast<std::uint32_t>(placed_ + 1)}; }
         }
     }
-    // Makes one and a half to three slots for each entry.
+    // A fifth of the slots stays free.
+    std::size_t LeastSlots() const { return entries_.size() + entries_.size() / 4 + 4; }
     void MakeSlots() {
-        const std::size_t least = entries_.size() + entries_.size() / 2;
-        const int bits = std::max(3, static_cast<int>(std::bit_width(least)));
+        const int bits = static_cast<int>(std::bit_width(LeastSlots() - 1));
         slots_.assign(std::size_t{1} << bits, {});
         shift_ = 32 - bits;
         placed_ = 0;
@@ -209,7 +200,7 @@ private:
 
     HashSecret secret_ = HashSecret::Of(this);
     std::vector<Entry> entries_;
-    std::vector<Slot> slots_; // a power of two of them; a third of them is free at least
+    std::vector<Slot> slots_; // a power of two of them
     std::size_t placed_ = 0;  // entries that have their slots
     int shift_ = 0;           // that leaves of a hash the place of its slot
 };
