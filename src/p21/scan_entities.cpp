@@ -123,7 +123,7 @@ inline bool StepModel::AddEntity(std::int32_t id, const char* line, std::int32_t
 
 // Takes the entity whose line starts at `line`, with its "#". A line without a "=" makes none, nor does a
 // number below 1. False when the file is given up.
-inline bool StepModel::ScanEntity(const char* line, bool complete) {
+[[gnu::always_inline]] inline bool StepModel::ScanEntity(const char* line, bool complete) {
     const char* equals = line + 1;
     std::int32_t id = 0;
     // A number as it is mostly written, of up to eight digits and right in front of the "=".
