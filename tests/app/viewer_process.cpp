@@ -1,5 +1,7 @@
 #include "viewer_process.h"
 
+#include <gtest/gtest.h>
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <QtEndian>
@@ -136,7 +138,7 @@ void ViewerProcess::Key(const QString& key) {
 }
 
 void ViewerProcess::WaitForSize(const std::function<bool(QSize)>& is) {
-    WaitUntil([&] { return is(Size()); });
+    EXPECT_TRUE(WaitUntil([&] { return is(Size()); })) << Size().width() << " x " << Size().height();
 }
 
 void ViewerProcess::Resize(int width, int height) {
@@ -157,8 +159,12 @@ void ViewerProcess::Restore() {
 }
 
 void ViewerProcess::Minimise() {
-    Run("xdotool", {"windowminimize", window_});
-    WaitUntil([this] { return Run("xprop", {"-id", window_, "WM_STATE"}).contains("Iconic"); });
+    // A program that has just started may still ask for the keys, and its window comes back with them.
+    EXPECT_TRUE(WaitUntil([this] {
+        Run("xdotool", {"windowminimize", window_});
+        Pause();
+        return Run("xprop", {"-id", window_, "WM_STATE"}).contains("Iconic");
+    }));
 }
 
 QSize ViewerProcess::Size() {
@@ -208,14 +214,15 @@ QString ViewerProcess::WaitForWindow(const QString& name) {
 
 QString ViewerProcess::WaitForDialog(const QString& name) {
     const QString found = WaitForWindow(name);
-    WaitUntil([&] { return Run("xdotool", {"getactivewindow"}) == found; });
+    EXPECT_TRUE(WaitUntil([&] { return Run("xdotool", {"getactivewindow"}) == found; }))
+        << name.toStdString();
     return found;
 }
 
 void ViewerProcess::CloseWindow(const QString& window) {
     Run("wmctrl", {"-i", "-c", window});
     const QString number = QString("0x%1 ").arg(window.toULongLong(), 8, 16, QChar('0'));
-    WaitUntil([&] { return !(Run("wmctrl", {"-l"}) + '\n').contains(number); });
+    EXPECT_TRUE(WaitUntil([&] { return !(Run("wmctrl", {"-l"}) + '\n').contains(number); }));
 }
 
 QString ViewerProcess::Clipboard() {
