@@ -74,7 +74,7 @@ struct Blocks {
     tarnwick::TextBlock inflated;
 };
 
-// The whole file, with NULs behind it.
+// The whole file, with NULs after it.
 char* ReadFile(const char* path, tarnwick::TextBlock* block, std::size_t* size) {
     const int file = open(path, O_RDONLY | O_CLOEXEC);
     struct stat status;

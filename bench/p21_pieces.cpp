@@ -25,7 +25,7 @@ void Keep(const T& value) {
     asm volatile("" : : "r,m"(value) : "memory");
 }
 
-// All reals of a P21 text, one behind another, with a comma behind each.
+// All reals of a P21 text, one after another, with a comma after each.
 std::string RealsOf(const std::string& text) {
     std::string found;
     const std::size_t data = text.find("\nDATA;");

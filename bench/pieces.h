@@ -6,7 +6,7 @@
 // The pieces of a load, each beside the least that the machine needs for the same bytes.
 namespace tarnwick::bench {
 
-// The bytes of a file, with 64 NULs behind them. Ends the program when it can't be read.
+// The bytes of a file, with 64 NULs after them. Ends the program when it can't be read.
 std::string ReadBytes(const std::string& path, std::size_t* size);
 
 // How often `c` is met by a memchr pass over the text, one call from each to the next.

@@ -43,12 +43,12 @@ void SetInputSize(std::size_t size) {
 } // namespace fuzz
 
 void FailFast() {
-    throw fuzz::StatedEnd{};
+    throw fuzz::ProgramEnd{};
 }
 
 void Stall(const char* name, const char* reason) {
     ConsolePrint("<E> %s: reading stands still, %s\n", name, reason);
-    throw fuzz::StatedEnd{};
+    throw fuzz::ProgramEnd{};
 }
 
 void ConsolePrint(const char* format, ...) {

@@ -1,5 +1,5 @@
-// What all fuzz targets share: a folder in memory for the files of an input, and the stated ways out of a
-// load as outcomes like any other.
+// What all fuzz targets share: a folder in memory for the files of an input, and the two ways in which a load
+// may end the program as outcomes like any other.
 #pragma once
 
 #include "load/scene_view.h"
@@ -13,7 +13,7 @@
 namespace tarnwick::fuzz {
 
 // Thrown where the program would end by a bounds check, or would stand still for good.
-struct StatedEnd {};
+struct ProgramEnd {};
 
 // Runs one input of `size` bytes, which bounds the memory that it may ask for at once. Returns 0, which tells
 // libFuzzer to keep the input if it found something new.
@@ -23,7 +23,7 @@ int Outcome(std::size_t size, Run run) {
     SetInputSize(size);
     try {
         run();
-    } catch (const StatedEnd&) {}
+    } catch (const ProgramEnd&) {}
     return 0;
 }
 
@@ -36,7 +36,7 @@ public:
     // Removes what was written.
     void Clear();
 
-    // Writes the files of a bundle: what stands behind a line "@@name" is the file of that name. Text ahead
+    // Writes the files of a bundle: what stands after a line "@@name" is the file of that name. Text ahead
     // of the first such line, or without any, is the file `firstName`. Returns the paths, in their order.
     std::vector<std::string> WriteBundle(std::string_view bundle, const std::string& firstName);
 

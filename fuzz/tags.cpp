@@ -20,7 +20,7 @@ struct Reading {
         document.plainly = plainly;
         try {
             problem = ReadStpxDocument(document, 0, assemblies, parts, arena);
-        } catch (const fuzz::StatedEnd&) { problem = "stands still"; }
+        } catch (const fuzz::ProgramEnd&) { problem = "stands still"; }
     }
 
     TextBlock block;

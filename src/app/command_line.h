@@ -10,7 +10,7 @@ namespace tarnwick {
 // status of a program that has nothing more to do.
 std::optional<int> AnswerAtOnce(int argc, const char* const* argv);
 
-// What stands behind the program's name.
+// The arguments after the program's name.
 std::vector<std::string> ArgumentsOf(int argc, const char* const* argv);
 
 } // namespace tarnwick

@@ -8,8 +8,8 @@
 
 namespace tarnwick {
 
-// The window of the console channel, for a program that wasn't started from a terminal: read-only, it follows
-// its end and keeps the last lines. It takes what any thread prints.
+// Shows the console channel when the program wasn't started from a terminal. Read-only; it scrolls to its end
+// and keeps the last lines. Any thread may print.
 class ConsoleWindow : public QPlainTextEdit {
 public:
     static constexpr int kLinesKept = 10000;
@@ -21,7 +21,7 @@ public:
     // that hasn't the room.
     void ShowBeside(QWidget* window);
 
-    // Puts what was printed since the last time into the window.
+    // Appends what was printed since the last call.
     void Flush();
 
 private:

@@ -14,8 +14,8 @@ namespace tarnwick {
 
 class STEPViewerDlg;
 
-// Ties the server link and the dialog together. What the link does to the dialog comes on the link's thread,
-// is handed over to the dialog's, and waited for; the dialog's closing ends all such waiting.
+// Connects the server link and the dialog. The link calls the dialog on a thread of its own; each call is
+// handed to the dialog's thread and waited for. All such waiting ends when the dialog closes.
 class DialogLink final : public ServerPort, private LinkPort {
 public:
     // For the dialog's thread. The dialog must outlive this.
@@ -38,8 +38,7 @@ private:
                       const std::vector<std::string>& arguments) override;
     std::string DownloadFolder() override;
 
-    // Has `work` done on the dialog's thread. `work` may be done later still, or never, when this returns
-    // false.
+    // Runs `work` on the dialog's thread and waits for it. After false, `work` may still run later, or never.
     bool OnDialogThread(std::function<void()> work);
     bool IsClosing();
     void StopWaiting();
@@ -49,7 +48,7 @@ private:
     std::mutex lock_;
     std::condition_variable changed_;
     bool closing_ = false;
-    bool done_ = false; // of the one piece of work that is handed over at a time
+    bool done_ = false; // the piece of work in hand; there is one at a time
     QObject receiver_;  // of that work, which so can't outlive this
     ServerLink link_;   // its thread ends first
 };

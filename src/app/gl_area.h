@@ -17,7 +17,7 @@ class GlArea final : public QWidget, public WindowPort {
 public:
     explicit GlArea(QWidget* parent);
 
-    // Creates the window's context in the geometry that the area has. Once, before the dialog is shown.
+    // Creates the window's context for the current geometry. Call once, before the dialog is shown.
     void Create();
     // The size that the view draws in.
     QSize DeviceSize() const { return DevicePixels(size()); }

@@ -2,8 +2,8 @@
 
 namespace tarnwick {
 
-// What the dialog's buttons and its end do to the link with a service. The dialog owns none: without one the
-// Connect button is disabled.
+// What the dialog asks of the link with a service. The dialog doesn't own it; without one the Connect button
+// is disabled.
 class ServerPort {
 public:
     virtual ~ServerPort() = default;

@@ -18,7 +18,7 @@ namespace tarnwick {
 class ServerPort;
 
 // The one window of the viewer: the drawing area, a few buttons, a check box, a slider and two lines of text.
-// Controls keep the numbers that the rest of the system calls them by as object names ("1001").
+// The object names of the controls are their numbers ("1001").
 class STEPViewerDlg final : public QDialog, private LoadControls, private DialogPort {
 public:
     explicit STEPViewerDlg(const LoadCommands& commands);
@@ -26,16 +26,16 @@ public:
     // Creates the drawing window and shows the file of the command line, all before the dialog is shown.
     void OnInitDialog();
 
-    // Splits the text into a path and a product name, and shows the file. `useThreads` is 0 or 1.
+    // Splits the text into a path and a product name, and shows the file.
     void Load(const std::string& arguments, bool useThreads);
 
     // Has everything drawn again.
     void Invalidate();
 
-    // The text of control 1009: the state of the server link, or what a pick tells.
+    // The state of the server link, or what a pick tells.
     void SetPickText(const std::string& text) override;
 
-    // The link behind the Connect button, or null for none.
+    // The link that the Connect button opens, or null for none.
     void SetServer(ServerPort* server);
 
     OpenGLControl& View() { return area_->view; }
@@ -56,7 +56,7 @@ private:
     void CreateControls();
     void LoadNamed(const std::string& arguments, bool useThreads);
     void OnOpen();
-    // The first file of a drop; further ones don't count.
+    // Shows the first file of a drop; further ones are ignored.
     void OnDropFiles(const QString& first);
     void OnSize();
     void OnHScroll(int position);
@@ -93,7 +93,7 @@ private:
     QString depthValue_ = "0"; // what UpdateData puts into the Depth label
     std::string shownTitle_ = "Tarnwick";
     double progressShown_ = 0; // clock time of the last count in the title bar
-    int height_ = 0;           // that the controls stand at
+    int height_ = 0;           // for which the controls are placed
     bool wasMaximised_ = false;
     bool restoring_ = false; // the state says restored, but the size is still that of the maximised dialog
     QSize maximisedSize_;

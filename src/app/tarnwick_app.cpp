@@ -13,7 +13,7 @@
 namespace tarnwick {
 
 void CTarnwickApp::PrepareToolkit() {
-    // Else the buttons beside the drawing area would become windows of the X server as well.
+    // Otherwise the buttons beside the drawing area become windows of the X server, too.
     QApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
 #ifdef __linux__
     // Under Wayland no buffer that is on the screen can be read, which a snapshot needs.
@@ -25,7 +25,8 @@ int CTarnwickApp::InitInstance() {
     QApplication::setApplicationName("Tarnwick");
     QApplication::setOrganizationName("Ostrelworks");
     QApplication::setWindowIcon(QIcon(":/tarnwick.png"));
-    QApplication::setQuitOnLastWindowClosed(false); // the dialog's end is the program's, not the console's
+    QApplication::setQuitOnLastWindowClosed(
+        false); // the program ends with the dialog, whether the console is open or not
     std::optional<ConsoleWindow> console;
     if (isatty(STDERR_FILENO) == 0) { console.emplace(); }
 

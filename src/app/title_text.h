@@ -10,7 +10,7 @@ namespace tarnwick {
 const char* OwnUnreadReason(const SceneView& view);
 
 // The title bar of a dialog that shows the file at `path` (empty for none): the file, the program, and what
-// people should know about the load that the console and the status text don't tell.
+// the user should know about the load that the status text doesn't tell.
 std::string TitleText(const std::string& path, const SceneView& view);
 
 // The title bar while a load of many files runs.

@@ -101,8 +101,8 @@ std::size_t ZipArchive::BytesThere(const MemberInfo& info, std::uint64_t offset)
     return static_cast<std::size_t>(std::min(info.compressedSize, left));
 }
 
-// The current member with the head of a gzip file in front. `buffer` has room for the head and for as many of
-// the member's bytes as there can be in the file.
+// Reads the current member and puts the head of a gzip file before it. `buffer` has room for the head and for
+// as many of the member's bytes as there can be in the file.
 int ZipArchive::GetBufferCurrentFile(const MemberInfo& info, unsigned char* buffer, std::uint32_t* size) {
     int error = UNZ_OK;
     std::uint64_t offset = 0;

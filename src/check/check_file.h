@@ -16,7 +16,7 @@ namespace tarnwick {
 // How many entities there are of each keyword.
 using KeywordCounts = std::map<std::string, std::int64_t, std::less<>>;
 
-// What one file of an assembly says of other files.
+// What one file of an assembly tells about other files.
 struct FileReferences {
     // A document reference: the name of a file and the product that it belongs to, by their places in
     // `names`.
@@ -51,7 +51,8 @@ struct CheckedFile {
                   std::string_view argument);
     // Adds a finding for a list of references that is damaged, or when a line ends where one should follow.
     void CheckReferenceList(const P42Ent* entity, std::string_view list);
-    // Adds a finding when the first string of an entity is longer than the program bears. True if it isn't.
+    // Adds a finding when the first string of an entity is so long that the program ends on it. Returns
+    // whether it is short enough.
     bool CheckName(const P42Ent* entity);
     // Adds a finding when a line ends within a text.
     bool CheckBreak(const P42Ent* entity, std::string_view text);
@@ -68,7 +69,7 @@ int ReadToCheck(StepModel& model, std::vector<Finding>* findings);
 void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCounts* counts,
                    std::vector<Finding>* findings, FileReferences* references);
 
-// The pieces. None of them changes the model's text.
+// One function for each stage of reading. None of them changes the model's text.
 
 // How entities stand on their lines: what the scan doesn't see of them.
 void CheckLines(CheckedFile& file);

@@ -1,5 +1,5 @@
-// The scan takes an entity only at the first character of a line, and its keyword only right behind the "=":
-// whatever stands elsewhere is dropped without a word.
+// The scan takes an entity only at the first character of a line, and its keyword only right after the "=":
+// anything elsewhere is dropped in silence.
 
 #include "check/check_file.h"
 #include "check/entity_text.h"
@@ -32,12 +32,12 @@ std::int32_t EntityAtStart(std::string_view text) {
     return digits > 0 && i < text.size() && text[i] == '=' ? StringToInteger(text.data() + 1) : 0;
 }
 
-// Whether the keyword counts for a reader. Others are reached by their number alone.
+// Whether a reader looks for the keyword. Other entities are reached by their number alone.
 bool IsRead(std::int32_t keywordCode) {
     return keywordCode >= code::kTessellatedShapeRepresentation && keywordCode != code::kTessellatedWire;
 }
 
-// How far a keyword is looked for behind its "=".
+// How far after the "=" a keyword is looked for.
 constexpr std::size_t kLongestGap = 1000;
 
 class LineCheck {
@@ -110,7 +110,7 @@ private:
         CheckKeyword(line, id, line.substr(equals + 1));
     }
 
-    // The scan passes over blanks behind the "=", and nothing else.
+    // The scan skips blanks after the "=", and nothing else.
     void CheckKeyword(std::string_view line, std::int32_t id, std::string_view behind) {
         while (!behind.empty() && behind.front() == ' ') { behind.remove_prefix(1); }
         const char* const end = file_.model.textEnd;

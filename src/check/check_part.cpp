@@ -1,5 +1,5 @@
-// From the representation that counts to its faces, by the same steps as the part reader, and then what the
-// file holds beside them.
+// From the representation that is read to its faces, by the same steps as the part reader, and then what else
+// the file holds.
 
 #include "check/check_file.h"
 #include "check/entity_text.h"

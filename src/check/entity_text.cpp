@@ -12,7 +12,7 @@ bool IsSpace(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-// Where the first entity behind `offset` starts: records stand in the order of the file.
+// Where the first entity after `offset` starts: records stand in the order of the file.
 std::size_t NextEntity(const StepModel& model, std::int32_t offset) {
     std::int32_t low = 0;
     std::int32_t high = model.entityCount;

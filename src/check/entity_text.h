@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-// The text of an entity as the standard has it, with strings and nesting understood: what the readers, which
-// go by fixed moves, are held against. All views are into the model's text.
+// The text of an entity read as ISO 10303-21 defines it, with strings and nesting: the measure for the
+// readers, which go by fixed moves. All views are into the model's text.
 namespace tarnwick {
 
 // From the "#" of the entity up to its ";", or to where the next entity starts if that comes first.

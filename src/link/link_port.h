@@ -5,24 +5,24 @@
 
 namespace tarnwick {
 
-// What the link does to the dialog and to the machine. Any thread may call it. What concerns the dialog is
-// done on the dialog's thread, in the order of the calls, and a call returns when it has been done; it
-// returns false, with nothing done, once the dialog closes.
+// What the link asks of the dialog and of the machine. Any thread may call it. What concerns the dialog runs
+// on the dialog's thread, in the order of the calls, and a call returns when that is done; once the dialog
+// closes it returns false and does nothing.
 class LinkPort {
 public:
     virtual ~LinkPort() = default;
-    // The text of control 1009.
+    // The text beside the status text.
     virtual bool SetLinkText(const std::string& text) = 0;
     virtual bool CopyToClipboard(const std::string& text) = 0;
     // A box over the dialog with one button; returns when the user has closed it.
     virtual bool ShowMessage(const std::string& caption, const std::string& text) = 0;
     // Splits the text into a path and a product name, and shows the file, with threads.
     virtual bool Load(const std::string& arguments) = 0;
-    // Has the whole dialog drawn again.
+    // Repaints the whole dialog.
     virtual bool Invalidate() = 0;
 
-    // Runs a program, the first element, with the others as its arguments, and waits for its end. The
-    // dialog's closing ends it. No shell sees any of the texts.
+    // Runs a program, the first element, with the others as its arguments, and waits until it ends; closing
+    // the dialog ends it. No shell sees any of the texts.
     virtual void RunProgram(const std::vector<std::string>& command) = 0;
     // Starts the first program of the names that the machine has, and doesn't wait.
     virtual void StartProgram(const std::vector<std::string>& names,

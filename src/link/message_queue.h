@@ -10,8 +10,8 @@
 
 namespace tarnwick {
 
-// Handles texts one after the other on a thread of its own, so that whoever hands them in never waits:
-// neither the thread that the network's events come on nor the dialog's.
+// Handles texts one after the other on a thread of its own, so that no caller waits: neither the thread of
+// the network's events nor the dialog's.
 class MessageQueue {
 public:
     explicit MessageQueue(std::function<void(const std::string&)> handle) : handle_(std::move(handle)) {}
@@ -26,7 +26,7 @@ public:
     // Waits for the text at work; the others are dropped.
     void Stop();
 
-    // What may wait: far more than any service has to say, and far less than the memory of a machine.
+    // The most that may wait: far more than any service sends, far less than a machine's memory.
     static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 
 private:

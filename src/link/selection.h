@@ -6,7 +6,7 @@
 
 namespace tarnwick {
 
-// What is open and picked when the user sends it to the web side.
+// The open file and what is picked in it, as sent to the web side.
 struct Selection {
     const char* path = nullptr;     // of the last file that was asked for; null for none
     const char* rootName = nullptr; // of the root product; null for none

@@ -56,7 +56,7 @@ void SendJson(websocket_callback_client& client, const web::json::value& value) 
 }
 
 void Register(websocket_callback_client& client) {
-    // A setting of the program; the service wants no name, so it goes no further.
+    // The name is read and converted like every setting; no message of the service holds it yet.
     static_cast<void>(WideFromNarrow(EnvironmentOr("Velquist_user", "user@localhost")));
     web::json::value request = web::json::value::object();
     request["sender"] = web::json::value::string("3d viewer");

@@ -8,8 +8,8 @@
 namespace tarnwick {
 
 // The client side of the link with the service of the web viewer: one WebSocket connection, opened by the
-// user and kept until the dialog closes. One exists in a process. All functions are for the dialog's thread,
-// which waits in them for the network, without a limit of its own.
+// user and kept until the dialog closes. There is one in a process. Call its functions on the dialog's
+// thread; they wait for the network, with no time limit of their own.
 class ServerLink {
 public:
     // `dialog` must outlive the link.

@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view kLoad = R"({"Load")";
 constexpr std::string_view kCheck = R"({"Check")";
 constexpr std::string_view kRegistered = R"({"action":"registered)"; // the quote at its end isn't looked at
-constexpr std::size_t kLoadValue = kLoad.size() + 2;                 // behind a colon and a quote
+constexpr std::size_t kLoadValue = kLoad.size() + 2;                 // after a colon and a quote
 
 void GiveUp(const char* reason) {
     ConsolePrint("<E> Message of the server: %s\n", reason);
@@ -81,7 +81,7 @@ void OnServerMessage(LinkPort& dialog, std::string_view text) {
 }
 
 std::optional<KeyValue> ReadKeyValue(std::string_view text, std::size_t& position) {
-    // Each search starts behind what the last one found.
+    // Each search starts after what the last one found.
     const auto goTo = [&](char c) {
         if (position != std::string_view::npos) { position = text.find(c, position); }
         return position == std::string_view::npos ? position : position++;

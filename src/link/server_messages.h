@@ -13,7 +13,7 @@ enum class ServerMessage { Unknown, Load, Check, Registered };
 // Tells the messages apart by their first characters.
 ServerMessage KindOf(std::string_view text);
 
-// Does what a message of the service asks for, from start to end, whatever it holds. The text ends at its
+// Carries out a message of the service, whatever it holds. The text ends at its
 // first NUL. Called on the link's own thread, for one message at a time.
 void OnServerMessage(LinkPort& dialog, std::string_view text);
 
@@ -23,7 +23,7 @@ struct KeyValue {
     std::string_view value;
 };
 
-// Reads the first pair behind `position`, which is moved to the quote at its end; nothing when the text ends
+// Reads the first pair after `position`, which is moved to the quote at its end; nothing when the text ends
 // before.
 std::optional<KeyValue> ReadKeyValue(std::string_view text, std::size_t& position);
 

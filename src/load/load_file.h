@@ -7,8 +7,8 @@
 
 namespace tarnwick {
 
-// What LoadFile does to the controls of a dialog, one function an operation. A program without a dialog
-// prints the status text and ignores the rest.
+// What LoadFile asks of a dialog's controls. A program without a dialog prints the status text and ignores
+// the rest.
 class LoadControls {
 public:
     virtual ~LoadControls() = default;
@@ -19,12 +19,12 @@ public:
     virtual void SetDepthRange(std::int32_t low, std::int32_t high) = 0;
     virtual void SetDepthPosition(std::int32_t position) = 0;
     virtual void SetDepthLabel(std::int32_t depth) = 0;
-    // Brings the controls up to date with the dialog's data.
+    // Shows the values that were set.
     virtual void UpdateData() = 0;
 };
 
-// The load command of each file kind; null for a kind that this program doesn't load, which is then refused
-// like an unknown extension. `rootName` may be null.
+// The load command of each file kind. Null for a kind that this program doesn't load: such files are refused
+// like those of an unknown extension. `rootName` may be null.
 struct LoadCommands {
     void (*loadStepFile)(SceneView& view, const char* path, bool useThreads) = nullptr;
     void (*loadStpxFile)(SceneView& view, const char* path, const char* rootName, bool useThreads) = nullptr;
@@ -34,7 +34,7 @@ struct LoadCommands {
     void (*selectDepth)(SceneView& view, std::int32_t depth) = nullptr;
 };
 
-// Where a request to show a file comes in.
+// Where every request to show a file arrives.
 struct LoadDispatch {
     SceneView& view;
     LoadControls& controls;
@@ -47,8 +47,8 @@ struct LoadDispatch {
 // is kept as the path of the last request and does nothing else; false is returned then.
 bool LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, bool useThreads);
 
-// What a move of the Depth slider to `depth` does: other boxes for a summary file, no pick, and the status
-// text anew. The caller has the view drawn.
+// What a move of the Depth slider to `depth` does: selects the boxes of a summary file, clears the pick and
+// sets the status text. The caller draws the view.
 void ChangeDepth(LoadDispatch& dispatch, std::int32_t depth);
 
 // The status text for what the view holds, "Nb Triangles: 1024  CPU tot: 0.125s "; with `withWords` false

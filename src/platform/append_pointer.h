@@ -8,7 +8,7 @@
 namespace tarnwick {
 
 // Appends to the growable pointer array of a record: capacity 10 at first, doubled as soon as it is full, so
-// that there is always a free place behind the last entry. The array lives in the arena. False when memory
+// that there is always a free place after the last entry. The array lives in the arena. False when memory
 // runs out.
 template <class T>
 bool AppendPointer(Arena& arena, T*** array, std::int32_t* capacity, std::int32_t* count, T* pointer) {

@@ -43,7 +43,7 @@ public:
 
     // Room at the tip, for an array whose length is known only when it is full. Between OpenTip and CloseTip
     // nothing else may be allocated. OpenTip offers at least `bytes`; GrowTip moves the `used` bytes at
-    // `start` to a place with at least `bytes` in all. Both return the start and set *limit behind the room;
+    // `start` to a place with at least `bytes` in all. Both return the start and set *limit after the room;
     // null when memory runs out.
     char* OpenTip(std::size_t bytes, char** limit);
     char* GrowTip(char* start, std::size_t used, std::size_t bytes, char** limit);

@@ -2,8 +2,8 @@
 
 namespace tarnwick {
 
-// Stops the calling thread for good, after one "<E>" line with the name of the text and what its reader
-// waits for: a text that a reader never gets past is not skipped in silence. Burns no processor time.
+// Stops the calling thread for good, after one "<E>" line with the name of the text and what its reader waits
+// for. Uses no processor time.
 [[noreturn]] void Stall(const char* name, const char* reason);
 
 } // namespace tarnwick

@@ -18,7 +18,7 @@ void SetPickColour(std::uint32_t code) {
     glColor4f(colour.red, colour.green, colour.blue, 1.0f);
 }
 
-// Covers everything with the background, whatever view and states are set, and puts those back.
+// Fills the window with the background, whatever view and states are set, and restores those.
 void Clear(GLfloat grey) {
     glMatrixMode(GL_PROJECTION);
     glPushMatrix();
@@ -63,7 +63,7 @@ void OpenGLControl::DrawFrame(Pass pass) {
 void OpenGLControl::DrawScene(Pass pass) {
     glAlphaFunc(GL_GREATER, 0.01f);
     glEnable(GL_ALPHA_TEST);
-    // Taken off again at the frame's end, so that the scaling below doesn't add up from frame to frame.
+    // Popped at the frame's end, so that the scaling below doesn't accumulate from frame to frame.
     glMatrixMode(GL_MODELVIEW);
     glPushMatrix();
     Clear(pass == kPick ? 1.0f : 0.8f); // white is no code
@@ -107,7 +107,7 @@ void OpenGLControl::DrawScene(Pass pass) {
 }
 
 void OpenGLControl::DrawFaces(Pass pass) {
-    // A part alone is picked and shown selected face by face, several by the placed part.
+    // In a single part, faces are picked and highlighted; in an assembly, placed parts.
     const bool byFace = loaded.drawList->count == 1;
     for (std::int32_t i = 0; i < loaded.drawList->count; ++i) {
         const DrawItem& item = *loaded.drawList->items[i];

@@ -22,8 +22,8 @@ void OpenGLControl::OnCreate() {
     glLightfv(GL_LIGHT1, GL_POSITION, position);
     const GLfloat dim[] = {0.1f, 0.1f, 0.1f, 1};
     glLightfv(GL_LIGHT2, GL_AMBIENT, dim);
-    // The light of the pick pass. With the 0.2 that the graphics library adds of itself it makes 1.0, so that
-    // a code reaches the pixel unchanged whatever the normals are.
+    // The light of the pick pass. With the library's own ambient 0.2 it adds up to 1.0, so that a code
+    // reaches the pixel unchanged whatever the normals are.
     const GLfloat bright[] = {0.8f, 0.8f, 0.8f, 1};
     glLightfv(GL_LIGHT3, GL_AMBIENT, bright);
     glDisable(GL_LIGHT3);
@@ -54,7 +54,7 @@ void OpenGLControl::InitLights() {
     const GLfloat ambient[] = {0.3f, 0.3f, 0.3f, 1.0f};
     const GLfloat diffuse[] = {0.8f, 0.8f, 0.8f, 1.0f};
     const GLfloat specular[] = {0.2f, 0.3f, 0.2f, 1.0f};
-    // A direction. It is set under the identity, so the light goes with the eye and not with the model.
+    // A direction, set under the identity matrix: the light moves with the eye and not with the model.
     const GLfloat position[] = {-1.0f, 0.0f, 0.5f, 0.0f};
     glLightfv(GL_LIGHT1, GL_AMBIENT, ambient);
     glLightfv(GL_LIGHT1, GL_DIFFUSE, diffuse);

@@ -12,13 +12,13 @@ namespace tarnwick {
 
 namespace {
 
-// The matrix that a drag takes away, to put its own change in front of it.
+// Holds the old matrix while a drag loads its change and multiplies the old matrix onto it.
 GLfloat scratch[16];
 
 } // namespace
 
 OpenGLControl::TrackballPoint OpenGLControl::TrackballVector(WindowPoint point) const {
-    // A window that was squeezed to nothing during a drag must not put a division by zero into the view.
+    // A window can be resized to nothing during a drag: no division by zero may reach the view.
     const double width = std::max(viewWidth, 1);
     const double height = std::max(viewHeight, 1);
     const double x = (2.0 * point.x - width) / width;
@@ -82,7 +82,7 @@ void OpenGLControl::OnMouseMove(WindowPoint point) {
         const double dz = v.z - last[2];
         const auto speed = static_cast<float>(std::sqrt(dx * dx + dy * dy + dz * dz));
         if (speed > 0.0001) {
-            // In front of all that the matrix held, so the model turns about the axes of the screen.
+            // Multiplied from the left, so that the model turns about the axes of the screen.
             glGetFloatv(GL_MODELVIEW_MATRIX, scratch);
             glLoadIdentity();
             glRotatef(speed * 90.0f, static_cast<float>(last[1] * v.z - last[2] * v.y),

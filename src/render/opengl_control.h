@@ -16,10 +16,10 @@ struct WindowPoint {
     int y = 0;
 };
 
-// The window in which the scene is drawn, with no window system: its owner calls the handlers and fills the
-// ports. There is no camera. The view is the state of the modelview and projection matrices themselves, which
-// the mouse changes in place, so a new model is shown under the rotation, pan and zoom of the one before.
-// Everything runs on the one thread that has the context.
+// The drawing window, independent of the window system: its owner calls the handlers and implements the
+// ports. There is no camera record. The modelview and projection matrices of the graphics library are the
+// view; the mouse changes them in place, so a new model appears under the rotation, pan and zoom of the one
+// before. Everything runs on the one thread that has the context.
 class OpenGLControl final : public SceneView {
 public:
     enum DragMode : std::uint32_t { kRotate = 0, kZoom = 1, kPan = 2, kNoDrag = 3 };
@@ -30,7 +30,7 @@ public:
 
     // Makes the context, its lights and its fixed states.
     void OnCreate();
-    // Sets viewport and perspective. The perspective starts afresh: a zoom made on it is gone.
+    // Sets viewport and perspective. A zoom that was made on the perspective is lost.
     void OnSize(int type, int width, int height);
     void OnLButtonDown(WindowPoint point);
     void OnMButtonDown(WindowPoint point);
@@ -48,8 +48,8 @@ public:
     // Selects the face, placed part or box at the point, or nothing, and draws again if that is a change.
     void PickAt(WindowPoint point);
 
-    // Writes what the window shows to a bitmap file. Returns 1, or 0 when it can't, which standard output
-    // then tells.
+    // Writes what the window shows to a bitmap file. Returns 1; or 0, told on standard output, when it can't
+    // be written.
     int grab_GL(const char* path);
 
     DialogPort* dialog = nullptr; // null while there is no dialog to tell
@@ -69,7 +69,7 @@ private:
         double x, y, z;
     };
 
-    // The cube that is shown while there is nothing else: x, y, distance, rotations about x and y.
+    // The cube that is shown while nothing is loaded: x, y, distance, rotations about x and y.
     static constexpr float cubeTransform[5] = {0, 0, 10, 0, 0};
     static constexpr float cubeShade = 0.5f;
 

@@ -15,7 +15,7 @@ inline PickColour PickColourOf(std::uint32_t code) {
     return {part(16), part(8), part(0)};
 }
 
-// The index that the four bytes of a pixel spell, or -1 for the background.
+// The index that the four bytes of a pixel encode, or -1 for the background.
 inline std::int32_t PickedIndex(const unsigned char rgba[4]) {
     if (rgba[0] == 255 && rgba[1] == 255 && rgba[2] == 255 && rgba[3] == 255) { return -1; }
     return rgba[0] * 65536 + rgba[1] * 256 + rgba[2];

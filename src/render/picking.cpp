@@ -1,5 +1,5 @@
-// A click selects what lies under it: the scene is painted into the back buffer with each thing in a colour
-// that spells its index, and one pixel is read back.
+// A click selects what lies under it: the scene is drawn into the back buffer with each thing in a colour
+// that encodes its index, and one pixel is read back.
 
 #include "platform/console.h"
 #include "render/opengl_control.h"
@@ -25,7 +25,7 @@ void OpenGLControl::PickAt(WindowPoint point) {
     // A click on the top row reads above the picture, where nothing is written: that is the background.
     unsigned char rgba[4] = {255, 255, 255, 255};
     glReadPixels(point.x, viewport[3] - point.y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
-    float exact[4] = {}; // the same pixel unrounded, for whoever steps through here
+    float exact[4] = {}; // the same pixel, unrounded; its value isn't used
     glReadPixels(point.x, viewport[3] - point.y, 1, 1, GL_RGBA, GL_FLOAT, exact);
 
     selectedIndex = PickedIndex(rgba);

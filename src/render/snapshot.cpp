@@ -20,8 +20,8 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = 54;
 
-// More than the pixels need: the rows are padded by pixels and not by bytes, and two bytes follow. Readers of
-// these files know the size.
+// More than the pixels need: rows are padded by whole pixels and not by bytes, and two bytes follow. Readers
+// of these files expect this size.
 std::size_t ImageBytes(int width, int height) {
     const int pad = (4 - width % 4) % 4;
     return 3 * static_cast<std::size_t>(width + pad) * static_cast<std::size_t>(height) + 2;
@@ -100,8 +100,8 @@ int OpenGLControl::grab_GL(const char* path) {
 }
 
 void OpenGLControl::ReadScreen(int width, int height, unsigned char* pixels, std::size_t bytes) {
-    // The viewport may reach out of the window. What lies there is undefined and stays zero: a driver that
-    // still remembers a larger window would read past the end of its buffer.
+    // The viewport may extend beyond the window. Those pixels are undefined and stay zero: a driver that
+    // still has a larger window's size would read past the end of its buffer.
     const WindowSize window = window_.DrawableSize();
     if (window.width < width || window.height < height) {
         glPixelStorei(GL_PACK_ROW_LENGTH, width);
@@ -112,8 +112,8 @@ void OpenGLControl::ReadScreen(int width, int height, unsigned char* pixels, std
     glGetIntegerv(GL_READ_BUFFER, &readBuffer);
     glReadBuffer(GL_FRONT);
     glReadPixels(0, 0, width, height, GL_BGR_EXT, GL_UNSIGNED_BYTE, pixels);
-    // Some software drivers can't read what they show, and give black without a word. A frame is never all
-    // black, since its background is grey.
+    // Some software drivers can't read the front buffer and return black. A frame is never all black, since
+    // its background is grey.
     if (AllZero(pixels, bytes)) {
         DrawScene(kDisplay);
         glReadBuffer(GL_BACK);

@@ -28,9 +28,9 @@ public:
 class DialogPort {
 public:
     virtual ~DialogPort() = default;
-    // The text of the control beside the status text, 1009. `text` holds the bytes of the file.
+    // The text beside the status text. `text` holds the bytes of the file, undecoded.
     virtual void SetPickText(const std::string& text) = 0;
-    // How many of the files known so far a load has read. No messages are to be handled meanwhile.
+    // How many of the files known so far a load has read. Must not handle window messages.
     virtual void ShowLoadProgress(std::int32_t filesRead, std::int32_t filesKnown) = 0;
 };
 

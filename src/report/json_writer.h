@@ -45,7 +45,7 @@ private:
     void Number(const char* digits, const char* end);
 
     std::string text_;
-    bool isFirst_ = true; // of its object or array, or right behind its key
+    bool isFirst_ = true; // of its object or array, or right after its key
 };
 
 } // namespace tarnwick

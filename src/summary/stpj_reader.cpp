@@ -22,8 +22,8 @@ namespace tarnwick {
 
 namespace {
 
-// Behind the text: the NUL that stops numbers and tables, then each character that is searched for. Quotes
-// stand last, since they are what is searched for behind another character, and up to twice.
+// Stands after the text: the NUL that stops numbers and tables, then each character that is searched for.
+// Quotes are last, since they are searched for after another character, and up to twice.
 constexpr std::string_view kSentinel("\0,}{:[] \"\"\"", 11);
 
 constexpr std::size_t kNameRoom = 512;
@@ -50,8 +50,8 @@ public:
         std::memcpy(text + size, kSentinel.data(), kSentinel.size());
     }
 
-    // The tables. A problem is either one that ends a table, and is else of no consequence, or one that ends
-    // the reading, see GivenUp. The console tells the first one.
+    // Read the tables. A problem either ends a table and has no further effect, or ends the reading, see
+    // GivenUp. Only the first problem is told on the console.
     void ReadProductsTable();
     void ReadOccurrencesTable();
     const char* GivenUp() const { return givenUp_; }
@@ -79,14 +79,14 @@ private:
     const char* const end_;
     StpjFile& file_;
     Arena& arena_;
-    double (*boxes_)[6] = nullptr; // of the products, widened, and one of zeros behind them
+    double (*boxes_)[6] = nullptr; // of the products, widened, and one of zeros after them
     const char* givenUp_ = nullptr;
     bool said_ = false;
     std::int32_t withoutProduct_ = 0;   // occurrences
     std::int32_t withoutPlacement_ = 0; // occurrences
 };
 
-// Moves behind the next quote with a key of this prefix behind it.
+// Moves past the next quote that a key of this prefix follows.
 bool StpjText::GoToKey(std::string_view prefix) {
     while (!Ended()) {
         const void* const quote = std::memchr(at_, '"', static_cast<std::size_t>(end_ - at_));
@@ -98,13 +98,13 @@ bool StpjText::GoToKey(std::string_view prefix) {
     return false;
 }
 
-// Moves behind the next quote; false when no key of this prefix stands there.
+// Moves past the next quote; false when no key of this prefix follows it.
 bool StpjText::GoToFirstKey(std::string_view prefix) {
     at_ = find::First<'"'>(at_) + 1;
     return !Ended() && IsKey(at_, prefix);
 }
 
-// The integer right behind the next ":".
+// The integer right after the next ":".
 bool StpjText::ReadInteger(std::int32_t* value) {
     at_ = find::First<':'>(at_) + 1;
     if (Ended()) { return false; }
@@ -132,7 +132,7 @@ bool StpjText::ReadNumbers(double* values, int count) {
         while (*p == ' ') ++p;
         const char* behind;
         values[i] = ParseReal(p, &behind);
-        // A number ends at the next blank; in front of it tabs hold none, but blanks behind a tab do.
+        // A number ends at the next blank. A tab before it is no separator, but a blank after that tab is.
         const char* const from = *p == '\t' ? p : behind;
         p = *from == ' ' || *from == ']' ? from : find::First<' ', ']'>(from);
         if (p >= end_) {
@@ -144,7 +144,7 @@ bool StpjText::ReadNumbers(double* values, int count) {
     return true;
 }
 
-// The string behind the next ":". A name that exceeds its room lies outside the format.
+// The string after the next ":". A name that exceeds its room lies outside the format.
 bool StpjText::ReadString(std::size_t room, std::string_view* value) {
     const char* const start = find::First<'"'>(find::First<':'>(at_)) + 1;
     at_ = find::First<'"'>(start);
@@ -159,7 +159,7 @@ bool StpjText::ReadString(std::size_t room, std::string_view* value) {
 }
 
 // Moves on to the end of the current value and to the quote of the next key. False at the object's "}", which
-// is then behind, and at the end of the text.
+// is then passed, and at the end of the text.
 bool StpjText::NextKey() {
     at_ = find::First<',', '}'>(at_);
     if (Ended()) { return false; }
@@ -271,7 +271,7 @@ bool StpjText::ReadOccurrence(StpjOccurrence* occurrence) {
     if (at_[-1] != '}') { return false; }
     occurrence->box = boxes_[file_.productCount];
     if (occurrence->productIndex < 1) { return true; }
-    // Over the character behind the "}" as well.
+    // Also skips the character after the "}".
     if (at_ < end_) { ++at_; }
     const ProductNode* const product = ProductOf(file_, *occurrence);
     if (product == nullptr) {

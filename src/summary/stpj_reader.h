@@ -34,8 +34,8 @@ struct StpjFile {
 // The record has no `stpjFile` when the file was given up. Returns 0, whatever becomes of it.
 int TraiteSTPJFile(LoadedScene& loaded, const char* path);
 
-// Fills the tables of `file`, which has only its path, from `size` characters at `text`, behind which as many
-// bytes as TextBlock pads with are the reader's. What it makes is in `arena`; nothing points into the text
+// Fills the tables of `file`, which has only its path, from `size` characters at `text`; the reader writes
+// into the TextBlock::kPadding bytes after them. What it makes is in `arena`; nothing points into the text
 // afterwards. The first problem is told on the console. Returns null, or the reason (a phrase in static
 // memory) for which the file is given up.
 const char* ReadStpjText(StpjFile& file, char* text, std::size_t size, Arena& arena);

@@ -12,7 +12,7 @@ namespace tarnwick {
 using Index = std::uint32_t;
 using Triangle = std::array<Index, 3>;
 
-// Lists of vertex numbers, one behind the other; ends[k] is where list k ends.
+// Lists of vertex numbers, one after the other; ends[k] is where list k ends.
 struct IndexLists {
     std::vector<Index> indices;
     std::vector<std::size_t> ends;

@@ -2,7 +2,7 @@
 
 namespace tarnwick {
 
-// Readers of such summaries know few of the forms that JSON allows: a blank behind each comma, and the counts
+// Readers of such summaries know few of the forms that JSON allows: a blank after each comma, and the counts
 // in front of the tables.
 void JsonSummary::BeginProducts(int count) {
     out_.Put("{\n\"products_table\": {\n\"nb_products\": ");

@@ -8,7 +8,7 @@ namespace tarnwick {
 // Single precision, which is what a model for drawing needs, without the rounding noise of sines and cosines.
 float RoundReal(double value);
 
-// As few digits as give the rounded number back; never with an exponent, and with no point behind an integer.
+// As few digits as give the rounded number back; never with an exponent, and with no point after an integer.
 void AppendReal(double value, std::string* out);
 
 } // namespace tarnwick

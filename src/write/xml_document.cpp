@@ -2,7 +2,7 @@
 
 namespace tarnwick {
 
-// Readers of such documents may want a tag to end right behind its last attribute, and attributes to stand on
+// Readers of such documents may want a tag to end right after its last attribute, and attributes to stand on
 // one line.
 void XmlDocument::Begin(std::string_view program) {
     Line(0, R"(<?xml version="1.0" encoding="UTF-8"?>)");

@@ -14,7 +14,7 @@ namespace tarnwick {
 
 // How a part leads to its file.
 enum class FileRoute {
-    kDirect,   // its assignment names a File that stands right behind it
+    kDirect,   // its assignment names a File that stands right after it
     kDocuments // its assignment names a version of a document, whose digital file is one of those at the end
 };
 

@@ -39,7 +39,7 @@ ZipWriter::~ZipWriter() {
     Close();
 }
 
-// The reason is that of the first failure; those behind it only follow from it.
+// The reason is that of the first failure; those after it only follow from it.
 bool ZipWriter::Check(bool done) {
     if (!done && error_.empty()) { error_ = errno != 0 ? std::strerror(errno) : "the archive is too large"; }
     return done;

@@ -31,8 +31,8 @@ private:
     ProductArray products_;
 };
 
-// The same with a way to find the first product of a name, which would else be a walk over the whole table
-// for every product of every further document.
+// The same with a way to find the first product of a name, which would otherwise be a walk over the whole
+// table for every product of every further document.
 class NamedProductTable {
 public:
     void Allocate() { table_.Allocate(); }

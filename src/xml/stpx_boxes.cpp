@@ -30,7 +30,7 @@ Matrix OccurrenceMatrix(const Occurrence& occurrence) {
     return matrix;
 }
 
-// The product of all matrices, made from the deep end.
+// The product of all matrices, multiplied from the deepest level up.
 Matrix WorldMatrix(const std::vector<Matrix>& matrices) {
     Matrix world = matrices.back();
     for (std::size_t i = matrices.size() - 1; i-- > 0;) {
@@ -41,7 +41,7 @@ Matrix WorldMatrix(const std::vector<Matrix>& matrices) {
     return world;
 }
 
-// The axis-aligned box of a box's eight corners behind a matrix, widened.
+// The axis-aligned box of a box's eight corners under a matrix, widened to f64.
 void TransformBox(const float box[6], const Matrix& world, double transformed[6]) {
     for (int corner = 0; corner < 8; ++corner) {
         const float x = box[corner & 1];

@@ -163,7 +163,7 @@ bool DocumentReader::ScanAll() {
 }
 
 // The tags that a large document mostly consists of, the uses of parts and their placements, as far as they
-// are written as usual. They do what they do in Step.
+// are written as usual. They have the same effect as in Step.
 bool DocumentReader::TakeUsualTags() {
     if (state_ != State::kInPartView && state_ != State::kInRelation && state_ != State::kInPlacement) {
         return true;
@@ -588,7 +588,7 @@ bool DocumentReader::ResolveOccurrences() {
 // The route of file names through documents and files, for a text in which no file stood right after its
 // part.
 void DocumentReader::ResolveFileNames() {
-    // The byte 0xE9 is the last letter of the second-last word in Latin-1, as it always was on this channel.
+    // This channel is Latin-1: 0xE9 is the "e" with an acute accent.
     constexpr const char* kNotInFiles = "<E> Chaine %.*s non trouv\xE9"
                                         "e dans mapDF_Filename\n";
     constexpr const char* kNotInVersions = "<E> Chaine %.*s non trouv\xE9"

@@ -11,7 +11,7 @@ namespace tarnwick {
 
 // One STEP XML text that is to be read.
 struct StpxDocument {
-    char* text = nullptr;               // TextBlock::kPadding bytes behind it are the reader's
+    char* text = nullptr;               // the reader writes into TextBlock::kPadding bytes after it
     std::size_t size = 0;               // its characters
     const char* name = "";              // of its file, for messages
     bool plainly = false;               // every tag by the one general scan; slower, and nothing else
@@ -24,7 +24,7 @@ struct StpxDocument {
 // that are STEP XML documents go with their products into `assemblies`, all others into `parts`; both tables
 // carry over from document to document, and a part that has the name of a product in `assemblies` is that
 // product. With `boxMode` not 0 the boxes of views are read as well. Returns null, or the reason (a phrase in
-// static memory) for which the document is given up; it has then left nothing behind.
+// static memory) for which the document is given up; it has then left nothing in the tables.
 const char* ReadStpxDocument(StpxDocument& document, int boxMode, NamedProductTable& assemblies,
                              ProductTable& parts, Arena& arena);
 

@@ -57,11 +57,11 @@ bool ReadDocument(StpxSession& session, TextMemory& memory, std::string path, st
     return false;
 }
 
-// Finds the documents that lead to themselves. Reading one again may add to the table again, and so for ever.
+// Finds the documents that lead to themselves. Reading one again may add to the table again, without end.
 class DocumentCycles {
 public:
-    // What stands in the table without a place yet was added by the document at `place`; -1 is the root
-    // document.
+    // Notes that the entries up to `count` that no document has claimed yet were added by the one at `place`;
+    // -1 is the root document.
     void NoteAdded(std::int32_t place, std::int32_t count) {
         addedBy_.resize(static_cast<std::size_t>(count), place);
     }

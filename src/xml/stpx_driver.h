@@ -13,8 +13,8 @@ int TraiteSTEPXFileNewMT(StpxSession& session, const char* path, const char* roo
                          bool threads);
 
 // Gives the product and all that it uses a draw list and a box, as BuildDrawLists does. The rotations of STEP
-// XML enter the matrices as they stand, so two of their elements are turned round first, against what the
-// placing of items does with them. Returns 1 for a null product or when memory runs out, else 0.
+// XML enter the matrices as they stand, so two of their elements are negated first, which cancels the
+// signs that the placing of items applies. Returns 1 for a null product or when memory runs out, else 0.
 int BuildStpxDrawLists(Arena& arena, ProductNode* product, const char* fileName);
 
 // The path of the file that a product names, beside the root file.

@@ -23,7 +23,7 @@ struct StpxScan {
     const char* problem = nullptr; // why the text is given up, a phrase in static memory
 };
 
-// Puts the sentinel behind a text of `size` characters: 16 bytes there must be writable, 48 readable.
+// Writes the sentinel after a text of `size` characters: 16 bytes there must be writable, 48 readable.
 void PrepareText(char* text, std::size_t size);
 
 // Moves to the next "<" and on to the first blank, line feed or ">", where `at` is left. Only the first 90
@@ -36,7 +36,7 @@ bool ScanTagName(StpxScan* scan);
 bool ScanTagWithAttributes(StpxScan* scan);
 
 // The element text at `at`, up to the next "<", where `at` is left; "&amp;" becomes "&". A text with that in
-// it is put together in `buffer`, of `room` characters. Any other "&" is never got past. False, with
+// it is put together in `buffer`, of `room` characters. At any other "&" the reader stalls. False, with
 // `problem` set, at the end of the text or when it doesn't fit into `room`, its NUL included.
 bool ReadElementText(StpxScan* scan, char* buffer, std::size_t room, std::string_view* text);
 

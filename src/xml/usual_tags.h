@@ -9,9 +9,9 @@
 
 namespace tarnwick {
 
-// Tags that are written as writers mostly write them, taken by one comparison each and without a wait for
-// where their names and values end. Each move leaves the scan as ScanTagWithAttributes would leave it behind
-// the same tag, or does nothing and returns false; that function is then the way on.
+// The tags that make up most of a document, in their usual spelling: one memcmp each, no search for the end
+// of a name or value. Each move leaves the scan as ScanTagWithAttributes would leave it after the same tag,
+// or does nothing and returns false; the caller then calls that function.
 class UsualTags {
 public:
     explicit UsualTags(StpxScan* scan) : scan_(scan), tag_(find::First<'<'>(scan->at)) {}
@@ -24,8 +24,7 @@ public:
         return true;
     }
 
-    // The next tag, from its "<" to the quote in front of a value, the value, and what follows behind its
-    // quote.
+    // The next tag, from its "<" to the quote before a value, the value, and what follows its closing quote.
     template <std::size_t Size, std::size_t RestSize>
     bool Take(const char (&start)[Size], std::string_view* value, const char (&rest)[RestSize]) {
         if (!Stands(tag_, start)) { return false; }
@@ -48,7 +47,7 @@ public:
         return true;
     }
 
-    // The next tag, without attributes, and the text behind it, for which an element has `room` characters.
+    // The next tag, without attributes, and the text after it, for which an element has `room` characters.
     template <std::size_t Size>
     bool TakeWithText(const char (&literal)[Size], std::size_t room, std::string_view* text) {
         if (!Stands(tag_, literal)) { return false; }
@@ -63,14 +62,14 @@ public:
     }
 
 private:
-    // Whether the literal stands at `p`, all of it in front of the sentinel.
+    // Whether the literal stands at `p`, entirely before the sentinel.
     template <std::size_t Size>
     bool Stands(const char* p, const char (&literal)[Size]) const {
         return std::memcmp(p, literal, Size - 1) == 0 &&
                scan_->end - p >= static_cast<std::ptrdiff_t>(Size - 1);
     }
 
-    // The value at `p`; returns the place behind its quote, or null when it doesn't fit.
+    // The value at `p`; returns the place after its quote, or null when it doesn't fit.
     const char* TakeValue(const char* p, std::string_view* value) const {
         const char* const quote = find::First<'"'>(p);
         const std::size_t length = static_cast<std::size_t>(quote - p);
@@ -86,7 +85,7 @@ private:
     }
 
     StpxScan* scan_;
-    const char* tag_; // the "<" of the next tag, or a place at or behind the end
+    const char* tag_; // the "<" of the next tag, or a place at or after the end
 };
 
 } // namespace tarnwick

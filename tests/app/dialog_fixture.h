@@ -64,7 +64,7 @@ protected:
     }
 
     // Does `what` to the next window that holds up the dialog. Such a window has a loop of events of its own,
-    // so that a test goes on behind what opens it only when it is closed.
+    // so that a test goes on after what opens it only when it is closed.
     void WhenModal(std::function<void(QWidget&)> what) {
         modalTimer_.callOnTimeout(&modalTimer_, [this, what = std::move(what)] {
             QWidget* const window = QApplication::activeModalWidget();

@@ -65,7 +65,7 @@ ViewerProcess::ViewerProcess(const QStringList& arguments, const QStringList& en
     process_.setProcessEnvironment(variables);
     process_.start(TARNWICK_VIEWER, arguments);
     // Among the windows that the manager knows: the drawing area is a window too. The first field is the
-    // identifier, the third the process, and the fifth and all behind it the title.
+    // identifier, the third the process, and the fifth and all after it the title.
     QElapsedTimer clock;
     clock.start();
     while (window_.isEmpty() && clock.elapsed() < kPatience && process_.state() != QProcess::NotRunning) {

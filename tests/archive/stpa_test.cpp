@@ -102,7 +102,7 @@ TEST(Stpa, NotesAPartThatIsGivenUpAmongTheUnreadFiles) {
     std::string& part = members[0].content;
     const std::size_t points = part.find('#', part.find("TRIANGULATED_FACE("));
     ASSERT_NE(points, std::string::npos);
-    part.insert(part.find(',', part.find(',', points) + 1) + 1, "\n"); // its face ends behind pnmax
+    part.insert(part.find(',', part.find(',', points) + 1) + 1, "\n"); // its face ends after pnmax
     const Loaded loaded(folder, members);
     EXPECT_EQ(loaded.view.loaded.drawnTriangles, 0);
     ASSERT_EQ(loaded.view.loaded.unreadFiles.size(), 1u);

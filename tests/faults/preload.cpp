@@ -58,7 +58,7 @@ bool IsEarly(const void* block) {
 
 const Heap* TheHeap() {
     static Heap heap{};
-    static int state = 0; // 1 while looked up, 2 behind that; the first call comes before any thread
+    static int state = 0; // 1 while looked up, 2 after that; the first call comes before any thread
     if (state == 2) { return &heap; }
     if (state == 1) { return nullptr; }
     state = 1;

@@ -10,7 +10,7 @@
 namespace tarnwick::test {
 namespace {
 
-// Two solids, #20 with #30 and #31, and #21 with #32, a surface set #22 behind them, and the styled items
+// Two solids, #20 with #30 and #31, and #21 with #32, a surface set #22 after them, and the styled items
 // #41 on, as (style, item) pairs in the presentation's order.
 struct Scene {
     Lines lines{kSquare,
@@ -31,7 +31,7 @@ struct Scene {
     Scene& Styled(int style, int item) {
         return StyledBy("STYLED_ITEM('',(#" + std::to_string(style) + "),#" + std::to_string(item) + ");");
     }
-    // A styled item whose text behind the number is given.
+    // A styled item whose text after the number is given.
     Scene& StyledBy(const std::string& text) {
         const std::string id = "#" + std::to_string(1000 + styledItems++);
         styledList += (styledList.empty() ? "" : ",") + id;
@@ -283,7 +283,7 @@ TEST(StyledItem, IsReadByPositionWhateverItsKeyword) {
 }
 
 TEST(StyledItem, FollowsItsFirstStyleOnly) {
-    // The item is looked for behind the comma between the styles.
+    // The item is looked for after the comma between the styles.
     Scene scene;
     scene.Line(kBlue).Fill(5, 59).Fill(6, 59).StyledBy("STYLED_ITEM('',(#5,#6),#20);");
     EXPECT_EQ(FaceColour(scene), kDefaultColour);

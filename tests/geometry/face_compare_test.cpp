@@ -108,7 +108,7 @@ public:
         if (code != 0) { text += "," + Blank() + IndexLists(vertices); }
         return text + ");";
     }
-    // Deletes, inserts or replaces a character behind the line's number.
+    // Deletes, inserts or replaces a character after the line's number.
     void Damage(std::string* line) {
         static constexpr std::string_view kCharacters = "  \n\n\r\t(())),,,$#'0123456789.-E;\x80";
         const std::size_t start = line->find('=') + 1;
@@ -223,7 +223,7 @@ void Expect(const Tally& tally) {
     }
 }
 
-// A text of one or two lists and up to four faces. The lists stand before or behind their faces.
+// A text of one or two lists and up to four faces. The lists stand before or after their faces.
 std::vector<EntityLine> RandomLines(Maker& maker, int damages) {
     const int lists = 1 + maker.Below(2);
     int points[2];

@@ -21,7 +21,7 @@ struct EntityLine {
     std::int32_t code;
 };
 
-// Lines that a face reader gets, put together to one text with something ahead of them and behind them.
+// Lines that a face reader gets, put together to one text with something ahead of them and after them.
 struct FaceText {
     explicit FaceText(const std::vector<EntityLine>& lines);
 

@@ -103,7 +103,7 @@ TEST(FeNodes, EndAtTheFirstOneWithoutAList) {
     const FeModel run(text.Text());
     EXPECT_THAT(NodeIds(run), ElementsAre(a));
     EXPECT_THAT(run.reader->part.box, ElementsAre(1, 1, 0, 0, 0, 0));
-    // What comes behind them is read all the same.
+    // What comes after them is read all the same.
     EXPECT_EQ(run.reader->sectionValues.size(), 1u);
     EXPECT_NE(run.reader->sectionMap.Find(section), nullptr);
     ASSERT_NE(run.reader->resultMesh, nullptr);

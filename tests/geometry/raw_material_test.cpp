@@ -70,7 +70,7 @@ TEST(LinkRawMaterial, FindsASolidByItsExactNumber) {
     EXPECT_THAT(Names(material), ElementsAre("steel", "steel"));
 }
 
-// The option leads to a solid, and from there to the mark in the place of its "$", behind which no number
+// The option leads to a solid, and from there to the mark in the place of its "$", after which no number
 // stands. Walks of a colour have gone far over the text before the mark was made.
 TEST(LinkRawMaterial, StopsAtTheMarkOfASolidWithoutALink) {
     const std::string far(9000, ' ');

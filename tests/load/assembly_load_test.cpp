@@ -228,7 +228,7 @@ TEST(AssemblyLoad, NotesAPartThatIsGivenUpAmongTheUnreadFiles) {
 }
 
 TEST(AssemblyLoad, LeavesAQueuedProductAsItWasWhenItsFileIsGivenUp) {
-    // #31 of 31 lines is the last in the table, behind the line of a good occurrence.
+    // #31 of 31 lines is the last in the table, after the line of a good occurrence.
     const TempFolder folder;
     AssemblyText sub;
     const int root = sub.Product("sub");

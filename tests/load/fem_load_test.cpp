@@ -86,7 +86,7 @@ TEST(FemLoad, OfAFileThatIsGivenUpStillHasItsBoxAndName) {
     EXPECT_EQ(load.session.loaded.resultMesh, nullptr);
     EXPECT_EQ(load.session.loaded.rootName, "shell");
     EXPECT_EQ(load.session.loaded.drawnTriangles, 0);
-    // In a table of 8 buckets #8 comes before #9, and the others behind.
+    // In a table of 8 buckets #8 comes before #9, and the others after.
     EXPECT_THAT(load.session.loaded.box, ElementsAre(4, 4, 2, 2, 0, 0));
 }
 

@@ -59,7 +59,7 @@ constexpr Keyword kKeywords[] = {
 };
 static_assert(std::size(kKeywords) == 38);
 
-// The code of a text that has enough readable characters behind it.
+// The code of a text that has enough readable characters after it.
 std::int32_t CodeOf(std::string text) {
     text.append(64, '\0');
     return ClassifyEntity(text.data());

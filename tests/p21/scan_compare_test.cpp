@@ -35,7 +35,7 @@ struct Scan {
     bool operator==(const Scan&) const = default;
 };
 
-// One step after the other, on a text with a NUL and readable characters behind it.
+// One step after the other, on a text with a NUL and readable characters after it.
 Scan PlainScan(std::string text) {
     Scan scan;
     const std::size_t size = text.size();

@@ -89,7 +89,7 @@ TEST(ScanEntities, RunsOnToTheEndWhenTheLastEntityLacksItsSemicolon) {
     EXPECT_EQ(file.Ids(), (Ids{1, 2}));
     EXPECT_EQ(file.result, StepModel::kRead);
     EXPECT_EQ(file.output, CountLine(2));
-    // ENDSEC was the tail; what comes behind it is scanned.
+    // ENDSEC was the tail; what comes after it is scanned.
     EXPECT_EQ(ModelFile(P21Text({"#1=X()"}) + "#5=X();\n").Ids(), (Ids{1, 5}));
 }
 

@@ -101,7 +101,7 @@ TEST(OccurrenceChain, IsConfusedByANumberSignInASkippedString) {
 }
 
 TEST(OccurrenceChain, IsConfusedByACommaInASkippedString) {
-    // The second comma is the one in the name, so that the reference behind it is the parent.
+    // The second comma is the one in the name, so that the reference after it is the parent.
     StructureRun run;
     run.ReadTop(Chain().With(Chain::kUsage, "NEXT_ASSEMBLY_USAGE_OCCURRENCE('u','as in,#6','d',#3,#6,$)"));
     ASSERT_THAT(run.ProductNames(), ElementsAre("leaf", "top"));
@@ -246,7 +246,7 @@ TEST(OccurrenceChain, KeepsAProductThatIsItsOwnPart) {
 }
 
 TEST(OccurrenceChain, ThatRunsPastTheEndOfTheTextGivesTheFileUp) {
-    // Nothing behind the line has the awaited "#", in a text that ends with it.
+    // Nothing after the line has the awaited "#", in a text that ends with it.
     const std::vector<std::pair<int, std::string>> endings{
         {Chain::kContext, "CONTEXT_DEPENDENT_SHAPE_REPRESENTATION(#16,$)"},
         {Chain::kContext, "CONTEXT_DEPENDENT_SHAPE_REPRESENTATION $"},

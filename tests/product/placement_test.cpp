@@ -162,7 +162,7 @@ TEST(Placement, KeepsWhatWasReadBeforeAMissingDirection) {
     chain.lines[Chain::kOrigin] = "CARTESIAN_POINT('',(10.,20.,30.))";
     chain.lines[Chain::kSource] = "AXIS2_PLACEMENT_3D('',#7,#50,#9)";
     const Placed placed = PlacedBy(chain.Text());
-    // The location stands, the axis doesn't, and the reference direction behind it isn't read.
+    // The location stands, the axis doesn't, and the reference direction after it isn't read.
     EXPECT_THAT(placed.rotation, ElementsAreArray(kIdentity));
     EXPECT_THAT(placed.translation, ElementsAre(-9, -18, -27));
 }
@@ -185,7 +185,7 @@ TEST(Placement, LosesTheListToACommaInTheName) {
 }
 
 TEST(Placement, ReadsADollarAsWhateverReferenceComesNext) {
-    // The axis is taken to be #13, the transformation behind, whose list begins with "''"; the reference is
+    // The axis is taken to be #13, the transformation after, whose list begins with "''"; the reference is
     // its #10, whose list is taken to begin with the digit of "#7".
     const Placed placed = PlacedBy(Chain().With(Chain::kTarget, "AXIS2_PLACEMENT_3D('',#11,$,$)"));
     EXPECT_THAT(placed.rotation, ElementsAre(7, 0, 0, 0, 0, 0, 0, 0, 0));

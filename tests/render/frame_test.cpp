@@ -82,7 +82,7 @@ protected:
         view.selectedIndex = -1;
         view.PickAt({10, 10});
         Calls calls = TakeCalls();
-        // Before it the lights go over to the codes, behind it one pixel is read and the lights go back.
+        // Before it the lights go over to the codes, after it one pixel is read and the lights go back.
         EXPECT_THAT(Calls(calls.begin(), calls.begin() + 3),
                     ElementsAre("glDisable(GL_LIGHT1)", "glDisable(GL_LIGHT2)", "glEnable(GL_LIGHT3)"));
         EXPECT_THAT(Calls(calls.end() - 6, calls.end()),

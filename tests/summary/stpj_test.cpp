@@ -156,7 +156,7 @@ TEST(Stpj, CarriesNameAndNumberOverToAProductWithoutThemButNotTheBox) {
 TEST(Stpj, EndsAnObjectAtItsFirstClosingBrace) {
     Loaded loaded(
         Summary({"{\"more\": {\"x\": 1}, \"name\": \"lost\"}", "{\"name\": \"b, c\"}"}, {Row(0, 1)}));
-    // The name behind the nested object is no product's; the next object is the second product.
+    // The name after the nested object is no product's; the next object is the second product.
     EXPECT_STREQ(loaded.result.stpjFile->products[0]->name, "");
     EXPECT_STREQ(loaded.result.stpjFile->products[1]->name, "b, c");
 }

@@ -40,7 +40,7 @@ private:
     std::string text_;
 };
 
-// One document read on its own, or behind others into the same tables.
+// One document read on its own, or after others into the same tables.
 struct Tables {
     Tables();
     NamedProductTable assemblies;

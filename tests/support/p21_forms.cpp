@@ -10,7 +10,7 @@ namespace {
 
 // A letter for each argument: s string, i integer, r real, e enumeration, n reference, t typed value,
 // d derived. (..) is a list of just these, [..] one of any number of them, [..+] one of at least one, and ?
-// behind an argument allows for its absence.
+// after an argument allows for its absence.
 const std::map<std::string_view, std::string_view> kForms{
     {"ADVANCED_BREP_SHAPE_REPRESENTATION", "s[n+]n"},
     {"ADVANCED_FACE", "s[n+]ne"},

@@ -16,7 +16,7 @@
 namespace tarnwick::test {
 namespace {
 
-// The value of a text with 16 readable characters behind it, none of which belongs to the number.
+// The value of a text with 16 readable characters after it, none of which belongs to the number.
 double Real(std::string_view text) {
     const std::string padded = std::string(text) + std::string(64, '\0');
     return ParseReal(padded.c_str());
@@ -180,7 +180,7 @@ private:
     std::uint64_t state_;
 };
 
-// A text that is put together piece by piece, with zeros behind it.
+// A text that is put together piece by piece, with zeros after it.
 class Text {
 public:
     void Clear() { size_ = 0; }

@@ -19,7 +19,7 @@ namespace tarnwick::tools {
 
 namespace {
 
-// A dialog of one control: the status text.
+// Keeps the status text and ignores all other controls.
 class StatusOnly final : public NoControls {
 public:
     void SetStatusText(const std::string& text) override { status = text; }
@@ -27,7 +27,7 @@ public:
     std::string status;
 };
 
-// Moves the Depth slider as far as its range goes, with all that follows from it.
+// Moves the Depth slider, within its range, as a user would.
 void MoveSlider(LoadDispatch& dispatch, std::int32_t position) {
     ChangeDepth(dispatch, std::clamp(position, 0, std::max(dispatch.view.loaded.maxDepth, 0)));
 }

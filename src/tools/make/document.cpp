@@ -11,7 +11,7 @@ namespace tarnwick::make {
 
 namespace {
 
-// Written in one pass, behind one that gives every occurrence its number.
+// Written in one pass, after one that gives every occurrence its number.
 class DocumentWriter {
 public:
     DocumentWriter(const DocumentSet& set, ByteSink* sink) : set_(set), out_(set.route, sink) {}
