@@ -52,7 +52,7 @@ inline std::uint32_t HashOf(std::uint64_t number, HashSecret secret) {
 // The same for a text. Each eight characters go into a product with the secret, which then hides what else
 // would have to be in them for two texts to meet.
 inline std::uint32_t HashOf(std::string_view text, HashSecret secret) {
-    std::uint64_t mixed = secret.a ^ text.size();
+    std::uint64_t mixed = secret.a;
     const char* p = text.data();
     std::size_t left = text.size();
     for (; left >= 8; left -= 8, p += 8) { mixed = FoldedProduct(mixed ^ LoadEight(p), secret.b); }
@@ -64,7 +64,8 @@ inline std::uint32_t HashOf(std::string_view text, HashSecret secret) {
             last |= static_cast<std::uint64_t>(static_cast<unsigned char>(p[i])) << (8 * i);
         }
     }
-    return HashOf(mixed ^ last, secret);
+    mixed = FoldedProduct(mixed ^ last, secret.b) ^ text.size();
+    return static_cast<std::uint32_t>(FoldedProduct(mixed, 0x9E3779B97F4A7C15u) >> 32);
 }
 
 // A table from numbers or names to values, for look-ups alone: nobody goes through it. The entries are a

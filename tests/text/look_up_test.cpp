@@ -132,7 +132,19 @@ TEST(HashOf, SpreadsNumbersThatWereChosenToMeet) {
             EXPECT_LT(Fullest(secret, [step](std::uint32_t i) { return step * i; }), 30) << step;
         }
         // The digits of all of them have one sum.
-        EXPECT_LT(Fullest(secret, [](std::uint32_t i) { return std::uint64_t{i} << 14 | (0x3FFFu - i); }), 30);
+        EXPECT_LT(Fullest(secret, [](std::uint32_t i) { return std::uint64_t{i} << 14 | (0x3FFFu - i); }),
+                  30);
+    }
+}
+
+TEST(HashOf, TellsNamesOfDifferentLengthsApart) {
+    const HashSecret secret = HashSecret::Of(&secret);
+    const std::string zeros(40, '\0');
+    std::vector<std::uint32_t> hashes;
+    for (std::size_t length = 0; length <= zeros.size(); ++length) {
+        const std::uint32_t hash = HashOf(std::string_view(zeros.data(), length), secret);
+        for (const std::uint32_t other : hashes) { EXPECT_NE(hash, other) << length; }
+        hashes.push_back(hash);
     }
 }
 
