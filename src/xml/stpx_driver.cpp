@@ -3,6 +3,7 @@
 #include "platform/console.h"
 #include "platform/paths.h"
 #include "product/draw_list.h"
+#include "text/look_up.h"
 #include "text/lower_case.h"
 #include "text/one_line.h"
 #include "xml/stpx_boxes.h"
@@ -70,7 +71,7 @@ public:
     // come.
     bool IsEndless(StpxSession& session, std::int32_t place) {
         const std::string_view name = session.asmProdExt[place]->fileName;
-        if (names_.insert(name).second) { return false; }
+        if (names_.AddNew(name)) { return false; }
         std::int32_t above = addedBy_[static_cast<std::size_t>(place)];
         while (above >= 0 && name != session.asmProdExt[above]->fileName) {
             above = addedBy_[static_cast<std::size_t>(above)];
@@ -82,7 +83,7 @@ private:
     static constexpr std::int32_t kMostRepeats = 100; // those that come to an end do so within a few
 
     std::vector<std::int32_t> addedBy_;
-    std::unordered_set<std::string_view> names_;
+    LookUp<std::string_view, bool> names_;
     std::int32_t repeats_ = 0;
 };
 
