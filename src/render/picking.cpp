@@ -36,14 +36,15 @@ void OpenGLControl::PickAt(WindowPoint point) {
         selectedContainerId = 0;
         selectedExactContainerId = 0;
     }
-    if (loaded.drawList != nullptr && loaded.pickMode == 1 && loaded.drawList->count > 0) {
+    if (loaded.drawList != nullptr && loaded.pickMode == kPickFaces && loaded.drawList->count > 0) {
         if (hit) {
             TellPickedFace();
         } else if (dialog != nullptr) {
             dialog->SetPickText(" ");
         }
     }
-    if (loaded.drawList != nullptr && loaded.pickMode == 2 && hit && selectedIndex < loaded.drawList->count) {
+    if (loaded.drawList != nullptr && loaded.pickMode == kPickProducts && hit &&
+        selectedIndex < loaded.drawList->count) {
         TellPickedProduct(loaded.drawList->items[selectedIndex]->product);
     }
     if (loaded.boxList != nullptr && hit && selectedIndex < loaded.boxList->count) {
