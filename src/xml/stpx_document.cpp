@@ -70,12 +70,11 @@ public:
         constexpr std::size_t kUsualOccurrence = 400;
         occurrenceUids_.Reserve(document_.size / kUsualOccurrence);
         PrepareText(document_.text, document_.size);
-        if (!ScanAll() || !ResolveOccurrences()) {
-            Undo();
-            return problem_ != nullptr ? problem_ : scan_.problem;
+        if (ScanAll() && ResolveOccurrences() && (resolvedDirectly_ == 1 || ResolveFileNames())) {
+            return nullptr;
         }
-        if (resolvedDirectly_ < 1) { ResolveFileNames(); }
-        return nullptr;
+        Undo();
+        return problem_ != nullptr ? problem_ : scan_.problem;
     }
 
 private:
@@ -89,7 +88,7 @@ private:
     bool StepContext();
     bool StepRelation();
     bool StepPlacement();
-    void StepFile();
+    bool StepFile();
     void StepDocument();
     bool ReadPartName();
     bool ReadNumbers(double* values, int count);
@@ -97,11 +96,12 @@ private:
     bool AddUse(string_view uid);
     bool AddOccurrence();
     bool StoreBox();
-    void TakeIdentifier();
-    void AddPart(ProductNode* product, string_view fileName);
-    void AddAssembly(ProductNode* product, string_view fileName);
+    bool TakeIdentifier();
+    bool NameFile(ProductNode* product, string_view fileName);
+    bool AddPart(ProductNode* product, string_view fileName);
+    bool AddAssembly(ProductNode* product, string_view fileName);
     bool ResolveOccurrences();
-    void ResolveFileNames();
+    bool ResolveFileNames();
     void Undo();
 
     bool Fail(const char* problem) {
@@ -247,8 +247,7 @@ bool DocumentReader::Step() {
     case State::kInFile:
     case State::kInFileId:
     case State::kInLocations:
-        StepFile();
-        return true;
+        return StepFile();
     case State::kInDocument:
     case State::kInVersion:
     case State::kInDefinition:
@@ -396,14 +395,14 @@ bool DocumentReader::StepPlacement() {
     return true;
 }
 
-void DocumentReader::StepFile() {
+bool DocumentReader::StepFile() {
     if (state_ == State::kInLocations) {
         if (Tag() == "</Locations") { state_ = State::kInFile; }
     } else if (state_ == State::kInFileId) {
         if (Tag() == "</Id") {
             state_ = State::kInFile;
         } else if (Tag() == "<Identifier") {
-            TakeIdentifier();
+            return TakeIdentifier();
         }
     } else if (Tag() == "</File") {
         state_ = State::kContainer;
@@ -412,6 +411,7 @@ void DocumentReader::StepFile() {
     } else if (Tag() == "<Locations") {
         state_ = State::kInLocations;
     }
+    return true;
 }
 
 // A document down to the file of its definition, one state for each level.
@@ -532,29 +532,33 @@ bool DocumentReader::StoreBox() {
 }
 
 // A file's name belongs to the part that was assigned the file last, or is kept for later.
-void DocumentReader::TakeIdentifier() {
+bool DocumentReader::TakeIdentifier() {
     const string_view fileName = find::CutAtNul(scan_.id);
     ProductNode* const product = assignedDocuments_.empty() ? nullptr : assignedDocuments_.back().product;
     if (product == nullptr || assignedDocuments_.back().uid != fileUid_) {
         mapDF_Filename_.Add(fileUid_, fileName);
-        return;
-    }
-    if (IsXmlByLastLetters(fileName) == 0) {
-        AddPart(product, fileName);
-    } else if (productIsNew_) {
-        AddAssembly(product, fileName);
+        return true;
     }
     resolvedDirectly_ = 1;
+    if (IsXmlByLastLetters(fileName) == 0) { return AddPart(product, fileName); }
+    return !productIsNew_ || AddAssembly(product, fileName);
 }
 
-void DocumentReader::AddPart(ProductNode* product, string_view fileName) {
+bool DocumentReader::NameFile(ProductNode* product, string_view fileName) {
     product->fileName = arena_.Copy(fileName.data(), fileName.size());
+    return product->fileName != nullptr || Fail(kNoMemory);
+}
+
+bool DocumentReader::AddPart(ProductNode* product, string_view fileName) {
+    if (!NameFile(product, fileName)) { return false; }
     parts_.Append(product);
+    return true;
 }
 
-void DocumentReader::AddAssembly(ProductNode* product, string_view fileName) {
-    product->fileName = arena_.Copy(fileName.data(), fileName.size());
+bool DocumentReader::AddAssembly(ProductNode* product, string_view fileName) {
+    if (!NameFile(product, fileName)) { return false; }
     assemblies_.Append(product);
+    return true;
 }
 
 // Finds the root and the child of every occurrence.
@@ -587,7 +591,7 @@ bool DocumentReader::ResolveOccurrences() {
 
 // The route of file names through documents and files, for a text in which no file stood right after its
 // part.
-void DocumentReader::ResolveFileNames() {
+bool DocumentReader::ResolveFileNames() {
     // This channel is Latin-1: 0xE9 is the "e" with an acute accent.
     constexpr const char* kNotInFiles = "<E> Chaine %.*s non trouv\xE9"
                                         "e dans mapDF_Filename\n";
@@ -610,11 +614,12 @@ void DocumentReader::ResolveFileNames() {
             continue;
         }
         if (IsXmlByLastLetters(*fileName) == 0) {
-            AddPart(assigned.product, *fileName);
-        } else if (assigned.product->fileName == nullptr) {
-            AddAssembly(assigned.product, *fileName);
+            if (!AddPart(assigned.product, *fileName)) { return false; }
+        } else if (assigned.product->fileName == nullptr && !AddAssembly(assigned.product, *fileName)) {
+            return false;
         }
     }
+    return true;
 }
 
 void DocumentReader::Undo() {
