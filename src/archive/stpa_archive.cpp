@@ -35,7 +35,7 @@ ZipArchive::ZipArchive(const char* path) {
     std::string name(path, strnlen(path, kPathRoom));
     const auto open = [this](const char* opened) {
         file_.emplace(opened);
-        if (file_->IsOpen()) { zip_ = unzOpen64(opened); }
+        if (file_->IsOpen()) { zip_.reset(unzOpen64(opened)); }
         return zip_ != nullptr;
     };
     if (!open(path)) {
@@ -50,17 +50,18 @@ ZipArchive::ZipArchive(const char* path) {
     IndexArchive(name.c_str());
 }
 
-ZipArchive::~ZipArchive() {
-    if (zip_ != nullptr) { unzClose(zip_); }
+void ZipArchive::CloseZip::operator()(void* zip) const {
+    unzClose(zip);
 }
 
 void ZipArchive::IndexArchive(const char* name) {
-    for (int result = unzGoToFirstFile(zip_); result == UNZ_OK; result = unzGoToNextFile(zip_)) {
+    for (int result = unzGoToFirstFile(zip_.get()); result == UNZ_OK; result = unzGoToNextFile(zip_.get())) {
         char buffer[kNameRoom];
         unz_file_info64 info{};
         unz64_file_pos position{};
-        if (unzGetCurrentFileInfo64(zip_, &info, buffer, sizeof buffer, nullptr, 0, nullptr, 0) != UNZ_OK ||
-            unzGetFilePos64(zip_, &position) != UNZ_OK) {
+        if (unzGetCurrentFileInfo64(zip_.get(), &info, buffer, sizeof buffer, nullptr, 0, nullptr, 0) !=
+                UNZ_OK ||
+            unzGetFilePos64(zip_.get(), &position) != UNZ_OK) {
             break;
         }
         if (info.size_filename >= kNameRoom) {
@@ -76,8 +77,8 @@ void ZipArchive::IndexArchive(const char* name) {
 bool ZipArchive::GoTo(const ZipEntry& entry, MemberInfo* member) {
     const unz64_file_pos position{entry.centralOffset, entry.memberIndex};
     unz_file_info64 info{};
-    if (unzGoToFilePos64(zip_, &position) != UNZ_OK ||
-        unzGetCurrentFileInfo64(zip_, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK) {
+    if (unzGoToFilePos64(zip_.get(), &position) != UNZ_OK ||
+        unzGetCurrentFileInfo64(zip_.get(), &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK) {
         return false;
     }
     *member = {info.compressed_size, info.uncompressed_size, info.compression_method,
@@ -89,9 +90,9 @@ bool ZipArchive::GoTo(const ZipEntry& entry, MemberInfo* member) {
 bool ZipArchive::FindData(std::uint64_t* offset) {
     int method;
     int level;
-    if (unzOpenCurrentFile2(zip_, &method, &level, 1) != UNZ_OK) { return false; }
-    *offset = unzGetCurrentFileZStreamPos64(zip_);
-    unzCloseCurrentFile(zip_);
+    if (unzOpenCurrentFile2(zip_.get(), &method, &level, 1) != UNZ_OK) { return false; }
+    *offset = unzGetCurrentFileZStreamPos64(zip_.get());
+    unzCloseCurrentFile(zip_.get());
     return true;
 }
 

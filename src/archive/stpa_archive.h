@@ -28,7 +28,6 @@ public:
     explicit ZipArchive(const char* path);
     ZipArchive(const ZipArchive&) = delete;
     ZipArchive& operator=(const ZipArchive&) = delete;
-    ~ZipArchive() override;
 
     bool IsOpen() const { return zip_ != nullptr; }
     // Members that can be asked for.
@@ -54,8 +53,11 @@ private:
     bool FindData(std::uint64_t* offset);
     std::size_t BytesThere(const MemberInfo& info, std::uint64_t offset) const;
 
-    void* zip_ = nullptr;            // the library's handle
-    std::optional<OpenedFile> file_; // the same file, for the raw bytes
+    struct CloseZip {
+        void operator()(void* zip) const;
+    };
+    std::unique_ptr<void, CloseZip> zip_; // the library's handle
+    std::optional<OpenedFile> file_;      // the same file, for the raw bytes
     // By name; of two of one name the first in the central directory counts. It spares a walk over the
     // directory for every member that is wanted.
     LookUp<std::string_view, ZipEntry> members_;
