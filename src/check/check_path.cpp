@@ -226,7 +226,7 @@ CheckReport CheckPath(LoadDispatch& dispatch, const std::string& path, const cha
                       bool useThreads) {
     CheckReport report;
     report.path = path;
-    const FileKind kind = KindOf(path);
+    const FileKind kind = FileKindOf(path);
     if (kind == FileKind::kStep) {
         StepFiles(&report).Check(path);
     } else if (LoadFile(dispatch, path.c_str(), rootName, useThreads)) {

@@ -52,7 +52,7 @@ bool LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, bo
     // A copy first: the caller may pass the very path that is replaced here.
     const std::string wanted = path;
     dispatch.currentPath = wanted;
-    const FileKind kind = KindOf(wanted);
+    const FileKind kind = FileKindOf(wanted);
     SceneView& view = dispatch.view;
     LoadControls& controls = dispatch.controls;
     const LoadCommands& commands = dispatch.commands;

@@ -13,7 +13,7 @@ TextFile OpenStpxFile(std::string path) {
 }
 
 bool IsXmlFileName(std::string_view name) {
-    return KindOf(name) == FileKind::kStepXml;
+    return FileKindOf(name) == FileKind::kStepXml;
 }
 
 } // namespace tarnwick
