@@ -1,6 +1,6 @@
 // An assembly over several files.
+#include "formats/load_commands.h"
 #include "harness.h"
-#include "load/view_setup.h"
 
 using namespace tarnwick;
 

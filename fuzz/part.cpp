@@ -1,6 +1,6 @@
 // One part, from its file to the scene.
+#include "formats/load_commands.h"
 #include "harness.h"
-#include "load/view_setup.h"
 
 using namespace tarnwick;
 

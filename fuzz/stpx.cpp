@@ -8,8 +8,10 @@ using namespace tarnwick;
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     return fuzz::Outcome(size, [&] {
         const auto paths = fuzz::Folder::Own().WriteBundle(fuzz::Text(data, size), "top.stpx");
-        StpxSession boxes;
-        TraiteSTEPXFileNewMT(boxes, paths[0].c_str(), nullptr, 1, 0);
+        LoadedScene boxes;
+        boxes.scene = std::make_unique<SceneMemory>();
+        StpxSession session(boxes);
+        TraiteSTEPXFileNewMT(session, paths[0].c_str(), nullptr, 1, false);
         SceneView view;
         LoadStpxFile(view, paths[0].c_str(), "wheel", 0);
         fuzz::Touch(view);
