@@ -36,13 +36,14 @@ int main(int argc, char** argv) {
     }
     std::string program = argv[2];
     for (int i = 3; i < argc; ++i) { program += std::string(" ") + argv[i]; }
-    char folder[] = "/tmp/tarnwick-growth-XXXXXX";
-    if (mkdtemp(folder) == nullptr) { return 2; }
+    std::string folder =
+        "/tmp/tarnwick-growth-" + std::string(6, 'X'); // mkdtemp puts something else for these
+    if (mkdtemp(folder.data()) == nullptr) { return 2; }
     std::printf("%-46s %9s %9s %9s %7s\n", "seconds", "n", "2n", "4n", "4n / n");
     for (const tarnwick::growth::Case& tried : tarnwick::growth::Cases()) {
         double seconds[3];
         for (int i = 0; i < 3; ++i) {
-            const std::string path = std::string(folder) + "/growth." + tried.extension;
+            const std::string path = folder + "/growth." + tried.extension;
             std::ofstream(path) << tried.text(tried.n << i);
             seconds[i] = SecondsOf(program + " " + path + " >/dev/null 2>&1", turns);
         }

@@ -211,7 +211,9 @@ bool Campaign::Report() const {
 }
 
 int RunAll(const Options& options) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "tarnwick-faults-XXXXXX").string();
+    // mkdtemp puts something else for the six.
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / ("tarnwick-faults-" + std::string(6, 'X'))).string();
     if (mkdtemp(pattern.data()) == nullptr) {
         std::perror("mkdtemp");
         return 3;
