@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tarnwick {
+
+// Readable zeros behind a text that is in memory.
+inline constexpr std::size_t kBytesPadding = 32;
+
+// The bytes of a file, unpacked; `error` says in words why there are none.
+struct FileBytes {
+    std::unique_ptr<char[]> data;
+    std::size_t size = 0; // without the padding
+    std::string error;
+    std::string member; // of the archive that the file is, or empty
+
+    bool IsRead() const { return data != nullptr; }
+    std::string_view Text() const { return {data.get(), size}; }
+};
+
+// Reads a file whole. What is packed is told by its first bytes and not by its name: a gzip or zlib stream is
+// inflated; of a ZIP archive, the first member that has a name of a STEP file (or the first of all). Never
+// more than `most` bytes come out. Any thread.
+FileBytes ReadFileBytes(const std::string& path, std::size_t most);
+
+} // namespace tarnwick

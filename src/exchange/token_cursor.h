@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace tarnwick {
+
+// The tokens of ISO 10303-21, clause 5.3 and 6.
+enum class TokenKind : std::uint8_t {
+    kEnd,
+    kOpen,
+    kClose,
+    kComma,
+    kSemicolon,
+    kEquals,
+    kReference,   // #12
+    kValue,       // @12, an instance that is a value
+    kInteger,     // -12
+    kReal,        // 1.5E-3
+    kString,      // 'text', with its quotes
+    kEnumeration, // .T.
+    kBinary,      // "0F", with its quotes
+    kKeyword,     // also the one of a typed parameter
+    kOmitted,     // $
+    kDerived,     // *
+    kResource,    // <file.stp#anchor>
+    kBad          // one character that begins none of these, or a token without its end
+};
+
+struct Token {
+    TokenKind kind = TokenKind::kEnd;
+    std::string_view text;
+};
+
+// Goes over a text token by token, blanks and comments apart. 16 bytes behind the text must be readable.
+class TokenCursor {
+public:
+    explicit TokenCursor(std::string_view text) : p_(text.data()), end_(p_ + text.size()) {}
+    // kEnd behind the last.
+    Token Next();
+
+private:
+    Token Take(TokenKind kind, const char* end) {
+        const Token token{kind, {p_, static_cast<std::size_t>(end - p_)}};
+        p_ = end;
+        return token;
+    }
+    Token Closed(TokenKind kind, char close);
+    Token Number();
+    Token Enumeration();
+
+    const char* p_;
+    const char* end_;
+};
+
+} // namespace tarnwick
