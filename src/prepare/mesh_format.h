@@ -1,0 +1,89 @@
+#pragma once
+
+#include "write/index_lists.h"
+#include "write/placement.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What tarnwick-mesh and its client say to each other. Both run on one machine and come from one build, so
+// numbers are in its byte order.
+namespace tarnwick {
+
+// Of one face. Points are in the length unit of the bodies' context.
+struct MeshFace {
+    std::uint64_t entity = 0; // of the face in the text; 0 where nobody knows
+    std::vector<Vec3> points;
+    std::vector<Vec3> normals;       // one for each point, or none; of unit length, pointing outwards
+    std::vector<Triangle> triangles; // of points, from 0; counter-clockwise seen from outside
+};
+
+struct MeshBody {
+    std::uint64_t entity = 0;
+    std::vector<MeshFace> faces;          // those with triangles
+    std::vector<std::uint64_t> lostFaces; // in the text, but without triangles
+};
+
+// Why a body came without its shape, in the kernel's words.
+struct MeshProblem {
+    std::uint64_t entity = 0; // of the body; 0 for all of them
+    std::string words;
+};
+
+enum class MeshAlgorithm : std::uint8_t { kDefault, kDelabella };
+
+struct MeshRequest {
+    std::string text; // a whole file, see KernelText
+    std::vector<std::uint64_t> bodies;
+    double deflection = 0.001; // the most that a triangle is off its surface, as a part of the diagonal
+    // Of the box that deflection is relative to, in the length unit of the context; 0: the box of all these
+    // bodies together.
+    double diagonal = 0;
+    double angle = 20; // the most between neighbouring pieces of a curve, in degrees
+    MeshAlgorithm algorithm = MeshAlgorithm::kDefault;
+};
+
+enum class MeshStage : std::uint8_t { kReading, kTransfer, kMeshing };
+
+// What the kernel begins now.
+struct MeshProgress {
+    MeshStage stage = MeshStage::kReading;
+    std::uint64_t body = 0; // of kTransfer
+};
+
+struct MeshAnswer {
+    double diagonal = 0; // that deflection was relative to, as in the request
+    // In the order of the request, those without a shape left out. Lost faces aren't told: the client counts.
+    std::vector<MeshBody> bodies;
+    std::vector<MeshProblem> problems;
+};
+
+enum class MeshMessage : std::uint32_t { kRequest = 1, kProgress = 2, kAnswer = 3 };
+
+// Stands before each message.
+struct MeshHead {
+    MeshMessage kind = MeshMessage::kRequest;
+    std::uint64_t length = 0; // of what follows
+};
+inline constexpr std::size_t kMeshHeadSize = 16;
+
+// Whole messages, with their heads.
+std::string EncodeMesh(const MeshRequest& request);
+std::string EncodeMesh(const MeshProgress& progress);
+std::string EncodeMesh(const MeshAnswer& answer);
+
+// Nothing where these kMeshHeadSize bytes begin no message of this version.
+std::optional<MeshHead> DecodeMeshHead(std::string_view bytes);
+
+// Read what follows a head. False where a count goes beyond the bytes, bytes are left over, a number isn't
+// finite, a triangle has a point that its face lacks, or the normals are fewer or more than the points; the
+// record is of no use then. Never takes more memory than a small multiple of the bytes.
+bool DecodeMesh(std::string_view bytes, MeshRequest* request);
+bool DecodeMesh(std::string_view bytes, MeshProgress* progress);
+bool DecodeMesh(std::string_view bytes, MeshAnswer* answer);
+
+} // namespace tarnwick
