@@ -57,7 +57,8 @@ struct MeshProgress {
 
 struct MeshAnswer {
     double diagonal = 0; // that deflection was relative to, as in the request
-    // In the order of the request, those without a shape left out. Lost faces aren't told: the client counts.
+    // In the order of the request, those without a shape left out. Their lost faces are those that the kernel
+    // made, but found no triangles for; it tells nothing of faces that it didn't make.
     std::vector<MeshBody> bodies;
     std::vector<MeshProblem> problems;
 };

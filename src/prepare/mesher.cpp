@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <iterator>
 #include <string_view>
 
 namespace tarnwick {
@@ -21,15 +22,17 @@ constexpr double kCoarser = 10;
 constexpr double kCoarserAngle = 40;
 // Of numbers of faces in one message.
 constexpr std::size_t kMostNamed = 5;
+constexpr std::size_t kFacesAtATime = 64;
 // So often in a row may the program end before it tells of any progress; it can't be made to work then.
 constexpr int kMostSilentEnds = 2;
 
-// Of the time that is left when something begins, so much may go by before it is given up: making the shape
-// of one body alone; that of one among others; making all shapes; triangulating.
-constexpr double kShareOfOne = 0.6;
-constexpr double kShareOfEach = 0.2;
-constexpr double kShareOfAll = 0.7;
-constexpr double kShareOfMeshing = 0.5;
+// Of the time that is left when something begins, so much may go by before it is given up.
+constexpr double kShareOfOne = 0.5;     // making the shape of a body alone
+constexpr double kShareOfEach = 0.2;    // that of a body among others
+constexpr double kShareOfAll = 0.7;     // making all shapes
+constexpr double kShareOfMeshing = 0.5; // triangulating
+constexpr double kShareOfGroup = 0.4;   // all that is done for a group of faces
+constexpr double kShareOfFace = 0.1;    // making the shape of a face among others
 
 // A body on its way.
 struct PendingBody {
@@ -37,6 +40,7 @@ struct PendingBody {
     std::vector<std::uint64_t> faces; // that the text has
     std::vector<std::string> reasons; // each once
     bool isMade = false;              // the kernel has answered with it
+    bool hasBareFaces = false;        // the kernel made them, but found no triangles
     bool isRefused = false;           // the kernel makes no shape of it, or doesn't come back from that
     bool isCoarse = false;            // some faces are coarser than asked
     bool isInPieces = false;          // faces that the kernel made one by one
@@ -54,6 +58,7 @@ using Bodies = std::vector<PendingBody*>;
 struct Quality {
     MeshAlgorithm algorithm = MeshAlgorithm::kDefault;
     bool isCoarse = false;
+    double share = kShareOfEach;
 };
 
 // One call of Mesh.
@@ -65,14 +70,16 @@ public:
           end_(ClockSeconds() + options.timeLimit) {}
 
     MeshResult Run(std::span<const std::uint64_t> numbers) {
+        bodies_.reserve(numbers.size());
         for (const std::uint64_t number : numbers) { Add(number); }
+        all_ = Unfinished(bodies_);
         constexpr Quality kQualities[] = {{MeshAlgorithm::kDefault, false},
                                           {MeshAlgorithm::kDelabella, false}};
-        for (const Quality& quality : kQualities) { Together(Unfinished(bodies_), quality); }
+        for (const Quality& quality : kQualities) { Together(Unfinished(bodies_), quality, end_); }
         OneByOne(Unmade(), false);
         OneByOne(Unmade(), true);
         for (const Quality& quality : kQualities) {
-            Together(Unfinished(bodies_), {quality.algorithm, true});
+            Together(Unfinished(bodies_), {quality.algorithm, true}, end_);
         }
         FaceByFace();
         return Result();
@@ -97,7 +104,9 @@ private:
     static Bodies Unfinished(std::vector<PendingBody>& bodies) {
         Bodies selected;
         for (PendingBody& body : bodies) {
-            if (!body.IsDone() && !body.isRefused) { selected.push_back(&body); }
+            if (!body.IsDone() && !body.isRefused && (!body.isMade || body.hasBareFaces)) {
+                selected.push_back(&body);
+            }
         }
         return selected;
     }
@@ -112,10 +121,10 @@ private:
 
     // Has the kernel make bodies in one go. One that it doesn't come back from is set apart, and the others
     // are asked for again.
-    void Together(Bodies bodies, Quality quality) {
-        while (!bodies.empty() && !IsOver()) {
+    void Together(Bodies bodies, Quality quality, double end) {
+        while (!bodies.empty() && !IsOver() && ClockSeconds() < end) {
             const std::size_t before = bodies.size();
-            Ask(bodies, quality, end_);
+            Ask(bodies, quality, end);
             std::erase_if(bodies, [](const PendingBody* body) { return body->isRefused; });
             if (bodies.size() == before || lastEnd_ == MeshEnd::kAnswered) { return; }
         }
@@ -133,26 +142,34 @@ private:
         }
     }
 
-    // What the kernel makes no body of may still have good faces.
+    // What the kernel makes no body of may still have good faces. They are asked for in groups, so that a bad
+    // one costs no more than its group.
     void FaceByFace() {
         for (PendingBody& body : bodies_) {
-            if (body.isMade || body.faces.empty() || IsOver()) { continue; }
-            std::vector<PendingBody> faces(body.faces.size());
-            for (std::size_t i = 0; i < faces.size(); ++i) {
-                faces[i].mesh.entity = body.faces[i];
-                faces[i].faces = {body.faces[i]};
-                faces[i].mesh.lostFaces = faces[i].faces;
-            }
-            Together(Unfinished(faces), {});
-            Together(Unfinished(faces), {MeshAlgorithm::kDelabella, false});
             MeshBody found;
-            for (PendingBody& face : faces) {
-                std::move(face.mesh.faces.begin(), face.mesh.faces.end(), std::back_inserter(found.faces));
+            for (std::size_t i = 0; !body.isMade && i < body.faces.size() && !IsOver(); i += kFacesAtATime) {
+                const std::size_t end = std::min(i + kFacesAtATime, body.faces.size());
+                AskForFaces({body.faces.data() + i, end - i}, &found);
             }
             if (!found.faces.empty()) {
                 Merge(&body, &found, false);
                 body.isInPieces = true;
             }
+        }
+    }
+
+    void AskForFaces(std::span<const std::uint64_t> numbers, MeshBody* found) {
+        std::vector<PendingBody> faces(numbers.size());
+        for (std::size_t i = 0; i < faces.size(); ++i) {
+            faces[i].mesh.entity = numbers[i];
+            faces[i].faces = {numbers[i]};
+            faces[i].mesh.lostFaces = {numbers[i]};
+        }
+        const double end = ClockSeconds() + Left() * kShareOfGroup;
+        Together(Unfinished(faces), {MeshAlgorithm::kDefault, false, kShareOfFace}, end);
+        Together(Unfinished(faces), {MeshAlgorithm::kDelabella, false, kShareOfFace}, end);
+        for (PendingBody& face : faces) {
+            std::move(face.mesh.faces.begin(), face.mesh.faces.end(), std::back_inserter(found->faces));
         }
     }
 
@@ -169,7 +186,7 @@ private:
         request.diagonal = diagonal_;
         request.algorithm = quality.algorithm;
         const double start = ClockSeconds();
-        const double share = bodies.size() == 1 ? kShareOfOne : kShareOfEach;
+        const double share = bodies.size() == 1 ? std::max(kShareOfOne, quality.share) : quality.share;
         MeshOutcome outcome = process_.Ask(request, [&](const MeshProgress& progress) {
             const double now = ClockSeconds();
             switch (progress.stage) {
@@ -192,8 +209,8 @@ private:
 
     void TakeAnswer(const Bodies& bodies, MeshAnswer* answer, bool isCoarse) {
         silentEnds_ = 0;
-        // Further attempts are as fine as this one.
-        if (diagonal_ == 0) { diagonal_ = answer->diagonal; }
+        // Further attempts are as fine as the one that had all bodies.
+        if (bodies == all_ && answer->bodies.size() == all_.size()) { diagonal_ = answer->diagonal; }
         LookUp<std::uint64_t, PendingBody*> byNumber;
         for (PendingBody* const body : bodies) { byNumber.Add(body->mesh.entity, body); }
         for (MeshBody& mesh : answer->bodies) {
@@ -227,6 +244,7 @@ private:
         for (const std::uint64_t face : body->faces) {
             if (!has.Contains(face)) { body->mesh.lostFaces.push_back(face); }
         }
+        body->hasBareFaces = !from->lostFaces.empty();
         body->isMade = true;
     }
 
@@ -305,12 +323,13 @@ private:
     const MesherOptions& options_;
     MeshProcess& process_;
     const double end_;    // by ClockSeconds
-    double diagonal_ = 0; // that the first answer had
+    double diagonal_ = 0; // of the box of all bodies, or 0 where nobody knows
     MeshEnd lastEnd_ = MeshEnd::kNotStarted;
     int silentEnds_ = 0;  // in a row
     bool isOver_ = false; // nothing more can be had
     bool isCancelled_ = false;
     std::vector<PendingBody> bodies_;
+    Bodies all_; // that the kernel may be asked for
 };
 
 bool IsProgram(const std::string& path) {

@@ -4,6 +4,7 @@
 
 #include <Bnd_Box.hxx>
 #include <BRep_Builder.hxx>
+#include <BRep_Tool.hxx>
 #include <BRepBndLib.hxx>
 #include <BRepMesh_IncrementalMesh.hxx>
 #include <IMeshTools_Parameters.hxx>
@@ -11,6 +12,7 @@
 #include <Message.hxx>
 #include <Message_Messenger.hxx>
 #include <OSD.hxx>
+#include <OSD_Signal.hxx>
 #include <Precision.hxx>
 #include <Standard_ErrorHandler.hxx>
 #include <Standard_Failure.hxx>
@@ -38,6 +40,7 @@
 #include <TransferBRep.hxx>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <exception>
 #include <istream>
@@ -67,6 +70,8 @@ std::string Caught(const Work& work) {
     try {
         OCC_CATCH_SIGNALS
         work();
+    } catch (const OSD_Signal&) {
+        return "the geometry kernel crashed";
     } catch (const Standard_Failure& failure) {
         const char* const words = failure.GetMessageString();
         const std::string name = failure.DynamicType()->Name();
@@ -76,6 +81,11 @@ std::string Caught(const Work& work) {
     } catch (...) { return "unknown exception"; }
     return {};
 }
+
+// A box that is larger than this times the spread of the vertices comes from a damaged number.
+constexpr double kMostDiagonal = 1e4;
+constexpr std::size_t kEnoughVertices = 24;
+constexpr std::size_t kPartOfOuterVertices = 10;
 
 using Entity = opencascade::handle<Standard_Transient>;
 using FaceNumbers = std::unordered_map<const TopoDS_TShape*, std::uint64_t>;
@@ -211,8 +221,7 @@ private:
         return "the kernel makes no shape of it";
     }
 
-    // The diagonal of the box of all bodies, in millimetres. Control points and tolerances may widen the box.
-    double Diagonal() const {
+    Bnd_Box BoxOfAll() const {
         Bnd_Box box;
         for (const KernelBody& body : bodies_) {
             Bnd_Box own;
@@ -224,16 +233,49 @@ private:
             }
             box.Add(own);
         }
-        if (box.IsVoid()) { return 0; }
-        const double diagonal = std::sqrt(box.SquareExtent());
-        return std::isfinite(diagonal) ? diagonal : 0;
+        return box;
+    }
+
+    // How far apart all vertices but the outermost few are, in millimetres; 0 where there aren't enough.
+    double SpreadOfVertices() const {
+        std::array<std::vector<double>, 3> coordinates;
+        for (const KernelBody& body : bodies_) {
+            for (TopExp_Explorer vertices(body.shape, TopAbs_VERTEX); vertices.More(); vertices.Next()) {
+                const gp_Pnt point = BRep_Tool::Pnt(TopoDS::Vertex(vertices.Current()));
+                for (int axis = 0; axis < 3; ++axis) {
+                    coordinates[static_cast<std::size_t>(axis)].push_back(point.Coord(axis + 1));
+                }
+            }
+        }
+        const std::size_t count = coordinates[0].size();
+        if (count < kEnoughVertices) { return 0; }
+        const std::size_t outer = count / kPartOfOuterVertices;
+        double square = 0;
+        for (std::vector<double>& all : coordinates) {
+            const auto low = all.begin() + static_cast<std::ptrdiff_t>(outer);
+            const auto high = all.begin() + static_cast<std::ptrdiff_t>(count - 1 - outer);
+            std::nth_element(all.begin(), low, all.end());
+            std::nth_element(low, high, all.end());
+            square += (*high - *low) * (*high - *low);
+        }
+        return std::sqrt(square);
+    }
+
+    // The diagonal of the box of all bodies, in millimetres. Control points and tolerances may widen the box;
+    // a damaged number would, so that all triangles were lost in a deflection beyond any measure.
+    double Diagonal() const {
+        const Bnd_Box box = BoxOfAll();
+        const double diagonal = box.IsVoid() ? 0 : std::sqrt(box.SquareExtent());
+        const double spread = SpreadOfVertices();
+        const bool isDamaged = !std::isfinite(diagonal) || diagonal > kMostDiagonal * spread;
+        return isDamaged && spread > 0 && std::isfinite(spread) ? spread : diagonal;
     }
 
     void MeshAll() {
         double diagonal = request_.diagonal * unit_;
         if (!(diagonal > 0)) { diagonal = Diagonal(); }
+        if (!std::isfinite(diagonal)) { diagonal = 0; }
         answer_.diagonal = diagonal / unit_;
-        if (!std::isfinite(answer_.diagonal)) { answer_.diagonal = 0; }
 
         TopoDS_Compound all;
         const BRep_Builder builder;
@@ -257,10 +299,13 @@ private:
             const TopoDS_Face& face = TopoDS::Face(faces.Current());
             MeshFace mesh;
             const std::string problem = Caught([&] { TakeFaceMesh(face, unit_, &mesh); });
-            if (!problem.empty() || mesh.triangles.empty()) { continue; }
             const auto number = body.numbers.find(face.TShape().get());
             mesh.entity = number != body.numbers.end() ? number->second : 0;
-            out.faces.push_back(std::move(mesh));
+            if (problem.empty() && !mesh.triangles.empty()) {
+                out.faces.push_back(std::move(mesh));
+            } else {
+                out.lostFaces.push_back(mesh.entity);
+            }
         }
     }
 
