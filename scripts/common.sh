@@ -29,7 +29,9 @@ ensure_packages() {
   messages=$(apt_get install -y --no-install-recommends "${missing[@]}" 2>&1) || { say "$messages"; return 1; }
 }
 
-build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcli11-dev)
+build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcli11-dev libxxhash-dev libpugixml-dev)
+# What reads exact shape; without it, prepare leaves that out.
+kernel_packages=(libocct-data-exchange-dev libocct-ocaf-dev)
 # What only the viewer and its tests need.
 viewer_packages=(qt6-base-dev libgl-dev libglu1-mesa-dev libgl1-mesa-dri libcpprest-dev libssl-dev curl)
 viewer_test_packages=(xvfb openbox xdotool wmctrl x11-utils libx11-dev libegl-dev locales xclip libwebsocketpp-dev openssl)
@@ -41,7 +43,7 @@ package_packages=(dpkg-dev file)
 package_check_packages=(lintian desktop-file-utils appstream libxml2-utils groff shared-mime-info libglib2.0-bin dbus-x11
   bash-completion)
 
-all_packages=("${build_packages[@]}" "${viewer_packages[@]}" "${viewer_test_packages[@]}" "${fuzz_packages[@]}"
+all_packages=("${build_packages[@]}" "${kernel_packages[@]}" "${viewer_packages[@]}" "${viewer_test_packages[@]}" "${fuzz_packages[@]}"
   "${test_packages[@]}" "${package_packages[@]}" "${package_check_packages[@]}")
 
 # build PRESET [TARGET...]: configures if need be, and builds.

@@ -3,11 +3,13 @@
 #include "text/opened_file.h"
 
 #include <minizip/unzip.h>
+#include <xxhash.h>
 #include <zlib.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -17,6 +19,13 @@ namespace tarnwick {
 namespace {
 
 constexpr const char* kNoMemory = "there is not enough memory for it";
+
+std::string TextOf(const XXH128_hash_t& hash) {
+    std::array<char, 40> text{};
+    std::snprintf(text.data(), text.size(), "%016llx%016llx", static_cast<unsigned long long>(hash.high64),
+                  static_cast<unsigned long long>(hash.low64));
+    return text.data();
+}
 
 // Bytes that come piece by piece into a block that doubles.
 class GrowingBytes {
@@ -191,9 +200,31 @@ FileBytes ReadFileBytes(const std::string& path, std::size_t most) {
         bytes.error = errno != 0 ? std::strerror(errno) : "it became shorter while it was read";
     }
     std::memset(bytes.data.get() + bytes.size, 0, kBytesPadding);
-    if (IsZip(bytes.Text())) { return ReadMember(path, most); }
-    if (IsGzip(bytes.Text()) || IsZlib(bytes.Text())) { return Inflate(bytes.Text(), most - size); }
-    return bytes;
+    bytes.digest = TextOf(XXH3_128bits(bytes.data.get(), bytes.size));
+    const bool isZip = IsZip(bytes.Text());
+    if (!isZip && !IsGzip(bytes.Text()) && !IsZlib(bytes.Text())) { return bytes; }
+    FileBytes unpacked = isZip ? ReadMember(path, most) : Inflate(bytes.Text(), most - size);
+    unpacked.digest = std::move(bytes.digest);
+    return unpacked;
+}
+
+std::string DigestOfFile(const std::string& path) {
+    const OpenedFile file(path.c_str());
+    XXH3_state_t* const state = file.IsOpen() ? XXH3_createState() : nullptr;
+    if (state == nullptr) { return {}; }
+    XXH3_128bits_reset(state);
+    constexpr std::size_t kBlock = 1 << 20;
+    const std::unique_ptr<char[]> block(new (std::nothrow) char[kBlock]);
+    std::uint64_t done = 0;
+    while (block != nullptr && done < file.Size()) {
+        const std::size_t got = file.ReadAt(done, block.get(), kBlock);
+        if (got == 0) { break; }
+        XXH3_128bits_update(state, block.get(), got);
+        done += got;
+    }
+    const XXH128_hash_t hash = XXH3_128bits_digest(state);
+    XXH3_freeState(state);
+    return done == file.Size() ? TextOf(hash) : std::string{};
 }
 
 } // namespace tarnwick

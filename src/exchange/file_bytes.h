@@ -16,6 +16,7 @@ struct FileBytes {
     std::size_t size = 0; // without the padding
     std::string error;
     std::string member; // of the archive that the file is, or empty
+    std::string digest; // of the file as it lies there: XXH3 of 128 bits, as hexadecimal digits
 
     bool IsRead() const { return data != nullptr; }
     std::string_view Text() const { return {data.get(), size}; }
@@ -25,5 +26,8 @@ struct FileBytes {
 // inflated; of a ZIP archive, the first member that has a name of a STEP file (or the first of all). Never
 // more than `most` bytes come out. Any thread.
 FileBytes ReadFileBytes(const std::string& path, std::size_t most);
+
+// What `digest` of ReadFileBytes would be, without keeping the bytes; empty where the file can't be read.
+std::string DigestOfFile(const std::string& path);
 
 } // namespace tarnwick

@@ -19,13 +19,13 @@ enum class ShapeKind : std::uint8_t {
 
 struct ShapeItem {
     ShapeKind kind = ShapeKind::kTessellated;
+    bool isSurface = false;           // an exact one that encloses nothing
     std::uint64_t item = 0;           // its number in the file
     std::uint64_t representation = 0; // the one that lists it, 0 if none
     std::uint64_t context = 0;        // of that representation, whose units count
     double unit = 1;                  // millimetres of one of its length units
     Transform at; // of the item in the product, in millimetres, where the item is first scaled by `unit`
-    std::vector<std::uint64_t> above; // mapped items and representations through which it came, whose style
-                                      // it has if it has none of its own
+    std::size_t path = 0; // in the file's paths
 };
 
 struct FileUse {
@@ -35,9 +35,10 @@ struct FileUse {
 };
 
 struct FileProduct {
-    std::string id;           // as the file has it, UTF-8, may be empty
-    std::string name;         // likewise
-    std::string file;         // of another file that describes it, as it is named there; may be empty
+    std::string id;   // as the file has it, UTF-8, may be empty
+    std::string name; // likewise
+    // Names of another file that describes it, as they stand there, the likeliest first; often none.
+    std::vector<std::string> files;
     std::uint64_t entity = 0; // its definition's number, 0 where there is none
     std::vector<ShapeItem> shape;
     std::vector<FileUse> uses;
@@ -53,6 +54,9 @@ struct Loss {
 
 struct FileStructure {
     std::vector<FileProduct> products;
+    // Mapped items and representations through which items came, whose style one has that has none of its
+    // own. The first path is empty.
+    std::vector<std::vector<std::uint64_t>> paths{{}};
     std::vector<std::size_t> roots; // products that none of this file uses, in the order of the file
     double unit = 1;                // millimetres of a length unit of its first root
     std::vector<Loss> losses;

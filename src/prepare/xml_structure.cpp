@@ -172,7 +172,7 @@ private:
         FileProduct product;
         product.id = IdOf(part.node);
         product.name = TextOf(ChildOf(part.node, "Name"));
-        if (file != kNone) { product.file = r_.holders[file].file; }
+        if (file != kNone && !r_.holders[file].file.empty()) { product.files = {r_.holders[file].file}; }
         structure_.products.push_back(std::move(product));
     }
 

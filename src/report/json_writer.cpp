@@ -80,22 +80,42 @@ void JsonWriter::Double(double number) {
     Number(digits, end.ptr);
 }
 
-void JsonWriter::Text(std::string_view bytes) {
+void JsonWriter::Escaped(char c) {
     constexpr char hex[] = "0123456789abcdef";
+    const auto code = static_cast<unsigned char>(c);
+    if (code < ' ') {
+        text_ += "\\u00";
+        text_ += hex[code >> 4];
+        text_ += hex[code & 15];
+        return;
+    }
+    if (c == '"' || c == '\\') { text_ += '\\'; }
+    text_ += c;
+}
+
+void JsonWriter::Text(std::string_view bytes) {
     Separate();
     text_ += '"';
     for (const char c : bytes) {
         const auto code = static_cast<unsigned char>(c);
-        if (code < ' ') {
-            text_ += "\\u00";
-            text_ += hex[code >> 4];
-            text_ += hex[code & 15];
-        } else if (code < 0x80) {
-            if (c == '"' || c == '\\') { text_ += '\\'; }
-            text_ += c;
+        if (code < 0x80) {
+            Escaped(c);
         } else {
             text_ += static_cast<char>(0xC0 | code >> 6);
             text_ += static_cast<char>(0x80 | (code & 0x3F));
+        }
+    }
+    text_ += '"';
+}
+
+void JsonWriter::Utf8(std::string_view text) {
+    Separate();
+    text_ += '"';
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) < 0x80) {
+            Escaped(c);
+        } else {
+            text_ += c;
         }
     }
     text_ += '"';

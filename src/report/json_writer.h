@@ -30,6 +30,9 @@ public:
     // The bytes of a file's string, each as the Latin-1 character that it is.
     void Text(std::string_view bytes);
     void TextOrNull(const char* text);
+    // Text that is UTF-8 already.
+    void Utf8(std::string_view text);
+    void Boolean(bool value) { Literal(value ? "true" : "false"); }
     // CRC-32 of zlib over `bytes` bytes, a string of 8 lower-case hexadecimal digits.
     void Crc(const void* data, std::size_t bytes);
 
@@ -39,6 +42,8 @@ public:
 private:
     void Begin(char bracket);
     void End(char bracket);
+    // An ASCII character as it stands in a string.
+    void Escaped(char c);
     // The comma in front of a value that isn't the first.
     void Separate();
     void Literal(std::string_view characters);

@@ -1,20 +1,53 @@
 #include "write/p21_product.h"
 
+#include <array>
+#include <string>
+#include <utility>
+
 namespace tarnwick {
 
 namespace {
 
-EntityId WriteGeometryContext(P21Writer* out) {
-    const EntityId millimetre = out->AddComplex("LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.)");
+EntityId WriteLengthUnit(P21Writer* out, double millimetres) {
+    static constexpr std::array<std::pair<double, std::string_view>, 4> kMetric{
+        {{1, ".MILLI."}, {10, ".CENTI."}, {1000, "$"}, {0.001, ".MICRO."}}};
+    for (const auto& [size, prefix] : kMetric) {
+        if (size == millimetres) {
+            return out->AddComplex("LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(" + std::string(prefix) + ",.METRE.)");
+        }
+    }
+    const EntityId millimetre = WriteLengthUnit(out, 1);
+    const EntityId dimensions = out->Add("DIMENSIONAL_EXPONENTS", 1.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0);
+    const EntityId measure = out->Begin("LENGTH_MEASURE_WITH_UNIT");
+    out->Put(P21Literal{"LENGTH_MEASURE("});
+    out->Put(millimetres);
+    out->Put(P21Literal{"),"});
+    out->Put(millimetre);
+    out->End();
+    const std::string_view name = millimetres == 25.4 ? "INCH" : millimetres == 304.8 ? "FOOT" : "UNIT";
+    const EntityId unit = out->Begin("");
+    out->Put(P21Literal{"CONVERSION_BASED_UNIT("});
+    out->Put(name);
+    out->Put(',');
+    out->Put(measure);
+    out->Put(P21Literal{")LENGTH_UNIT()NAMED_UNIT("});
+    out->Put(dimensions);
+    out->Put(')');
+    out->End();
+    return unit;
+}
+
+EntityId WriteGeometryContext(P21Writer* out, double millimetres) {
+    const EntityId length = WriteLengthUnit(out, millimetres);
     const EntityId radian = out->AddComplex("NAMED_UNIT(*)PLANE_ANGLE_UNIT()SI_UNIT($,.RADIAN.)");
     const EntityId steradian = out->AddComplex("NAMED_UNIT(*)SI_UNIT($,.STERADIAN.)SOLID_ANGLE_UNIT()");
     const EntityId accuracy = out->Add("UNCERTAINTY_MEASURE_WITH_UNIT", P21Literal{"LENGTH_MEASURE(0.001)"},
-                                       millimetre, "distance_accuracy_value", "");
+                                       length, "distance_accuracy_value", "");
     const EntityId context = out->Begin("");
     out->Put(P21Literal{"GEOMETRIC_REPRESENTATION_CONTEXT(3)GLOBAL_UNCERTAINTY_ASSIGNED_CONTEXT("});
     out->Put(std::vector{accuracy});
     out->Put(P21Literal{")GLOBAL_UNIT_ASSIGNED_CONTEXT("});
-    out->Put(std::vector{millimetre, radian, steradian});
+    out->Put(std::vector{length, radian, steradian});
     out->Put(P21Literal{")REPRESENTATION_CONTEXT('','3D')"});
     out->End();
     return context;
@@ -22,14 +55,14 @@ EntityId WriteGeometryContext(P21Writer* out) {
 
 } // namespace
 
-ContextIds WriteContexts(P21Writer* out, const Protocol& protocol) {
+ContextIds WriteContexts(P21Writer* out, const Protocol& protocol, double millimetres) {
     const EntityId application = out->Add("APPLICATION_CONTEXT", protocol.application);
     out->Add("APPLICATION_PROTOCOL_DEFINITION", "international standard", protocol.definition, protocol.year,
              application);
     ContextIds contexts;
     contexts.product = out->Add("PRODUCT_CONTEXT", "", application, "mechanical");
     contexts.definition = out->Add("PRODUCT_DEFINITION_CONTEXT", "part definition", application, "design");
-    contexts.geometry = WriteGeometryContext(out);
+    contexts.geometry = WriteGeometryContext(out, millimetres);
     return contexts;
 }
 

@@ -26,9 +26,10 @@ inline constexpr Protocol kAp209{"AP209_MULTIDISCIPLINARY_ANALYSIS_AND_DESIGN_MI
 struct ContextIds {
     EntityId product;
     EntityId definition;
-    EntityId geometry; // millimetres and radians
+    EntityId geometry; // one length unit and radians
 };
-ContextIds WriteContexts(P21Writer* out, const Protocol& protocol = kAp242);
+// `millimetres` are those of the length unit.
+ContextIds WriteContexts(P21Writer* out, const Protocol& protocol = kAp242, double millimetres = 1);
 
 struct ProductIds {
     EntityId product;

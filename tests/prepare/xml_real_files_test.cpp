@@ -31,7 +31,7 @@ using Placed = std::pair<std::string, std::array<double, 16>>;
 void AppendPlaced(const FileStructure& structure, std::size_t product, const Transform& at,
                   std::vector<Placed>* placed) {
     const FileProduct& p = structure.products[product];
-    if (!p.file.empty()) {
+    if (!p.files.empty()) {
         const auto& m = at.linear;
         placed->push_back({p.name,
                            {m[0], m[3], m[6], 0, m[1], m[4], m[7], 0, m[2], m[5], m[8], 0, at.move.x,
@@ -70,7 +70,7 @@ TEST(XmlRealFiles, ForeignNamesOfFilesStayAsTheyAre) {
     const FileStructure structure = ReadFile(path);
     std::vector<std::string> files;
     for (const FileProduct& product : structure.products) {
-        if (!product.file.empty()) { files.push_back(product.file); }
+        if (!product.files.empty()) { files.push_back(product.files[0]); }
     }
     EXPECT_THAT(files,
                 testing::UnorderedElementsAre("nut.jt", "rod.jt", "bolt.jt", "l-bracket.jt", "plate.jt"));

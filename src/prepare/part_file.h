@@ -1,0 +1,43 @@
+#pragma once
+
+#include "exchange/exchange_file.h"
+#include "prepare/mesher.h"
+#include "prepare/structure.h"
+#include "prepare/styles.h"
+#include "write/byte_sink.h"
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tarnwick::prepare {
+
+// A part with the file that its shape stands in.
+struct PartSource {
+    const ExchangeFile& file;
+    const FileStructure& structure;
+    Styles& styles;
+};
+
+struct PartOptions {
+    std::string name; // of the product as it is written
+    std::span<const ShapeItem> shape;
+    Transform turn;           // of the whole part, which mirrors or scales it
+    double unit = 1;          // millimetres of one length unit of what is written
+    Mesher* mesher = nullptr; // null where there is no kernel
+};
+
+struct PartResult {
+    std::size_t bodies = 0;
+    std::size_t faces = 0;
+    std::size_t triangles = 0;
+    std::vector<Loss> losses;
+    bool isCancelled = false;
+};
+
+// Writes a part file in the viewer's form. Without a triangle what is written is of no use. The sink stays
+// open.
+PartResult WritePart(const PartSource& source, const PartOptions& options, ByteSink* sink);
+
+} // namespace tarnwick::prepare

@@ -1,0 +1,403 @@
+#include "prepare/prepare.h"
+
+#include "platform/memory_left.h"
+#include "prepare/part_file.h"
+#include "prepare/prepare_record.h"
+#include "prepare/top_file.h"
+#include "prepare/whole.h"
+#include "write/byte_sink.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <set>
+#include <thread>
+#include <unordered_map>
+#include <utility>
+
+namespace tarnwick::prepare {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kLongestStem = 80;
+
+std::string Lower(std::string text) {
+    for (char& c : text) { c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+    return text;
+}
+
+std::string StemOf(const std::string& input) {
+    std::string name = fs::path(input).filename().string();
+    for (bool isCut = true; isCut;) {
+        isCut = false;
+        const std::string lower = Lower(name);
+        for (const char* const ending :
+             {".stp", ".step", ".p21", ".stpz", ".stpx", ".stpxz", ".xml", ".gz", ".z", ".zip", ".stpa"}) {
+            const std::string_view end(ending);
+            if (lower.size() > end.size() && lower.ends_with(end)) {
+                name.resize(name.size() - end.size());
+                isCut = true;
+                break;
+            }
+        }
+    }
+    return name;
+}
+
+// A name of a file on any system, in which the viewer's readers find nothing odd.
+std::string FileStem(const std::string& name) {
+    std::string stem;
+    for (const char c : name) {
+        const bool isPlain =
+            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+        if (isPlain || stem.empty() || stem.back() != '_') { stem.push_back(isPlain ? c : '_'); }
+    }
+    if (stem.size() > kLongestStem) { stem.resize(kLongestStem); }
+    return stem;
+}
+
+std::string OptionsLine(const PrepareOptions& o) {
+    char numbers[160];
+    std::snprintf(numbers, sizeof numbers, "%s deflection %.17g angle %.17g limit %.17g", TARNWICK_VERSION,
+                  o.deflection, o.angle, o.timeLimit);
+    return std::string(numbers) + (o.isCompressed ? " compressed" : " plain") +
+           (o.meshProgram.empty() ? " without kernel" : " with kernel");
+}
+
+// The text of a file while some worker needs it.
+struct SourceText {
+    FileBytes bytes;
+    std::unique_ptr<ExchangeFile> file;
+};
+
+class SourceTexts {
+public:
+    explicit SourceTexts(Whole* whole) : whole_(*whole), texts_(whole->files.size()) {}
+
+    // Null where the file can't be read again, or is another one by now.
+    std::shared_ptr<const ExchangeFile> Get(std::size_t place) {
+        WholeFileEntry& entry = whole_.files[place];
+        // The top is kept as it was read.
+        if (entry.source != nullptr) { return {std::shared_ptr<void>(), entry.source->file.get()}; }
+        const std::lock_guard lock(mutex_);
+        if (std::shared_ptr<const SourceText> known = texts_[place].lock()) {
+            return {known, known->file.get()};
+        }
+        const auto text = std::make_shared<SourceText>();
+        text->bytes = ReadFileBytes(entry.path, static_cast<std::size_t>(MemoryLeft()));
+        if (!text->bytes.IsRead() || text->bytes.digest != entry.digest) { return nullptr; }
+        text->file = std::make_unique<ExchangeFile>(text->bytes.Text());
+        texts_[place] = text;
+        return {text, text->file.get()};
+    }
+
+private:
+    Whole& whole_;
+    std::mutex mutex_;
+    std::vector<std::weak_ptr<const SourceText>> texts_;
+};
+
+class Preparation {
+public:
+    Preparation(const std::string& input, const PrepareOptions& options, const TellProgress& tell,
+                const std::atomic<bool>* cancel)
+        : options_(options), tell_(tell), cancel_(cancel), stem_(StemOf(input)) {
+        result_.input = input;
+        result_.output = options.folder + "/" + OutcomeName(input, options.isCompressed);
+    }
+
+    PrepareResult Run() {
+        const auto begin = std::chrono::steady_clock::now();
+        try {
+            Work();
+        } catch (const std::bad_alloc&) { result_.error = "there is not enough memory for it"; }
+        result_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+        return std::move(result_);
+    }
+
+private:
+    struct Job {
+        std::size_t product = 0;
+        std::string file;      // from the folder on, as it is written
+        std::string reference; // as the top file names it
+        PartResult result;
+        std::string error;
+    };
+
+    bool IsCancelled() const { return cancel_ != nullptr && *cancel_; }
+    std::string RecordPath() const { return options_.folder + "/" + stem_ + ".parts/prepared.txt"; }
+
+    void Work() {
+        std::error_code error;
+        if (fs::equivalent(result_.input, result_.output, error)) {
+            result_.error = "the outcome would take the place of the file; choose another folder";
+            return;
+        }
+        if (!options_.isForced && TakeEarlier()) { return; }
+        whole_ = LoadWhole(result_.input, cancel_);
+        if (!whole_.error.empty()) {
+            result_.error = whole_.error;
+            return;
+        }
+        result_.losses = std::move(whole_.losses);
+        fs::create_directories(options_.folder + "/" + stem_ + ".parts", error);
+        if (error) {
+            result_.error = "its folder can't be made: " + error.message();
+            return;
+        }
+        PlanJobs();
+        RunJobs();
+        if (IsCancelled()) {
+            result_.isCancelled = true;
+            return;
+        }
+        Finish();
+    }
+
+    bool TakeEarlier() {
+        std::optional<PrepareRecord> record = ReadRecord(RecordPath());
+        if (!record || record->options != OptionsLine(options_) || record->inputs.empty() ||
+            !IsSameFile(record->inputs[0].first, result_.input) || !Holds(*record, options_.folder)) {
+            return false;
+        }
+        record->result.input = std::move(result_.input);
+        record->result.output = std::move(result_.output);
+        result_ = std::move(record->result);
+        result_.isUnchanged = true;
+        return true;
+    }
+    static bool IsSameFile(const std::string& a, const std::string& b) {
+        std::error_code error;
+        return fs::equivalent(a, b, error);
+    }
+
+    // One for each product with shape, those of one file after the other.
+    void PlanJobs() {
+        isSingle_ = whole_.products[whole_.root].uses.empty();
+        std::vector<char> isReached(whole_.products.size());
+        std::vector<std::size_t> open{whole_.root};
+        isReached[whole_.root] = 1;
+        while (!open.empty()) {
+            const std::size_t product = open.back();
+            open.pop_back();
+            for (const WholeUse& use : whole_.products[product].uses) {
+                if (isReached[use.child]++ == 0) { open.push_back(use.child); }
+                isReached[use.child] = 1;
+            }
+        }
+        std::set<std::string> stems;
+        for (std::size_t i = 0; i < whole_.products.size(); ++i) {
+            if (!isReached[i] || whole_.products[i].shape.empty()) { continue; }
+            std::string stem = FileStem(whole_.products[i].name);
+            for (int next = 2; !stems.insert(Lower(stem)).second; ++next) {
+                stem = FileStem(whole_.products[i].name) + "-" + std::to_string(next + static_cast<int>(i));
+            }
+            Job job;
+            job.product = i;
+            const char* const packed = options_.isCompressed ? "z" : "";
+            job.file = isSingle_ ? OutcomeName(result_.input, options_.isCompressed)
+                                 : stem_ + ".parts/" + stem + ".stp" + packed;
+            job.reference = stem_ + ".parts/" + stem + ".stp";
+            jobs_.push_back(std::move(job));
+        }
+        std::stable_sort(jobs_.begin(), jobs_.end(), [this](const Job& a, const Job& b) {
+            return whole_.products[a.product].file < whole_.products[b.product].file;
+        });
+    }
+
+    void RunJobs() {
+        SourceTexts texts(&whole_);
+        texts_ = &texts;
+        Tell();
+        const std::size_t processors = std::max(1u, std::thread::hardware_concurrency());
+        const std::size_t workers = std::min(options_.jobs > 0 ? options_.jobs : processors, jobs_.size());
+        std::vector<std::thread> threads;
+        for (std::size_t i = 1; i < workers; ++i) {
+            threads.emplace_back([this] { Work1(); });
+        }
+        Work1();
+        for (std::thread& thread : threads) { thread.join(); }
+        texts_ = nullptr;
+    }
+
+    // What one thread does.
+    void Work1() {
+        std::optional<Mesher> mesher;
+        if (!options_.meshProgram.empty()) {
+            MesherOptions meshing;
+            meshing.program = options_.meshProgram;
+            meshing.deflection = options_.deflection;
+            meshing.angle = options_.angle;
+            meshing.timeLimit = options_.timeLimit;
+            meshing.memoryLimit = static_cast<std::size_t>(MemoryLeft());
+            mesher.emplace(meshing, cancel_);
+        }
+        std::shared_ptr<const ExchangeFile> file;
+        std::optional<Styles> styles;
+        std::size_t open = static_cast<std::size_t>(-1); // the place of the file
+        for (;;) {
+            const std::size_t next = nextJob_++;
+            if (next >= jobs_.size() || IsCancelled()) { return; }
+            Job& job = jobs_[next];
+            try {
+                const std::size_t place = whole_.products[job.product].file;
+                if (place != open) {
+                    styles.reset();
+                    file = texts_->Get(place);
+                    open = place;
+                    if (file != nullptr) { styles.emplace(*file); }
+                }
+                if (file == nullptr) {
+                    job.error = "its file changed or went away meanwhile";
+                } else {
+                    RunJob(&job, {*file, whole_.files[place].structure, *styles},
+                           mesher ? &*mesher : nullptr);
+                }
+            } catch (const std::bad_alloc&) { job.error = "there is not enough memory for it"; }
+            ++done_;
+            Tell();
+        }
+    }
+
+    void RunJob(Job* job, const PartSource& source, Mesher* mesher) {
+        const WholeProduct& product = whole_.products[job->product];
+        const std::string path = options_.folder + "/" + job->file;
+        std::unique_ptr<ByteSink> sink = OpenFile(path, options_.isCompressed);
+        {
+            job->result = WritePart(source, {product.name, product.shape, product.turn, whole_.unit, mesher},
+                                    sink.get());
+        }
+        // Nothing to show, or not all of it: what was written so far goes.
+        if (job->result.triangles == 0 || job->result.isCancelled) { return; }
+        if (!sink->Close()) {
+            job->error = "its file can't be written: " + sink->Error();
+            job->result.triangles = 0;
+        }
+    }
+
+    void Finish() {
+        std::vector<std::string> files(whole_.products.size());
+        for (Job& job : jobs_) {
+            const std::string& name = whole_.products[job.product].name;
+            std::move(job.result.losses.begin(), job.result.losses.end(), std::back_inserter(result_.losses));
+            if (!job.error.empty()) {
+                result_.losses.push_back({name, 0, job.error});
+            } else if (job.result.triangles == 0 && job.result.losses.empty()) {
+                result_.losses.push_back({name, 0, "its shape has no triangles"});
+            }
+            if (job.result.triangles == 0) { continue; }
+            files[job.product] = job.reference;
+            ++result_.parts;
+            result_.bodies += job.result.bodies;
+            result_.triangles += job.result.triangles;
+        }
+        if (result_.parts == 0) {
+            result_.error = result_.losses.empty() ? "it holds no shape" : "none of its shape came";
+            return;
+        }
+        CountPlaces(files);
+        if (!isSingle_) {
+            const std::unique_ptr<ByteSink> sink = OpenFile(result_.output, options_.isCompressed);
+            WriteTopFile(whole_, files, sink.get());
+            if (!sink->Close()) {
+                result_.error = "it can't be written: " + sink->Error();
+                return;
+            }
+        }
+        Record(files);
+    }
+
+    // Uses multiply from the root on.
+    void CountPlaces(const std::vector<std::string>& files) {
+        // Parents before their children.
+        std::vector<std::size_t> waiting(whole_.products.size());
+        for (const WholeProduct& product : whole_.products) {
+            for (const WholeUse& use : product.uses) { ++waiting[use.child]; }
+        }
+        std::vector<std::size_t> places(whole_.products.size());
+        places[whole_.root] = 1;
+        std::vector<std::size_t> open;
+        for (std::size_t i = 0; i < waiting.size(); ++i) {
+            if (waiting[i] == 0) { open.push_back(i); }
+        }
+        while (!open.empty()) {
+            const std::size_t product = open.back();
+            open.pop_back();
+            for (const WholeUse& use : whole_.products[product].uses) {
+                places[use.child] += places[product];
+                if (--waiting[use.child] == 0) { open.push_back(use.child); }
+            }
+        }
+        for (const Job& job : jobs_) {
+            if (files[job.product].empty()) { continue; }
+            result_.placedParts += places[job.product];
+            result_.placedTriangles += places[job.product] * job.result.triangles;
+        }
+    }
+
+    void Record(const std::vector<std::string>& files) {
+        PrepareRecord record;
+        record.options = OptionsLine(options_);
+        std::error_code error;
+        for (const WholeFileEntry& file : whole_.files) {
+            record.inputs.emplace_back(fs::absolute(file.path, error).string(), file.digest);
+        }
+        for (const std::string& path : whole_.missed) {
+            record.inputs.emplace_back(fs::absolute(path, error).string(), "");
+        }
+        const auto add = [&](const std::string& path) {
+            record.outputs.emplace_back(path, DigestOfFile(options_.folder + "/" + path));
+        };
+        if (!isSingle_) { add(OutcomeName(result_.input, options_.isCompressed)); }
+        for (const Job& job : jobs_) {
+            if (!files[job.product].empty()) { add(job.file); }
+        }
+        record.result = result_;
+        // Without it the next run does the same again, and no more.
+        WriteRecord(RecordPath(), record);
+    }
+
+    void Tell() {
+        if (!tell_) { return; }
+        const std::lock_guard lock(tellMutex_);
+        tell_(done_, jobs_.size());
+    }
+
+    const PrepareOptions& options_;
+    const TellProgress& tell_;
+    const std::atomic<bool>* const cancel_;
+    const std::string stem_;
+    PrepareResult result_;
+    Whole whole_;
+    bool isSingle_ = false; // the top file is the part
+    std::vector<Job> jobs_;
+    std::atomic<std::size_t> nextJob_{0};
+    std::atomic<std::size_t> done_{0};
+    SourceTexts* texts_ = nullptr;
+    std::mutex tellMutex_;
+};
+
+} // namespace
+
+bool PrepareResult::LacksShape() const {
+    return !error.empty() || isCancelled ||
+           std::any_of(losses.begin(), losses.end(), [](const Loss& loss) { return loss.isShape; });
+}
+
+std::string OutcomeName(const std::string& input, bool isCompressed) {
+    return StemOf(input) + (isCompressed ? ".stpz" : ".stp");
+}
+
+PrepareResult Prepare(const std::string& input, const PrepareOptions& options, const TellProgress& tell,
+                      const std::atomic<bool>* cancel) {
+    return Preparation(input, options, tell, cancel).Run();
+}
+
+} // namespace tarnwick::prepare

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "prepare/prepare.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tarnwick::prepare {
+
+// What an outcome was made from, kept beside its parts, so that the same needn't be made twice.
+struct PrepareRecord {
+    std::string options; // all that changes the outcome, as one line
+    // Paths and digests of the files that were read; those that were missed have none.
+    std::vector<std::pair<std::string, std::string>> inputs;
+    std::vector<std::pair<std::string, std::string>> outputs; // likewise written, paths from the folder on
+    PrepareResult result;
+};
+
+bool WriteRecord(const std::string& path, const PrepareRecord& record);
+// Nothing where there is none, or another version wrote it.
+std::optional<PrepareRecord> ReadRecord(const std::string& path);
+
+// Whether all files are still what they were, the outcome in that folder.
+bool Holds(const PrepareRecord& record, const std::string& folder);
+
+} // namespace tarnwick::prepare

@@ -1,0 +1,85 @@
+#include "prepare/source_files.h"
+
+#include "platform/memory_left.h"
+#include "prepare/p21_structure.h"
+#include "prepare/xml_structure.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <limits>
+
+namespace tarnwick::prepare {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsXml(std::string_view text) {
+    if (text.starts_with("\xEF\xBB\xBF")) { text.remove_prefix(3); }
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    return first != std::string_view::npos && text[first] == '<';
+}
+
+bool IsFile(const fs::path& path) {
+    std::error_code error;
+    return fs::is_regular_file(path, error);
+}
+
+} // namespace
+
+std::unique_ptr<LoadedSource> LoadSource(const std::string& path) {
+    auto source = std::make_unique<LoadedSource>();
+    const std::uint64_t room = MemoryLeft();
+    source->bytes = ReadFileBytes(path, static_cast<std::size_t>(std::min<std::uint64_t>(
+                                            room, std::numeric_limits<std::size_t>::max() / 2)));
+    if (!source->bytes.IsRead()) {
+        source->error = source->bytes.error;
+        return source;
+    }
+    const std::string_view text = source->bytes.Text();
+    if (IsXml(text)) {
+        if (!ReadXmlStructure(text, &source->structure, &source->error)) { return source; }
+    } else {
+        source->file = std::make_unique<ExchangeFile>(text);
+        if (!source->file->IsExchangeFile() && source->file->Instances().empty()) {
+            source->error = "it is neither an ISO 10303-21 file nor STEP XML";
+            return source;
+        }
+        source->structure = ReadP21Structure(*source->file);
+    }
+    if (!source->bytes.error.empty()) {
+        source->structure.losses.push_back({"", 0, source->bytes.error, true});
+    }
+    return source;
+}
+
+std::string FindSource(const std::string& folder, const std::vector<std::string>& names, bool* isOther) {
+    static constexpr std::array<const char*, 9> kEndings{".stp", ".step",  ".p21",    ".stpz", ".stpx",
+                                                         ".xml", ".stpxz", ".stp.gz", ".stp.Z"};
+    *isOther = false;
+    std::vector<fs::path> candidates;
+    for (std::string name : names) {
+        std::replace(name.begin(), name.end(), '\\', '/');
+        // No drive, no scheme, no root.
+        if (name.size() > 1 && name[1] == ':') { name.erase(0, 2); }
+        name.erase(0, std::min(name.find_first_not_of('/'), name.size()));
+        if (name.empty() || name.find('\0') != std::string::npos) { continue; }
+        candidates.push_back(fs::path(folder) / name);
+        candidates.push_back(fs::path(folder) / fs::path(name).filename());
+    }
+    for (const fs::path& path : candidates) {
+        if (IsFile(path)) { return path.string(); }
+    }
+    *isOther = true;
+    for (const fs::path& path : candidates) {
+        for (const char* const ending : kEndings) {
+            fs::path other = path;
+            other.replace_extension(ending);
+            if (IsFile(other)) { return other.string(); }
+        }
+    }
+    return {};
+}
+
+} // namespace tarnwick::prepare

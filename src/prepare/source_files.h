@@ -1,0 +1,30 @@
+#pragma once
+
+#include "exchange/exchange_file.h"
+#include "exchange/file_bytes.h"
+#include "prepare/structure.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarnwick::prepare {
+
+// A file that was read: its text, and what it says of products.
+struct LoadedSource {
+    FileBytes bytes;
+    std::unique_ptr<ExchangeFile> file; // null for STEP XML
+    FileStructure structure;
+    std::string error; // why there is nothing, empty otherwise
+};
+
+// Reads ISO 10303-21 and STEP XML, plain or packed. Never fails but by `error`. Any thread.
+std::unique_ptr<LoadedSource> LoadSource(const std::string& path);
+
+// The path of the first of the names that lies in the folder, as it stands or with another ending of STEP
+// files; empty for none. Names of other systems, with backslashes or from a root, are looked for below the
+// folder. `isOther` tells that the ending is another one.
+std::string FindSource(const std::string& folder, const std::vector<std::string>& names, bool* isOther);
+
+} // namespace tarnwick::prepare

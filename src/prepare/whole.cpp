@@ -1,0 +1,382 @@
+#include "prepare/whole.h"
+
+#include "prepare/shape_kinds.h"
+#include "text/look_up.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <unordered_set>
+#include <utility>
+
+namespace tarnwick::prepare {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+constexpr std::size_t kLongestName = 200;
+
+// ---- all files
+
+// A product of any of the files, before places are looked at.
+struct Node {
+    std::string id;
+    std::size_t file = 0;
+    std::vector<ShapeItem> shape;
+    std::vector<FileUse> uses; // of nodes
+    std::vector<std::string> files;
+    std::size_t origin = kNone; // the root of the file that describes it
+};
+
+std::string KeyOf(const std::string& path) {
+    std::error_code error;
+    const fs::path real = fs::weakly_canonical(path, error);
+    return error ? path : real.string();
+}
+
+class WholeReader {
+public:
+    WholeReader(Whole* whole, const std::atomic<bool>* cancel) : whole_(*whole), cancel_(cancel) {}
+
+    std::vector<Node> Run(const std::string& path, std::size_t* root) {
+        const std::size_t top = Open(path);
+        if (top == kNone) {
+            whole_.error = lastError_;
+            return {};
+        }
+        whole_.unit = whole_.files[0].structure.unit;
+        *root = RootOf(0);
+        // Files that nodes name bring further nodes, which name files in their turn.
+        for (std::size_t i = 0; i < nodes_.size(); ++i) {
+            if (cancel_ != nullptr && *cancel_) { break; }
+            if (!nodes_[i].files.empty()) { Follow(i); }
+        }
+        return std::move(nodes_);
+    }
+
+private:
+    // The file's place, or kNone.
+    std::size_t Open(const std::string& path) {
+        const std::string key = KeyOf(path);
+        const auto [known, isNew] = places_.emplace(key, kNone);
+        if (!isNew) { return known->second; }
+        std::unique_ptr<LoadedSource> source = LoadSource(path);
+        if (!source->error.empty()) {
+            lastError_ = source->error;
+            return kNone;
+        }
+        const std::size_t place = whole_.files.size();
+        known->second = place;
+        WholeFileEntry entry{path, source->bytes.digest, nullptr, std::move(source->structure)};
+        for (Loss& loss : entry.structure.losses) { whole_.losses.push_back(std::move(loss)); }
+        firstNode_.push_back(nodes_.size());
+        for (FileProduct& product : entry.structure.products) {
+            Node node{product.id.empty() ? product.name : product.id, place, std::move(product.shape),
+                      std::move(product.uses), std::move(product.files)};
+            for (FileUse& use : node.uses) { use.child += firstNode_.back(); }
+            nodes_.push_back(std::move(node));
+        }
+        if (place == 0) { entry.source = std::move(source); }
+        whole_.files.push_back(std::move(entry));
+        return place;
+    }
+
+    // The one root of a file, or a node over all of them.
+    std::size_t RootOf(std::size_t file) {
+        if (const auto known = roots_.find(file); known != roots_.end()) { return known->second; }
+        std::vector<std::size_t> roots;
+        const FileStructure& structure = whole_.files[file].structure;
+        const std::size_t first = firstNode_[file];
+        const auto isBare = [&](std::size_t i) {
+            const Node& node = nodes_[first + i];
+            return node.shape.empty() && node.uses.empty() && node.files.empty();
+        };
+        for (const std::size_t root : structure.roots) {
+            if (!isBare(root)) { roots.push_back(first + root); }
+        }
+        if (roots.empty() && !structure.roots.empty()) { roots.push_back(first + structure.roots.back()); }
+        std::size_t root = kNone;
+        if (roots.size() == 1) {
+            root = roots[0];
+        } else {
+            Node node;
+            node.id = fs::path(whole_.files[file].path).stem().string();
+            node.file = file;
+            for (const std::size_t child : roots) { node.uses.push_back({child, {}, ""}); }
+            root = nodes_.size();
+            nodes_.push_back(std::move(node));
+        }
+        roots_[file] = root;
+        return root;
+    }
+
+    void Follow(std::size_t place) {
+        const std::vector<std::string> names = nodes_[place].files;
+        const std::string folder = fs::path(whole_.files[nodes_[place].file].path).parent_path().string();
+        bool isOther = false;
+        const std::string path = FindSource(folder, names, &isOther);
+        const bool hasOwn = !nodes_[place].shape.empty();
+        if (path.empty() || isOther) { whole_.missed.push_back(folder + "/" + names[0]); }
+        if (path.empty()) {
+            if (!hasOwn) { AddLoss(place, "its file '" + names[0] + "' isn't there"); }
+            return;
+        }
+        if (isOther) {
+            AddLoss(place, "its file '" + names[0] + "' isn't there; '" + path + "' is taken", false);
+        }
+        const std::size_t file = Open(path);
+        if (file == kNone) {
+            AddLoss(place, "its file '" + path + "' can't be read: " + lastError_);
+            return;
+        }
+        const std::size_t root = RootOf(file);
+        if (file == nodes_[place].file || root == place) { return; }
+        // Where a file tells the shape and this one the components, both count; components that both tell
+        // count once.
+        if (!nodes_[place].uses.empty() && !nodes_[root].uses.empty()) {
+            if (nodes_[root].shape.empty()) { return; }
+            Node shape;
+            shape.id = nodes_[root].id;
+            shape.file = file;
+            shape.shape = nodes_[root].shape;
+            nodes_.push_back(std::move(shape));
+            nodes_[place].uses.push_back({nodes_.size() - 1, {}, ""});
+            return;
+        }
+        if (nodes_[place].uses.empty() && !hasOwn) {
+            nodes_[place].origin = root;
+        } else {
+            nodes_[place].uses.push_back({root, {}, ""});
+        }
+    }
+
+    void AddLoss(std::size_t node, std::string why, bool isShape = true) {
+        whole_.losses.push_back({nodes_[node].id, 0, std::move(why), isShape});
+    }
+
+    Whole& whole_;
+    const std::atomic<bool>* const cancel_;
+    std::vector<Node> nodes_;
+    std::vector<std::size_t> firstNode_; // of each file
+    std::map<std::string, std::size_t> places_;
+    std::map<std::size_t, std::size_t> roots_;
+    std::string lastError_;
+};
+
+// ---- one tree
+
+// What mirrors or scales, as a key: rounded, so that noise makes no new part.
+std::array<long long, 9> RoundedOf(const Transform& turn) {
+    std::array<long long, 9> rounded{};
+    for (std::size_t i = 0; i < 9; ++i) {
+        rounded[i] = std::llround(std::clamp(turn.linear[i], -1e9, 1e9) * 1e6);
+    }
+    return rounded;
+}
+
+// Splits a map into one that keeps distances and handedness, and what is left, which goes first: one
+// factor and a mirror where that is all, so that few parts must be made anew.
+void Split(const Transform& whole, Transform* rigid, Transform* rest) {
+    *rigid = whole;
+    *rest = {};
+    if (IsRigid(whole)) { return; }
+    const double determinant = Determinant(whole);
+    const double scale = std::cbrt(std::abs(determinant));
+    if (scale > 0 && std::isfinite(scale)) {
+        Transform simple = Scaling(scale);
+        if (determinant < 0) { simple.linear[0] = -scale; }
+        const Transform left = whole * *Inverse(simple);
+        if (IsRigid(left)) {
+            *rigid = left;
+            *rest = simple;
+            return;
+        }
+    }
+    *rigid = {};
+    rigid->move = whole.move;
+    *rest = whole;
+    rest->move = {};
+}
+
+class TreeMaker {
+public:
+    TreeMaker(std::vector<Node> nodes, Whole* whole) : nodes_(std::move(nodes)), whole_(*whole) {}
+
+    void Run(std::size_t root) {
+        emptyNode_ = nodes_.size();
+        nodes_.emplace_back();
+        FindOrigins();
+        CutCircles(Origin(root));
+        whole_.root = PlaceOf(Origin(root), {}, nodes_[root].id);
+        // Products are made as uses of others come up.
+        for (std::size_t i = 0; i < whole_.products.size(); ++i) {
+            if (origin_[i] != emptyNode_) { Fill(i); }
+        }
+    }
+
+private:
+    struct Key {
+        std::size_t node;
+        std::array<long long, 9> turn;
+        auto operator<=>(const Key&) const = default;
+    };
+
+    // A node whose file tells it gives way to that file's root; a circle of these ends where it began.
+    void FindOrigins() {
+        for (std::size_t i = 0; i < nodes_.size(); ++i) {
+            std::size_t at = i;
+            for (std::size_t steps = 0; nodes_[at].origin != kNone && steps < 64; ++steps) {
+                at = nodes_[at].origin;
+            }
+            origins_.push_back(at);
+        }
+    }
+    std::size_t Origin(std::size_t node) const { return origins_[node]; }
+
+    void CutCircles(std::size_t root) {
+        enum State : char { kNew, kOpen, kDone };
+        std::vector<char> states(nodes_.size(), kNew);
+        std::vector<std::pair<std::size_t, std::size_t>> path{{root, 0}};
+        states[root] = kOpen;
+        while (!path.empty()) {
+            auto& [node, next] = path.back();
+            std::vector<FileUse>& uses = nodes_[node].uses;
+            if (next == uses.size()) {
+                states[node] = kDone;
+                path.pop_back();
+                continue;
+            }
+            const std::size_t child = Origin(uses[next].child);
+            if (states[child] == kOpen) {
+                whole_.losses.push_back({nodes_[node].id, 0, "it uses itself; that use is left out"});
+                // In place of erasing one by one: the last one is looked at next.
+                uses[next] = uses.back();
+                uses.pop_back();
+                continue;
+            }
+            ++next;
+            if (states[child] == kNew) {
+                states[child] = kOpen;
+                path.emplace_back(child, 0);
+            }
+        }
+    }
+
+    std::size_t PlaceOf(std::size_t node, const Transform& turn, const std::string& id) {
+        const auto [place, isNew] = places_.emplace(Key{node, RoundedOf(turn)}, whole_.products.size());
+        if (isNew) {
+            WholeProduct product;
+            std::string name = id.empty() ? nodes_[node].id : id;
+            if (!IsIdentity(turn)) { name += Determinant(turn) < 0 ? " mirrored" : " scaled"; }
+            product.name = UniqueName(name);
+            product.file = nodes_[node].file;
+            product.turn = turn;
+            whole_.products.push_back(std::move(product));
+            origin_.push_back(node);
+        }
+        return place->second;
+    }
+
+    void Fill(std::size_t place) {
+        const Node& node = nodes_[origin_[place]];
+        const Transform turn = whole_.products[place].turn;
+        std::vector<WholeUse> uses;
+        uses.reserve(node.uses.size());
+        for (const FileUse& use : node.uses) {
+            Transform rigid;
+            Transform rest;
+            Split(turn * use.at, &rigid, &rest);
+            uses.push_back({PlaceOf(Origin(use.child), rest, nodes_[use.child].id), rigid});
+        }
+        TakeShape(place, node, &uses);
+        whole_.products[place].uses = std::move(uses);
+    }
+
+    // In the viewer's form a file hides components, so that a product with both gets its shape as one more.
+    // Surfaces beside solids are mostly helps for construction; as parts of their own they can be told from
+    // the body.
+    void TakeShape(std::size_t place, const Node& node, std::vector<WholeUse>* uses) {
+        std::vector<ShapeItem> solids;
+        std::vector<ShapeItem> surfaces;
+        for (const ShapeItem& item : node.shape) { (item.isSurface ? surfaces : solids).push_back(item); }
+        if (solids.empty()) { std::swap(solids, surfaces); }
+        const bool isPlain = surfaces.empty() && uses->empty();
+        if (isPlain) {
+            whole_.products[place].shape = std::move(solids);
+            return;
+        }
+        const auto add = [&](std::vector<ShapeItem> shape, const char* what) {
+            WholeProduct part;
+            part.name = UniqueName(whole_.products[place].name + what);
+            part.file = node.file;
+            part.turn = whole_.products[place].turn;
+            part.shape = std::move(shape);
+            uses->push_back({whole_.products.size(), {}});
+            whole_.products.push_back(std::move(part));
+            // Nothing further is filled in.
+            origin_.push_back(emptyNode_);
+        };
+        if (!solids.empty()) { add(std::move(solids), " shape"); }
+        for (ShapeItem& item : surfaces) { add({item}, " surface"); }
+    }
+
+    std::string UniqueName(const std::string& wanted) {
+        std::string name = ViewerName(wanted);
+        if (name.empty()) { name = "part"; }
+        if (names_.insert(name).second) { return name; }
+        std::size_t& next = nextNumber_[name];
+        for (;;) {
+            const std::string numbered = name + " (" + std::to_string(++next + 1) + ")";
+            if (names_.insert(numbered).second) { return numbered; }
+        }
+    }
+
+    std::vector<Node> nodes_;
+    Whole& whole_;
+    std::vector<std::size_t> origins_;
+    std::vector<std::size_t> origin_; // the nodes of products
+    std::map<Key, std::size_t> places_;
+    std::set<std::string> names_;
+    std::map<std::string, std::size_t> nextNumber_;
+    std::size_t emptyNode_ = kNone; // without shape and uses
+};
+
+} // namespace
+
+std::string ViewerName(std::string_view name) {
+    std::string result;
+    for (const char c : name) {
+        if (c == '\'' || c == '"') { continue; }
+        const bool isOdd =
+            c == ',' || c == ';' || static_cast<unsigned char>(c) < ' ' || c == 0x7F || c == '\\';
+        result.push_back(isOdd ? '_' : c);
+    }
+    while (!result.empty() && result.back() == ' ') { result.pop_back(); }
+    result.erase(0, std::min(result.find_first_not_of(' '), result.size()));
+    if (result.size() > kLongestName) {
+        std::size_t end = kLongestName;
+        while (end > 0 && (static_cast<unsigned char>(result[end]) & 0xC0) == 0x80) { --end; }
+        result.resize(end);
+    }
+    return result;
+}
+
+Whole LoadWhole(const std::string& path, const std::atomic<bool>* cancel) {
+    Whole whole;
+    std::size_t root = 0;
+    std::vector<Node> nodes = WholeReader(&whole, cancel).Run(path, &root);
+    if (!whole.error.empty()) { return whole; }
+    if (nodes.empty()) {
+        whole.error = "it has no product and no shape";
+        return whole;
+    }
+    TreeMaker(std::move(nodes), &whole).Run(root);
+    return whole;
+}
+
+} // namespace tarnwick::prepare

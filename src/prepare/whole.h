@@ -1,0 +1,52 @@
+#pragma once
+
+#include "prepare/source_files.h"
+#include "prepare/structure.h"
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+// The products of a file and of all that it refers to, as one tree of parts and uses without mirrored places.
+namespace tarnwick::prepare {
+
+// A file of the whole. The text of all but the first is given back once their structure is known.
+struct WholeFileEntry {
+    std::string path;
+    std::string digest;
+    std::unique_ptr<LoadedSource> source; // null where the text was given back
+    FileStructure structure;
+};
+
+struct WholeUse {
+    std::size_t child = 0;
+    Transform at; // rigid, in millimetres
+};
+
+struct WholeProduct {
+    std::string name; // unique, as the viewer takes it
+    std::size_t file = 0;
+    std::vector<ShapeItem> shape; // often empty
+    Transform turn;               // of the shape, where a use mirrors or scales it
+    std::vector<WholeUse> uses;
+};
+
+struct Whole {
+    std::vector<WholeFileEntry> files; // the first is the top
+    std::vector<WholeProduct> products;
+    std::size_t root = 0;
+    double unit = 1;                 // millimetres of a length unit of the top
+    std::vector<std::string> missed; // paths of files that are named and not there
+    std::vector<Loss> losses;
+    std::string error; // why there is nothing, empty otherwise
+};
+
+// `path` is the top file's. Files that are named and not there are among the losses.
+Whole LoadWhole(const std::string& path, const std::atomic<bool>* cancel);
+
+// A name as the viewer's readers take it: without comma, quote and control characters, at most 200 bytes.
+std::string ViewerName(std::string_view name);
+
+} // namespace tarnwick::prepare

@@ -1,0 +1,87 @@
+// tarnwick-prepare: brings STEP files of any kind into the form that the viewer shows.
+
+#include "platform/out_of_memory.h"
+#include "platform/whole_file.h"
+#include "platform/within_memory.h"
+#include "prepare/mesher.h"
+#include "tools/prepare/options.h"
+#include "tools/prepare/outcome.h"
+#include "tools/prepare/progress.h"
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+
+namespace {
+
+using namespace tarnwick;
+
+constexpr const char* kOutOfMemory = "tarnwick-prepare: it needs more memory than there is\n";
+
+// Set by a signal, looked at by all that takes long.
+std::atomic<bool> cancelled{false};
+
+// Before the library of the command line makes its own objects.
+[[gnu::constructor(101)]] void SetTerminate() {
+    std::set_terminate([] { EndOutOfMemory(kOutOfMemory); });
+}
+
+void CancelOnSignals() {
+    struct sigaction action {};
+    action.sa_handler = [](int) { cancelled = true; };
+    action.sa_flags = static_cast<int>(SA_RESETHAND); // the second one ends the program
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+}
+
+bool WriteJson(const std::string& json, const std::string& name) {
+    if (name == "-") {
+        return std::fwrite(json.data(), 1, json.size(), stdout) == json.size() && std::fflush(stdout) == 0;
+    }
+    WholeFile file(name.c_str());
+    file.Write(json.data(), json.size());
+    const int error = file.Close();
+    if (error != 0) {
+        std::fprintf(stderr, "tarnwick-prepare: %s can't be written: %s\n", name.c_str(),
+                     std::strerror(error));
+    }
+    return error == 0;
+}
+
+int Run(int argc, char** argv) {
+    tools::PrepareCommand command;
+    int status = 0;
+    if (!tools::ReadOptions(argc, argv, &command, &status)) { return status; }
+    command.options.meshProgram = FindMeshProgram();
+    CancelOnSignals();
+    // Where standard output is for the report, what is for people goes beside it.
+    std::FILE* const words = command.jsonFile == "-" ? stderr : stdout;
+    std::vector<prepare::PrepareResult> results;
+    for (const std::string& file : command.files) {
+        {
+            tools::Progress progress(std::filesystem::path(file).filename().string());
+            results.push_back(prepare::Prepare(
+                file, command.options,
+                [&](std::size_t done, std::size_t parts) { progress.Tell(done, parts); }, &cancelled));
+        }
+        std::fputs(tools::OutcomeText(results.back()).c_str(), words);
+        if (cancelled) { break; }
+    }
+    const bool isTold = std::fflush(words) == 0;
+    if (!command.jsonFile.empty() && !WriteJson(tools::OutcomeJson(results), command.jsonFile)) { return 1; }
+    const bool lacks =
+        std::any_of(results.begin(), results.end(), [](const auto& result) { return result.LacksShape(); });
+    return lacks || !isTold ? 1 : 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    int status = 1;
+    if (!WithinMemory([&] { status = Run(argc, argv); })) { std::fputs(kOutOfMemory, stderr); }
+    return status;
+}

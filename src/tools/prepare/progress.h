@@ -1,0 +1,31 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+namespace tarnwick::tools {
+
+// Says on standard error how far a file is: a bar that moves on a terminal, now and then a line in a pipe.
+// Called by one thread at a time.
+class Progress {
+public:
+    explicit Progress(std::string name);
+    ~Progress() { Clear(); }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void Tell(std::size_t done, std::size_t parts);
+
+private:
+    void Clear();
+    double Seconds() const;
+
+    const std::string name_;
+    const bool isTerminal_;
+    const std::chrono::steady_clock::time_point begin_;
+    double lastTold_ = 0; // seconds
+    bool isShown_ = false;
+};
+
+} // namespace tarnwick::tools
