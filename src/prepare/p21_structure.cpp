@@ -4,6 +4,7 @@
 #include "exchange/string_text.h"
 #include "prepare/annotations.h"
 #include "prepare/documents.h"
+#include "prepare/finite_elements.h"
 #include "prepare/placements.h"
 #include "prepare/shape_kinds.h"
 #include "prepare/units.h"
@@ -601,13 +602,9 @@ private:
     }
 
     void TakeElements() {
-        const bool hasElements =
-            std::any_of(file_.Keywords().begin(), file_.Keywords().end(), [](const std::string& keyword) {
-                return keyword.ends_with("_ELEMENT_REPRESENTATION");
-            });
         const bool hasShape = std::any_of(out_.products.begin(), out_.products.end(),
                                           [](const FileProduct& p) { return !p.shape.empty(); });
-        if (!hasElements || hasShape) { return; }
+        if (hasShape || !HasElements(file_)) { return; }
         if (out_.products.empty()) { out_.products.emplace_back(); }
         out_.products[0].shape.push_back({ShapeKind::kElements, false, 0, 0, 0, 1, {}, 0});
     }

@@ -1,6 +1,7 @@
 #include "prepare/prepare.h"
 
 #include "platform/memory_left.h"
+#include "prepare/finite_elements.h"
 #include "prepare/part_file.h"
 #include "prepare/prepare_record.h"
 #include "prepare/top_file.h"
@@ -270,7 +271,9 @@ private:
         const WholeProduct& product = whole_.products[job->product];
         const std::string path = options_.folder + "/" + job->file;
         std::unique_ptr<ByteSink> sink = OpenFile(path, options_.isCompressed);
-        {
+        if (product.shape[0].kind == ShapeKind::kElements) {
+            job->result = WriteElements(source.file, product.name, whole_.unit, sink.get());
+        } else {
             job->result = WritePart(source, {product.name, product.shape, product.turn, whole_.unit, mesher},
                                     sink.get());
         }
@@ -280,6 +283,24 @@ private:
             job->error = "its file can't be written: " + sink->Error();
             job->result.triangles = 0;
         }
+    }
+
+    static PartResult WriteElements(const ExchangeFile& file, const std::string& name, double unit,
+                                    ByteSink* sink) {
+        PartResult result;
+        ElementMesh mesh = ReadElements(file);
+        for (Vec3& node : mesh.nodes) { node = node * (1 / unit); }
+        P21Writer out(sink);
+        WriteElementFile(mesh, name, &out);
+        result.bodies = mesh.quads.empty() ? 0 : 1;
+        result.faces = mesh.quads.size();
+        result.triangles = 2 * mesh.quads.size();
+        for (const UndrawnElements& undrawn : mesh.undrawn) {
+            result.losses.push_back(
+                {name, 0, std::to_string(undrawn.count) + " elements aren't drawn: " + undrawn.kind,
+                 undrawn.isShape});
+        }
+        return result;
     }
 
     void Finish() {
