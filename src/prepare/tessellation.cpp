@@ -124,7 +124,8 @@ private:
     }
     void AddFace(SourceFace* face, std::string_view pnindex, std::string_view first, std::string_view second,
                  SourceFace::Form form) {
-        face->pnindex = pnindex;
+        const bool hasNumbers = pnindex.find_first_of("0123456789") != std::string_view::npos;
+        face->pnindex = hasNumbers ? pnindex : std::string_view{};
         face->lists[0] = first;
         face->lists[1] = second;
         face->form = form;
@@ -289,7 +290,7 @@ std::optional<EntityId> WriteMeshFace(P21Writer* out, const MeshFace& face) {
 
 void FaceWriter::Announce(std::span<const SourceFace> faces) {
     for (const SourceFace& face : faces) {
-        if (face.pnindex.size() <= 2) { ++lists_.At(face.coordinates).faces; }
+        if (face.pnindex.empty()) { ++lists_.At(face.coordinates).faces; }
     }
 }
 
@@ -319,7 +320,7 @@ std::optional<EntityId> FaceWriter::Write(const SourceFace& face, const Transfor
     const Transform whole = at * face.at;
     const bool stays = IsIdentity(whole) && face.form != SourceFace::Form::kBezier;
     // A list that several faces number directly would be read once for each of them.
-    const bool isShared = face.pnindex.size() <= 2 && lists_.At(face.coordinates).faces > 1;
+    const bool isShared = face.pnindex.empty() && lists_.At(face.coordinates).faces > 1;
     if (stays && !isShared && ListOf(face.normals).find('(') != std::string_view::npos) { return Copy(face); }
     return Make(face, whole);
 }
@@ -332,7 +333,7 @@ std::optional<EntityId> FaceWriter::Copy(const SourceFace& face) {
     std::string& pnindex = scratch_[1];
     std::size_t points = list.points;
     bool isWhole = true;
-    if (face.pnindex.size() > 2) {
+    if (!face.pnindex.empty()) {
         points = CopyIndices(face.pnindex, list.points, &pnindex, &isWhole);
     } else {
         pnindex = "()";
@@ -390,7 +391,7 @@ std::optional<EntityId> FaceWriter::Make(const SourceFace& source, const Transfo
         AppendPatches(first, points, &face, &dropped);
     } else {
         std::vector<Index> numbers;
-        if (source.pnindex.size() > 2) {
+        if (!source.pnindex.empty()) {
             numbers = ReadIndices(source.pnindex, &isWhole);
             if (!isWhole) { tell_(source.entity, "its list of point numbers is broken"); }
         }

@@ -25,7 +25,7 @@ struct SourceFace {
     std::uint64_t coordinates = 0;
     std::uint64_t link = 0; // the exact face, 0 for none
     std::string_view normals;
-    std::string_view pnindex;
+    std::string_view pnindex;  // empty where the face numbers the points directly
     std::string_view lists[2]; // triangles; or strips and fans; or the control points of curved triangles
     enum class Form : std::uint8_t { kTriangles, kStripsAndFans, kBezier } form = Form::kTriangles;
     Transform at; // of the face in the item that it was found through, in the text's own length unit

@@ -371,10 +371,6 @@ Whole LoadWhole(const std::string& path, const std::atomic<bool>* cancel) {
     std::size_t root = 0;
     std::vector<Node> nodes = WholeReader(&whole, cancel).Run(path, &root);
     if (!whole.error.empty()) { return whole; }
-    if (nodes.empty()) {
-        whole.error = "it has no product and no shape";
-        return whole;
-    }
     TreeMaker(std::move(nodes), &whole).Run(root);
     return whole;
 }

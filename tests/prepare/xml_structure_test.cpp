@@ -71,7 +71,9 @@ std::vector<std::string> NamesOf(const FileStructure& structure) {
 }
 std::vector<std::string> FilesOf(const FileStructure& structure) {
     std::vector<std::string> names;
-    for (const FileProduct& product : structure.products) { names.push_back(product.files.empty() ? "" : product.files[0]); }
+    for (const FileProduct& product : structure.products) {
+        names.push_back(product.files.empty() ? "" : product.files[0]);
+    }
     return names;
 }
 std::vector<std::string> LossesOf(const FileStructure& structure) {

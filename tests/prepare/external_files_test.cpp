@@ -1,0 +1,125 @@
+#include "prepare/exchange_text.h"
+#include "prepare/prepared_scene.h"
+
+#include <gmock/gmock.h>
+
+namespace tarnwick::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+std::string PartText() {
+    ExchangeText text;
+    const std::string context = text.InchContext();
+    text.Shape(text.Product("wheel"), text.Triangle(), context);
+    return text.Text();
+}
+
+// An assembly of a wheel that `reference` describes; it is called with the definition.
+template <class Reference>
+std::string AssemblyText(Reference reference) {
+    ExchangeText text;
+    const std::string context = text.Context();
+    const std::string parent = text.Product("cart");
+    const std::string child = text.Product("wheel");
+    const std::string origin = text.Axes("(0.,0.,0.)");
+    const std::string target = text.Axes("(100.,0.,0.)");
+    const std::string childShape = text.Shape(child, origin, context);
+    const std::string shape = text.Shape(parent, target, context);
+    text.Use(parent, child, shape, childShape, origin, target);
+    reference(&text, child);
+    return text.Text();
+}
+
+std::string ByDocument(const std::string& name) {
+    return AssemblyText([&](ExchangeText* text, const std::string& child) {
+        const std::string document = text->Add("DOCUMENT_FILE('" + name + "','','',$,'',$)");
+        text->Add("APPLIED_DOCUMENT_REFERENCE(" + document + ",'',(" + child + "))");
+    });
+}
+
+constexpr const char* kPlaced = "100 0 0, 125.4 0 0, 100 25.4 0";
+
+TEST(ExternalFiles, AreFoundByEachOfTheNamesThatFilesUse) {
+    const TempFolder folder;
+    folder.Write("wheel.stp", PartText());
+    EXPECT_THAT(PrepareText(folder, ByDocument("wheel.stp")).Corners(), ElementsAre(kPlaced));
+    EXPECT_THAT(PrepareText(folder, ByDocument("C:\\\\data\\\\wheel.stp")).Corners(), ElementsAre(kPlaced));
+    const std::string bySource = AssemblyText([](ExchangeText* text, const std::string& child) {
+        const std::string document = text->Add("DOCUMENT_FILE('#66',' ',' ',$,' ',' ')");
+        const std::string source = text->Add("EXTERNAL_SOURCE('wheel.stp')");
+        text->Add("APPLIED_EXTERNAL_IDENTIFICATION_ASSIGNMENT('#71',$," + source + ",(" + document + "))");
+        text->Add("APPLIED_DOCUMENT_REFERENCE(" + document + ",' ',(" + child + "))");
+    });
+    EXPECT_THAT(PrepareText(folder, bySource).Corners(), ElementsAre(kPlaced));
+    const std::string byIdentifier = AssemblyText([](ExchangeText* text, const std::string& child) {
+        const std::string document = text->Add("DOCUMENT_FILE('7','','',$,'',$)");
+        const std::string source = text->Add("EXTERNAL_SOURCE(IDENTIFIER('parts'))");
+        text->Add("APPLIED_EXTERNAL_IDENTIFICATION_ASSIGNMENT('wheel.stp',$," + source + ",(" + document +
+                  "))");
+        text->Add("APPLIED_DOCUMENT_REFERENCE(" + document + ",'',(" + child + "))");
+    });
+    EXPECT_THAT(PrepareText(folder, byIdentifier).Corners(), ElementsAre(kPlaced));
+}
+
+TEST(ExternalFiles, OfADefinitionWithAssociatedDocumentsAreFollowed) {
+    const TempFolder folder;
+    folder.Write("wheel.stp", PartText());
+    ExchangeText text;
+    const std::string context = text.Context();
+    const std::string document = text.Add("DOCUMENT_FILE('wheel.stp','','',$,'',$)");
+    const std::string product = text.Add("PRODUCT('wheel','','',())");
+    const std::string formation = text.Add("PRODUCT_DEFINITION_FORMATION('',''," + product + ")");
+    text.Add("PRODUCT_DEFINITION_WITH_ASSOCIATED_DOCUMENTS('',''," + formation + ",$,(" + document + "))");
+    // A top without any representation is taken to be in millimetres.
+    EXPECT_THAT(PrepareText(folder, text.Text()).Corners(), ElementsAre("0 0 0, 25.4 0 0, 0 25.4 0"));
+}
+
+TEST(ExternalFiles, ThatLieUnderAnotherEndingAreTakenAndNoted) {
+    const TempFolder folder;
+    folder.Write("wheel.stp", PartText());
+    const PreparedScene scene = PrepareText(folder, ByDocument("wheel.jt"));
+    EXPECT_THAT(scene.Corners(), ElementsAre(kPlaced));
+    EXPECT_THAT(scene.Losses(), ElementsAre(HasSubstr("wheel: its file 'wheel.jt' isn't there; ")));
+    EXPECT_FALSE(scene.result.LacksShape());
+}
+
+TEST(ExternalFiles, ThatAreMissingAreNamed) {
+    const TempFolder folder;
+    const PreparedScene scene = PrepareText(folder, ByDocument("wheel.stp"));
+    EXPECT_EQ(scene.result.error, "none of its shape came");
+    EXPECT_THAT(scene.Losses(), ElementsAre("wheel: its file 'wheel.stp' isn't there"));
+}
+
+TEST(ExternalFiles, ThatNameEachOtherComeToAnEnd) {
+    const TempFolder folder;
+    folder.Write("wheel.stp", ByDocument("top.step"));
+    const PreparedScene scene = PrepareText(folder, ByDocument("wheel.stp"));
+    EXPECT_FALSE(scene.result.error.empty());
+}
+
+TEST(ExternalFiles, OfOneNameAreReadOnceAndPlacedWhereverTheyAreUsed) {
+    const TempFolder folder;
+    folder.Write("wheel.stp", PartText());
+    ExchangeText text;
+    const std::string context = text.Context();
+    const std::string parent = text.Product("cart");
+    const std::string document = text.Add("DOCUMENT_FILE('wheel.stp','','',$,'',$)");
+    const std::string origin = text.Axes("(0.,0.,0.)");
+    const std::string shape = text.Shape(parent, origin, context);
+    for (int i = 0; i < 4; ++i) {
+        const std::string child = text.Product("wheel" + std::to_string(i));
+        const std::string childShape = text.Shape(child, origin, context);
+        const std::string target = text.Axes("(" + std::to_string(100 * i) + ".,0.,0.)");
+        text.Use(parent, child, shape, childShape, origin, target);
+        text.Add("APPLIED_DOCUMENT_REFERENCE(" + document + ",'',(" + child + "))");
+    }
+    const PreparedScene scene = PrepareText(folder, text.Text());
+    EXPECT_EQ(scene.placed, 4u);
+    EXPECT_EQ(scene.result.parts, 1u);
+    EXPECT_EQ(scene.result.placedParts, 4u);
+}
+
+} // namespace
+} // namespace tarnwick::test
