@@ -62,8 +62,8 @@ public:
         file_.isExchangeFile_ = std::string_view(p, std::min<std::size_t>(Left(p), 12)) == "ISO-10303-21";
         if (!file_.isExchangeFile_) { Note(p, "the file doesn't begin with ISO-10303-21;"); }
         while ((p = SkipBlanks(p, end_)) < end_) { p = Statement(p); }
-        if (section_ != Section::kNone) { Note(end_, "the file ends inside a section"); }
-        if (!hasEnd_) { Note(end_, "the file lacks END-ISO-10303-21;"); }
+        if (section_ != Section::kNone) { Note(end_, "the file ends inside a section", true); }
+        if (!hasEnd_) { Note(end_, "the file lacks END-ISO-10303-21;", true); }
     }
 
 private:
@@ -72,10 +72,10 @@ private:
     std::size_t Left(const char* p) const { return static_cast<std::size_t>(end_ - p); }
     std::size_t Offset(const char* p) const { return static_cast<std::size_t>(p - begin_); }
 
-    void Note(const char* p, std::string_view what) {
+    void Note(const char* p, std::string_view what, bool isLoss = false) {
         ++file_.deviationCount_;
         if (file_.deviations_.size() < ExchangeFile::kMostDeviations) {
-            file_.deviations_.push_back({Offset(p), std::string(what)});
+            file_.deviations_.push_back({Offset(p), std::string(what), isLoss});
         }
     }
 
@@ -93,7 +93,7 @@ private:
         for (;;) {
             p = FindAny<';', '\'', '/', '"', '='>(p, end_);
             if (p == end_) {
-                Note(start, "the text ends inside an instance");
+                Note(start, "the text ends inside an instance", true);
                 return end_;
             }
             switch (*p) {
@@ -103,7 +103,7 @@ private:
                 const char* const behind = SkipString(p, end_);
                 const char* const broken = BrokenString(p, behind);
                 if (broken != nullptr) {
-                    Note(p, "a string isn't closed");
+                    Note(p, "a string isn't closed", true);
                     return broken;
                 }
                 p = behind;
@@ -112,7 +112,7 @@ private:
             case '/': {
                 const char* const behind = SkipBlanks(p, end_);
                 if (behind == end_ && Left(p) > 2 && p[1] == '*') {
-                    Note(p, "a comment isn't closed");
+                    Note(p, "a comment isn't closed", true);
                     return end_;
                 }
                 p = behind == p ? p + 1 : behind;
@@ -125,7 +125,7 @@ private:
             }
             default:
                 if (const char* const next = isInstance ? InstanceBefore(start, p) : nullptr) {
-                    Note(next, "an instance begins before the one ahead of it has its ;");
+                    Note(next, "an instance begins before the one ahead of it has its ;", true);
                     return next;
                 }
             }
@@ -177,7 +177,7 @@ private:
         } else if (section_ == Section::kHeader) {
             file_.header_.push_back(statement);
         } else if (section_ != Section::kOther && keyword != "ISO-10303-21") {
-            Note(p, "neither an instance nor a section");
+            Note(p, "neither an instance nor a section", true);
             return AfterRubbish(p, end);
         }
         return end < end_ && *end == ';' ? end + 1 : end;
@@ -214,7 +214,7 @@ private:
                 const char* const end = FindEnd(p, false);
                 return end < end_ ? end + 1 : end;
             }
-            Note(p, "an instance needs a number from 1 on and a =");
+            Note(p, "an instance needs a number from 1 on and a =", true);
             return std::max(behind, p + 1);
         }
         const char* const first = SkipBlanks(equals + 1, end_);
@@ -233,7 +233,7 @@ private:
         }
         const std::size_t length = static_cast<std::size_t>(last - first);
         if (length == 0 || length > std::numeric_limits<std::uint32_t>::max()) {
-            Note(p, length == 0 ? "an instance is empty" : "an instance is over 4 GiB long");
+            Note(p, length == 0 ? "an instance is empty" : "an instance is over 4 GiB long", true);
             return;
         }
         if (file_.instances_.size() == file_.instances_.capacity()) { Grow(first); }
@@ -258,7 +258,7 @@ private:
         const char* const behind = std::find_if_not(p, end, IsKeywordCharacter);
         const std::string_view keyword(p, static_cast<std::size_t>(behind - p));
         if (const std::uint32_t* const known = places_.Find(keyword)) { return *known; }
-        if (keyword.empty()) { Note(p, "an instance has no keyword"); }
+        if (keyword.empty()) { Note(p, "an instance has no keyword", true); }
         std::string capitals(keyword);
         for (char& c : capitals) { c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
         if (capitals != keyword) {
@@ -307,8 +307,10 @@ void ExchangeFile::MakeIndex() {
         if (instance.number != instances_[byNumber_[i - 1]].number) { continue; }
         ++deviationCount_;
         if (deviations_.size() < kMostDeviations) {
-            deviations_.push_back({instance.begin, "the number #" + std::to_string(instance.number) +
-                                                       " stands twice; the first one counts"});
+            deviations_.push_back(
+                {instance.begin,
+                 "the number #" + std::to_string(instance.number) + " stands twice; the first one counts",
+                 false});
         }
     }
 }

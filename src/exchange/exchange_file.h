@@ -26,6 +26,7 @@ struct Instance {
 struct Deviation {
     std::size_t offset = 0; // in the text
     std::string what;
+    bool isLoss = false; // whether some of the text couldn't be understood
 };
 
 // Line and column of a place in a text, both from 1. The column counts bytes.

@@ -96,7 +96,8 @@ private:
     bool IsFull() const { return deviations_.size() >= most_; }
     void Note(std::string_view where, std::string what) {
         if (!IsFull()) {
-            deviations_.push_back({static_cast<std::size_t>(where.data() - text_.data()), std::move(what)});
+            deviations_.push_back(
+                {static_cast<std::size_t>(where.data() - text_.data()), std::move(what), false});
         }
     }
     void Advance() { token_ = cursor_.Next(); }

@@ -26,6 +26,22 @@ bool IsFile(const fs::path& path) {
     return fs::is_regular_file(path, error);
 }
 
+// What of the text itself can't be understood; whatever stood there is lost.
+void NoteDamage(LoadedSource* source) {
+    constexpr std::size_t kMost = 10;
+    std::size_t told = 0;
+    for (const Deviation& deviation : source->file->Deviations()) {
+        if (!deviation.isLoss) { continue; }
+        if (told++ == kMost) {
+            source->structure.losses.push_back({"", 0, "the text is damaged in further places", true});
+            return;
+        }
+        const TextPlace place = PlaceOf(source->file->Text(), deviation.offset);
+        source->structure.losses.push_back(
+            {"", 0, "line " + std::to_string(place.line) + " of the text: " + deviation.what, true});
+    }
+}
+
 } // namespace
 
 std::unique_ptr<LoadedSource> LoadSource(const std::string& path) {
@@ -47,6 +63,7 @@ std::unique_ptr<LoadedSource> LoadSource(const std::string& path) {
             return source;
         }
         source->structure = ReadP21Structure(*source->file);
+        NoteDamage(source.get());
     }
     if (!source->bytes.error.empty()) {
         source->structure.losses.push_back({"", 0, source->bytes.error, true});
