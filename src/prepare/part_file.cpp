@@ -59,19 +59,22 @@ private:
     // ---- tessellated
 
     void WriteTessellated() {
-        std::vector<std::pair<const ShapeItem*, SourceBody>> bodies;
-        const TellLoss tell = [this](std::uint64_t entity, std::string why) { Tell(entity, std::move(why)); };
+        // Twice over the items, since which lists are shared must be known first, and a file may have
+        // millions of faces: what tells of each needn't be kept.
+        const TellLoss silent = [](std::uint64_t, const std::string&) {};
         for (const ShapeItem& item : options_.shape) {
             if (item.kind == ShapeKind::kTessellated) {
-                bodies.emplace_back(&item, FacesOf(source_.file, item.item, tell));
+                faceWriter_.Announce(FacesOf(source_.file, item.item, silent).faces);
             }
         }
-        for (const auto& [item, body] : bodies) { faceWriter_.Announce(body.faces); }
+        const TellLoss tell = [this](std::uint64_t entity, std::string why) { Tell(entity, std::move(why)); };
         std::vector<StyledFace> loose; // faces that stand directly in the representation
-        for (const auto& [item, body] : bodies) {
-            const bool isLoose = body.faces.size() == 1 && body.faces[0].entity == item->item;
-            const StyleNumber below = StyleBelow(*item, {item->item, body.link});
-            const Transform at = PlaceOf(*item);
+        for (const ShapeItem& item : options_.shape) {
+            if (item.kind != ShapeKind::kTessellated) { continue; }
+            const SourceBody body = FacesOf(source_.file, item.item, tell);
+            const bool isLoose = body.faces.size() == 1 && body.faces[0].entity == item.item;
+            const StyleNumber below = StyleBelow(item, {item.item, body.link});
+            const Transform at = PlaceOf(item);
             std::vector<StyledFace> faces;
             for (const SourceFace& face : body.faces) {
                 const std::optional<EntityId> id = faceWriter_.Write(face, at);
