@@ -128,8 +128,8 @@ void ServerLink::OnClose() {
 void ServerLink::OnAddPmi(const Selection& selection) {
     const std::vector<std::string> arguments = BrowserArguments(kViewerFolder, selection);
     ConsolePrint("Call XML viewer : Edit PMI\n");
-    ConsolePrint("  File: %s\n  Product: %s  Face: %s\n", OnOneLine(OrNull(selection.path)).c_str(),
-                 OnOneLine(OrNull(selection.rootName)).c_str(), OnOneLine(selection.selectedText).c_str());
+    ConsolePrint("  File: %s\n  Product: %s  Face: %s\n", OneLine(OrNull(selection.path)).Text(),
+                 OneLine(OrNull(selection.rootName)).Text(), OneLine(selection.selectedText).Text());
     dialog_.StartProgram({"chromium", "google-chrome"}, arguments);
 }
 

@@ -21,12 +21,12 @@ void GiveUp(const char* reason) {
 std::string Download(LinkPort& dialog, const std::string& url) {
     const std::optional<std::string> name = DownloadName(url);
     if (!name) {
-        ConsolePrint("<E> Download: no file name in the URL %s\n", OnOneLine(url).c_str());
+        ConsolePrint("<E> Download: no file name in the URL %s\n", OneLine(url).Text());
         return {};
     }
     const std::string folder = dialog.DownloadFolder();
-    ConsolePrint("curl -k -X GET %s -o %s  --output-dir %s", OnOneLine(url).c_str(), OnOneLine(*name).c_str(),
-                 OnOneLine(folder).c_str());
+    ConsolePrint("curl -k -X GET %s -o %s  --output-dir %s", OneLine(url).Text(), OneLine(*name).Text(),
+                 OneLine(folder).Text());
     ConsolePrint("\n\n");
     dialog.RunProgram({"curl", "-k", "-X", "GET", url, "-o", *name, "--output-dir", folder});
     return '"' + folder + '/' + *name + '"';
@@ -52,7 +52,7 @@ void OnRegistered(LinkPort& dialog, std::string_view text) {
     if (pair->key != "uuid") { return; }
     const std::string uuid(pair->value);
     dialog.CopyToClipboard(uuid);
-    ConsolePrint("3D Viewer session UUID: %s\n", OnOneLine(uuid).c_str());
+    ConsolePrint("3D Viewer session UUID: %s\n", OneLine(uuid).Text());
     dialog.ShowMessage(
         "Connect", "3D Viewer session UUID:\n\nThe UUID is in the clipboard; paste it in the HTML viewer");
 }

@@ -87,7 +87,7 @@ void OpenGLControl::TellMaterial() const {
         const FaceContainer& container = *loaded.containers[i];
         if (container.containerId != selectedContainerId) { continue; }
         if (container.materialName != nullptr) {
-            ConsolePrint("Material: %s\n", OnOneLine(container.materialName).c_str());
+            ConsolePrint("Material: %s\n", OneLine(container.materialName).Text());
         }
         if (dialog != nullptr) {
             dialog->SetPickText(container.materialName != nullptr
@@ -100,8 +100,8 @@ void OpenGLControl::TellMaterial() const {
 void OpenGLControl::TellPickedProduct(const ProductNode* product) {
     if (product == nullptr) { return; }
     selectedText = product->name != nullptr ? product->name : "";
-    ConsolePrint("Product selected: %s   File: %s\n", OnOneLine(OrNull(product->name)).c_str(),
-                 OnOneLine(OrNull(product->fileName)).c_str());
+    ConsolePrint("Product selected: %s   File: %s\n", OneLine(OrNull(product->name)).Text(),
+                 OneLine(OrNull(product->fileName)).Text());
 }
 
 } // namespace tarnwick

@@ -84,7 +84,7 @@ int OpenGLControl::grab_GL(const char* path) {
 
     WholeFile file(path);
     if (!file.IsOpen()) {
-        OutputPrint("[Error] : grab_GL(), Cannot open %s for writting.\n", OnOneLine(path).c_str());
+        OutputPrint("[Error] : grab_GL(), Cannot open %s for writting.\n", OneLine(path).Text());
         return 0;
     }
     const auto header = Header(width, height, imageBytes);
@@ -92,8 +92,7 @@ int OpenGLControl::grab_GL(const char* path) {
     file.Write(image.get(), imageBytes);
     const int error = file.Close();
     if (error != 0) {
-        OutputPrint("[Error] : grab_GL(), Cannot write %s: %s\n", OnOneLine(path).c_str(),
-                    std::strerror(error));
+        OutputPrint("[Error] : grab_GL(), Cannot write %s: %s\n", OneLine(path).Text(), std::strerror(error));
         return 0;
     }
     return 1;
