@@ -1,6 +1,7 @@
 // One frame in the fixed-function pipeline: the arrays go to the graphics library as the readers left them.
 
 #include "platform/clock.h"
+#include "render/index_pieces.h"
 #include "render/opengl_control.h"
 #include "render/pick_code.h"
 
@@ -16,6 +17,16 @@ constexpr GLfloat kApparentSize = 36.309998f;
 void SetPickColour(std::uint32_t code) {
     const PickColour colour = PickColourOf(code);
     glColor4f(colour.red, colour.green, colour.blue, 1.0f);
+}
+
+void DrawElements(GLenum mode, const std::uint32_t* indices, std::size_t count) {
+    ForIndexPieces(count, [&](std::size_t first, std::size_t here) {
+        glDrawElements(mode, static_cast<GLsizei>(here), GL_UNSIGNED_INT, indices + first);
+    });
+}
+
+void DrawTriangles(const std::uint32_t* indices, std::int32_t triangles) {
+    DrawElements(GL_TRIANGLES, indices, 3 * static_cast<std::size_t>(triangles));
 }
 
 // Fills the window with the background, whatever view and states are set, and restores those.
@@ -135,7 +146,7 @@ void OpenGLControl::DrawMesh(const StepFaceB& mesh) const {
     glNormalPointer(GL_FLOAT, 0, mesh.normals);
     const SafeIndices::Mesh* const safe = safe_.Find(&mesh);
     if (safe == nullptr) {
-        glDrawElements(GL_TRIANGLES, 3 * mesh.triangleCount, GL_UNSIGNED_INT, mesh.triangles);
+        DrawTriangles(mesh.triangles, mesh.triangleCount);
         return;
     }
     // A face with fewer normals than vertices is lit as if all of them were 0, 0, 1; triangles of vertices
@@ -145,10 +156,9 @@ void OpenGLControl::DrawMesh(const StepFaceB& mesh) const {
         glNormal3f(0, 0, 1);
     }
     if (safe->hasIndices) {
-        glDrawElements(GL_TRIANGLES, 3 * mesh.triangleCount, GL_UNSIGNED_INT, mesh.triangles);
+        DrawTriangles(mesh.triangles, mesh.triangleCount);
     } else {
-        glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(safe->indices.size()), GL_UNSIGNED_INT,
-                       safe->indices.data());
+        DrawElements(GL_TRIANGLES, safe->indices.data(), safe->indices.size());
     }
     if (!safe->hasNormals) { glEnableClientState(GL_NORMAL_ARRAY); }
 }
@@ -157,11 +167,10 @@ void OpenGLControl::DrawResultMesh() const {
     glVertexPointer(3, GL_FLOAT, 0, loaded.resultMesh->vertices);
     glColorPointer(4, GL_UNSIGNED_BYTE, 0, loaded.resultMesh->colours);
     if (const SafeIndices::Mesh* const safe = safe_.Find(loaded.resultMesh)) {
-        glDrawElements(GL_QUADS, static_cast<GLsizei>(safe->indices.size()), GL_UNSIGNED_INT,
-                       safe->indices.data());
+        DrawElements(GL_QUADS, safe->indices.data(), safe->indices.size());
     } else {
-        glDrawElements(GL_QUADS, 4 * loaded.resultMesh->quadCount, GL_UNSIGNED_INT,
-                       loaded.resultMesh->quadIndices);
+        DrawElements(GL_QUADS, loaded.resultMesh->quadIndices,
+                     4 * static_cast<std::size_t>(loaded.resultMesh->quadCount));
     }
 }
 
@@ -180,7 +189,7 @@ void OpenGLControl::DrawBoxes(Pass pass) const {
         }
         glVertexPointer(3, GL_FLOAT, 0, item.vertices);
         glNormalPointer(GL_FLOAT, 0, item.normals);
-        glDrawElements(GL_TRIANGLES, 3 * item.triangleCount, GL_UNSIGNED_INT, item.indices);
+        DrawTriangles(item.indices, item.triangleCount);
         glPopMatrix();
     }
 }
