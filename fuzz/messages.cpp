@@ -18,12 +18,13 @@ public:
         return true;
     }
     bool Invalidate() override { return true; }
-    void RunProgram(const std::vector<std::string>& command) override {
+    bool RunProgram(const std::vector<std::string>& command) override {
         // The name of a download leads nowhere but into the folder of downloads.
         const std::string& name = command.at(6);
         if (name.empty() || name == ".." || name.find('/') != std::string::npos) {
             fuzz::Finding("a download out of its folder");
         }
+        return true;
     }
     void StartProgram(const std::vector<std::string>&, const std::vector<std::string>&) override {}
     std::string DownloadFolder() override { return "/downloads"; }

@@ -26,10 +26,10 @@ std::vector<char*> Pointers(const std::vector<std::string>& command) {
     return words;
 }
 
-// Waits, past signals; what waitpid returns.
-pid_t WaitFor(pid_t process, int options) {
+// Waits, past signals; what waitpid returns. `status` may be null.
+pid_t WaitFor(pid_t process, int* status, int options) {
     pid_t ended;
-    do { ended = waitpid(process, nullptr, options); } while (ended < 0 && errno == EINTR);
+    do { ended = waitpid(process, status, options); } while (ended < 0 && errno == EINTR);
     return ended;
 }
 
@@ -57,14 +57,19 @@ ChildProgram::ChildProgram(const std::vector<std::string>& command) {
 }
 
 bool ChildProgram::IsRunning() {
-    if (process_ != 0 && WaitFor(process_, WNOHANG) != 0) { process_ = 0; }
-    return process_ != 0;
+    if (process_ == 0) { return false; }
+    int status = 0;
+    const pid_t ended = WaitFor(process_, &status, WNOHANG);
+    if (ended == 0) { return true; }
+    succeeded_ = ended == process_ && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    process_ = 0;
+    return false;
 }
 
 void ChildProgram::Kill() {
     if (process_ == 0) { return; }
     kill(process_, SIGKILL);
-    WaitFor(process_, 0);
+    WaitFor(process_, nullptr, 0);
     process_ = 0;
 }
 
@@ -83,7 +88,7 @@ void StartDetached(const std::vector<std::string>& command) {
     if (parent < 0) {
         TellNotStarted(command[0], errno);
     } else {
-        WaitFor(parent, 0);
+        WaitFor(parent, nullptr, 0);
     }
 }
 

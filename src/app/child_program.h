@@ -19,11 +19,14 @@ public:
     ~ChildProgram() { Kill(); }
 
     bool IsRunning();
+    // Whether it has ended by itself, with status 0.
+    bool HasSucceeded() const { return succeeded_; }
     // Ends it, and waits for that.
     void Kill();
 
 private:
     pid_t process_ = 0; // 0 when there is none to wait for
+    bool succeeded_ = false;
 };
 
 // Starts a program that outlives the viewer; the first word is its path.

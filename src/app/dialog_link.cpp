@@ -117,12 +117,13 @@ bool DialogLink::Invalidate() {
     return OnDialogThread([this] { dialog_.Invalidate(); });
 }
 
-void DialogLink::RunProgram(const std::vector<std::string>& command) {
+bool DialogLink::RunProgram(const std::vector<std::string>& command) {
     ChildProgram program(command);
     while (program.IsRunning()) {
         if (IsClosing()) { program.Kill(); }
         std::this_thread::sleep_for(kBetweenLooks);
     }
+    return program.HasSucceeded();
 }
 
 void DialogLink::StartProgram(const std::vector<std::string>& names,

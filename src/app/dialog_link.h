@@ -33,7 +33,7 @@ private:
     bool ShowMessage(const std::string& caption, const std::string& text) override;
     bool Load(const std::string& arguments) override;
     bool Invalidate() override;
-    void RunProgram(const std::vector<std::string>& command) override;
+    bool RunProgram(const std::vector<std::string>& command) override;
     void StartProgram(const std::vector<std::string>& names,
                       const std::vector<std::string>& arguments) override;
     std::string DownloadFolder() override;

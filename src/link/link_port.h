@@ -22,8 +22,8 @@ public:
     virtual bool Invalidate() = 0;
 
     // Runs a program, the first element, with the others as its arguments, and waits until it ends; closing
-    // the dialog ends it. No shell sees any of the texts.
-    virtual void RunProgram(const std::vector<std::string>& command) = 0;
+    // the dialog ends it. No shell sees any of the texts. Whether it ended with status 0.
+    virtual bool RunProgram(const std::vector<std::string>& command) = 0;
     // Starts the first program of the names that the machine has, and doesn't wait.
     virtual void StartProgram(const std::vector<std::string>& names,
                               const std::vector<std::string>& arguments) = 0;

@@ -4,6 +4,11 @@
 #include "platform/console.h"
 #include "text/one_line.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
 namespace tarnwick {
 
 namespace {
@@ -17,7 +22,17 @@ void GiveUp(const char* reason) {
     ConsolePrint("<E> Message of the server: %s\n", reason);
 }
 
-// The path of the local file that `url` was downloaded to, as an argument; empty when there is none.
+// What a download has left that broke off would be taken for the file, and so would what one before it left.
+// False, and told, when it can't be removed.
+bool Remove(const std::string& path) {
+    if (unlink(path.c_str()) == 0 || errno == ENOENT) { return true; }
+    ConsolePrint("<E> Download: %s is not whole and can't be removed: %s\n", OneLine(path).Text(),
+                 std::strerror(errno));
+    return false;
+}
+
+// The path of the local file that `url` was downloaded to, as an argument; empty when there is none. A
+// download that failed has a path too, where nothing is.
 std::string Download(LinkPort& dialog, const std::string& url) {
     const std::optional<std::string> name = DownloadName(url);
     if (!name) {
@@ -28,8 +43,10 @@ std::string Download(LinkPort& dialog, const std::string& url) {
     ConsolePrint("curl -k -X GET %s -o %s  --output-dir %s", OneLine(url).Text(), OneLine(*name).Text(),
                  OneLine(folder).Text());
     ConsolePrint("\n\n");
-    dialog.RunProgram({"curl", "-k", "-X", "GET", url, "-o", *name, "--output-dir", folder});
-    return '"' + folder + '/' + *name + '"';
+    const std::string path = folder + '/' + *name;
+    const bool whole =
+        dialog.RunProgram({"curl", "-k", "-X", "GET", url, "-o", *name, "--output-dir", folder});
+    return whole || Remove(path) ? '"' + path + '"' : std::string();
 }
 
 void OnLoad(LinkPort& dialog, std::string_view text) {

@@ -62,6 +62,20 @@ TEST(ChildProgram, IsToldWhenItCannotBeStarted) {
     EXPECT_FALSE(program.IsRunning());
 }
 
+TEST(ChildProgram, TellsWhetherItEndedWithStatus0) {
+    const auto succeeds = [](const std::string& script) {
+        ChildProgram program({"sh", "-c", script});
+        WaitFor(&program);
+        return program.HasSucceeded();
+    };
+    EXPECT_TRUE(succeeds("exit 0"));
+    EXPECT_FALSE(succeeds("exit 1"));
+    EXPECT_FALSE(succeeds("kill -9 $$"));
+    ChildProgram killed({"sleep", "1000"});
+    killed.Kill();
+    EXPECT_FALSE(killed.HasSucceeded());
+}
+
 TEST(StartDetached, PassesBytesAndWaitsForNothing) {
     const TempFolder folder;
     const std::string script =

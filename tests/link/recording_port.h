@@ -41,12 +41,13 @@ public:
     }
     bool Load(const std::string& arguments) override { return Note("load " + arguments); }
     bool Invalidate() override { return Note("invalidate"); }
-    void RunProgram(const std::vector<std::string>& command) override {
+    bool RunProgram(const std::vector<std::string>& command) override {
         {
             const std::lock_guard<std::mutex> hold(lock_);
             programs_.push_back(command);
         }
         Note("run " + command.front());
+        return runProgram ? runProgram(command) : true;
     }
     void StartProgram(const std::vector<std::string>& names,
                       const std::vector<std::string>& arguments) override {
@@ -58,7 +59,11 @@ public:
         }
         Note("start " + names.front());
     }
-    std::string DownloadFolder() override { return "/downloads"; }
+    std::string DownloadFolder() override { return downloadFolder; }
+
+    // What a program that is run does, and whether it ends with status 0.
+    std::function<bool(const std::vector<std::string>&)> runProgram;
+    std::string downloadFolder = "/downloads";
 
 private:
     static constexpr std::chrono::seconds kPatience{60};

@@ -2,9 +2,14 @@
 
 #include "link/server_messages.h"
 #include "recording_port.h"
+#include "support/temp_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
 
 namespace tarnwick::test {
 namespace {
@@ -12,6 +17,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 using Texts = std::vector<std::string>;
@@ -21,6 +27,9 @@ protected:
     // What a message does, and what it logs.
     Texts Do(const std::string& text) {
         RecordingPort port;
+        return Do(text, port);
+    }
+    Texts Do(const std::string& text, RecordingPort& port) {
         ::testing::internal::CaptureStderr();
         OnServerMessage(port, text);
         log_ = ::testing::internal::GetCapturedStderr();
@@ -128,6 +137,49 @@ TEST_F(ServerMessagesTest, AUrlIsDownloadedAndLoadedFromTheFolder) {
     EXPECT_THAT(programs_, ElementsAre(ElementsAre("curl", "-k", "-X", "GET", "https://host:8443/x/y/a.stpz",
                                                    "-o", "a.stpz", "--output-dir", "/downloads")));
     EXPECT_EQ(log_, "curl -k -X GET https://host:8443/x/y/a.stpz -o a.stpz  --output-dir /downloads\n\n");
+}
+
+// A folder of downloads where each download first leaves some bytes.
+class DownloadsTest : public ServerMessagesTest {
+protected:
+    // What is left of a download that ends so.
+    bool Leaves(bool succeeds) {
+        RecordingPort port;
+        port.downloadFolder = folder_.Path("");
+        port.downloadFolder.pop_back();
+        port.runProgram = [&](const Texts& command) {
+            folder_.Write(command.at(6), "ISO-10303-21;");
+            return succeeds;
+        };
+        const std::string load = "load \"" + folder_.Path("a.stp") + '"';
+        EXPECT_THAT(Do(R"({"Load":"http://h/a.stp"})", port), ElementsAre("run curl", load, "invalidate"));
+        EXPECT_THAT(log_, Not(HasSubstr("<E>")));
+        return access(folder_.Path("a.stp").c_str(), F_OK) == 0;
+    }
+
+    TempFolder folder_;
+};
+
+TEST_F(DownloadsTest, AWholeOneStays) {
+    EXPECT_TRUE(Leaves(true));
+}
+
+TEST_F(DownloadsTest, OneThatFailedLeavesNothing) {
+    EXPECT_FALSE(Leaves(false));
+}
+
+TEST_F(DownloadsTest, OneThatFailedDoesNotShowWhatADownloadBeforeItLeft) {
+    folder_.Write("a.stp", "former");
+    EXPECT_FALSE(Leaves(false));
+}
+
+TEST_F(DownloadsTest, WhatIsLeftAndCannotBeRemovedIsNotLoaded) {
+    std::filesystem::create_directories(folder_.Path("a.stp/within"));
+    RecordingPort port;
+    port.downloadFolder = folder_.Path("");
+    port.runProgram = [](const Texts&) { return false; };
+    EXPECT_THAT(Do(R"({"Load":"http://h/a.stp"})", port), ElementsAre("run curl"));
+    EXPECT_THAT(log_, HasSubstr("a.stp is not whole and can't be removed: "));
 }
 
 TEST_F(ServerMessagesTest, OnlyTheFirstFourCharactersMakeAUrl) {
