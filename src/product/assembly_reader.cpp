@@ -6,6 +6,7 @@
 #include "p21/keyword_codes.h"
 #include "platform/append_pointer.h"
 #include "platform/console.h"
+#include "text/one_line.h"
 
 #include <algorithm>
 #include <cstring>
@@ -33,7 +34,7 @@ bool ReadTriple(AssemblyReader& reader, std::int32_t id, double values[3]) {
 
 void ScanAssemblyEntities(AssemblyReader& reader) {
     MapP42Ent& entities = *reader.model.entityMap;
-    for (const P42Ent* entity = entities.First(); entity != nullptr && !reader.overrun;
+    for (const P42Ent* entity = entities.First(); entity != nullptr && !reader.overrun && !reader.noMemory;
          entity = entities.Next()) {
         if (entity->code == code::kContextDependentShapeRepresentation) {
             ReadOccurrence(reader, entity);
@@ -92,18 +93,19 @@ int ReadAssemblyStructure(ProductTree& tree, StepModel& model, bool isTopFile, A
     AssemblyReader reader{model, tree, arena, {}, {}, {}};
     reader.products.reserve(static_cast<std::size_t>(model.productCount) + 5);
     ScanAssemblyEntities(reader);
-    if (reader.overrun) { return 1; }
+    if (reader.overrun) { return kStructureBreaksOff; }
+    if (reader.noMemory) { return kStructureNeedsMemory; }
+    MakeRoom(tree.products, static_cast<std::int32_t>(reader.products.size()));
     for (const auto& [parent, occurrence] : reader.uses) {
         occurrence->child->isRoot = 0;
-        AddOccurrence(arena, parent, occurrence);
+        if (!AddOccurrence(arena, parent, occurrence)) { NoteNoMemory(reader); }
     }
-    MakeRoom(tree.products, static_cast<std::int32_t>(reader.products.size()));
     for (ProductNode* const product : reader.products) {
         tree.products[tree.products.count++] = product;
         if (isTopFile && product->isRoot == 1) { tree.root = product; }
         if (product->fileName != nullptr) { PushPartQueue(tree, product); }
     }
-    return 0;
+    return reader.noMemory ? kStructureNeedsMemory : 0;
 }
 
 int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
@@ -143,7 +145,7 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
     ProductNode* const parent = IdentifyProduct(reader, parentId, parentName, parentFormation);
     ProductNode* const child = IdentifyProduct(reader, childId, childName, childFormation);
     Occurrence* const occurrence = reader.arena.New<Occurrence>();
-    if (parent == nullptr || child == nullptr || occurrence == nullptr) { return 1; }
+    if (parent == nullptr || child == nullptr || occurrence == nullptr) { return NoteNoMemory(reader); }
     std::copy_n(rotation, 9, occurrence->rotation);
     std::copy_n(translation, 3, occurrence->translation);
     occurrence->child = child;
@@ -228,11 +230,19 @@ ProductNode* MakeProduct(AssemblyReader& reader, std::int32_t definitionId, std:
     return product;
 }
 
+int NoteNoMemory(AssemblyReader& reader) {
+    if (!reader.noMemory) {
+        reader.noMemory = true;
+        ConsolePrint("<E> %s: no memory for its structure\n", OneLine(reader.model.fileName).Text());
+    }
+    return 1;
+}
+
 bool NoteOverrun(AssemblyReader& reader, const TextWalk& walk, std::int32_t entityId) {
     if (walk.overrun && !reader.overrun) {
         reader.overrun = true;
         ConsolePrint("<E> %s: its structure is given up, #%d runs past the end of the file\n",
-                     reader.model.fileName.c_str(), entityId);
+                     OneLine(reader.model.fileName).Text(), entityId);
     }
     return walk.overrun;
 }

@@ -22,19 +22,24 @@ struct AssemblyReader {
     // Uses that were read: they take effect when the file has come to its end, so that one that is given up
     // leaves nothing on the products of other files.
     std::vector<std::pair<ProductNode*, Occurrence*>> uses;
-    bool overrun = false; // a line ran past the end of the text: the file is given up
+    bool overrun = false;  // a line ran past the end of the text: the file is given up
+    bool noMemory = false; // likewise
 };
+
+inline constexpr int kStructureBreaksOff = 1;
+inline constexpr int kStructureNeedsMemory = 2;
 
 // Reads the assembly lines of one file and merges the outcome into the tree: products and occurrences by a
 // fixed chain of lines from each CONTEXT_DEPENDENT_SHAPE_REPRESENTATION, files by each
 // APPLIED_DOCUMENT_REFERENCE. Products of other files are joined by equal `name`. With `isTopFile` the last
 // product that is nobody's child becomes the tree's root. A line that leads nowhere is dropped; a file
 // with a line that runs past its end is given up, and adds no product. One thread at a time may run it on a
-// tree. Returns 1 for such a file, else 0.
+// tree. Returns 0; kStructureBreaksOff for such a file; kStructureNeedsMemory, and says so, when memory runs
+// out, and then some of its uses may be missing.
 int ReadAssemblyStructure(ProductTree& tree, StepModel& model, bool isTopFile, Arena& arena);
 
 // Reads an occurrence from its CONTEXT_DEPENDENT_SHAPE_REPRESENTATION into `uses`. 0 when it was read, 1 when
-// not.
+// not; `noMemory` is set then when that is why. The same holds for what follows.
 int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity);
 
 // The `id` of the PRODUCT of a PRODUCT_DEFINITION, as it stands in the text, and the entity number of the
@@ -74,6 +79,9 @@ ProductNode* FindQueued(ProductTree& tree, std::string_view name);
 
 // Puts a product whose file is to be read on the tree's queue.
 void PushPartQueue(ProductTree& tree, ProductNode* product);
+
+// Gives the file up, and says so once, when memory for a record runs out. Returns 1.
+int NoteNoMemory(AssemblyReader& reader);
 
 // Gives the file up if the walk, in the line of an entity, has run past the end of the text; whether it has.
 bool NoteOverrun(AssemblyReader& reader, const TextWalk& walk, std::int32_t entityId);

@@ -43,7 +43,7 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
         // Queued by another file already: it keeps the file that it has.
         if (FindQueued(reader.tree, name) != nullptr) { return 0; }
         product = MakeProduct(reader, definitionId, name, formationId);
-        if (product == nullptr) { return 1; }
+        if (product == nullptr) { return NoteNoMemory(reader); }
     }
     const P42Ent* const document = reader.model.Find(documentId);
     if (document == nullptr) { return 1; }
@@ -52,7 +52,7 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
     if (fileName.ends_with(".cgr")) { fileName.replace(fileName.size() - 3, 3, "stp"); }
     if (fileName.find("...") != std::string::npos) { return 2; }
     const char* const copy = reader.arena.Copy(fileName.data(), fileName.size());
-    if (copy == nullptr) { return 1; }
+    if (copy == nullptr) { return NoteNoMemory(reader); }
     product->fileName = copy;
     return 0;
 }

@@ -252,8 +252,8 @@ private:
 
     void SayCycle(const ProductNode& product) {
         if (!cycleSaid_) {
-            ConsolePrint("<E> %s: product '%s' is part of itself; that use of it is left out\n", fileName_,
-                         OnOneLine(product.name).c_str());
+            ConsolePrint("<E> %s: product '%s' is part of itself; that use of it is left out\n",
+                         OneLine(fileName_).Text(), OneLine(product.name).Text());
         }
         cycleSaid_ = true;
     }
@@ -285,10 +285,10 @@ int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, Pre
     TreeWalk walk(arena, fileName, prepare);
     if (walk.Run(product)) { return 0; }
     if (walk.HasTooManyItems()) {
-        ConsolePrint("<E> %s: not all of its parts are placed, they are more than %lld\n", fileName,
-                     static_cast<long long>(kMostItems));
+        ConsolePrint("<E> %s: not all of its parts are placed, they are more than %lld\n",
+                     OneLine(fileName).Text(), static_cast<long long>(kMostItems));
     } else {
-        ConsolePrint("<E> %s: no memory to place all of its parts\n", fileName);
+        ConsolePrint("<E> %s: no memory to place all of its parts\n", OneLine(fileName).Text());
     }
     return 1;
 }
