@@ -3,6 +3,7 @@
 #include "p21/keyword_codes.h"
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "text/one_line.h"
 #include "text/parse_real.h"
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace tarnwick {
 namespace {
 
 constexpr int kStopped = 1; // at a bad line; what was read is kept
-constexpr int kGivenUp = 2; // the file, whose lines lead nowhere
+constexpr int kGivenUp = 2; // the file, whose lines lead nowhere, or for which memory runs out
 
 // After a number of attributes of an entity's line.
 TextWalk WalkAfter(const StepModel& model, const P42Ent* entity, int attributes) {
@@ -24,7 +25,14 @@ TextWalk WalkAfter(const StepModel& model, const P42Ent* entity, int attributes)
 }
 
 int GiveUp(const FiniteElementReader& reader, const P42Ent* entity, const char* reason) {
-    ConsolePrint("<E> %s: given up, #%d %s\n", reader.part.model.fileName.c_str(), entity->id, reason);
+    ConsolePrint("<E> %s: given up, #%d %s\n", OneLine(reader.part.model.fileName).Text(), entity->id,
+                 reason);
+    return kGivenUp;
+}
+
+int GiveUpForMemory(FiniteElementReader& reader) {
+    reader.part.noMemory = true;
+    ConsolePrint("<E> %s: no memory for its mesh\n", OneLine(reader.part.model.fileName).Text());
     return kGivenUp;
 }
 
@@ -165,7 +173,7 @@ void BuildResultMesh(FiniteElementReader& reader) {
     std::uint8_t* const colours = arena.New<std::uint8_t>(4 * nodes);
     std::uint32_t* const indices = arena.New<std::uint32_t>(4 * quads);
     if (mesh == nullptr || vertices == nullptr || colours == nullptr || indices == nullptr) {
-        ConsolePrint("<E> %s: no memory for its mesh\n", reader.part.model.fileName.c_str());
+        GiveUpForMemory(reader);
         return;
     }
     for (std::size_t i = 0; i < nodes; ++i) {
@@ -228,11 +236,25 @@ bool ReadMesh(FiniteElementReader& reader) {
     ListP42Ent nodeLines(arena);
     ListP42Ent sectionLines(arena);
     ListP42Ent elementLines(arena);
+    const auto listOf = [&](std::int32_t keyword) -> ListP42Ent* {
+        switch (keyword) {
+        case code::kNode:
+            return &nodeLines;
+        case code::kUniformSurfaceSection:
+            return &sectionLines;
+        case code::kSurface3dElement:
+            return &elementLines;
+        default:
+            return nullptr;
+        }
+    };
     MapP42Ent& entities = *model.entityMap;
     for (P42Ent* entity = entities.First(); entity != nullptr; entity = entities.Next()) {
-        if (entity->code == code::kNode) { nodeLines.Add(entity); }
-        if (entity->code == code::kUniformSurfaceSection) { sectionLines.Add(entity); }
-        if (entity->code == code::kSurface3dElement) { elementLines.Add(entity); }
+        ListP42Ent* const lines = listOf(entity->code);
+        if (lines != nullptr && lines->Add(entity) == 0) {
+            GiveUpForMemory(reader);
+            return false;
+        }
     }
     return ReadNodes(reader, nodeLines) != kGivenUp && ReadSections(reader, sectionLines) != kGivenUp &&
            ReadElements(reader, elementLines) != kGivenUp;
@@ -246,14 +268,19 @@ int ReadFiniteElements(FiniteElementReader& reader) {
     part.readSeconds += part.model.readSeconds;
     part.inflateSeconds += part.model.inflateSeconds;
     if (!part.MakeProduct()) {
-        ConsolePrint("<E> %s: given up, it has no PRODUCT\n", part.model.fileName.c_str());
         part.givenUp = true;
+        if (part.noMemory) {
+            GiveUpForMemory(reader);
+        } else {
+            ConsolePrint("<E> %s: given up, it has no PRODUCT\n", OneLine(part.model.fileName).Text());
+        }
         return 0;
     }
     part.givenUp = !ReadMesh(reader);
     if (part.givenUp) { return 0; }
     for (FeNode& node : reader.nodes) { ColourNode(&node, reader.minValue, reader.maxValue); }
     BuildResultMesh(reader);
+    part.givenUp = part.noMemory;
     part.triangleSum += static_cast<std::uint32_t>(part.triangleTotal);
     if (part.triangleTotal >= 1) {
         std::copy_n(part.box, 6, part.product->box);

@@ -5,9 +5,11 @@
 #include "platform/console.h"
 #include "product/draw_list.h"
 #include "product/merge_box.h"
+#include "text/one_line.h"
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <string_view>
 
 namespace tarnwick {
@@ -37,12 +39,12 @@ int PartReader::Run() {
 
 int PartReader::ReadPart() {
     if (!ReadColours(*this)) { return GiveUp("a colour's line runs past the end of the file"); }
-    if (product == nullptr && !MakeProduct()) { return GiveUp("it has no PRODUCT"); }
+    if (product == nullptr && !MakeProduct()) { return GiveUpUnlessMemory("it has no PRODUCT"); }
     if (!ReadItemIds()) {
         return GiveUp("its TESSELLATED_SHAPE_REPRESENTATION runs past the end of the file");
     }
     containers = arena.New<FaceContainer*>(scratch.itemIds.size());
-    if (containers == nullptr) { return GiveUp("no memory"); }
+    if (containers == nullptr) { return GiveUpForMemory(); }
     std::int32_t makeFromCount = 0;
     std::int32_t shapeDefinitionCount = 0;
     bool isRawMaterial = false;
@@ -66,11 +68,11 @@ int PartReader::ReadPart() {
         if (result != 0) { return result; }
     }
     if (isRawMaterial && !LinkRawMaterial(*this, makeFromCount, shapeDefinitionCount)) {
-        return GiveUp("a raw material's line runs past the end of the file");
+        return GiveUpUnlessMemory("a raw material's line runs past the end of the file");
     }
     triangleSum += static_cast<std::uint32_t>(triangleTotal);
     faceSum += static_cast<std::uint32_t>(faceTotal);
-    if (!HandOver()) { return GiveUp("no memory"); }
+    if (!HandOver()) { return GiveUpForMemory(); }
     return 0;
 }
 
@@ -80,10 +82,11 @@ bool PartReader::MakeProduct() {
     const std::string_view name = ReadFirstString(&walk, kNameRoom);
     if (walk.overrun) { return false; }
     ProductNode* const made = arena.New<ProductNode>();
-    if (made == nullptr) { return false; }
+    const char* const copy = arena.Copy(name.data(), name.size());
+    noMemory = made == nullptr || copy == nullptr;
+    if (noMemory) { return false; }
     made->isRoot = 1;
-    made->name = arena.Copy(name.data(), name.size());
-    if (made->name == nullptr) { return false; }
+    made->name = copy;
     product = made;
     return true;
 }
@@ -120,7 +123,7 @@ bool PartReader::FindRawMaterial(bool* isRawMaterial, std::int32_t* makeFromCoun
 
 int PartReader::ReadContainer(const P42Ent* entity) {
     FaceContainer* const container = arena.New<FaceContainer>();
-    if (container == nullptr) { return GiveUp("no memory"); }
+    if (container == nullptr) { return GiveUpForMemory(); }
     container->containerId = entity->id;
     container->kind = entity->code == code::kTessellatedSolid ? 1 : 2;
     containers[containerCount++] = container;
@@ -169,7 +172,7 @@ bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactCon
 
 int PartReader::ReadFace(const P42Ent* entity, const FaceContainer* container) {
     StepFaceB* const face = arena.New<StepFaceB>();
-    if (face == nullptr) { return GiveUp("no memory"); }
+    if (face == nullptr) { return GiveUpForMemory(); }
     face->colour[0] = face->colour[1] = face->colour[2] = 0.3f;
     face->colour[3] = 1.0f;
     FaceProblem problem;
@@ -189,6 +192,9 @@ int PartReader::ReadFace(const P42Ent* entity, const FaceContainer* container) {
         face->colour[2] = colour.blue;
         face->colour[3] = colour.alpha;
     }
+    if (face->triangleCount > std::numeric_limits<std::int32_t>::max() - triangleTotal) {
+        return GiveUp("it has more triangles than can be counted");
+    }
     MergeBox(faceTotal == 0, face->box, box);
     ++faceTotal;
     scratch.faces.push_back(face);
@@ -207,8 +213,8 @@ bool PartReader::HandOver() {
     item->meshes = meshes;
     item->meshCount = static_cast<std::int32_t>(count);
     item->product = product;
+    if (!AppendItem(arena, list, item)) { return false; }
     product->drawList = list;
-    AppendItem(arena, list, item);
     if (triangleTotal >= 1) {
         std::copy_n(box, 6, product->box);
         product->hasBox = 1;
@@ -219,16 +225,27 @@ bool PartReader::HandOver() {
 void PartReader::SayMissing(std::int32_t id) {
     if (missingSaid_) { return; }
     missingSaid_ = true;
-    ConsolePrint("<E> %s: #%d is listed but not there\n", model.fileName.c_str(), id);
+    ConsolePrint("<E> %s: #%d is listed but not there\n", OneLine(model.fileName).Text(), id);
 }
 
 int PartReader::GiveUp(const char* reason) {
-    ConsolePrint("<E> %s: part given up, %s\n", model.fileName.c_str(), reason);
+    ConsolePrint("<E> %s: part given up, %s\n", OneLine(model.fileName).Text(), reason);
     return kFailed;
 }
 
+int PartReader::GiveUpForMemory() {
+    noMemory = true;
+    return GiveUp("no memory");
+}
+
+int PartReader::GiveUpUnlessMemory(const char* reason) {
+    return noMemory ? GiveUpForMemory() : GiveUp(reason);
+}
+
 int PartReader::GiveUpFace(const P42Ent* entity, const FaceProblem& problem) {
-    ConsolePrint("<E> %s: part given up, face #%d %s\n", model.fileName.c_str(), entity->id, problem.reason);
+    noMemory = problem.reason == kNoMemoryForFace;
+    ConsolePrint("<E> %s: part given up, face #%d %s\n", OneLine(model.fileName).Text(), entity->id,
+                 problem.reason);
     return kFailed;
 }
 

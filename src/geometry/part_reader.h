@@ -47,7 +47,7 @@ public:
     int ReadPart();
 
     // Makes the product of a file that is the whole document, named after its root PRODUCT. False when there
-    // is none, its line runs past the end of the text, or memory runs out.
+    // is none, its line runs past the end of the text, or (with `noMemory`) memory runs out.
     bool MakeProduct();
 
     StepModel& model;
@@ -64,6 +64,7 @@ public:
     double inflateSeconds = 0;
     double parseSeconds = 0;
     bool givenUp = false;            // its product gets no meshes
+    bool noMemory = false;           // which is why it was given up
     ColourIndex colourIndex;         // by the entity number of a solid, shell, surface set or face
     std::int32_t currentColour = -1; // row of the container in hand, -1 for none
     float box[6] = {};               // of all faces read so far
@@ -78,6 +79,8 @@ private:
     bool HandOver();
     void SayMissing(std::int32_t id);
     int GiveUp(const char* reason);
+    int GiveUpForMemory();
+    int GiveUpUnlessMemory(const char* reason);
     int GiveUpFace(const P42Ent* entity, const FaceProblem& problem);
 
     bool missingSaid_ = false; // one line for each part is enough
@@ -99,7 +102,7 @@ bool IsKnownColourName(std::string_view name);
 
 // Writes the names of raw materials on the reader's containers: those of the products that a
 // MAKE_FROM_USAGE_OPTION names, on the solids that its own shape representation lists. False when a line runs
-// past the end of the text.
+// past the end of the text, or (with the reader's `noMemory`) memory runs out.
 bool LinkRawMaterial(PartReader& reader, std::int32_t makeFromCount, std::int32_t shapeDefinitionCount);
 
 } // namespace tarnwick

@@ -78,7 +78,8 @@ public:
     }
 
     // Writes the names on the containers that are among the items, by their own number or that of their link.
-    void WriteOn(FaceContainer** containers, std::int32_t count, Arena& arena) {
+    // False when memory runs out.
+    bool WriteOn(FaceContainer** containers, std::int32_t count, Arena& arena) {
         LookUp<std::int32_t, List*> lastOf; // of the lists that have an item
         for (List& list : lists_) {
             for (std::size_t i = 0; i < list.count; ++i) {
@@ -93,8 +94,10 @@ public:
             if (linked != nullptr && (named == nullptr || named->turn < (*linked)->turn)) { named = *linked; }
             if (named == nullptr) { continue; }
             if (named->copy == nullptr) { named->copy = arena.Copy(named->name.data(), named->name.size()); }
+            if (named->copy == nullptr) { return false; }
             containers[i]->materialName = named->copy;
         }
+        return true;
     }
 
 private:
@@ -160,8 +163,8 @@ bool LinkRawMaterial(PartReader& reader, std::int32_t makeFromCount, std::int32_
     }
     NamedItems items(model);
     const bool read = NameItems(model, options, shapeDefinitions, &items);
-    items.WriteOn(reader.containers, reader.containerCount, reader.arena);
-    return read;
+    reader.noMemory = !items.WriteOn(reader.containers, reader.containerCount, reader.arena);
+    return read && !reader.noMemory;
 }
 
 } // namespace tarnwick

@@ -20,7 +20,6 @@ namespace tarnwick {
 namespace {
 
 constexpr const char* kPastEnd = "runs past the end of the file";
-constexpr const char* kNoMemory = "no memory for it";
 
 // A walk in the line of an entity. A move that finds no target fails it, as what the reader of a list meets
 // may.
@@ -127,7 +126,7 @@ bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
     if (walk->Failed()) { return false; }
     for (;;) {
         if (!out->Reserve(3)) {
-            walk->Fail(kNoMemory);
+            walk->Fail(kNoMemoryForFace);
             return false;
         }
         const char* p = TakeTriple(walk->at, out->Next());
@@ -198,7 +197,7 @@ std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
     std::int32_t count = 0;
     for (;;) {
         if (!list->Reserve(1)) {
-            walk->Fail(kNoMemory);
+            walk->Fail(kNoMemoryForFace);
             return -1;
         }
         const char* delimiter = walk->at;
@@ -273,7 +272,7 @@ void ReadTriangleLists(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipAr
         }
         if (count < 3) { continue; }
         if (!out->Reserve(3 * (count - 2))) {
-            walk->Fail(kNoMemory);
+            walk->Fail(kNoMemoryForFace);
             return;
         }
         append(reinterpret_cast<const std::uint32_t*>(values->Data()), count, out->Next());
@@ -320,7 +319,7 @@ bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, 
     if (known && known->coordinatesId == list->id) {
         const auto count = 3 * static_cast<std::size_t>(known->count);
         if (!points.Reserve(count)) {
-            *problem = kNoMemory;
+            *problem = kNoMemoryForFace;
             return false;
         }
         std::copy_n(known->points, count, points.Next());
@@ -388,7 +387,7 @@ bool TraiteIndexCoords(StepFaceB* face, const StepModel& model, const P42Ent* li
     const std::size_t count = static_cast<std::size_t>(face->pnindexCount);
     TipArray<float> vertices(arena);
     if (!vertices.Reserve(3 * count)) {
-        *problem = kNoMemory;
+        *problem = kNoMemoryForFace;
         return false;
     }
     float* out = vertices.Next();
@@ -537,7 +536,7 @@ int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& a
     }
     ComputeBox(face);
     if (face->normalCount == 1 && !RepeatNormal(face, oneNormal, arena)) {
-        problem->reason = kNoMemory;
+        problem->reason = kNoMemoryForFace;
         return -1;
     }
     return face->vertexCount < face->normalCount ? 1 : 0;

@@ -58,6 +58,8 @@ struct FaceScratch {
     }
 };
 
+inline constexpr char kNoMemoryForFace[] = "no memory for it";
+
 // Why TraiteFace gave a face up, where the outcome isn't one of the reader's own; null otherwise.
 struct FaceProblem {
     const char* reason = nullptr;

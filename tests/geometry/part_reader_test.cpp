@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
 #include <string>
 
 namespace tarnwick::test {
@@ -41,6 +43,27 @@ TEST(ReadPart, HandsOverOneItemWithAllFaces) {
     EXPECT_EQ(part.reader->faceSum, 2u);
     EXPECT_EQ(part.console, "");
     EXPECT_EQ(part.output, "");
+}
+
+TEST(ReadPart, GivesAPartUpWhoseTrianglesCanNotBeCounted) {
+    const TempFolder folder;
+    const std::string text =
+        PartText("(#20)", {kSquare, "#20=TESSELLATED_SOLID('',(#30,#31),$);", FaceLine(30), FaceLine(31)});
+    ReaderWorkspace workspace;
+    StepModel model(workspace, folder.Write("a\nb.stp", text));
+    ASSERT_EQ(ReadQuietly(model), StepModel::kRead);
+    Arena arena;
+    PartScratch scratch;
+    PartReader reader(model, nullptr, arena, scratch);
+    reader.triangleTotal = std::numeric_limits<std::int32_t>::max() - 1;
+    LogCapture log;
+    reader.Run();
+    const std::string console = log.TakeConsole();
+    EXPECT_EQ(console, "<E> " + folder.Path("a?b.stp") +
+                           ": part given up, it has more triangles than can be counted\n");
+    EXPECT_TRUE(reader.givenUp);
+    EXPECT_FALSE(reader.noMemory);
+    EXPECT_EQ(reader.product->drawList, nullptr);
 }
 
 TEST(ReadPart, MakesTheRootProductFromItsLine) {
