@@ -1,5 +1,6 @@
 #include "load/view_setup.h"
 
+#include "platform/console.h"
 #include "platform/within_memory.h"
 
 #include <algorithm>
@@ -13,6 +14,10 @@ namespace {
 
 const char* CopyText(Arena& arena, const char* text) {
     return text != nullptr ? arena.Copy(text, std::strlen(text)) : nullptr;
+}
+
+void SayNotKept() {
+    ConsolePrint("<E> no memory to keep the solids and shells of the part before\n");
 }
 
 // Copies the containers into memory of their own, so that they outlive their scene; without memory for that
@@ -30,14 +35,20 @@ void KeepContainers(LoadedScene* loaded) {
     if (kept == nullptr || records == nullptr) {
         loaded->containers = nullptr;
         loaded->containerCount = 0;
+        SayNotKept();
         return;
     }
+    bool whole = true;
     for (std::size_t i = 0; i < count; ++i) {
         records[i] = *loaded->containers[i];
         records[i].materialName = CopyText(*loaded->keptContainers, records[i].materialName);
         records[i].materialComment = CopyText(*loaded->keptContainers, records[i].materialComment);
+        whole = whole &&
+                (loaded->containers[i]->materialName == nullptr || records[i].materialName != nullptr) &&
+                (loaded->containers[i]->materialComment == nullptr || records[i].materialComment != nullptr);
         kept[i] = records + i;
     }
+    if (!whole) { SayNotKept(); }
     loaded->containers = kept;
 }
 
