@@ -1,11 +1,15 @@
 #include "archive/stpa_archive.h"
 
+#include "archive/zip_input.h"
 #include "platform/console.h"
+#include "platform/within_memory.h"
 #include "text/inflate_bytes.h"
+#include "text/one_line.h"
 
 #include <minizip/unzip.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <utility>
 
@@ -27,6 +31,11 @@ constexpr const char* kNoRecord = "can't be read, its record in the archive is d
 constexpr const char* kForeignMethod = "is packed by a method that isn't known here";
 constexpr const char* kEncrypted = "is encrypted";
 constexpr const char* kTooLarge = "is too large";
+constexpr const char* kCantBeRead = "can't be read";
+
+void SayCantBeRead(int error) {
+    ConsolePrint("<E> the archive can't be read: %s\n", std::strerror(error));
+}
 
 } // namespace
 
@@ -35,7 +44,15 @@ ZipArchive::ZipArchive(const char* path) {
     std::string name(path, strnlen(path, kPathRoom));
     const auto open = [this](const char* opened) {
         file_.emplace(opened);
-        if (file_->IsOpen()) { zip_.reset(unzOpen64(opened)); }
+        if (!file_->IsOpen()) {
+            if (failure_ == 0) { failure_ = file_->Failure(); }
+            return false;
+        }
+        input_ = std::make_unique<ZipInput>(*file_);
+        zlib_filefunc64_def functions = input_->Functions();
+        errno = 0;
+        zip_.reset(unzOpen2_64(opened, &functions));
+        if (zip_ == nullptr && errno != 0) { failure_ = errno; }
         return zip_ != nullptr;
     };
     if (!open(path)) {
@@ -43,57 +60,88 @@ ZipArchive::ZipArchive(const char* path) {
         open(name.c_str());
     }
     if (zip_ == nullptr) {
-        OutputPrint("Cannot open %s or %s.zip\n", path, path);
+        const OneLine shown(path);
+        OutputPrint("Cannot open %s or %s.zip\n", shown.Text(), shown.Text());
         return;
     }
-    ConsolePrint("%s opened\n", name.c_str());
+    ConsolePrint("%s opened\n", OneLine(name).Text());
     IndexArchive(name.c_str());
 }
+
+ZipArchive::~ZipArchive() = default;
 
 void ZipArchive::CloseZip::operator()(void* zip) const {
     unzClose(zip);
 }
 
 void ZipArchive::IndexArchive(const char* name) {
-    for (int result = unzGoToFirstFile(zip_.get()); result == UNZ_OK; result = unzGoToNextFile(zip_.get())) {
+    int failure = 0;
+    const auto succeeds = [&failure](int result) {
+        if (result != UNZ_OK) { failure = errno; }
+        return result == UNZ_OK;
+    };
+    errno = 0;
+    for (bool there = succeeds(unzGoToFirstFile(zip_.get())); there;
+         errno = 0, there = succeeds(unzGoToNextFile(zip_.get()))) {
         char buffer[kNameRoom];
         unz_file_info64 info{};
         unz64_file_pos position{};
-        if (unzGetCurrentFileInfo64(zip_.get(), &info, buffer, sizeof buffer, nullptr, 0, nullptr, 0) !=
-                UNZ_OK ||
-            unzGetFilePos64(zip_.get(), &position) != UNZ_OK) {
+        if (!succeeds(
+                unzGetCurrentFileInfo64(zip_.get(), &info, buffer, sizeof buffer, nullptr, 0, nullptr, 0)) ||
+            !succeeds(unzGetFilePos64(zip_.get(), &position))) {
             break;
         }
         if (info.size_filename >= kNameRoom) {
-            ConsolePrint("<E> %s: a member's name has %zu characters or more, it is left out\n", name,
-                         kNameRoom);
+            ConsolePrint("<E> %s: a member's name has %zu characters or more, it is left out\n",
+                         OneLine(name).Text(), kNameRoom);
             continue;
         }
         const std::string& kept = names_.emplace_back(buffer);
         members_.Add(kept, {position.pos_in_zip_directory, position.num_of_file});
     }
+    if (failure != 0) {
+        ConsolePrint("<E> %s: its directory can't be read on: %s\n", OneLine(name).Text(),
+                     std::strerror(failure));
+    }
 }
 
-bool ZipArchive::GoTo(const ZipEntry& entry, MemberInfo* member) {
+// Why the library failed, before which errno was 0; what the system says goes to the console.
+const char* ZipArchive::WhyFailed() {
+    switch (errno) {
+    case 0:
+        return kNoRecord;
+    case ENOMEM:
+        return kNeedsMemory;
+    default:
+        SayCantBeRead(errno);
+        return kCantBeRead;
+    }
+}
+
+// Makes a member the current one; what is wrong with it, or null.
+const char* ZipArchive::GoTo(const ZipEntry& entry, MemberInfo* member) {
     const unz64_file_pos position{entry.centralOffset, entry.memberIndex};
+    errno = 0;
     unz_file_info64 info{};
     if (unzGoToFilePos64(zip_.get(), &position) != UNZ_OK ||
         unzGetCurrentFileInfo64(zip_.get(), &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK) {
-        return false;
+        return WhyFailed();
     }
     *member = {info.compressed_size, info.uncompressed_size, info.compression_method,
                (info.flag & kEncryptedFlag) != 0};
-    return true;
+    return nullptr;
 }
 
-// Where the current member's bytes begin; false when its local header doesn't fit its record.
-bool ZipArchive::FindData(std::uint64_t* offset) {
+// Where the current member's bytes begin. What is wrong with it, as that its local header doesn't fit its
+// record, or null.
+const char* ZipArchive::FindData(std::uint64_t* offset) {
     int method;
     int level;
-    if (unzOpenCurrentFile2(zip_.get(), &method, &level, 1) != UNZ_OK) { return false; }
+    errno = 0;
+    if (unzOpenCurrentFile2(zip_.get(), &method, &level, 1) != UNZ_OK) { return WhyFailed(); }
     *offset = unzGetCurrentFileZStreamPos64(zip_.get());
     unzCloseCurrentFile(zip_.get());
-    return true;
+    return nullptr;
 }
 
 // A member's bytes, no more than the file still has after `offset`.
@@ -103,21 +151,26 @@ std::size_t ZipArchive::BytesThere(const MemberInfo& info, std::uint64_t offset)
 }
 
 // Reads the current member and puts the head of a gzip file before it. `buffer` has room for the head and for
-// as many of the member's bytes as there can be in the file.
-int ZipArchive::GetBufferCurrentFile(const MemberInfo& info, unsigned char* buffer, std::uint32_t* size) {
-    int error = UNZ_OK;
+// as many of the member's bytes as there can be in the file. Memory or the system fail it; what else is wrong
+// shows when the bytes are inflated.
+const char* ZipArchive::GetBufferCurrentFile(const MemberInfo& info, unsigned char* buffer,
+                                             std::uint32_t* size) {
     std::uint64_t offset = 0;
     std::size_t read = 0;
-    if (!FindData(&offset)) {
-        error = UNZ_BADZIPFILE;
-    } else {
-        read = file_->ReadAt(offset, buffer + sizeof kGzipHead, BytesThere(info, offset));
-        if (read == 0) { error = UNZ_BADZIPFILE; }
+    const char* problem = FindData(&offset);
+    if (problem == nullptr) {
+        int error = 0;
+        read = file_->ReadAt(offset, buffer + sizeof kGzipHead, BytesThere(info, offset), &error);
+        if (error != 0) {
+            SayCantBeRead(error);
+            problem = kCantBeRead;
+        }
     }
-    if (read == 0) { OutputPrint("error %d with zipfile in unzGetBufferCurrentFile\n", error); }
+    if (problem == kNeedsMemory || problem == kCantBeRead) { return problem; }
+    if (read == 0) { OutputPrint("error %d with zipfile in unzGetBufferCurrentFile\n", UNZ_BADZIPFILE); }
     std::memcpy(buffer, kGzipHead, sizeof kGzipHead);
     *size = static_cast<std::uint32_t>(read + sizeof kGzipHead);
-    return 0;
+    return nullptr;
 }
 
 ZipArchive::Packed ZipArchive::ReadPacked(const char* name) {
@@ -128,18 +181,18 @@ ZipArchive::Packed ZipArchive::ReadPacked(const char* name) {
         packed.oddity = kNoMember;
         return packed;
     }
-    if (zip_ == nullptr || !GoTo(*entry, &info)) {
-        packed.oddity = kNoRecord;
-        return packed;
-    }
+    packed.oddity = zip_ != nullptr ? GoTo(*entry, &info) : kNoRecord;
+    if (packed.oddity != nullptr) { return packed; }
     const std::uint64_t room = std::min(info.compressedSize, file_->Size()) + 100;
     if (room > kLargestText) {
         packed.oddity = kTooLarge;
         return packed;
     }
     packed.data = std::make_unique_for_overwrite<unsigned char[]>(static_cast<std::size_t>(room));
-    GetBufferCurrentFile(info, packed.data.get(), &packed.size);
-    if (info.encrypted) {
+    packed.oddity = GetBufferCurrentFile(info, packed.data.get(), &packed.size);
+    if (packed.oddity != nullptr) {
+        packed.data.reset();
+    } else if (info.encrypted) {
         packed.oddity = kEncrypted;
     } else if (info.method == kStored) {
         packed.oddity = "is stored without compression, which a part in an archive can't be";
@@ -157,10 +210,8 @@ char* ZipArchive::ReadMember(const char* name, TextMemory& memory, std::size_t* 
         return nullptr;
     }
     MemberInfo info{};
-    if (!GoTo(*entry, &info)) {
-        *problem = kNoRecord;
-        return nullptr;
-    }
+    *problem = GoTo(*entry, &info);
+    if (*problem != nullptr) { return nullptr; }
     // What the record claims is more than a text may have.
     if (std::min(info.compressedSize, file_->Size()) > kLargestText ||
         info.uncompressedSize > kLargestText - kTextReserve) {
@@ -181,10 +232,8 @@ char* ZipArchive::ReadMember(const char* name, TextMemory& memory, std::size_t* 
 char* ZipArchive::ReadStored(const MemberInfo& info, TextMemory& memory, std::size_t* size,
                              const char** problem) {
     std::uint64_t offset = 0;
-    if (!FindData(&offset)) {
-        *problem = kNoRecord;
-        return nullptr;
-    }
+    *problem = FindData(&offset);
+    if (*problem != nullptr) { return nullptr; }
     const std::size_t there = BytesThere(info, offset);
     if (there > info.uncompressedSize + kStoredReserve) {
         *problem = info.encrypted ? kEncrypted : "can't be read, it is stored with more bytes than it has";
@@ -192,10 +241,16 @@ char* ZipArchive::ReadStored(const MemberInfo& info, TextMemory& memory, std::si
     }
     char* const text = memory.text.Get(there + 1);
     if (text == nullptr) {
-        *problem = kTooLarge;
+        *problem = kNeedsMemory;
         return nullptr;
     }
-    *size = file_->ReadAt(offset, text, there);
+    int error = 0;
+    *size = file_->ReadAt(offset, text, there, &error);
+    if (error != 0) {
+        SayCantBeRead(error);
+        *problem = kCantBeRead;
+        return nullptr;
+    }
     text[*size] = '\0';
     return text;
 }
@@ -211,12 +266,18 @@ char* ZipArchive::ReadDeflated(const MemberInfo& info, TextMemory& memory, std::
         reinterpret_cast<unsigned char*>(memory.compressed.Get(static_cast<std::size_t>(packedRoom)));
     char* const text = memory.text.Get(room);
     if (packed == nullptr || text == nullptr) {
-        *problem = kTooLarge;
+        *problem = kNeedsMemory;
         return nullptr;
     }
     std::uint32_t packedSize = 0;
-    GetBufferCurrentFile(info, packed, &packedSize);
-    const std::size_t inflated = InflateBytes(packed, packedSize, text, room, true);
+    *problem = GetBufferCurrentFile(info, packed, &packedSize);
+    if (*problem != nullptr) { return nullptr; }
+    const std::optional<std::size_t> whole = InflateBytes(packed, packedSize, text, room, true);
+    if (!whole) {
+        *problem = kNeedsMemory;
+        return nullptr;
+    }
+    const std::size_t inflated = *whole;
     // The text counts as long as the record says; one that is longer has a NUL in it.
     text[inflated] = '\0';
     if (claimed < inflated) { text[claimed] = '\0'; }

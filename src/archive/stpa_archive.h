@@ -20,6 +20,8 @@ struct ZipEntry {
     std::uint64_t memberIndex;   // its number
 };
 
+class ZipInput;
+
 // An opened ZIP archive.
 class ZipArchive final : public DocumentArchive {
 public:
@@ -29,7 +31,11 @@ public:
     ZipArchive(const ZipArchive&) = delete;
     ZipArchive& operator=(const ZipArchive&) = delete;
 
+    ~ZipArchive() override;
+
     bool IsOpen() const { return zip_ != nullptr; }
+    // Why it isn't open, where that isn't for what the file is: an errno, else 0.
+    int Failure() const { return failure_; }
     // Members that can be asked for.
     std::size_t MemberCount() const { return members_.Count(); }
 
@@ -46,18 +52,21 @@ private:
         bool encrypted;
     };
     void IndexArchive(const char* name);
-    bool GoTo(const ZipEntry& entry, MemberInfo* info);
-    int GetBufferCurrentFile(const MemberInfo& info, unsigned char* buffer, std::uint32_t* size);
+    const char* GoTo(const ZipEntry& entry, MemberInfo* info);
+    const char* GetBufferCurrentFile(const MemberInfo& info, unsigned char* buffer, std::uint32_t* size);
+    const char* WhyFailed();
     char* ReadStored(const MemberInfo& info, TextMemory& memory, std::size_t* size, const char** problem);
     char* ReadDeflated(const MemberInfo& info, TextMemory& memory, std::size_t* size, const char** problem);
-    bool FindData(std::uint64_t* offset);
+    const char* FindData(std::uint64_t* offset);
     std::size_t BytesThere(const MemberInfo& info, std::uint64_t offset) const;
 
     struct CloseZip {
         void operator()(void* zip) const;
     };
+    std::optional<OpenedFile> file_;
+    std::unique_ptr<ZipInput> input_;     // what the library reads that file by
     std::unique_ptr<void, CloseZip> zip_; // the library's handle
-    std::optional<OpenedFile> file_;      // the same file, for the raw bytes
+    int failure_ = 0;
     // By name; of two of one name the first in the central directory counts. It spares a walk over the
     // directory for every member that is wanted.
     LookUp<std::string_view, ZipEntry> members_;

@@ -2,7 +2,11 @@
 
 #include "archive/stpa_archive.h"
 #include "platform/console.h"
+#include "text/one_line.h"
 #include "xml/stpx_driver.h"
+
+#include <cerrno>
+#include <cstring>
 
 namespace tarnwick {
 
@@ -20,8 +24,14 @@ int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, bool t
     ConsolePrint("Start TraiteSTPA\n");
     reader.loaded.Clear();
     ZipArchive archive(path);
+    if (archive.Failure() == ENOMEM) {
+        GiveUpForMemory(path, "", 0, &reader.loaded.unreadFiles);
+        return ZIPReader::kNoIni;
+    }
     if (!archive.IsOpen()) {
-        ConsolePrint("<E> %s: can't be opened as an archive\n", path);
+        const int failure = archive.Failure();
+        ConsolePrint("<E> %s: can't be opened as an archive%s%s\n", OneLine(path).Text(),
+                     failure != 0 ? ": " : "", failure != 0 ? std::strerror(failure) : "");
         return GiveUp(reader, path, "can't be opened as an archive", ZIPReader::kNoIni);
     }
     std::string root;
@@ -31,6 +41,10 @@ int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, bool t
         std::size_t size = 0;
         const char* problem = nullptr;
         const char* const ini = archive.ReadMember("stpa.ini", memory, &size, &problem);
+        if (ini == nullptr && problem == kNeedsMemory) {
+            GiveUpForMemory(path, "", 0, &reader.loaded.unreadFiles);
+            return ZIPReader::kNoIni;
+        }
         if (ini == nullptr) {
             return GiveUp(reader, path, "has no member stpa.ini that can be read", ZIPReader::kNoIni);
         }

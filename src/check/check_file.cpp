@@ -123,7 +123,7 @@ void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCou
                    std::vector<Finding>* findings, FileReferences* references) {
     CheckedFile file{model, *findings, {}};
     if (result == StepModel::kNotOpened) {
-        file.Add(FindingKind::kUnread, UnreadReason(result));
+        file.Add(FindingKind::kUnread, UnreadReason(model, result));
         return;
     }
     if (result != StepModel::kRead) {

@@ -8,6 +8,7 @@
 #include "xml/stpx_file.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <deque>
 #include <memory>
 #include <string_view>
@@ -78,7 +79,7 @@ private:
         std::vector<Finding> findings;
         const int result = ReadToCheck(model, &findings);
         if (result == StepModel::kNotOpened) {
-            AddUnread(report_, wanted.path, wanted.product, UnreadReason(result));
+            AddUnread(report_, wanted.path, wanted.product, UnreadReason(model, result));
             return;
         }
         FileReferences references;
@@ -170,7 +171,7 @@ void CheckDocumentPart(CheckReport* report, const SceneView& view, StepModel& mo
     const int result = ReadToCheck(model, &findings);
     if (result != StepModel::kRead) {
         // What the load could read may fail now.
-        if (!IsTold(view, name)) { AddUnread(report, name, "", UnreadReason(result)); }
+        if (!IsTold(view, name)) { AddUnread(report, name, "", UnreadReason(model, result)); }
         return;
     }
     FileReferences none;
@@ -195,7 +196,10 @@ void CheckLoaded(CheckReport* report, const SceneView& view, FileKind kind) {
         archive = std::make_unique<ZipArchive>(path.c_str());
         if (!archive->IsOpen()) {
             // The load could open it, or has told that it couldn't.
-            if (!IsTold(view, path)) { AddUnread(report, path, "", "can't be opened as an archive"); }
+            if (!IsTold(view, path)) {
+                AddUnread(report, path, "",
+                          archive->Failure() == ENOMEM ? kNeedsMemory : "can't be opened as an archive");
+            }
             return;
         }
     }

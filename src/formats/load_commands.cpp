@@ -9,6 +9,7 @@
 #include "product/draw_list.h"
 #include "summary/select_depth.h"
 #include "summary/stpj_reader.h"
+#include "text/one_line.h"
 #include "xml/stpx_driver.h"
 
 #include <memory>
@@ -101,7 +102,7 @@ void LoadStpjFile(SceneView& view, const char* path) {
 
 void LoadZIPFile(SceneView& view, const char* path, const char* rootName, bool useThreads) {
     view.loaded.pickMode = kPickNothing;
-    ConsolePrint("LoadZIPFile : ZIPReader::TraiteZIPFile %s\n", path);
+    ConsolePrint("LoadZIPFile : ZIPReader::TraiteZIPFile %s\n", OneLine(path).Text());
     Load(view, path, kOfArchive, [&](LoadedScene& next) {
         ZIPReader reader(next);
         reader.progress = ProgressOf(view);
@@ -114,7 +115,7 @@ void SelectShownDepth(SceneView& view, std::int32_t depth) {
     if (loaded.stpjFile == nullptr) { return; }
     FreeBoxList(*loaded.boxMemory, loaded.boxList);
     if (!SelectDepth(*loaded.stpjFile, depth, loaded.boxList, *loaded.boxMemory)) {
-        ConsolePrint("<E> %s: no memory for all of its boxes\n", loaded.stpjFile->path);
+        ConsolePrint("<E> %s: no memory for all of its boxes\n", OneLine(loaded.stpjFile->path).Text());
     }
     loaded.drawnTriangles = CountBoxTriangles(*loaded.boxList);
     ++view.sceneNumber; // other boxes may stand where these did

@@ -48,7 +48,9 @@ private:
         if (!model) { return; }
         PartReader reader(*model, entry.product, thread.arena, thread.scratch);
         reader.Run();
-        if (reader.givenUp) { NoteUnread(thread, place, *entry.product, kGivenUpReason); }
+        if (const char* const reason = WhyGivenUp(reader)) {
+            NoteUnread(thread, place, *entry.product, reason);
+        }
         const std::lock_guard guard(lock_);
         partsRead_ += entry.times;
         loaded_.readSeconds += reader.readSeconds;

@@ -16,6 +16,18 @@ namespace tarnwick {
 
 namespace {
 
+// Why a file is unread, from what ReadAssemblyStructure returned; null when it isn't.
+const char* ReasonOf(int structure) {
+    switch (structure) {
+    case 0:
+        return nullptr;
+    case kStructureNeedsMemory:
+        return kNeedsMemory;
+    default:
+        return kGivenUpReason;
+    }
+}
+
 // The files of an assembly: a part is read by the caller, a sub-assembly adds to the tree and to the queue.
 class AssemblyFiles final : public PartFiles {
 public:
@@ -26,13 +38,13 @@ public:
         thread.path = PathOf(product);
         StepModel& opened = model->emplace(thread.workspace, thread.path);
         const int result = opened.Read();
-        if (result != StepModel::kRead) { return UnreadReason(result); }
+        if (result != StepModel::kRead) { return UnreadReason(opened, result); }
         if (opened.isAssembly == 0) { return nullptr; }
         session_.tree.queue.WaitForThoseBefore(place);
         const std::lock_guard guard(session_.structureLock);
         const int structure = ReadAssemblyStructure(session_.tree, opened, false, thread.arena);
         model->reset();
-        return structure != 0 ? kGivenUpReason : nullptr;
+        return ReasonOf(structure);
     }
 
 private:
@@ -49,14 +61,14 @@ private:
     LoadSession& session_;
 };
 
-void NoteGivenUp(LoadedScene& loaded, const std::string& path) {
-    loaded.unreadFiles.push_back({0, path, "", kGivenUpReason});
+void NoteGivenUp(LoadedScene& loaded, const std::string& path, const char* reason) {
+    loaded.unreadFiles.push_back({0, path, "", reason});
 }
 
 // What a file that is the whole document leaves.
 void TakeOver(LoadSession& session, const PartReader& reader) {
     LoadedScene& loaded = session.loaded;
-    if (reader.givenUp) { NoteGivenUp(loaded, reader.model.fileName); }
+    if (const char* const reason = WhyGivenUp(reader)) { NoteGivenUp(loaded, reader.model.fileName, reason); }
     ++session.partCount;
     loaded.root = reader.product;
     loaded.drawnTriangles += static_cast<std::int32_t>(reader.triangleSum);
@@ -88,7 +100,9 @@ void ReadAssembly(LoadSession& session, StepModel& model, const char* path) {
     loaded.drawList = MakeDrawList(arena, 100);
     session.compression = model.compression;
     session.folder = FolderOf(path);
-    if (ReadAssemblyStructure(session.tree, model, true, arena) != 0) { NoteGivenUp(loaded, path); }
+    if (const char* const reason = ReasonOf(ReadAssemblyStructure(session.tree, model, true, arena))) {
+        NoteGivenUp(loaded, path, reason);
+    }
     AssemblyFiles files(session);
     session.partCount = ReadParts(session.tree.queue, files, session.useThreads, 0, session.progress, loaded);
     loaded.root = session.tree.root;
@@ -114,7 +128,7 @@ int TraiteSTEPFile(LoadSession& session, const char* path, bool useThreads) {
     StepModel model(workspace, path);
     const int result = model.Read();
     if (result != StepModel::kRead) {
-        loaded.unreadFiles.push_back({0, path, "", UnreadReason(result)});
+        loaded.unreadFiles.push_back({0, path, "", UnreadReason(model, result)});
         return 1;
     }
     session.isAssembly = model.isAssembly;

@@ -1,10 +1,15 @@
 #pragma once
 
+#include "platform/within_memory.h" // kNeedsMemory
+
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace tarnwick {
+
+class PartReader;
+struct StepModel;
 
 // A file that a load wanted and could not read, for the people who wonder what is absent.
 struct UnreadFile {
@@ -17,11 +22,11 @@ using UnreadFiles = std::vector<UnreadFile>;
 
 // Of a file that was opened, when its part, its structure or its mesh is given up. Why is on the console.
 inline constexpr const char* kGivenUpReason = "can't be read to its end";
-// Of a file that memory ran out for.
-inline constexpr const char* kNeedsMemory = "needs more memory than there is";
 
-// Why a file could not be read, from what StepModel::Read returned.
-const char* UnreadReason(int result);
+// Why the file of a model could not be read, from what its Read returned.
+const char* UnreadReason(const StepModel& model, int result);
+// Why the file of a part that was read isn't shown; null when it is.
+const char* WhyGivenUp(const PartReader& reader);
 
 // Puts what several threads could not read into the order in which it was wanted.
 void SortUnread(UnreadFiles* files);

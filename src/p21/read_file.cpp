@@ -32,6 +32,7 @@ int StepModel::InflateData() {
 void StepModel::TakeText(const TextFile& file) {
     text = file.text;
     textEnd = file.text + file.size;
+    problem = file.problem;
     readSeconds += file.readSeconds;
     inflateSeconds += file.inflateSeconds;
 }

@@ -148,7 +148,7 @@ inline bool StepModel::AddEntity(std::int32_t id, const char* line, std::int32_t
     const char* keyword = equals + 1;
     while (*keyword == ' ') { ++keyword; }
     if (AddEntity(id, line, ClassifyEntity(keyword), complete)) { return true; }
-    GiveUp("no memory for its entities");
+    GiveUpForMemory("no memory for its entities");
     return false;
 }
 
@@ -160,7 +160,7 @@ bool StepModel::ScanEntities() {
     }
     void* const memory = workspace_.index.Allocate(sizeof(ListP42Ent));
     if (memory == nullptr || !AddBlock()) {
-        GiveUp("no memory for its entities");
+        GiveUpForMemory("no memory for its entities");
         return false;
     }
     structureList = ::new (memory) ListP42Ent(&workspace_.index);

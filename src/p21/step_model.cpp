@@ -2,6 +2,8 @@
 
 #include "p21/keyword_codes.h"
 #include "platform/console.h"
+#include "platform/within_memory.h"
+#include "text/one_line.h"
 
 #include <string_view>
 #include <utility>
@@ -33,10 +35,15 @@ StepModel::~StepModel() {
 }
 
 int StepModel::GiveUp(const char* reason) {
-    ConsolePrint("<E> %s: %s\n", fileName.c_str(), reason);
+    ConsolePrint("<E> %s: %s\n", OneLine(fileName).Text(), reason);
     entityMap = nullptr;
     structureList = nullptr;
     return kNotP21;
+}
+
+int StepModel::GiveUpForMemory(const char* reason) {
+    problem = kNeedsMemory;
+    return GiveUp(reason);
 }
 
 int StepModel::Read() {
@@ -54,7 +61,7 @@ int StepModel::ReadIndex() {
     }
     far_ = std::make_unique<FarPlaces>(text, textEnd);
     if (!ScanEntities()) { return kNotP21; }
-    if (!BuildEntityMap()) { return GiveUp("no memory for its entity table"); }
+    if (!BuildEntityMap()) { return GiveUpForMemory("no memory for its entity table"); }
     if (!ReadSchemaNumber()) { return GiveUp("no schema name in its header"); }
     return kRead;
 }

@@ -92,6 +92,7 @@ struct StepModel {
 
     double readSeconds = 0;
     double inflateSeconds = 0;
+    const char* problem = nullptr; // why it wasn't read, where that is told; a phrase
     std::string fileName; // as given, rewritten by the fall-back rule; empty for a model made from memory
     char* text = nullptr;
     char* textEnd = nullptr; // where the NUL after the text stands
@@ -126,6 +127,7 @@ private:
     bool ReadSchemaNumber();
     bool FindRootProduct();
     int GiveUp(const char* reason);
+    int GiveUpForMemory(const char* reason);
 
     ReaderWorkspace& workspace_;
     const bool isFile_;               // else `compressedData` is all there is, whatever the model's name

@@ -4,6 +4,10 @@
 
 namespace tarnwick {
 
+// Of a file that memory ran out for; a phrase behind its name. An array, so that it has one
+// address and can be told from other reasons.
+inline constexpr char kNeedsMemory[] = "needs more memory than there is";
+
 // Does `work`; false when a library, the standard one included, found no memory for it and threw.
 template <class Work>
 bool WithinMemory(Work work) {

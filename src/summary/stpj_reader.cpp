@@ -60,7 +60,7 @@ public:
 private:
     bool Ended() const { return at_ >= end_; }
     void Say(const std::string& problem) {
-        if (!said_) { ConsolePrint("<E> %s: %s\n", OnOneLine(file_.path).c_str(), problem.c_str()); }
+        if (!said_) { ConsolePrint("<E> %s: %s\n", OneLine(file_.path).Text(), problem.c_str()); }
         said_ = true;
     }
 
@@ -351,28 +351,38 @@ void StpjText::SayOddOccurrences() {
 
 // The file's bytes in `block`; null, and said with its reason, when they can't be had.
 char* ReadText(const char* path, TextBlock& block, std::size_t* size, const char** reason) {
-    const std::string name = OnOneLine(path);
+    const OneLine name(path);
     const OpenedFile file(path);
     if (!file.IsOpen()) {
-        ConsolePrint("<E> %s: it can't be opened\n", name.c_str());
+        if (file.Failure() != 0) {
+            ConsolePrint("<E> %s: it can't be opened: %s\n", name.Text(), std::strerror(file.Failure()));
+        } else {
+            ConsolePrint("<E> %s: it can't be opened\n", name.Text());
+        }
         *reason = "can't be opened";
         return nullptr;
     }
     const auto bytes = static_cast<unsigned long long>(file.Size());
     if (file.Size() > kLargestText) {
-        ConsolePrint("<E> %s: its %llu bytes are more than a summary may have\n", name.c_str(), bytes);
+        ConsolePrint("<E> %s: its %llu bytes are more than a summary may have\n", name.Text(), bytes);
         *reason = "is too large";
         return nullptr;
     }
     char* const text = block.Get(static_cast<std::size_t>(file.Size()) + 10);
     if (text == nullptr) {
-        ConsolePrint("<E> %s: no memory for its %llu bytes\n", name.c_str(), bytes);
+        ConsolePrint("<E> %s: no memory for its %llu bytes\n", name.Text(), bytes);
         *reason = kNeedsMemory;
         return nullptr;
     }
-    *size = file.ReadAt(0, text, static_cast<std::size_t>(file.Size()));
+    int error = 0;
+    *size = file.ReadAt(0, text, static_cast<std::size_t>(file.Size()), &error);
+    if (error != 0) {
+        ConsolePrint("<E> %s: it can't be read: %s\n", name.Text(), std::strerror(error));
+        *reason = "can't be read";
+        return nullptr;
+    }
     if (*size < file.Size()) {
-        ConsolePrint("<E> %s: only %zu of its %llu bytes can be read\n", name.c_str(), *size, bytes);
+        ConsolePrint("<E> %s: only %zu of its %llu bytes can be read\n", name.Text(), *size, bytes);
     }
     return text;
 }
@@ -433,7 +443,7 @@ int TraiteSTPJFile(LoadedScene& loaded, const char* path) {
     loaded.boxMemory = std::make_unique<Arena>();
     loaded.boxList = boxes;
     if (!SelectDepth(*file, loaded.maxDepth, boxes, *loaded.boxMemory)) {
-        ConsolePrint("<E> %s: no memory for all of its boxes\n", OnOneLine(path).c_str());
+        ConsolePrint("<E> %s: no memory for all of its boxes\n", OneLine(path).Text());
     }
     loaded.drawnTriangles = CountBoxTriangles(*boxes);
     loaded.stpjFile = file;

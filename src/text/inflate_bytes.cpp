@@ -14,12 +14,12 @@ std::size_t InflatedRoom(std::uint64_t size) {
     return size > kLargestText || room > kLargestText ? 0 : static_cast<std::size_t>(room);
 }
 
-std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* out, std::size_t room,
-                         bool isMember) {
+std::optional<std::size_t> InflateBytes(const unsigned char* data, std::uint32_t size, char* out,
+                                        std::size_t room, bool isMember) {
     constexpr std::uint32_t kStep = 0x40000;
     constexpr int kDetectHeader = 47; // zlib's largest window, and either header
     z_stream stream{};
-    if (inflateInit2(&stream, kDetectHeader) != Z_OK) { return 0; }
+    if (inflateInit2(&stream, kDetectHeader) != Z_OK) { return std::nullopt; }
     if (isMember) { inflateValidate(&stream, 0); }
     stream.next_in = const_cast<unsigned char*>(data);
     stream.next_out = reinterpret_cast<unsigned char*>(out);
@@ -36,6 +36,7 @@ std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* ou
     } while (result == Z_OK);
     const std::size_t total = stream.total_out;
     inflateEnd(&stream);
+    if (result == Z_MEM_ERROR) { return std::nullopt; }
     OutputPrint("total uncompress size = %u, in %u step\n", static_cast<unsigned>(total), steps);
     return total;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace tarnwick {
 
@@ -11,10 +12,10 @@ std::size_t InflatedRoom(std::uint64_t size);
 
 // Inflates a zlib or gzip stream of `size` bytes into `room` characters at `out`, and says on standard output
 // how much came out. A damaged stream, one without its trailer and a full block all end it like a finished
-// stream. Returns the characters written.
+// stream. Returns the characters written; nothing when memory runs out.
 // With `isMember` the bytes are a member of an archive after a gzip head of our own: no trailer follows, so
 // the checksum that would be compared with it isn't made either.
-std::size_t InflateBytes(const unsigned char* data, std::uint32_t size, char* out, std::size_t room,
-                         bool isMember = false);
+std::optional<std::size_t> InflateBytes(const unsigned char* data, std::uint32_t size, char* out,
+                                        std::size_t room, bool isMember = false);
 
 } // namespace tarnwick

@@ -8,12 +8,38 @@
 
 namespace tarnwick {
 
+namespace {
+
+// Whether open failed for what the path is, and not for want of something.
+bool IsOfThePath(int error) {
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case EISDIR:
+    case EACCES:
+    case EPERM:
+    case ELOOP:
+    case ENAMETOOLONG:
+    case ENXIO:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
 OpenedFile::OpenedFile(const char* path) {
     // Opening a pipe would else wait for its other end.
     const int file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status;
-    if (file < 0) { return; }
-    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (file < 0) {
+        failure_ = IsOfThePath(errno) ? 0 : errno;
+        return;
+    }
+    const bool known = fstat(file, &status) == 0;
+    if (!known) { failure_ = errno; }
+    if (!known || !S_ISREG(status.st_mode)) {
         close(file);
         return;
     }
@@ -25,12 +51,14 @@ OpenedFile::~OpenedFile() {
     if (file_ >= 0) { close(file_); }
 }
 
-std::size_t OpenedFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes) const {
+std::size_t OpenedFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes, int* error) const {
     std::size_t done = 0;
+    *error = 0;
     while (done < bytes) {
         const ssize_t got =
             pread(file_, static_cast<char*>(buffer) + done, bytes - done, static_cast<off_t>(offset + done));
         if (got < 0 && errno == EINTR) { continue; }
+        if (got < 0) { *error = errno; }
         if (got <= 0) { break; }
         done += static_cast<std::size_t>(got);
     }

@@ -16,13 +16,18 @@ public:
 
     // False for what can't be opened or is no regular file: a folder or a pipe can't be read whole.
     bool IsOpen() const { return file_ >= 0; }
+    // Why the system couldn't open a file that may be there, as when too many are open: an errno. 0 for one
+    // that is open, isn't there, isn't meant for us or is no regular file.
+    int Failure() const { return failure_; }
     std::uint64_t Size() const { return size_; }
 
-    // Reads `bytes` bytes from `offset` on; returns how many there were.
-    std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes) const;
+    // Reads `bytes` bytes from `offset` on; returns how many there were. Where the system couldn't read on,
+    // *error is its errno, else 0.
+    std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes, int* error) const;
 
 private:
     int file_ = -1;
+    int failure_ = 0;
     std::uint64_t size_ = 0;
 };
 

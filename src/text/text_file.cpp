@@ -2,7 +2,9 @@
 
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "platform/within_memory.h"
 #include "text/inflate_bytes.h"
+#include "text/one_line.h"
 #include "text/opened_file.h"
 
 #include <cstring>
@@ -31,19 +33,54 @@ bool TakeTwin(std::string* path, std::int32_t* compression) {
     }
 }
 
+constexpr const char* kCantBeOpened = "can't be opened";
+constexpr const char* kCantBeRead = "can't be read";
+
+// Says what the system has against the file.
+void TellSystem(const TextFile& file, int error) {
+    ConsolePrint("<E> %s: it %s: %s\n", OneLine(file.path).Text(), file.problem, std::strerror(error));
+}
+
+// Opens the file under its name or that of its twin; false when neither is to be had.
+bool Open(TextFile* file, std::optional<OpenedFile>* opened) {
+    opened->emplace(file->path.c_str());
+    if ((*opened)->IsOpen()) { return true; }
+    file->problem = kCantBeOpened;
+    int failure = (*opened)->Failure();
+    if (failure != 0) { TellSystem(*file, failure); }
+    std::int32_t compression = file->compression;
+    if (!TakeTwin(&file->path, &compression)) { return false; }
+    opened->emplace(file->path.c_str());
+    if (!(*opened)->IsOpen()) {
+        // Without the system neither name can be opened, and once is enough to say so.
+        if (failure == 0 && (failure = (*opened)->Failure()) != 0) { TellSystem(*file, failure); }
+        return false;
+    }
+    file->problem = nullptr;
+    file->compression = compression;
+    return true;
+}
+
 // The bytes of the file in `block`, zeros after them; null, and told, when they can't be had.
-char* ReadBytes(const TextFile& file, const OpenedFile& opened, TextBlock& block, std::size_t* size) {
+char* ReadBytes(TextFile& file, const OpenedFile& opened, TextBlock& block, std::size_t* size) {
     if (opened.Size() > kLargestText) {
-        ConsolePrint("<E> %s: files of 2 GiB and more can't be read\n", file.path.c_str());
+        ConsolePrint("<E> %s: files of 2 GiB and more can't be read\n", OneLine(file.path).Text());
         return nullptr;
     }
     const std::size_t wanted = static_cast<std::size_t>(opened.Size());
     char* const bytes = block.Get(wanted + 1);
     if (bytes == nullptr) {
-        ConsolePrint("<E> %s: no memory for its %zu bytes\n", file.path.c_str(), wanted);
+        ConsolePrint("<E> %s: no memory for its %zu bytes\n", OneLine(file.path).Text(), wanted);
+        file.problem = kNeedsMemory;
         return nullptr;
     }
-    *size = opened.ReadAt(0, bytes, wanted);
+    int error = 0;
+    *size = opened.ReadAt(0, bytes, wanted, &error);
+    if (error != 0) {
+        file.problem = kCantBeRead;
+        TellSystem(file, error);
+        return nullptr;
+    }
     std::memset(bytes + *size, 0, TextBlock::kPadding);
     return bytes;
 }
@@ -52,14 +89,8 @@ char* ReadBytes(const TextFile& file, const OpenedFile& opened, TextBlock& block
 
 TextFileResult ReadTextFile(TextFile* file, TextMemory* memory) {
     const double start = ClockSeconds();
-    std::optional<OpenedFile> opened(file->path.c_str());
-    if (!opened->IsOpen()) {
-        std::int32_t compression = file->compression;
-        if (!TakeTwin(&file->path, &compression)) { return TextFileResult::kNotOpened; }
-        opened.emplace(file->path.c_str());
-        if (!opened->IsOpen()) { return TextFileResult::kNotOpened; }
-        file->compression = compression;
-    }
+    std::optional<OpenedFile> opened;
+    if (!Open(file, &opened)) { return TextFileResult::kNotOpened; }
     const bool isPlain = file->compression == TextFile::kPlain;
     std::size_t size = 0;
     char* const bytes = ReadBytes(*file, *opened, isPlain ? memory->text : memory->compressed, &size);
@@ -82,12 +113,19 @@ bool InflateText(const unsigned char* data, std::uint32_t size, bool isMember, T
                  TextMemory* memory) {
     const double start = ClockSeconds();
     const std::size_t room = InflatedRoom(size);
-    char* const text = room > 0 ? memory->text.Get(room) : nullptr;
-    if (text == nullptr) {
-        ConsolePrint("<E> %s: no room to inflate its %u bytes\n", file->path.c_str(), size);
+    if (room == 0) {
+        ConsolePrint("<E> %s: no room to inflate its %u bytes\n", OneLine(file->path).Text(), size);
         return false;
     }
-    file->size = InflateBytes(data, size, text, room, isMember);
+    char* const text = memory->text.Get(room);
+    const std::optional<std::size_t> inflated =
+        text != nullptr ? InflateBytes(data, size, text, room, isMember) : std::nullopt;
+    if (!inflated) {
+        ConsolePrint("<E> %s: no memory to inflate its %u bytes\n", OneLine(file->path).Text(), size);
+        file->problem = kNeedsMemory;
+        return false;
+    }
+    file->size = *inflated;
     std::memset(text + file->size, 0, TextBlock::kPadding);
     file->text = text;
     file->inflateSeconds += ClockSeconds() - start;

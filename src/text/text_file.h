@@ -27,17 +27,19 @@ struct TextFile {
     double inflateSeconds = 0;
     char* text = nullptr; // in the memory that it was read into, with TextBlock::kPadding zeros after it
     std::size_t size = 0; // its characters
+    const char* problem = nullptr; // why it wasn't read, where that is told; a phrase
 };
 
 enum class TextFileResult { kRead, kNotOpened, kNoRoom };
 
 // Reads the file, inflating what its name says is compressed, under its name or else under that of its
-// compressed or plain twin. kNotOpened when there is no such file, it is too large, or memory for its bytes
-// runs out; kNoRoom when there is no room to inflate them. The last three are told on the console.
+// compressed or plain twin. kNotOpened when there is no such file, it is too large, the system can't open or
+// read it, or memory for its bytes runs out; kNoRoom when there is no room to inflate them. All but the first
+// are told on the console.
 TextFileResult ReadTextFile(TextFile* file, TextMemory* memory);
 
 // Inflates a zlib or gzip stream into the text block; see InflateBytes for `isMember`. False, and told on the
-// console under the file's path, when there is no room for what may come out.
+// console under the file's path, when there is no room or no memory for what may come out.
 bool InflateText(const unsigned char* data, std::uint32_t size, bool isMember, TextFile* file,
                  TextMemory* memory);
 

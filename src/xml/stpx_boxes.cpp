@@ -2,6 +2,7 @@
 
 #include "platform/console.h"
 #include "product/draw_list.h"
+#include "text/one_line.h"
 
 #include <algorithm>
 #include <memory>
@@ -71,6 +72,7 @@ void BuildBoxList(StpxSession& session, const char* fileName) {
     LoadedScene& loaded = session.loaded;
     loaded.boxMemory = std::make_unique<Arena>();
     loaded.boxList = loaded.scene->Main().New<DrawList>();
+    if (loaded.boxList == nullptr) { GiveUpForMemory(fileName, "", 0, &loaded.unreadFiles); }
     if (session.root == nullptr || loaded.boxList == nullptr) { return; }
     std::copy_n(session.root->box, 6, loaded.box);
     struct Level {
@@ -101,10 +103,10 @@ void BuildBoxList(StpxSession& session, const char* fileName) {
         stack.push_back({occurrence.child, 0});
     }
     if (tooDeep) {
-        ConsolePrint("<E> %s: the tree has more than %zu levels, deeper ones are left out\n", fileName,
-                     kMostLevels);
+        ConsolePrint("<E> %s: the tree has more than %zu levels, deeper ones are left out\n",
+                     OneLine(fileName).Text(), kMostLevels);
     }
-    if (!enough) { ConsolePrint("<E> %s: no memory for all of its boxes\n", fileName); }
+    if (!enough) { ConsolePrint("<E> %s: no memory for all of its boxes\n", OneLine(fileName).Text()); }
 }
 
 } // namespace tarnwick

@@ -35,7 +35,9 @@ bool ReadDocument(StpxSession& session, TextMemory& memory, std::string path, st
         file.text = session.zip->ReadMember(path.c_str(), memory, &file.size, &problem);
     } else {
         file = OpenStpxFile(path);
-        if (ReadTextFile(&file, &memory) != TextFileResult::kRead) { problem = "can't be opened"; }
+        if (ReadTextFile(&file, &memory) != TextFileResult::kRead) {
+            problem = file.problem != nullptr ? file.problem : "can't be opened";
+        }
     }
     if (file.text != nullptr) {
         StpxDocument document;
@@ -46,11 +48,11 @@ bool ReadDocument(StpxSession& session, TextMemory& memory, std::string path, st
                                    session.loaded.scene->Main());
         *root = document.root;
         if (problem != nullptr) {
-            ConsolePrint("<E> %s: document given up, %s\n", OnOneLine(path).c_str(), problem);
+            ConsolePrint("<E> %s: document given up, %s\n", OneLine(path).Text(), problem);
             problem = "isn't a complete STEP XML document";
         }
     } else {
-        ConsolePrint("<E> %s: it %s\n", OnOneLine(path).c_str(), problem);
+        ConsolePrint("<E> %s: it %s\n", OneLine(path).Text(), problem);
     }
     if (problem == nullptr) { return true; }
     session.loaded.unreadFiles.push_back(
@@ -96,7 +98,7 @@ void ReadExternalDocuments(StpxSession& session, TextMemory& memory) {
     for (std::int32_t i = 0; i < session.asmProdExt.Count(); ++i) {
         const ProductNode& product = *session.asmProdExt[i];
         if (!IsXmlFileName(product.fileName)) {
-            ConsolePrint("<E> Error: non XML file in _asm_prod_ext: %s\n", formerPath.c_str());
+            ConsolePrint("<E> Error: non XML file in _asm_prod_ext: %s\n", OneLine(formerPath).Text());
             session.loaded.unreadFiles.push_back(
                 {i + 1, product.fileName, product.name, "has neither the extension stpx nor stpxz"});
             continue;
@@ -106,7 +108,7 @@ void ReadExternalDocuments(StpxSession& session, TextMemory& memory) {
             if (saidEndless) { continue; }
             saidEndless = true;
             ConsolePrint("<E> %s: it leads to itself without end, it isn't read any more\n",
-                         OnOneLine(product.fileName).c_str());
+                         OneLine(product.fileName).Text());
             session.loaded.unreadFiles.push_back(
                 {i + 1, product.fileName, product.name, "leads to itself without end"});
             continue;
@@ -152,8 +154,8 @@ void SayUnmatched(const ProductNode& root, const char* fileName) {
         }
     }
     if (count > 0) {
-        ConsolePrint("<E> %s: uses without a product are left out: %d, among them '%s' in '%s'\n", fileName,
-                     count, OnOneLine(firstUid).c_str(), OnOneLine(firstParent).c_str());
+        ConsolePrint("<E> %s: uses without a product are left out: %d, among them '%s' in '%s'\n",
+                     OneLine(fileName).Text(), count, OneLine(firstUid).Text(), OneLine(firstParent).Text());
     }
 }
 
@@ -176,15 +178,15 @@ public:
     const char* Open(PartThread& thread, const ProductNode& product, std::int32_t /*place*/,
                      std::optional<StepModel>* model) override {
         if (IsXmlFileName(product.fileName)) {
-            ConsolePrint("<E> Error: XML file in _geom_prod_ext: %s\n", thread.path.c_str());
+            ConsolePrint("<E> Error: XML file in _geom_prod_ext: %s\n", OneLine(thread.path).Text());
             return nullptr;
         }
         const char* const oddity = Prepare(thread, product, model);
         const int result = (*model)->Read();
-        if (result != StepModel::kRead) { return oddity != nullptr ? oddity : UnreadReason(result); }
+        if (result != StepModel::kRead) { return oddity != nullptr ? oddity : UnreadReason(**model, result); }
         if ((*model)->isAssembly == 0) { return nullptr; }
         if (!thread.isLoadThread) {
-            ConsolePrint("<E> Error: P21 assembly file in _geom_prod_ext: %s\n", thread.path.c_str());
+            ConsolePrint("<E> Error: P21 assembly file in _geom_prod_ext: %s\n", OneLine(thread.path).Text());
         }
         return "is a P21 assembly, which can't be a part here";
     }
@@ -203,6 +205,9 @@ private:
         {
             const std::lock_guard guard(session_.zipLock);
             packed = session_.zip->ReadPacked(product.fileName);
+        }
+        if (packed.oddity == kNeedsMemory) {
+            ConsolePrint("<E> %s: no memory for its bytes\n", OneLine(thread.path).Text());
         }
         model->emplace(thread.workspace, std::move(packed.data), packed.size);
         (*model)->fileName = thread.path; // for its messages
@@ -250,8 +255,8 @@ bool ReadStructure(StpxSession& session, const char* path, const char* rootName,
     if (session.root == nullptr) { return true; }
     session.isAssembly = IsAssembly(*session.root);
     if (session.root->occurrenceCount == 0 && session.root->fileName == nullptr) {
-        ConsolePrint("<E> %s: its root '%s' has neither components nor a file\n", path,
-                     OnOneLine(session.root->name).c_str());
+        ConsolePrint("<E> %s: its root '%s' has neither components nor a file\n", OneLine(path).Text(),
+                     OneLine(session.root->name).Text());
     }
     return true;
 }
