@@ -81,6 +81,10 @@ void WholeFile::Write(const void* bytes, std::size_t count) {
     }
 }
 
+void WholeFile::GoTo(std::uint64_t offset) {
+    if (error_ == 0 && lseek(file_, static_cast<off_t>(offset), SEEK_SET) < 0) { Fail(); }
+}
+
 int WholeFile::Close() {
     if (file_ < 0) { return error_; }
     // Half a text in a linked file is worse than none.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace tarnwick {
 
@@ -16,7 +17,11 @@ public:
     ~WholeFile();
 
     bool IsOpen() const { return file_ >= 0; }
+    // The errno of the first failure so far, or 0.
+    int Error() const { return error_; }
     void Write(const void* bytes, std::size_t count);
+    // Goes on writing at another place, from the start of the file.
+    void GoTo(std::uint64_t offset);
     // Gives the file its name. Returns 0, or the errno of the first failure; then it isn't there, or still is
     // what it was before.
     int Close();

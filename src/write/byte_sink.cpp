@@ -1,9 +1,9 @@
 #include "write/byte_sink.h"
 
+#include "platform/whole_file.h"
+
 #include <zlib.h>
 
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -13,33 +13,16 @@ namespace {
 
 class FileSink : public ByteSink {
 public:
-    explicit FileSink(const std::string& path) : file_(std::fopen(path.c_str(), "wb")) {
-        if (file_ == nullptr) {
-            Fail();
-        } else {
-            std::setvbuf(file_, nullptr, _IONBF, 0); // the writer hands over large blocks already
-        }
-    }
-    ~FileSink() override { Close(); }
-    FileSink(const FileSink&) = delete;
-    FileSink& operator=(const FileSink&) = delete;
+    explicit FileSink(const std::string& path) : file_(path.c_str()) {}
 
-    void Write(std::string_view bytes) override {
-        if (file_ == nullptr || !error_.empty()) { return; }
-        if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) { Fail(); }
+    void Write(std::string_view bytes) override { file_.Write(bytes.data(), bytes.size()); }
+    bool Close() override { return file_.Close() == 0; }
+    std::string Error() const override {
+        return file_.Error() != 0 ? std::strerror(file_.Error()) : std::string();
     }
-    bool Close() override {
-        if (file_ != nullptr && std::fclose(file_) != 0 && error_.empty()) { Fail(); }
-        file_ = nullptr;
-        return error_.empty();
-    }
-    std::string Error() const override { return error_; }
 
 private:
-    void Fail() { error_ = std::strerror(errno); }
-
-    std::FILE* file_;
-    std::string error_;
+    WholeFile file_;
 };
 
 class ZlibSink : public ByteSink {
@@ -47,7 +30,9 @@ public:
     explicit ZlibSink(std::unique_ptr<ByteSink> next) : next_(std::move(next)), block_(1 << 18) {
         open_ = deflateInit(&stream_, Z_DEFAULT_COMPRESSION) == Z_OK;
     }
-    ~ZlibSink() override { Close(); }
+    ~ZlibSink() override {
+        if (open_) { deflateEnd(&stream_); }
+    }
     ZlibSink(const ZlibSink&) = delete;
     ZlibSink& operator=(const ZlibSink&) = delete;
 
@@ -70,7 +55,7 @@ public:
             open_ = false;
             closed_ = true;
         }
-        return next_->Close() && closed_;
+        return closed_ && next_->Close();
     }
     std::string Error() const override {
         const bool noMemory = !open_ && !closed_;

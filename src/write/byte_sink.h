@@ -11,7 +11,8 @@ class ByteSink {
 public:
     virtual ~ByteSink() = default;
     virtual void Write(std::string_view bytes) = 0;
-    // Ends the output; false when any byte was lost, and then Error() says why.
+    // Ends the output; false when any byte was lost, and then Error() says why. A file gets its name only
+    // here: what isn't closed is dropped.
     virtual bool Close() = 0;
     virtual std::string Error() const { return {}; }
 };

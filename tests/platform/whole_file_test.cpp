@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -38,6 +39,28 @@ TEST_F(WholeFileTest, HasAllBytesUnderItsNameAndLeavesNothingElse) {
     EXPECT_EQ(file.Close(), 0);
     EXPECT_EQ(ReadWholeFile(path_), "one two");
     EXPECT_EQ(FilesThere(), 1u);
+}
+
+TEST_F(WholeFileTest, IsWrittenAtAnyPlace) {
+    WholeFile file(path_.c_str());
+    file.Write("....two", 7);
+    file.GoTo(0);
+    file.Write("one ", 4);
+    file.GoTo(7);
+    file.Write("!", 1);
+    EXPECT_EQ(file.Error(), 0);
+    EXPECT_EQ(file.Close(), 0);
+    EXPECT_EQ(ReadWholeFile(path_), "one two!");
+}
+
+TEST_F(WholeFileTest, SaysThatAPipeHasNoPlaces) {
+    ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+    const int reader = open(path_.c_str(), O_RDONLY | O_NONBLOCK);
+    WholeFile file(path_.c_str());
+    file.GoTo(4);
+    EXPECT_EQ(file.Error(), ESPIPE);
+    EXPECT_EQ(file.Close(), ESPIPE);
+    close(reader);
 }
 
 TEST_F(WholeFileTest, IsntThereWhenItWasntClosed) {

@@ -4,13 +4,13 @@
 #include "formats/load_commands.h"
 #include "load/no_controls.h"
 #include "platform/console.h"
+#include "platform/flush_output.h"
 #include "platform/whole_file.h"
 #include "platform/within_memory.h"
 #include "report/report.h"
 #include "text/one_line.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -35,23 +35,24 @@ void MoveSlider(LoadDispatch& dispatch, std::int32_t position) {
 // Tells why a text is lost; 0 stands for none. True when there is none.
 bool TellUnwritten(const char* name, int error) {
     if (error != 0) {
-        std::fprintf(stderr, "tarnwick-load: %s can't be written: %s\n", OnOneLine(name).c_str(),
+        std::fprintf(stderr, "tarnwick-load: %s can't be written: %s\n", OneLine(name).Text(),
                      std::strerror(error));
     }
     return error == 0;
 }
 
-// What stands in the buffer of standard output fails only here.
-bool FlushOutput() {
-    errno = 0;
-    const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-    return TellUnwritten("standard output", written ? 0 : errno != 0 ? errno : EIO);
+} // namespace
+
+bool OutputIsWritten() {
+    return TellUnwritten("standard output", FlushOutput());
 }
+
+namespace {
 
 bool WriteReport(const std::string& report, const std::string& name) {
     if (name == "-") {
         std::fwrite(report.data(), 1, report.size(), stdout);
-        return FlushOutput();
+        return OutputIsWritten();
     }
     WholeFile file(name.c_str());
     file.Write(report.data(), report.size());
@@ -75,7 +76,7 @@ void SayUnread(const SceneView& view) {
             std::fprintf(stderr, "tarnwick-load: %s %s\n", path.c_str(), file.reason);
         } else {
             std::fprintf(stderr, "tarnwick-load: %s, the file of product '%s', %s\n", path.c_str(),
-                         OnOneLine(file.productName).c_str(), file.reason);
+                         OneLine(file.productName).Text(), file.reason);
         }
     }
 }
@@ -102,12 +103,12 @@ int LoadAndReport(const LoadOptions& options) {
     }
     if (!loaded) {
         std::fprintf(stderr, "tarnwick-load: %s: not a kind of file that can be loaded, by its extension\n",
-                     OnOneLine(dispatch.currentPath).c_str());
+                     OneLine(dispatch.currentPath).Text());
     } else if (!jsonOnOutput) {
         std::printf("%s\n", status->c_str());
     }
     SayUnread(view);
-    written = FlushOutput() && written;
+    written = OutputIsWritten() && written;
     return written && view.loaded.drawnTriangles >= 1 ? 0 : 1;
 }
 
@@ -117,7 +118,7 @@ int PrintIndex(const LoadOptions& options) {
     const int result = model.Read();
     const bool written = Report("-", [&] { return IndexReport(model, result, options.entities); });
     if (result == StepModel::kNotOpened) {
-        std::fprintf(stderr, "tarnwick-load: %s can't be opened\n", OnOneLine(options.path).c_str());
+        std::fprintf(stderr, "tarnwick-load: %s can't be opened\n", OneLine(options.path).Text());
     }
     return written && result == StepModel::kRead ? 0 : 1;
 }

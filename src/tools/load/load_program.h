@@ -4,6 +4,10 @@
 
 namespace tarnwick::tools {
 
+// Whether all of standard output could be written; says so when it couldn't. What stands in its buffer fails
+// only here.
+bool OutputIsWritten();
+
 // Loads the file, prints the status text, writes the report that was asked for and lists on standard error
 // what could not be read. Returns the exit status: 0 when the view has at least one triangle, else 1.
 int LoadAndReport(const LoadOptions& options);

@@ -22,7 +22,7 @@ constexpr const char* kOutOfMemory = "tarnwick-load: it needs more memory than t
 int Run(int argc, char** argv) {
     LoadOptions options;
     int status = 0;
-    if (!ReadOptions(argc, argv, &options, &status)) { return status; }
+    if (!ReadOptions(argc, argv, &options, &status)) { return OutputIsWritten() ? status : 1; }
     if (options.check) { return PrintCheck(options); }
     return options.index ? PrintIndex(options) : LoadAndReport(options);
 }

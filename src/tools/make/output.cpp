@@ -1,5 +1,7 @@
 #include "tools/make/output.h"
 
+#include "text/one_line.h"
+
 #include <cstdio>
 #include <memory>
 
@@ -21,7 +23,7 @@ bool WriteFile(const std::string& path, bool compress, const std::function<void(
 }
 
 void SayUnwritable(const std::string& path, const std::string& why) {
-    std::fprintf(stderr, "tarnwick-make: can't write %s: %s\n", path.c_str(), why.c_str());
+    std::fprintf(stderr, "tarnwick-make: can't write %s: %s\n", OneLine(path).Text(), why.c_str());
 }
 
 } // namespace tarnwick::make

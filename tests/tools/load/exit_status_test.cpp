@@ -111,7 +111,7 @@ TEST_F(LoadProgram, NamesAMissingFileOnOneLineWhateverItIsCalled) {
 }
 
 TEST_F(LoadProgram, Returns1AndSaysWhyWhenStandardOutputIsFull) {
-    for (const std::string options : {"", "--json -", "--index", "--check"}) {
+    for (const std::string options : {"", "--json -", "--index", "--check", "--help"}) {
         const ProgramRun run = RunProgram(
             "/bin/sh", {"-c", "exec \"$0\" \"$1\" " + options + " > /dev/full", TARNWICK_LOAD, part_});
         EXPECT_EQ(run.status, 1) << options;
