@@ -58,7 +58,7 @@ WholeFile::WholeFile(const char* path) : path_(), neighbour_() {
     }
 }
 
-WholeFile::~WholeFile() {
+void WholeFile::Drop() {
     if (file_ < 0) { return; }
     error_ = ECANCELED;
     Close();

@@ -14,7 +14,7 @@ public:
     WholeFile(const WholeFile&) = delete;
     WholeFile& operator=(const WholeFile&) = delete;
     // Drops what wasn't closed.
-    ~WholeFile();
+    ~WholeFile() { Drop(); }
 
     bool IsOpen() const { return file_ >= 0; }
     // The errno of the first failure so far, or 0.
@@ -25,6 +25,8 @@ public:
     // Gives the file its name. Returns 0, or the errno of the first failure; then it isn't there, or still is
     // what it was before.
     int Close();
+    // Gives the file up.
+    void Drop();
 
 private:
     void Fail();

@@ -1,5 +1,6 @@
 // What is written is there whole or not at all.
 
+#include "support/archive.h"
 #include "support/temp_folder.h"
 #include "write/byte_sink.h"
 #include "write/zip_writer.h"
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace tarnwick::test {
 namespace {
@@ -95,6 +97,27 @@ TEST_F(WholeOutputTest, AnArchiveThatDoesNotFitIsNotThere) {
         EXPECT_EQ(zip.Error(), "File too large") << length;
         EXPECT_EQ(FilesThere(), 0u) << length;
     }
+}
+
+TEST_F(WholeOutputTest, AnArchiveOfMoreMembersThan16BitsCountHasThemAll) {
+    constexpr int kMembers = 65537;
+    ZipWriter zip(path_);
+    for (int i = 0; i < kMembers; ++i) {
+        ASSERT_TRUE(zip.Add(std::to_string(i), true, [](ByteSink*) {}));
+    }
+    EXPECT_TRUE(zip.Close());
+    const std::vector<std::string> names = MemberNames(path_);
+    ASSERT_EQ(names.size(), static_cast<std::size_t>(kMembers));
+    EXPECT_EQ(names.front(), "0");
+    EXPECT_EQ(names.back(), "65536");
+}
+
+TEST_F(WholeOutputTest, AMemberWhoseNameIsTooLongSpoilsItsArchive) {
+    ZipWriter zip(path_);
+    EXPECT_FALSE(zip.Add(std::string(65536, 'a'), true, [](ByteSink*) {}));
+    EXPECT_FALSE(zip.Close());
+    EXPECT_EQ(zip.Error(), "the name of a member is too long");
+    EXPECT_EQ(FilesThere(), 0u);
 }
 
 TEST_F(WholeOutputTest, AnArchiveOnADeviceThatTakesNothingIsToldSo) {
