@@ -20,8 +20,12 @@ constexpr std::int64_t kManyItems = std::int64_t{1} << 20;
 
 constexpr int kBoxTriangles = 12;
 
+// A number of triangles as it is shown; one that goes on beyond that is told.
 std::int32_t Limited(std::int64_t count) {
-    return static_cast<std::int32_t>(std::min<std::int64_t>(count, std::numeric_limits<std::int32_t>::max()));
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    if (count <= kMost) { return static_cast<std::int32_t>(count); }
+    ConsolePrint("<W> %lld triangles, of which %d are counted\n", static_cast<long long>(count), kMost);
+    return kMost;
 }
 
 template <class Item>

@@ -39,10 +39,11 @@ using PrepareOccurrence = void (*)(Occurrence* occurrence);
 // when memory runs out, else 0. `prepare` may be null.
 int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, PrepareOccurrence prepare);
 
-// The triangles of all meshes of all items, a mesh counted once for each of its uses; at most 2^31 - 1.
+// The triangles of all meshes of all items, a mesh counted once for each of its uses; at most 2^31 - 1,
+// with a line on the console where there are more.
 std::int32_t CountTriangles(const DrawList& list);
 
-// The triangles of a list of boxes, twelve each; at most 2^31 - 1.
+// The triangles of a list of boxes, twelve each; likewise.
 std::int32_t CountBoxTriangles(const DrawList& boxes);
 
 // Appends the box (six limits in the order of ProductNode.box) as a mesh of 24 vertices and 12 triangles.

@@ -271,7 +271,11 @@ TEST(CountTriangles, StopsAtTheLargestNumber) {
     ProductNode* const part = tree.Part("part", 2000000000);
     for (int i = 0; i < 3; ++i) { tree.Use(top, part); }
     Build(tree, top);
-    EXPECT_EQ(CountTriangles(*top->drawList), 2147483647);
+    LogCapture log;
+    const std::int32_t count = CountTriangles(*top->drawList);
+    const std::string console = log.TakeConsole();
+    EXPECT_EQ(count, 2147483647);
+    EXPECT_EQ(console, "<W> 6000000000 triangles, of which 2147483647 are counted\n");
 }
 
 } // namespace
