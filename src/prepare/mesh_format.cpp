@@ -160,6 +160,7 @@ void GetBody(MessageReader* in, MeshBody* body) {
 std::string EncodeMesh(const MeshRequest& request) {
     MessageWriter out(MeshMessage::kRequest, request.text.size() + 64 + request.bodies.size() * 8);
     out.Put(request.algorithm);
+    out.Put(static_cast<std::uint8_t>(request.isEach));
     out.Put(request.deflection);
     out.Put(request.diagonal);
     out.Put(request.angle);
@@ -175,8 +176,8 @@ std::string EncodeMesh(const MeshProgress& progress) {
     return out.Finish();
 }
 
-std::string EncodeMesh(const MeshAnswer& answer) {
-    MessageWriter out(MeshMessage::kAnswer, SizeOf(answer));
+std::string EncodeMesh(const MeshAnswer& answer, MeshMessage kind) {
+    MessageWriter out(kind, SizeOf(answer));
     out.Put(answer.diagonal);
     out.Put(std::uint64_t{answer.bodies.size()});
     for (const MeshBody& body : answer.bodies) {
@@ -213,12 +214,14 @@ bool DecodeMesh(std::string_view bytes, MeshRequest* request) {
     MessageReader in(bytes);
     const auto algorithm = in.Get<std::uint8_t>();
     request->algorithm = static_cast<MeshAlgorithm>(algorithm);
+    const auto isEach = in.Get<std::uint8_t>();
+    request->isEach = isEach != 0;
     request->deflection = in.GetFinite();
     request->diagonal = in.GetFinite();
     request->angle = in.GetFinite();
     in.Get(&request->bodies);
     in.Get(&request->text);
-    return in.IsAtEnd() && algorithm <= static_cast<std::uint8_t>(MeshAlgorithm::kDelabella);
+    return in.IsAtEnd() && algorithm <= static_cast<std::uint8_t>(MeshAlgorithm::kDelabella) && isEach <= 1;
 }
 
 bool DecodeMesh(std::string_view bytes, MeshProgress* progress) {

@@ -45,6 +45,9 @@ struct MeshRequest {
     double diagonal = 0;
     double angle = 20; // the most between neighbouring pieces of a curve, in degrees
     MeshAlgorithm algorithm = MeshAlgorithm::kDefault;
+    // Whether each body is triangulated by itself, and sent as soon as it is: slower, but one that the kernel
+    // doesn't come back from costs none of the others.
+    bool isEach = false;
 };
 
 enum class MeshStage : std::uint8_t { kReading, kTransfer, kMeshing };
@@ -52,7 +55,7 @@ enum class MeshStage : std::uint8_t { kReading, kTransfer, kMeshing };
 // What the kernel begins now.
 struct MeshProgress {
     MeshStage stage = MeshStage::kReading;
-    std::uint64_t body = 0; // of kTransfer
+    std::uint64_t body = 0; // that it is about; 0 for all of them
 };
 
 struct MeshAnswer {
@@ -63,7 +66,8 @@ struct MeshAnswer {
     std::vector<MeshProblem> problems;
 };
 
-enum class MeshMessage : std::uint32_t { kRequest = 1, kProgress = 2, kAnswer = 3 };
+// A part is an answer with some of the bodies; more follows.
+enum class MeshMessage : std::uint32_t { kRequest = 1, kProgress = 2, kPart = 3, kAnswer = 4 };
 
 // Stands before each message.
 struct MeshHead {
@@ -75,7 +79,7 @@ inline constexpr std::size_t kMeshHeadSize = 16;
 // Whole messages, with their heads.
 std::string EncodeMesh(const MeshRequest& request);
 std::string EncodeMesh(const MeshProgress& progress);
-std::string EncodeMesh(const MeshAnswer& answer);
+std::string EncodeMesh(const MeshAnswer& answer, MeshMessage kind = MeshMessage::kAnswer);
 
 // Nothing where these kMeshHeadSize bytes begin no message of this version.
 std::optional<MeshHead> DecodeMeshHead(std::string_view bytes);
@@ -85,6 +89,7 @@ std::optional<MeshHead> DecodeMeshHead(std::string_view bytes);
 // record is of no use then. Never takes more memory than a small multiple of the bytes.
 bool DecodeMesh(std::string_view bytes, MeshRequest* request);
 bool DecodeMesh(std::string_view bytes, MeshProgress* progress);
+// What an answer holds is appended.
 bool DecodeMesh(std::string_view bytes, MeshAnswer* answer);
 
 } // namespace tarnwick

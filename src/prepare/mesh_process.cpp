@@ -187,18 +187,18 @@ MeshOutcome MeshProcess::Ask(const MeshRequest& request,
         std::string_view bytes;
         bool isSound = true;
         while (conversation.HasMessage(&head, &bytes, &isSound)) {
+            isSound = head.kind == MeshMessage::kProgress ? DecodeMesh(bytes, &outcome.progress)
+                                                          : DecodeMesh(bytes, &outcome.answer);
+            if (!isSound) { break; }
             if (head.kind == MeshMessage::kAnswer) {
-                if (!DecodeMesh(bytes, &outcome.answer)) { break; }
                 outcome.end = MeshEnd::kAnswered;
                 return outcome;
             }
-            if (!DecodeMesh(bytes, &outcome.progress)) { break; }
             outcome.hasBegun = true;
             giveUp = limit(outcome.progress);
             conversation.Drop(head);
-            bytes = {};
         }
-        if (!isSound || !bytes.empty()) {
+        if (!isSound) {
             outcome.answer = {};
             end(MeshEnd::kRubbish, "the geometry kernel's answer is damaged");
             return outcome;

@@ -28,11 +28,10 @@ constexpr int kMostSilentEnds = 2;
 
 // Of the time that is left when something begins, so much may go by before it is given up.
 constexpr double kShareOfOne = 0.5;     // making the shape of a body alone
-constexpr double kShareOfEach = 0.2;    // that of a body among others
+constexpr double kShareOfEach = 0.2;    // that of a body among others, or triangulating it by itself
 constexpr double kShareOfAll = 0.7;     // making all shapes
-constexpr double kShareOfMeshing = 0.5; // triangulating
-constexpr double kShareOfGroup = 0.4;   // all that is done for a group of faces
-constexpr double kShareOfFace = 0.1;    // making the shape of a face among others
+constexpr double kShareOfMeshing = 0.4; // triangulating all
+constexpr double kShareOfFace = 0.1;    // a face among others, when nothing else has helped
 
 // A body on its way.
 struct PendingBody {
@@ -58,7 +57,12 @@ using Bodies = std::vector<PendingBody*>;
 struct Quality {
     MeshAlgorithm algorithm = MeshAlgorithm::kDefault;
     bool isCoarse = false;
-    double share = kShareOfEach;
+};
+
+// How the last request ended, and with which body where it didn't with all.
+struct LastAsk {
+    MeshEnd end = MeshEnd::kNotStarted;
+    std::uint64_t body = 0;
 };
 
 // One call of Mesh.
@@ -75,13 +79,15 @@ public:
         all_ = Unfinished(bodies_);
         constexpr Quality kQualities[] = {{MeshAlgorithm::kDefault, false},
                                           {MeshAlgorithm::kDelabella, false}};
-        for (const Quality& quality : kQualities) { Together(Unfinished(bodies_), quality, end_); }
-        OneByOne(Unmade(), false);
-        OneByOne(Unmade(), true);
+        for (const Quality& quality : kQualities) { Together(Unfinished(bodies_), quality); }
         for (const Quality& quality : kQualities) {
-            Together(Unfinished(bodies_), {quality.algorithm, true}, end_);
+            if (all_.size() > 1) { Each(Spoilt(), quality, kShareOfEach); }
         }
+        for (const Quality& quality : kQualities) { Each(Unmade(), {quality.algorithm, true}, kShareOfEach); }
         FaceByFace();
+        for (const Quality& quality : kQualities) {
+            Together(Unfinished(bodies_), {quality.algorithm, true});
+        }
         return Result();
     }
 
@@ -110,6 +116,16 @@ private:
         }
         return selected;
     }
+    // Those of them that another body may have spoilt: what the kernel triangulates in one go shares a
+    // measure.
+    Bodies Spoilt() {
+        Bodies selected = Unfinished(bodies_);
+        std::erase_if(selected, [](const PendingBody* body) {
+            return body->isMade && 2 * body->mesh.lostFaces.size() < body->faces.size();
+        });
+        return selected;
+    }
+
     Bodies Unmade() {
         Bodies selected = Unfinished(bodies_);
         std::erase_if(selected, [](const PendingBody* body) { return body->isMade; });
@@ -121,40 +137,42 @@ private:
 
     // Has the kernel make bodies in one go. One that it doesn't come back from is set apart, and the others
     // are asked for again.
-    void Together(Bodies bodies, Quality quality, double end) {
-        while (!bodies.empty() && !IsOver() && ClockSeconds() < end) {
+    void Together(Bodies bodies, Quality quality) {
+        while (!bodies.empty() && !IsOver()) {
             const std::size_t before = bodies.size();
-            Ask(bodies, quality, end);
+            Ask(bodies, quality, false, kShareOfEach);
             std::erase_if(bodies, [](const PendingBody* body) { return body->isRefused; });
-            if (bodies.size() == before || lastEnd_ == MeshEnd::kAnswered) { return; }
+            if (bodies.size() == before || last_.end == MeshEnd::kAnswered) { return; }
         }
     }
 
-    // Each gets the same part of the time that is left.
-    void OneByOne(const Bodies& bodies, bool isCoarse) {
-        std::size_t left = bodies.size();
-        for (PendingBody* const body : bodies) {
-            const double end = ClockSeconds() + Left() / static_cast<double>(left--);
-            for (const MeshAlgorithm algorithm : {MeshAlgorithm::kDefault, MeshAlgorithm::kDelabella}) {
-                if (IsOver() || body->IsDone() || body->isRefused) { break; }
-                Ask({body}, {algorithm, isCoarse}, std::min(end, end_));
-            }
+    // Has it triangulate each by itself. `share`: of the time, for one of them.
+    void Each(Bodies bodies, Quality quality, double share) {
+        while (!bodies.empty() && !IsOver()) {
+            const std::size_t before = bodies.size();
+            Ask(bodies, quality, true, share);
+            if (last_.end == MeshEnd::kAnswered) { return; }
+            std::erase_if(bodies, [&](const PendingBody* body) {
+                return body->isMade || body->isRefused || body->mesh.entity == last_.body;
+            });
+            if (bodies.size() == before) { return; }
         }
     }
 
-    // What the kernel makes no body of may still have good faces. They are asked for in groups, so that a bad
-    // one costs no more than its group.
+    // What the kernel makes no body of, or triangulates hardly, may still have good faces. They are asked for
+    // in groups, so that a bad one costs no more than its group.
     void FaceByFace() {
         for (PendingBody& body : bodies_) {
+            if (body.isMade && !body.hasBareFaces) { continue; }
+            const std::vector<std::uint64_t> lost = body.mesh.lostFaces;
             MeshBody found;
-            for (std::size_t i = 0; !body.isMade && i < body.faces.size() && !IsOver(); i += kFacesAtATime) {
-                const std::size_t end = std::min(i + kFacesAtATime, body.faces.size());
-                AskForFaces({body.faces.data() + i, end - i}, &found);
+            for (std::size_t i = 0; i < lost.size() && !IsOver(); i += kFacesAtATime) {
+                AskForFaces({lost.data() + i, std::min(kFacesAtATime, lost.size() - i)}, &found);
             }
-            if (!found.faces.empty()) {
-                Merge(&body, &found, false);
-                body.isInPieces = true;
-            }
+            if (found.faces.empty()) { continue; }
+            body.isInPieces = !body.isMade;
+            Merge(&body, &found, false);
+            body.hasBareFaces = !body.isInPieces;
         }
     }
 
@@ -165,17 +183,16 @@ private:
             faces[i].faces = {numbers[i]};
             faces[i].mesh.lostFaces = {numbers[i]};
         }
-        const double end = ClockSeconds() + Left() * kShareOfGroup;
-        Together(Unfinished(faces), {MeshAlgorithm::kDefault, false, kShareOfFace}, end);
-        Together(Unfinished(faces), {MeshAlgorithm::kDelabella, false, kShareOfFace}, end);
+        Each(Unfinished(faces), {MeshAlgorithm::kDefault, false}, kShareOfFace);
+        Each(Unfinished(faces), {MeshAlgorithm::kDelabella, false}, kShareOfFace);
         for (PendingBody& face : faces) {
             std::move(face.mesh.faces.begin(), face.mesh.faces.end(), std::back_inserter(found->faces));
         }
     }
 
-    // Sends one request and takes over what comes. Gives up at `end` at the latest, and earlier where
-    // something else is to be tried in the time that is left.
-    void Ask(const Bodies& bodies, Quality quality, double end) {
+    // Sends one request and takes over what comes. Gives up earlier than at the end where something else is
+    // to be tried in the time that is left.
+    void Ask(const Bodies& bodies, Quality quality, bool isEach, double share) {
         std::vector<std::uint64_t> numbers;
         for (const PendingBody* const body : bodies) { numbers.push_back(body->mesh.entity); }
         MeshRequest request;
@@ -185,30 +202,27 @@ private:
         request.angle = quality.isCoarse ? std::max(options_.angle, kCoarserAngle) : options_.angle;
         request.diagonal = diagonal_;
         request.algorithm = quality.algorithm;
-        const double start = ClockSeconds();
-        const double share = bodies.size() == 1 ? std::max(kShareOfOne, quality.share) : quality.share;
+        request.isEach = isEach;
+        const double endOfShapes = ClockSeconds() + Left() * kShareOfAll;
         MeshOutcome outcome = process_.Ask(request, [&](const MeshProgress& progress) {
-            const double now = ClockSeconds();
+            const double left = Left();
+            const double now = end_ - left;
             switch (progress.stage) {
             case MeshStage::kReading:
                 break;
             case MeshStage::kTransfer:
-                return std::min(start + (end - start) * kShareOfAll, now + (end - now) * share);
+                return std::min(endOfShapes, now + left * (bodies.size() == 1 ? kShareOfOne : share));
             case MeshStage::kMeshing:
-                return now + (end - now) * kShareOfMeshing;
+                return now + left * (isEach ? share : kShareOfMeshing);
             }
-            return start + (end - start) * kShareOfAll;
+            return endOfShapes;
         });
-        lastEnd_ = outcome.end;
-        if (outcome.end == MeshEnd::kAnswered) {
-            TakeAnswer(bodies, &outcome.answer, quality.isCoarse);
-        } else {
-            TakeFailure(bodies, outcome);
-        }
+        last_ = {outcome.end, outcome.hasBegun ? outcome.progress.body : 0};
+        TakeAnswer(bodies, &outcome.answer, quality.isCoarse);
+        if (outcome.end != MeshEnd::kAnswered) { TakeFailure(bodies, outcome); }
     }
 
     void TakeAnswer(const Bodies& bodies, MeshAnswer* answer, bool isCoarse) {
-        silentEnds_ = 0;
         // Further attempts are as fine as the one that had all bodies.
         if (bodies == all_ && answer->bodies.size() == all_.size()) { diagonal_ = answer->diagonal; }
         LookUp<std::uint64_t, PendingBody*> byNumber;
@@ -219,7 +233,7 @@ private:
         for (const MeshProblem& problem : answer->problems) {
             if (PendingBody** const body = byNumber.Find(problem.entity)) {
                 (*body)->AddReason(problem.words);
-                (*body)->isRefused = true;
+                (*body)->isRefused = !(*body)->isMade;
             }
             for (PendingBody* const body : problem.entity == 0 ? bodies : Bodies{}) {
                 if (!body->IsDone()) { body->AddReason(problem.words); }
@@ -249,16 +263,16 @@ private:
     }
 
     void TakeFailure(const Bodies& bodies, const MeshOutcome& outcome) {
-        silentEnds_ = outcome.hasBegun ? 0 : silentEnds_ + 1;
+        const bool isSilent = !outcome.hasBegun && outcome.end != MeshEnd::kTimeLimit;
+        silentEnds_ = isSilent ? silentEnds_ + 1 : 0;
         isOver_ = isOver_ || outcome.end == MeshEnd::kCancelled || outcome.end == MeshEnd::kNotStarted ||
                   silentEnds_ >= kMostSilentEnds;
         isCancelled_ = isCancelled_ || outcome.end == MeshEnd::kCancelled;
-        const bool isOne = outcome.hasBegun && outcome.progress.stage == MeshStage::kTransfer;
         for (PendingBody* const body : bodies) {
-            if (isOne && body->mesh.entity != outcome.progress.body) { continue; }
+            if (body->isMade || (last_.body != 0 && body->mesh.entity != last_.body)) { continue; }
             body->AddReason(outcome.words);
             // The kernel would do the same again.
-            body->isRefused = body->isRefused || isOne;
+            body->isRefused = last_.body != 0 && outcome.progress.stage == MeshStage::kTransfer;
         }
     }
 
@@ -324,7 +338,7 @@ private:
     MeshProcess& process_;
     const double end_;    // by ClockSeconds
     double diagonal_ = 0; // of the box of all bodies, or 0 where nobody knows
-    MeshEnd lastEnd_ = MeshEnd::kNotStarted;
+    LastAsk last_;
     int silentEnds_ = 0;  // in a row
     bool isOver_ = false; // nothing more can be had
     bool isCancelled_ = false;

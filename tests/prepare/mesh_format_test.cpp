@@ -58,8 +58,18 @@ TEST(MeshFormat, GivesAnAnswerBack) {
     EXPECT_EQ(back.problems[0].words, "no shape");
 }
 
+TEST(MeshFormat, PutsThePartsOfAnAnswerTogether) {
+    const std::string message = EncodeMesh(SmallAnswer(), MeshMessage::kPart);
+    EXPECT_EQ(HeadOf(message).kind, MeshMessage::kPart);
+    MeshAnswer back;
+    ASSERT_TRUE(DecodeMesh(PayloadOf(message), &back));
+    ASSERT_TRUE(DecodeMesh(PayloadOf(message), &back));
+    EXPECT_EQ(back.bodies.size(), 4U);
+    EXPECT_EQ(back.problems.size(), 4U);
+}
+
 TEST(MeshFormat, GivesARequestBack) {
-    const MeshRequest request{"a text", {3, 4}, 0.25, 12.5, 30, MeshAlgorithm::kDelabella};
+    const MeshRequest request{"a text", {3, 4}, 0.25, 12.5, 30, MeshAlgorithm::kDelabella, true};
     const std::string message = EncodeMesh(request);
     EXPECT_EQ(HeadOf(message).kind, MeshMessage::kRequest);
     MeshRequest back;
@@ -70,6 +80,7 @@ TEST(MeshFormat, GivesARequestBack) {
     EXPECT_EQ(back.diagonal, 12.5);
     EXPECT_EQ(back.angle, 30);
     EXPECT_EQ(back.algorithm, MeshAlgorithm::kDelabella);
+    EXPECT_TRUE(back.isEach);
 }
 
 TEST(MeshFormat, GivesProgressBack) {
@@ -92,7 +103,7 @@ TEST(MeshFormat, RefusesAnAnswerThatIsCutAnywhere) {
 }
 
 TEST(MeshFormat, RefusesARequestThatIsCutAnywhere) {
-    const std::string payload = PayloadOf(EncodeMesh(MeshRequest{"text", {1}, 1, 1, 1, {}}));
+    const std::string payload = PayloadOf(EncodeMesh(MeshRequest{"text", {1}, 1, 1, 1, {}, false}));
     for (std::size_t length = 0; length < payload.size(); ++length) {
         MeshRequest request;
         EXPECT_FALSE(DecodeMesh(payload.substr(0, length), &request)) << length;

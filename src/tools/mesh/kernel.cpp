@@ -99,20 +99,22 @@ struct KernelBody {
 // One text with its bodies.
 class KernelRun {
 public:
-    KernelRun(const MeshRequest& request, const std::function<void(const MeshProgress&)>& tell)
-        : request_(request), tell_(tell) {}
+    KernelRun(const MeshRequest& request, MeshListener* listener) : request_(request), listener_(*listener) {}
 
     MeshAnswer Run() {
-        tell_({MeshStage::kReading, 0});
+        listener_.Tell({MeshStage::kReading, 0});
         const std::string problem = Caught([this] { Read(); });
         if (model_.IsNull() || representation_.IsNull()) {
             answer_.problems.push_back({0, problem.empty() ? "the kernel can't read the text" : problem});
             return std::move(answer_);
         }
         for (const std::uint64_t number : request_.bodies) { MakeBody(number); }
-        tell_({MeshStage::kMeshing, 0});
-        MeshAll();
-        for (const KernelBody& body : bodies_) { CollectBody(body); }
+        FindDiagonal();
+        if (request_.isEach) {
+            MeshEach();
+        } else {
+            MeshAll();
+        }
         return std::move(answer_);
     }
 
@@ -132,7 +134,7 @@ private:
     }
 
     void MakeBody(std::uint64_t number) {
-        tell_({MeshStage::kTransfer, number});
+        listener_.Tell({MeshStage::kTransfer, number});
         const auto found = byNumber_.find(number);
         if (found == byNumber_.end()) {
             answer_.problems.push_back({number, "the kernel doesn't know the entity"});
@@ -271,29 +273,49 @@ private:
         return isDamaged && spread > 0 && std::isfinite(spread) ? spread : diagonal;
     }
 
-    void MeshAll() {
-        double diagonal = request_.diagonal * unit_;
-        if (!(diagonal > 0)) { diagonal = Diagonal(); }
-        if (!std::isfinite(diagonal)) { diagonal = 0; }
-        answer_.diagonal = diagonal / unit_;
+    void FindDiagonal() {
+        diagonal_ = request_.diagonal * unit_;
+        if (!(diagonal_ > 0)) { diagonal_ = Diagonal(); }
+        if (!std::isfinite(diagonal_)) { diagonal_ = 0; }
+        answer_.diagonal = diagonal_ / unit_;
+    }
 
-        TopoDS_Compound all;
-        const BRep_Builder builder;
-        builder.MakeCompound(all);
-        for (const KernelBody& body : bodies_) { builder.Add(all, body.shape); }
-
+    // In words what went wrong, or empty.
+    std::string Mesh(const TopoDS_Shape& shape) const {
         IMeshTools_Parameters parameters;
-        parameters.Deflection = std::max(request_.deflection * diagonal, 2 * Precision::Confusion());
+        parameters.Deflection = std::max(request_.deflection * diagonal_, 2 * Precision::Confusion());
         parameters.Angle = std::clamp(request_.angle, 0.1, 90.0) * std::numbers::pi / 180;
         parameters.MeshAlgo = request_.algorithm == MeshAlgorithm::kDelabella
                                   ? IMeshTools_MeshAlgoType_Delabella
                                   : IMeshTools_MeshAlgoType_Watson;
-        const std::string problem = Caught([&] { BRepMesh_IncrementalMesh(all, parameters); });
-        if (!problem.empty()) { answer_.problems.push_back({0, problem}); }
+        return Caught([&] { BRepMesh_IncrementalMesh(shape, parameters); });
     }
 
-    void CollectBody(const KernelBody& body) {
-        MeshBody& out = answer_.bodies.emplace_back();
+    void MeshAll() {
+        listener_.Tell({MeshStage::kMeshing, 0});
+        TopoDS_Compound all;
+        const BRep_Builder builder;
+        builder.MakeCompound(all);
+        for (const KernelBody& body : bodies_) { builder.Add(all, body.shape); }
+        const std::string problem = Mesh(all);
+        if (!problem.empty()) { answer_.problems.push_back({0, problem}); }
+        for (const KernelBody& body : bodies_) { answer_.bodies.push_back(Collected(body)); }
+    }
+
+    void MeshEach() {
+        for (const KernelBody& body : bodies_) {
+            listener_.Tell({MeshStage::kMeshing, body.entity});
+            MeshAnswer part;
+            part.diagonal = answer_.diagonal;
+            const std::string problem = Mesh(body.shape);
+            if (!problem.empty()) { part.problems.push_back({body.entity, problem}); }
+            part.bodies.push_back(Collected(body));
+            listener_.Take(part);
+        }
+    }
+
+    MeshBody Collected(const KernelBody& body) const {
+        MeshBody out;
         out.entity = body.entity;
         for (TopExp_Explorer faces(body.shape, TopAbs_FACE); faces.More(); faces.Next()) {
             const TopoDS_Face& face = TopoDS::Face(faces.Current());
@@ -307,10 +329,11 @@ private:
                 out.lostFaces.push_back(mesh.entity);
             }
         }
+        return out;
     }
 
     const MeshRequest& request_;
-    const std::function<void(const MeshProgress&)>& tell_;
+    MeshListener& listener_;
     MeshAnswer answer_;
     STEPControl_Reader reader_;
     Handle(StepData_StepModel) model_;
@@ -318,7 +341,8 @@ private:
     std::unordered_map<std::uint64_t, Entity> byNumber_;
     Handle(Transfer_TransientProcess) process_; // of the body that was made last
     std::vector<KernelBody> bodies_;
-    double unit_ = 1; // of the context, in millimetres
+    double unit_ = 1;     // of the context, in millimetres
+    double diagonal_ = 0; // in millimetres
 };
 
 } // namespace
@@ -328,9 +352,9 @@ void StartKernel() {
     OSD::SetSignal(Standard_False);
 }
 
-MeshAnswer MeshByKernel(const MeshRequest& request, const std::function<void(const MeshProgress&)>& tell) {
+MeshAnswer MeshByKernel(const MeshRequest& request, MeshListener* listener) {
     MeshAnswer answer;
-    const std::string problem = Caught([&] { answer = KernelRun(request, tell).Run(); });
+    const std::string problem = Caught([&] { answer = KernelRun(request, listener).Run(); });
     if (!problem.empty()) { answer.problems.push_back({0, problem}); }
     return answer;
 }

@@ -2,16 +2,22 @@
 
 #include "prepare/mesh_format.h"
 
-#include <functional>
-
 namespace tarnwick::tools {
 
 // Sets up the kernel for this process: its messages go nowhere, and a signal in it becomes one of its
 // exceptions. Once, before anything else of the kernel.
 void StartKernel();
 
+// Who is told what the kernel begins, and gets the parts of an answer that comes in parts.
+class MeshListener {
+public:
+    virtual ~MeshListener() = default;
+    virtual void Tell(const MeshProgress& progress) = 0;
+    virtual void Take(const MeshAnswer& part) = 0;
+};
+
 // Has the kernel read the text, make the bodies and triangulate them. What fails is told among the answer's
-// problems; nothing is thrown. `tell` is called before each step. The kernel is for one thread at a time.
-MeshAnswer MeshByKernel(const MeshRequest& request, const std::function<void(const MeshProgress&)>& tell);
+// problems; nothing is thrown. The kernel is for one thread at a time.
+MeshAnswer MeshByKernel(const MeshRequest& request, MeshListener* listener);
 
 } // namespace tarnwick::tools

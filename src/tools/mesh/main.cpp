@@ -88,16 +88,27 @@ bool ReadRequest(MeshRequest* request) {
     return ReadAll(STDIN_FILENO, bytes.data(), bytes.size()) && DecodeMesh(bytes, request);
 }
 
+// Sends what it hears. Where nobody takes it any more, the process ends at its next request.
+class Sender : public MeshListener {
+public:
+    explicit Sender(int file) : file_(file) {}
+    void Tell(const MeshProgress& progress) override { WriteAll(file_, EncodeMesh(progress)); }
+    void Take(const MeshAnswer& part) override { WriteAll(file_, EncodeMesh(part, MeshMessage::kPart)); }
+
+private:
+    const int file_;
+};
+
 int Serve() {
     const int messages = TakeStandardOutput();
     if (messages < 0) { return EXIT_FAILURE; }
     EndWithParent();
     StartKernel();
+    Sender sender(messages);
     for (;;) {
         MeshRequest request;
         if (!ReadRequest(&request)) { return EXIT_SUCCESS; }
-        const MeshAnswer answer = MeshByKernel(
-            request, [&](const MeshProgress& progress) { WriteAll(messages, EncodeMesh(progress)); });
+        const MeshAnswer answer = MeshByKernel(request, &sender);
         if (!WriteAll(messages, EncodeMesh(answer))) { return EXIT_FAILURE; }
     }
 }
