@@ -2,17 +2,15 @@
 
 #include <BRep_Tool.hxx>
 #include <BRepAdaptor_Surface.hxx>
-#include <GeomLib.hxx>
-#include <gp_Dir.hxx>
 #include <gp_Pnt.hxx>
 #include <gp_Trsf.hxx>
 #include <gp_Vec.hxx>
 #include <Poly_Triangulation.hxx>
-#include <Precision.hxx>
 #include <TopLoc_Location.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Face.hxx>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -20,7 +18,9 @@ namespace tarnwick::tools {
 
 namespace {
 
-// Parallel derivatives, at the pole of a sphere for example, give no normal.
+// Derivatives that are shorter, in millimetres for each unit of the parameter, or more parallel are noise: at
+// the tip of a cone or the pole of a sphere, for example.
+constexpr double kLeastDerivative = 1e-9;
 constexpr double kLeastSine = 1e-9;
 
 Vec3 Record(const gp_XYZ& v) {
@@ -35,41 +35,32 @@ bool IsFinite(Vec3 v) {
 class SurfaceNormals {
 public:
     explicit SurfaceNormals(const TopoDS_Face& face)
-        : face_(face), evaluator_(face, Standard_False), isPlane_(evaluator_.GetType() == GeomAbs_Plane) {}
+        : surface_(face, Standard_False), isPlane_(surface_.GetType() == GeomAbs_Plane) {}
 
     // False where the surface has none.
     bool At(const gp_Pnt2d& at, Vec3* normal) {
-        if (isPlane_ && hasLast_) {
-            *normal = last_;
-            return true;
+        if (!isPlane_ || !hasLast_) {
+            gp_Pnt point;
+            gp_Vec alongU;
+            gp_Vec alongV;
+            surface_.D1(at.X(), at.Y(), point, alongU, alongV);
+            const gp_Vec cross = alongU.Crossed(alongV);
+            const double u = alongU.Magnitude();
+            const double v = alongV.Magnitude();
+            const double length = cross.Magnitude();
+            hasLast_ =
+                std::min(u, v) > kLeastDerivative && length > kLeastSine * u * v && std::isfinite(length);
+            if (hasLast_) { last_ = Record(cross.XYZ() / length); }
         }
-        gp_Pnt point;
-        gp_Vec alongU;
-        gp_Vec alongV;
-        evaluator_.D1(at.X(), at.Y(), point, alongU, alongV);
-        const gp_Vec cross = alongU.Crossed(alongV);
-        const double length = cross.Magnitude();
-        if (length > kLeastSine * alongU.Magnitude() * alongV.Magnitude() && std::isfinite(length)) {
-            *normal = Record(cross.XYZ() / length);
-        } else {
-            // A copy where the face is moved, so only for those that need it.
-            if (surface_.IsNull()) { surface_ = BRep_Tool::Surface(face_); }
-            gp_Dir estimate;
-            if (GeomLib::NormEstim(surface_, at, Precision::Confusion(), estimate) > 1) { return false; }
-            *normal = Record(estimate.XYZ());
-        }
-        last_ = *normal;
-        hasLast_ = true;
-        return IsFinite(*normal);
+        *normal = last_;
+        return hasLast_;
     }
 
 private:
-    const TopoDS_Face& face_;
-    Handle(Geom_Surface) surface_;
-    const BRepAdaptor_Surface evaluator_;
+    const BRepAdaptor_Surface surface_;
     const bool isPlane_;
     bool hasLast_ = false;
-    Vec3 last_;
+    Vec3 last_; // of the whole surface, if that is a plane
 };
 
 // Of the triangles around each point, weighted by their areas.
