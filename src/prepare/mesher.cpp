@@ -33,6 +33,11 @@ constexpr double kShareOfAll = 0.7;     // making all shapes
 constexpr double kShareOfMeshing = 0.4; // triangulating all
 constexpr double kShareOfFace = 0.1;    // a face among others, when nothing else has helped
 
+// What takes so much longer to triangulate than to make, and so many seconds, has a face that another
+// algorithm may do at once.
+constexpr double kHastyRatio = 5;
+constexpr double kHastySeconds = 4;
+
 // A body on its way.
 struct PendingBody {
     MeshBody mesh;
@@ -57,6 +62,7 @@ using Bodies = std::vector<PendingBody*>;
 struct Quality {
     MeshAlgorithm algorithm = MeshAlgorithm::kDefault;
     bool isCoarse = false;
+    bool isHasty = false; // given up sooner than it would have to be
 };
 
 // How the last request ended, and with which body where it didn't with all.
@@ -79,7 +85,9 @@ public:
         all_ = Unfinished(bodies_);
         constexpr Quality kQualities[] = {{MeshAlgorithm::kDefault, false},
                                           {MeshAlgorithm::kDelabella, false}};
-        for (const Quality& quality : kQualities) { Together(Unfinished(bodies_), quality); }
+        Together(Unfinished(bodies_), {MeshAlgorithm::kDefault, false, true});
+        Together(Unfinished(bodies_), {MeshAlgorithm::kDelabella, false});
+        if (wasHasty_) { Together(Unmade(), {MeshAlgorithm::kDefault, false}); }
         for (const Quality& quality : kQualities) {
             if (all_.size() > 1) { Each(Spoilt(), quality, kShareOfEach); }
         }
@@ -203,7 +211,8 @@ private:
         request.diagonal = diagonal_;
         request.algorithm = quality.algorithm;
         request.isEach = isEach;
-        const double endOfShapes = ClockSeconds() + Left() * kShareOfAll;
+        const double start = ClockSeconds();
+        const double endOfShapes = start + Left() * kShareOfAll;
         MeshOutcome outcome = process_.Ask(request, [&](const MeshProgress& progress) {
             const double left = Left();
             const double now = end_ - left;
@@ -212,8 +221,13 @@ private:
                 break;
             case MeshStage::kTransfer:
                 return std::min(endOfShapes, now + left * (bodies.size() == 1 ? kShareOfOne : share));
-            case MeshStage::kMeshing:
-                return now + left * (isEach ? share : kShareOfMeshing);
+            case MeshStage::kMeshing: {
+                const double patience = left * (isEach ? share : kShareOfMeshing);
+                const double haste = std::max(kHastyRatio * (now - start), kHastySeconds);
+                const bool isHasty = quality.isHasty && haste < patience;
+                wasHasty_ = wasHasty_ || isHasty;
+                return now + (isHasty ? haste : patience);
+            }
             }
             return endOfShapes;
         });
@@ -339,8 +353,9 @@ private:
     const double end_;    // by ClockSeconds
     double diagonal_ = 0; // of the box of all bodies, or 0 where nobody knows
     LastAsk last_;
-    int silentEnds_ = 0;  // in a row
-    bool isOver_ = false; // nothing more can be had
+    bool wasHasty_ = false; // a request may have been given up sooner than it had to be
+    int silentEnds_ = 0;    // in a row
+    bool isOver_ = false;   // nothing more can be had
     bool isCancelled_ = false;
     std::vector<PendingBody> bodies_;
     Bodies all_; // that the kernel may be asked for

@@ -5,6 +5,7 @@
 #include "prepare/kernel_text.h"
 #include "prepare/mesher.h"
 #include "prepare/solid_text.h"
+#include "support/sanitized.h"
 
 #include <gmock/gmock.h>
 
@@ -195,6 +196,7 @@ TEST(Kernel, AnswersOneFileAfterTheOther) {
 }
 
 TEST(Kernel, WithoutMemoryIsToldAndNotWaitedFor) {
+    if (kSanitized) { GTEST_SKIP() << "its memory isn't limited with a sanitizer"; }
     MesherOptions options = Options();
     options.memoryLimit = std::size_t{1} << 20;
     SolidText solids(100);
