@@ -163,6 +163,15 @@ int MeshProcess::End() {
 
 MeshOutcome MeshProcess::Ask(const MeshRequest& request,
                              const std::function<double(const MeshProgress&)>& limit) {
+    const bool wasThere = process_ != 0;
+    MeshOutcome outcome = AskOnce(request, limit);
+    // It may have ended long before the request; others can end a process too.
+    if (wasThere && outcome.end == MeshEnd::kCrash && !outcome.hasBegun) { return AskOnce(request, limit); }
+    return outcome;
+}
+
+MeshOutcome MeshProcess::AskOnce(const MeshRequest& request,
+                                 const std::function<double(const MeshProgress&)>& limit) {
     MeshOutcome outcome;
     if (process_ == 0 && !Start(&outcome.words)) { return outcome; }
     Conversation conversation(socket_, EncodeMesh(request));

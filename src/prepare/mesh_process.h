@@ -45,6 +45,7 @@ public:
     MeshOutcome Ask(const MeshRequest& request, const std::function<double(const MeshProgress&)>& limit);
 
 private:
+    MeshOutcome AskOnce(const MeshRequest& request, const std::function<double(const MeshProgress&)>& limit);
     bool Start(std::string* words);
     // Kills the process where there is one, and waits for that; its status for waitpid's macros.
     int End();

@@ -282,6 +282,7 @@ private:
         isOver_ = isOver_ || outcome.end == MeshEnd::kCancelled || outcome.end == MeshEnd::kNotStarted ||
                   silentEnds_ >= kMostSilentEnds;
         isCancelled_ = isCancelled_ || outcome.end == MeshEnd::kCancelled;
+        if (isOver_) { whyOver_ = outcome.words; }
         for (PendingBody* const body : bodies) {
             if (body->isMade || (last_.body != 0 && body->mesh.entity != last_.body)) { continue; }
             body->AddReason(outcome.words);
@@ -317,9 +318,7 @@ private:
 
     void Tell(PendingBody* body, MeshResult* result) {
         const std::vector<std::uint64_t>& lost = body->mesh.lostFaces;
-        if (!body->IsDone() && body->reasons.empty() && IsOver()) {
-            body->AddReason(isCancelled_ ? "cancelled" : "the time limit ran out");
-        }
+        if (!body->IsDone() && body->reasons.empty() && IsOver()) { body->AddReason(whyOver_); }
         const std::string why = body->reasons.empty() ? "" : ": " + Joined(body->reasons);
         if (body->faces.empty() || !body->isMade) {
             result->losses.push_back(NameOf(*body) + " has no triangles" + why);
@@ -356,6 +355,7 @@ private:
     bool wasHasty_ = false; // a request may have been given up sooner than it had to be
     int silentEnds_ = 0;    // in a row
     bool isOver_ = false;   // nothing more can be had
+    std::string whyOver_ = "the time limit ran out";
     bool isCancelled_ = false;
     std::vector<PendingBody> bodies_;
     Bodies all_; // that the kernel may be asked for

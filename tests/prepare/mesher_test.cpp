@@ -203,6 +203,78 @@ TEST_F(BadProgram, DoesNotLoseTheOtherBodies) {
                                            " has no triangles: the geometry kernel crashed (signal 11)"));
 }
 
+// A program of the shell that does something else each time it is started, and in the end nothing.
+class ScriptedProgram : public testing::Test {
+protected:
+    // A body with one triangle for each of these faces.
+    static MeshBody BodyOf(std::uint64_t entity, const std::vector<std::uint64_t>& faces) {
+        MeshBody body;
+        body.entity = entity;
+        for (const std::uint64_t face : faces) {
+            body.faces.push_back({face, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {}, {{0, 1, 2}}});
+        }
+        return body;
+    }
+    static std::string Reading() { return EncodeMesh(MeshProgress{MeshStage::kReading, 0}); }
+
+    // It says these bytes, then ends.
+    MesherOptions Saying(const std::vector<std::string>& sayings) const {
+        std::string lines = "#!/bin/sh\necho >> '" + folder_.Path("starts") + "'\ncase $(wc -l < '" +
+                            folder_.Path("starts") + "') in\n";
+        for (std::size_t i = 0; i < sayings.size(); ++i) {
+            const std::string start = std::to_string(i + 1);
+            lines += start + ") cat '" + folder_.Write("saying" + start, sayings[i]) + "';;\n";
+        }
+        MesherOptions options;
+        options.program = folder_.Write("program", lines + "esac\n");
+        chmod(options.program.c_str(), 0700);
+        return options;
+    }
+
+    const TempFolder folder_;
+};
+
+TEST_F(ScriptedProgram, HasTheFacesOfOneAttemptAddedToThoseOfAnother) {
+    SolidText solids(100);
+    const std::uint64_t cube = solids.AddCube(1);
+    const std::vector<std::uint64_t> faces = solids.Faces();
+    const Padded text(ExchangeText(ContextText() + solids.Text()));
+    const ExchangeFile file(text.Text());
+    MeshBody first = BodyOf(cube, {faces[0], faces[1], faces[2], faces[4]});
+    first.lostFaces = {faces[3], faces[5]};
+    const MeshBody second = BodyOf(cube, faces);
+    Mesher mesher(Saying({Reading() + EncodeMesh(MeshAnswer{1, {first}, {}}),
+                          Reading() + EncodeMesh(MeshAnswer{1, {second}, {}})}));
+    const std::vector<std::uint64_t> bodies{cube};
+    const MeshResult result = mesher.Mesh(file, bodies, kContext);
+    EXPECT_THAT(result.losses, IsEmpty());
+    ASSERT_THAT(result.bodies, SizeIs(1));
+    std::vector<std::uint64_t> entities;
+    for (const MeshFace& face : result.bodies[0].faces) { entities.push_back(face.entity); }
+    EXPECT_THAT(entities, ElementsAre(faces[0], faces[1], faces[2], faces[4], faces[3], faces[5]));
+}
+
+TEST_F(ScriptedProgram, KeepsWhatCameBeforeItsEnd) {
+    SolidText solids(100);
+    const std::uint64_t good = solids.AddCube(1);
+    const std::vector<std::uint64_t> goodFaces = solids.Faces();
+    const std::uint64_t bad = solids.AddCube(2);
+    const Padded text(ExchangeText(ContextText() + solids.Text()));
+    const ExchangeFile file(text.Text());
+    const std::string together = Reading() + EncodeMesh(MeshProgress{MeshStage::kMeshing, 0});
+    const std::string each = Reading() +
+                             EncodeMesh(MeshAnswer{1, {BodyOf(good, goodFaces)}, {}}, MeshMessage::kPart) +
+                             EncodeMesh(MeshProgress{MeshStage::kMeshing, bad});
+    Mesher mesher(Saying({together, together, each}));
+    const std::vector<std::uint64_t> bodies{good, bad};
+    const MeshResult result = mesher.Mesh(file, bodies, kContext);
+    ASSERT_THAT(result.bodies, SizeIs(2));
+    EXPECT_THAT(result.bodies[0].faces, SizeIs(6));
+    EXPECT_THAT(result.bodies[1].faces, IsEmpty());
+    EXPECT_THAT(result.bodies[1].lostFaces, SizeIs(6));
+    EXPECT_THAT(result.losses, SizeIs(1));
+}
+
 TEST(Mesher, NamesWhatIsNoBody) {
     const Padded text(ExchangeText("#1=GEOMETRIC_CURVE_SET('',(#2));\n#2=CIRCLE('',$,1.);\n"));
     const ExchangeFile file(text.Text());
