@@ -8,6 +8,7 @@
 #include <array>
 #include <charconv>
 #include <string_view>
+#include <utility>
 
 namespace tarnwick {
 
@@ -74,6 +75,9 @@ Role RoleOfKeyword(std::string_view keyword) {
     return role;
 }
 
+// Beyond, numbers would have more than 31 bits.
+constexpr std::size_t kMostRenumbered = 147'000'000;
+
 std::uint64_t NumberOf(std::string_view reference) {
     std::uint64_t number = 0;
     const char* const end = reference.data() + reference.size();
@@ -131,27 +135,34 @@ private:
 // Puts instances into a text, and after them what they refer to.
 class TextClosure {
 public:
-    TextClosure(const ExchangeFile& file, std::string* out) : file_(file), roles_(file), out_(*out) {}
+    TextClosure(const ExchangeFile& file, KernelInput* out)
+        : file_(file), roles_(file), out_(out->text), renumbered_(out->renumbered) {}
 
-    // Whether the instance is in the text, or will be.
-    bool Want(std::uint64_t number) {
-        if (const bool* const known = wanted_.Find(number)) { return *known; }
-        const Instance* const instance = number <= kLargestKernelNumber ? file_.Find(number) : nullptr;
-        const bool isWanted = instance != nullptr && roles_.Of(*instance).isGeometry;
-        wanted_.Add(number, isWanted);
-        if (isWanted) {
-            waiting_.push_back(instance);
-            last_ = std::max(last_, number);
+    // The number in the text of an instance that is there or will be; 0 for one that won't.
+    std::uint64_t Want(std::uint64_t number) {
+        if (const std::uint64_t* const known = wanted_.Find(number)) { return *known; }
+        const Instance* const instance = file_.Find(number);
+        std::uint64_t inText = 0;
+        if (instance != nullptr && roles_.Of(*instance).isGeometry && renumbered_.size() < kMostRenumbered) {
+            inText = number;
+            if (number > kLargestKernelNumber) {
+                renumbered_.push_back(number);
+                inText = kLargestKernelNumber + renumbered_.size();
+            }
+            waiting_.push_back({instance, inText});
+            last_ = std::max(last_, inText);
         }
-        return isWanted;
+        wanted_.Add(number, inText);
+        return inText;
     }
 
     void WriteWanted(bool withStrings) {
         while (!waiting_.empty()) {
-            const Instance& instance = *waiting_.back();
+            const auto [place, inText] = waiting_.back();
+            const Instance& instance = *place;
             waiting_.pop_back();
             out_ += '#';
-            AppendNumber(instance.number, &out_);
+            AppendNumber(inText, &out_);
             out_ += '=';
             if (instance.keyword != ExchangeFile::kComplex && roles_.Of(instance).isShell) {
                 PutShell(instance);
@@ -167,8 +178,8 @@ public:
 
 private:
     void PutReference(std::string_view reference) {
-        const std::uint64_t number = NumberOf(reference);
-        if (!Want(number)) {
+        const std::uint64_t number = Want(NumberOf(reference));
+        if (number == 0) {
             out_ += '$';
             return;
         }
@@ -212,9 +223,9 @@ private:
         TokenCursor tokens(file_.TextOf(instance));
         for (Token token = tokens.Next(); token.kind != TokenKind::kEnd; token = tokens.Next()) {
             if (token.kind != TokenKind::kReference) { continue; }
-            const std::uint64_t number = NumberOf(token.text);
-            const Instance* const face = file_.Find(number);
-            if (face == nullptr || !roles_.Of(*face).isFace || !Want(number)) { continue; }
+            const Instance* const face = file_.Find(NumberOf(token.text));
+            const std::uint64_t number = face != nullptr && roles_.Of(*face).isFace ? Want(face->number) : 0;
+            if (number == 0) { continue; }
             out_ += separator;
             separator = ',';
             out_ += '#';
@@ -227,8 +238,9 @@ private:
     const ExchangeFile& file_;
     Roles roles_;
     std::string& out_;
-    LookUp<std::uint64_t, bool> wanted_;
-    std::vector<const Instance*> waiting_;
+    std::vector<std::uint64_t>& renumbered_;
+    LookUp<std::uint64_t, std::uint64_t> wanted_; // their numbers in the text, or 0
+    std::vector<std::pair<const Instance*, std::uint64_t>> waiting_;
     std::uint64_t last_ = 0;
 };
 
@@ -269,36 +281,36 @@ std::uint64_t AddDefaultContext(OwnInstances* own) {
 
 } // namespace
 
-std::string KernelText(const ExchangeFile& file, std::span<const std::uint64_t> bodies,
+KernelInput KernelText(const ExchangeFile& file, std::span<const std::uint64_t> bodies,
                        std::uint64_t context) {
-    std::string text = "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\n"
-                       "FILE_NAME('','',(''),(''),'','','');\nFILE_SCHEMA(('AUTOMOTIVE_DESIGN'));\nENDSEC;\n"
-                       "DATA;\n";
-    TextClosure closure(file, &text);
-    std::vector<std::uint64_t> items;
+    KernelInput input;
+    std::string& text = input.text;
+    text = "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\nFILE_NAME('','',(''),(''),'','','');\n"
+           "FILE_SCHEMA(('AUTOMOTIVE_DESIGN'));\nENDSEC;\nDATA;\n";
+    TextClosure closure(file, &input);
     for (const std::uint64_t body : bodies) {
-        if (closure.Want(body)) { items.push_back(body); }
+        if (const std::uint64_t number = closure.Want(body); number != 0) { input.bodies.push_back(number); }
     }
     closure.WriteWanted(false);
-    const bool hasContext = closure.Want(context);
+    const std::uint64_t given = closure.Want(context);
     closure.WriteWanted(true);
 
     OwnInstances own(closure.Last(), &text);
-    const std::uint64_t used = hasContext ? context : AddDefaultContext(&own);
+    const std::uint64_t used = given != 0 ? given : AddDefaultContext(&own);
     own.Begin();
     text += "SHAPE_REPRESENTATION('',";
     char separator = '(';
-    for (const std::uint64_t item : items) {
+    for (const std::uint64_t body : input.bodies) {
         text += separator;
         separator = ',';
         text += '#';
-        AppendNumber(item, &text);
+        AppendNumber(body, &text);
     }
-    if (items.empty()) { text += '('; }
+    if (input.bodies.empty()) { text += '('; }
     text += "),#";
     AppendNumber(used, &text);
     text += ");\nENDSEC;\nEND-ISO-10303-21;\n";
-    return text;
+    return input;
 }
 
 std::vector<std::uint64_t> FacesOf(const ExchangeFile& file, std::uint64_t body) {

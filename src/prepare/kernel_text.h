@@ -9,16 +9,29 @@ namespace tarnwick {
 
 class ExchangeFile;
 
-// The largest number of an instance that the kernel can tell from others.
-inline constexpr std::uint64_t kLargestKernelNumber = 2'147'000'000;
+// The largest number that an instance keeps in the text; the kernel's numbers have 32 bits.
+inline constexpr std::uint64_t kLargestKernelNumber = 2'000'000'000;
+
+struct KernelInput {
+    std::string text;
+    std::vector<std::uint64_t>
+        bodies; // as they are numbered in the text; those that aren't in it are left out
+    // The own numbers of the instances that are numbered from kLargestKernelNumber + 1 on in the text.
+    std::vector<std::uint64_t> renumbered;
+
+    std::uint64_t OwnNumber(std::uint64_t inText) const {
+        const std::uint64_t place = inText - kLargestKernelNumber - 1;
+        return inText > kLargestKernelNumber && place < renumbered.size() ? renumbered[place] : inText;
+    }
+};
 
 // A whole ISO 10303-21 text for the geometry kernel: the bodies and all that they are made of, with their own
-// numbers, the geometric representation context with its units, and one SHAPE_REPRESENTATION over the bodies.
-// Presentation, annotations, tessellation and products stay out, whatever refers to them; strings are empty,
-// but for those of the context. Without a context of that number: millimetres and radians. A reference to
-// what isn't there becomes "$", and in the list of a shell's faces it is left out. Takes time and memory by
-// the text that comes out, not by the file.
-std::string KernelText(const ExchangeFile& file, std::span<const std::uint64_t> bodies,
+// numbers unless those are too large, the geometric representation context with its units, and one
+// SHAPE_REPRESENTATION over the bodies. Presentation, annotations, tessellation and products stay out,
+// whatever refers to them; strings are empty, but for those of the context. Without a context of that number:
+// millimetres and radians. A reference to what isn't there becomes "$", and in the list of a shell's faces it
+// is left out. Takes time and memory by the text that comes out, not by the file.
+KernelInput KernelText(const ExchangeFile& file, std::span<const std::uint64_t> bodies,
                        std::uint64_t context);
 
 // The numbers of the faces that a body consists of, each once, in the order of the text's lists; of a

@@ -108,9 +108,6 @@ private:
         if (body.faces.empty()) {
             body.isRefused = true;
             body.AddReason(file_.Find(number) == nullptr ? "it isn't in the file" : "it has no faces");
-        } else if (number > kLargestKernelNumber) {
-            body.isRefused = true;
-            body.AddReason("its number is too large for the geometry kernel");
         }
     }
 
@@ -204,8 +201,9 @@ private:
         std::vector<std::uint64_t> numbers;
         for (const PendingBody* const body : bodies) { numbers.push_back(body->mesh.entity); }
         MeshRequest request;
-        request.text = KernelText(file_, numbers, context_);
-        request.bodies = std::move(numbers);
+        KernelInput input = KernelText(file_, numbers, context_);
+        request.text = std::move(input.text);
+        request.bodies = std::move(input.bodies);
         request.deflection = options_.deflection * (quality.isCoarse ? kCoarser : 1);
         request.angle = quality.isCoarse ? std::max(options_.angle, kCoarserAngle) : options_.angle;
         request.diagonal = diagonal_;
@@ -231,9 +229,21 @@ private:
             }
             return endOfShapes;
         });
+        SetOwnNumbers(input, &outcome);
         last_ = {outcome.end, outcome.hasBegun ? outcome.progress.body : 0};
         TakeAnswer(bodies, &outcome.answer, quality.isCoarse);
         if (outcome.end != MeshEnd::kAnswered) { TakeFailure(bodies, outcome); }
+    }
+
+    // Instead of those in the text.
+    static void SetOwnNumbers(const KernelInput& input, MeshOutcome* outcome) {
+        const auto set = [&](std::uint64_t* number) { *number = input.OwnNumber(*number); };
+        set(&outcome->progress.body);
+        for (MeshProblem& problem : outcome->answer.problems) { set(&problem.entity); }
+        for (MeshBody& body : outcome->answer.bodies) {
+            set(&body.entity);
+            for (MeshFace& face : body.faces) { set(&face.entity); }
+        }
     }
 
     void TakeAnswer(const Bodies& bodies, MeshAnswer* answer, bool isCoarse) {

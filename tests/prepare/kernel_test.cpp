@@ -122,6 +122,17 @@ TEST(Kernel, MakesBodiesOfAllKinds) {
     EXPECT_THAT(EntitiesOf(result.bodies[7]), ElementsAre(face));
 }
 
+TEST(Kernel, MakesBodiesWithNumbersThatItCannotHold) {
+    SolidText solids(std::uint64_t{1} << 40);
+    const std::uint64_t cube = solids.AddCube(1);
+    const std::vector<std::uint64_t> faces = solids.Faces();
+    const MeshResult result = MeshOf(ContextText() + solids.Text(), {cube});
+    EXPECT_THAT(result.losses, IsEmpty());
+    ASSERT_THAT(result.bodies, SizeIs(1));
+    EXPECT_EQ(result.bodies[0].entity, cube);
+    EXPECT_THAT(EntitiesOf(result.bodies[0]), ElementsAreArray(faces));
+}
+
 TEST(Kernel, NamesTheFacesThatGetNoTriangles) {
     SolidText solids(100);
     const std::uint64_t cube = solids.AddCube(1);

@@ -23,7 +23,7 @@ std::string KernelTextOf(const std::string& instances, const std::vector<std::ui
     const std::string text = ExchangeText(instances);
     const Padded padded(text);
     const ExchangeFile file(padded.Text());
-    return KernelText(file, bodies, context);
+    return KernelText(file, bodies, context).text;
 }
 
 std::vector<std::uint64_t> FacesIn(const std::string& instances, std::uint64_t body) {
@@ -110,9 +110,21 @@ TEST(KernelText, IsNotDeepWhereReferencesAre) {
     EXPECT_THAT(FacesIn(chain, 1), IsEmpty());
 }
 
-TEST(KernelText, LeavesOutNumbersThatTheKernelCannotHold) {
-    const std::string text = KernelTextOf("#1=A(#4294967297);\n#4294967297=B();\n", {1});
-    EXPECT_THAT(text, HasSubstr("#1=A($);"));
+TEST(KernelText, RenumbersWhatTheKernelCannotHold) {
+    const std::string text = ExchangeText(
+        "#1=A(#4294967297,#18446744073709551615);\n#4294967297=B();\n#18446744073709551615=C(#1);\n");
+    const Padded padded(text);
+    const ExchangeFile file(padded.Text());
+    const std::vector<std::uint64_t> bodies{18446744073709551615U, 7};
+    const KernelInput input = KernelText(file, bodies, 0);
+    EXPECT_THAT(input.text,
+                AllOf(HasSubstr("#2000000001=C(#1);"), HasSubstr("#1=A(#2000000002,#2000000001);"),
+                      HasSubstr("#2000000002=B();")));
+    EXPECT_THAT(input.bodies, ElementsAre(2000000001));
+    EXPECT_EQ(input.OwnNumber(2000000001), 18446744073709551615U);
+    EXPECT_EQ(input.OwnNumber(2000000002), 4294967297U);
+    EXPECT_EQ(input.OwnNumber(2000000003), 2000000003U);
+    EXPECT_EQ(input.OwnNumber(1), 1U);
 }
 
 TEST(FacesOf, AreThoseOfTheBodyInItsOrder) {
