@@ -177,11 +177,37 @@ TEST(Kernel, MakesFacesWhereItMakesNoBody) {
     EXPECT_THAT(result.losses[0], HasSubstr("could only be made face by face"));
 }
 
+// Any number of a solid, one after the other, becomes one beyond reason.
+TEST(Kernel, ComesBackFromDamagedNumbers) {
+    SolidText solids(100);
+    const std::uint64_t cone = solids.AddCone(AngleUnit::kRadian);
+    const std::string instances = ContextText() + solids.Text();
+    MesherOptions options = Options();
+    options.timeLimit = 0.5;
+    Mesher mesher(options);
+    const std::vector<std::uint64_t> bodies{cone};
+    std::size_t number = 0;
+    for (std::size_t at = instances.find('.', instances.find("#100=")); at != std::string::npos;
+         at = instances.find('.', at + 1)) {
+        const std::size_t begin = instances.find_last_not_of("-0123456789", at - 1) + 1;
+        const std::size_t end = instances.find_first_not_of("0123456789", at + 1);
+        // Not an enumeration.
+        if (begin == at) { continue; }
+        const char* const other = ++number % 2 == 0 ? "1.E300" : "99999999.";
+        const Padded text(ExchangeText(instances.substr(0, begin) + other + instances.substr(end)));
+        const ExchangeFile file(text.Text());
+        const MeshResult result = mesher.Mesh(file, bodies, kContext);
+        ASSERT_THAT(result.bodies, SizeIs(1));
+        EXPECT_TRUE(result.bodies[0].lostFaces.empty() || !result.losses.empty()) << number;
+    }
+    EXPECT_GT(number, 30U);
+}
+
 TEST(Kernel, IsFinerWhereThatIsAsked) {
     SolidText solids(100);
     const std::uint64_t cone = solids.AddCone(AngleUnit::kRadian);
     std::vector<std::size_t> counts;
-    for (const double deflection : {0.1, 0.001, 0.00001}) {
+    for (const double deflection : {0.1, 0.001, 0.0001}) {
         MesherOptions options = Options();
         options.deflection = deflection;
         options.angle = 40;

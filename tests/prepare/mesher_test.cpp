@@ -4,7 +4,6 @@
 
 #include "exchange/exchange_file.h"
 #include "exchange/padded.h"
-#include "platform/clock.h"
 #include "prepare/solid_text.h"
 #include "support/holdings.h"
 #include "support/temp_folder.h"
@@ -25,6 +24,9 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+
+// A time limit in seconds that nothing here waits for: a test that did would never end.
+constexpr double kEndless = 100000;
 
 // One cube in a file.
 class OneCube {
@@ -61,9 +63,7 @@ protected:
         const long files = HoldingsNow().files;
         {
             Mesher mesher(options, cancel);
-            const double start = ClockSeconds();
             result = cube_.Mesh(&mesher);
-            seconds_ = ClockSeconds() - start;
         }
         EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
         EXPECT_EQ(HoldingsNow().files, files);
@@ -81,14 +81,11 @@ protected:
 
     const TempFolder folder_;
     const OneCube cube_;
-    double seconds_ = 0; // of the last call
 };
 
 TEST_F(BadProgram, IsEndedAtTheLimitWhenItHangs) {
     const MeshResult result = MeshInVain(Script("exec sleep 1000", 0.3));
     EXPECT_THAT(result.losses[0], HasSubstr("time limit"));
-    EXPECT_GE(seconds_, 0.2);
-    EXPECT_LT(seconds_, 3);
     EXPECT_FALSE(result.isCancelled);
 }
 
@@ -97,7 +94,6 @@ TEST_F(BadProgram, IsEndedAtTheLimitWhenItHangsInABody) {
                               EncodeMesh(MeshProgress{MeshStage::kTransfer, cube_.Cube()});
     const MeshResult result = MeshInVain(Script(MessageFile("begun", begun) + "\nexec sleep 1000", 0.3));
     EXPECT_THAT(result.losses[0], HasSubstr("time limit"));
-    EXPECT_LT(seconds_, 3);
 }
 
 TEST_F(BadProgram, IsEndedAtTheLimitWhenItHangsWhileItMeshes) {
@@ -105,36 +101,32 @@ TEST_F(BadProgram, IsEndedAtTheLimitWhenItHangsWhileItMeshes) {
         EncodeMesh(MeshProgress{MeshStage::kReading, 0}) + EncodeMesh(MeshProgress{MeshStage::kMeshing, 0});
     const MeshResult result = MeshInVain(Script(MessageFile("begun", begun) + "\nexec sleep 1000", 0.5));
     EXPECT_THAT(result.losses[0], HasSubstr("time limit"));
-    EXPECT_LT(seconds_, 3);
 }
 
 TEST_F(BadProgram, IsEndedAtTheLimitWhenItTalksWithoutEnd) {
     const std::string progress = EncodeMesh(MeshProgress{MeshStage::kReading, 0});
     MeshInVain(Script("while true; do " + MessageFile("progress", progress) + "; done", 0.3));
-    EXPECT_LT(seconds_, 3);
 }
 
 TEST_F(BadProgram, IsToldWhenItCrashes) {
-    const MeshResult result = MeshInVain(Script("kill -SEGV $$", 30));
+    const MeshResult result = MeshInVain(Script("kill -SEGV $$", kEndless));
     EXPECT_THAT(result.losses[0], HasSubstr("crashed (signal 11)"));
-    EXPECT_LT(seconds_, 10);
 }
 
 TEST_F(BadProgram, IsToldWhenItEnds) {
-    EXPECT_THAT(MeshInVain(Script("exit 7", 30)).losses[0], HasSubstr("ended (status 7)"));
-    EXPECT_THAT(MeshInVain(Script("exit 3", 30)).losses[0], HasSubstr("out of memory"));
+    EXPECT_THAT(MeshInVain(Script("exit 7", kEndless)).losses[0], HasSubstr("ended (status 7)"));
+    EXPECT_THAT(MeshInVain(Script("exit 3", kEndless)).losses[0], HasSubstr("out of memory"));
 }
 
 TEST_F(BadProgram, IsToldWhenItWritesRubbish) {
-    const MeshResult result = MeshInVain(Script("head -c 100000 /dev/zero; exec sleep 1000", 30));
+    const MeshResult result = MeshInVain(Script("head -c 100000 /dev/zero; exec sleep 1000", kEndless));
     EXPECT_THAT(result.losses[0], HasSubstr("damaged"));
-    EXPECT_LT(seconds_, 10);
 }
 
 TEST_F(BadProgram, IsToldWhenItsAnswerIsDamaged) {
     std::string answer = EncodeMesh(MeshAnswer{1, {{cube_.Cube(), {MeshFace{}}, {}}}, {}});
     answer[kMeshHeadSize + 8] = '\x7F';
-    EXPECT_THAT(MeshInVain(Script(MessageFile("answer", answer) + "\nexec sleep 1000", 30)).losses[0],
+    EXPECT_THAT(MeshInVain(Script(MessageFile("answer", answer) + "\nexec sleep 1000", kEndless)).losses[0],
                 HasSubstr("damaged"));
 }
 
@@ -155,19 +147,15 @@ TEST_F(BadProgram, IsNamedWhenItIsAbsent) {
 
 TEST_F(BadProgram, IsLeftSoonAfterACancel) {
     std::atomic<bool> cancel = false;
-    double cancelled = 0;
     std::thread other([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        cancelled = ClockSeconds();
         cancel = true;
     });
-    const MesherOptions options = Script("exec sleep 1000", 60);
+    const MesherOptions options = Script("exec sleep 1000", kEndless);
     Mesher mesher(options, &cancel);
     const MeshResult result = cube_.Mesh(&mesher);
-    const double end = ClockSeconds();
     other.join();
     EXPECT_TRUE(result.isCancelled);
-    EXPECT_LT(end - cancelled, 5);
     ASSERT_THAT(result.losses, SizeIs(1));
     EXPECT_THAT(result.losses[0], HasSubstr("cancelled"));
 }

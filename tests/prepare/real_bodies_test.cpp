@@ -159,7 +159,7 @@ std::string Replaced(std::string text, std::string_view what, std::string_view b
 }
 
 // The numbers of a file stay what they are, whatever its unit of length is.
-TEST(RealFileBodies, HaveTheSameNumbersInOtherUnits) {
+TEST(RealFileUnits, LeaveTheNumbersWhatTheyAre) {
     const FileBytes bytes = BytesOf("world/assemblies/xr1-tu/xr1-tu-lbr.stp");
     if (!bytes.IsRead()) { GTEST_SKIP() << "no real file"; }
     const std::string text(bytes.Text());
@@ -183,7 +183,7 @@ TEST(RealFileBodies, HaveTheSameNumbersInOtherUnits) {
 }
 
 // A file that is in inches: its part is 12 inches long.
-TEST(RealFileBodies, AreInTheInchesOfTheirFile) {
+TEST(RealFileUnits, AreInchesWhereTheFileHasThem) {
     const FileBytes bytes = BytesOf("world/exact/nist_ftc_07_asme1_ap242-e2.stp");
     if (!bytes.IsRead()) { GTEST_SKIP() << "no real file"; }
     const Meshes meshes = MeshesOf(bytes.Text());
