@@ -2,6 +2,7 @@
 
 #include "platform/clock.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/socket.h>
@@ -13,7 +14,7 @@
 #include <cmath>
 #include <csignal>
 #include <cstring>
-#include <fcntl.h>
+#include <limits>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -33,8 +34,10 @@ constexpr int kStatusOutOfMemory = 3;
 // One request on its way out, and what comes back.
 class Conversation {
 public:
-    Conversation(int socket, std::string request)
-        : socket_(socket), request_(std::move(request)), chunk_(std::make_unique<char[]>(kChunk)) {}
+    // No message is longer than `most` bytes.
+    Conversation(int socket, std::string request, std::uint64_t most)
+        : socket_(socket), request_(std::move(request)), most_(most),
+          chunk_(std::make_unique<char[]>(kChunk)) {}
 
     // Sends and receives what is possible within so many milliseconds. False where the other side is gone.
     bool Go(int milliseconds) {
@@ -52,7 +55,7 @@ public:
         if (received_.size() < kMeshHeadSize) { return false; }
         const std::string_view all = received_;
         const std::optional<MeshHead> found = DecodeMeshHead(all.substr(0, kMeshHeadSize));
-        *isSound = found.has_value() && found->kind != MeshMessage::kRequest;
+        *isSound = found.has_value() && found->kind != MeshMessage::kRequest && found->length <= most_;
         if (!*isSound || all.size() - kMeshHeadSize < found->length) { return false; }
         *head = *found;
         *bytes = all.substr(kMeshHeadSize, static_cast<std::size_t>(found->length));
@@ -78,6 +81,7 @@ private:
 
     const int socket_;
     const std::string request_;
+    const std::uint64_t most_;
     std::size_t sent_ = 0;
     std::string received_;
     const std::unique_ptr<char[]> chunk_;
@@ -174,7 +178,9 @@ MeshOutcome MeshProcess::AskOnce(const MeshRequest& request,
                                  const std::function<double(const MeshProgress&)>& limit) {
     MeshOutcome outcome;
     if (process_ == 0 && !Start(&outcome.words)) { return outcome; }
-    Conversation conversation(socket_, EncodeMesh(request));
+    // The process can't have made a message that is larger than its memory.
+    const std::uint64_t most = memoryLimit_ > 0 ? memoryLimit_ : std::numeric_limits<std::uint64_t>::max();
+    Conversation conversation(socket_, EncodeMesh(request), most);
     double giveUp = limit(outcome.progress);
     const auto end = [&](MeshEnd how, std::string words) {
         End();

@@ -139,6 +139,14 @@ TEST_F(BadProgram, CannotMakeTheClientTakeMemory) {
     EXPECT_LT(HoldingsNow().pages, before + 10000);
 }
 
+TEST_F(BadProgram, IsEndedWhenItsAnswerIsLargerThanItsMemory) {
+    std::string head = EncodeMesh(MeshAnswer{}).substr(0, kMeshHeadSize);
+    head[12] = '\x01'; // 4 GiB
+    MesherOptions options = Script(MessageFile("head", head) + "\nexec sleep 1000", kEndless);
+    options.memoryLimit = std::size_t{1} << 30;
+    EXPECT_THAT(MeshInVain(options).losses[0], HasSubstr("damaged"));
+}
+
 TEST_F(BadProgram, IsNamedWhenItIsAbsent) {
     MesherOptions options;
     options.program = folder_.Path("absent");
@@ -179,7 +187,7 @@ TEST_F(BadProgram, DoesNotLoseTheOtherBodies) {
     const std::string mark = folder_.Path("mark");
     const MesherOptions options = Script("if [ -e '" + mark + "' ]; then " + then + "; exit 0; fi\ntouch '" +
                                              mark + "'\n" + begin + "\nkill -SEGV $$",
-                                         30);
+                                         kEndless);
     Mesher mesher(options);
     const std::vector<std::uint64_t> bodies{bad, good};
     const MeshResult result = mesher.Mesh(file, bodies, kContext);

@@ -12,8 +12,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <new>
+#include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -143,8 +143,9 @@ int Run(int count, char** words) {
 } // namespace tarnwick::tools
 
 int main(int count, char** words) {
-    // The texts and answers of a request may find no memory under a limit; the client starts another process.
+    // Under a limit there may be no memory for a request, its answer or a thread; the client starts another
+    // process.
     try {
         return tarnwick::tools::Run(count, words);
-    } catch (const std::bad_alloc&) { return 3; }
+    } catch (const std::exception&) { return 3; }
 }
