@@ -2,6 +2,7 @@
 
 #include "exchange/arguments.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -10,8 +11,10 @@ namespace tarnwick::prepare {
 
 namespace {
 
-// Longer ones are none: reading a point costs every node that names it.
-constexpr std::uint32_t kLongestPoint = 4096;
+// Longer ones count as absent: what many lead to is read for each of them.
+constexpr std::uint32_t kLongestText = 4096;
+// Of a node, of which one is its point.
+constexpr std::size_t kMostItems = 4;
 constexpr int kMostConversions = 4;
 
 double PrefixFactor(std::string_view prefix) {
@@ -36,7 +39,7 @@ std::optional<double> FactorOf(const ExchangeFile& file, std::uint64_t unit, std
     double factor = 1;
     for (int step = 0; step < kMostConversions; ++step) {
         const Instance* const instance = file.Find(unit);
-        if (instance == nullptr) { return std::nullopt; }
+        if (instance == nullptr || instance->length > kLongestText) { return std::nullopt; }
         const std::string_view text = file.TextOf(*instance);
         const Record si = FindRecord(text, "SI_UNIT");
         if (si.IsFound()) {
@@ -49,7 +52,7 @@ std::optional<double> FactorOf(const ExchangeFile& file, std::uint64_t unit, std
         const Record conversion = FindRecord(text, "CONVERSION_BASED_UNIT");
         if (!conversion.IsFound() || !FindRecord(text, dimension).IsFound()) { return std::nullopt; }
         const Instance* const measure = file.Find(ReferenceOf(Arguments(conversion.arguments)[1]));
-        if (measure == nullptr) { return std::nullopt; }
+        if (measure == nullptr || measure->length > kLongestText) { return std::nullopt; }
         const std::string_view measureText = file.TextOf(*measure);
         Record record = FindRecord(measureText, "MEASURE_WITH_UNIT");
         if (!record.IsFound()) { record = RecordOf(measureText); }
@@ -160,7 +163,8 @@ void ElementNodes::ReadPointRepresentation(const Instance& representation) {
 
 std::optional<ElementNodes::System> ElementNodes::ReadSystem(const Instance& instance, double unit) const {
     const std::string_view keyword = file_.KeywordOf(instance);
-    if (keyword != "FEA_AXIS2_PLACEMENT_3D" && keyword != "AXIS2_PLACEMENT_3D") { return std::nullopt; }
+    const bool isSystem = keyword == "FEA_AXIS2_PLACEMENT_3D" || keyword == "AXIS2_PLACEMENT_3D";
+    if (!isSystem || instance.length > kLongestText) { return std::nullopt; }
     const Arguments arguments(RecordOf(file_.TextOf(instance)).arguments);
     const std::optional<Vec3> origin = VectorOf(ReferenceOf(arguments[1]));
     System system;
@@ -174,7 +178,7 @@ std::optional<ElementNodes::System> ElementNodes::ReadSystem(const Instance& ins
 
 std::optional<Vec3> ElementNodes::VectorOf(std::uint64_t instance) const {
     const Instance* const found = file_.Find(instance);
-    if (found == nullptr || found->length > kLongestPoint) { return std::nullopt; }
+    if (found == nullptr || found->length > kLongestText) { return std::nullopt; }
     const auto triple = TripleOf(Arguments(RecordOf(file_.TextOf(*found)).arguments)[1]);
     if (!triple) { return std::nullopt; }
     return Vec3{(*triple)[0], (*triple)[1], (*triple)[2]};
@@ -184,7 +188,7 @@ std::optional<Vec3> ElementNodes::VectorOf(std::uint64_t instance) const {
 std::optional<Vec3> ElementNodes::ReadPoint(std::uint64_t instance, const System& system,
                                             const ContextUnits& units) const {
     const Instance* const found = file_.Find(instance);
-    if (found == nullptr || found->length > kLongestPoint) { return std::nullopt; }
+    if (found == nullptr || found->length > kLongestText) { return std::nullopt; }
     const std::string_view keyword = file_.KeywordOf(*found);
     const Arguments arguments(RecordOf(file_.TextOf(*found)).arguments);
     SystemKind kind = system.kind;
@@ -216,7 +220,7 @@ std::optional<Vec3> ElementNodes::ReadPoint(std::uint64_t instance, const System
 }
 
 std::uint32_t ElementNodes::Read(const Instance& instance, std::size_t place) {
-    if (instance.length > kLongestPoint || positions_.size() >= kUnread) { return kAbsent; }
+    if (instance.length > kLongestText || positions_.size() >= kUnread) { return kAbsent; }
     const std::string_view text = file_.TextOf(instance);
     bool isNode = false;
     for (const Record& record : RecordsOf(text)) {
@@ -229,6 +233,7 @@ std::uint32_t ElementNodes::Read(const Instance& instance, std::size_t place) {
     const System& system = systems_[systemOf_.empty() ? 0 : systemOf_[place]];
     std::vector<std::uint64_t> items;
     AppendReferences(arguments.items, &items);
+    items.resize(std::min(items.size(), kMostItems));
     for (const std::uint64_t item : items) {
         if (const std::optional<Vec3> point = ReadPoint(item, system, units)) {
             positions_.push_back(*point);

@@ -16,6 +16,8 @@ namespace tarnwick::prepare {
 namespace {
 
 constexpr std::string_view kElement = "_ELEMENT_REPRESENTATION";
+// A longer one is none: what many lead to is read for each of them.
+constexpr std::uint32_t kLongestSection = 4096;
 constexpr float kUnknown = std::numeric_limits<float>::quiet_NaN();
 
 // An element's own record and its list of nodes.
@@ -206,7 +208,7 @@ private:
     }
     float ThicknessOf(std::uint64_t section) const {
         const Instance* const instance = file_.Find(section);
-        if (instance == nullptr) { return kUnknown; }
+        if (instance == nullptr || instance->length > kLongestSection) { return kUnknown; }
         const Record record = FindRecord(file_.TextOf(*instance), "UNIFORM_SURFACE_SECTION");
         const Arguments arguments(record.arguments);
         // A complex instance keeps the first three elsewhere.

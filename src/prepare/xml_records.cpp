@@ -10,6 +10,9 @@ namespace tarnwick::prepare {
 
 namespace {
 
+// Longer names are none: each part with the file keeps its own.
+constexpr std::size_t kLongestFile = 1024;
+
 template <std::size_t kCount>
 using Names = std::array<std::string_view, kCount>;
 
@@ -223,7 +226,7 @@ private:
 
     // The first name of the best rank counts; a better one has an extension where the other has none.
     void Offer(std::string_view name, std::string_view folder, std::size_t file) {
-        if (name.empty()) { return; }
+        if (name.empty() || name.size() + folder.size() > kLongestFile) { return; }
         XmlHolder& holder = r_.holders[file];
         const FileRank rank = RankOf(name);
         const std::string path = InFolder(folder) + std::string(name);
@@ -250,6 +253,11 @@ private:
     std::string_view versionUid_;
     std::size_t looseView_ = kNone;
 };
+
+// In small letters, and no longer than any unit's.
+std::string UnitText(std::string_view text) {
+    return LowerCase(std::string(text.substr(0, 32)));
+}
 
 double PrefixFactor(std::string_view prefix) {
     constexpr std::array<std::pair<std::string_view, double>, 8> kPrefixes{{{"nano", 1e-9},
@@ -311,10 +319,10 @@ std::vector<std::size_t> FilesOfHolders(const XmlRecords& records) {
 }
 
 std::optional<double> LengthOfUnit(pugi::xml_node unit) {
-    const std::string quantity = LowerCase(std::string(TextOf(ChildOf(unit, "Quantity"))));
+    const std::string quantity = UnitText(TextOf(ChildOf(unit, "Quantity")));
     if (!quantity.empty() && quantity.find("length") == std::string::npos) { return std::nullopt; }
-    std::string name = LowerCase(std::string(TextOf(ChildOf(unit, "Name"))));
-    if (name.empty()) { name = LowerCase(std::string(IdOf(unit))); }
+    std::string name = UnitText(TextOf(ChildOf(unit, "Name")));
+    if (name.empty()) { name = UnitText(IdOf(unit)); }
     constexpr std::array<std::pair<std::string_view, double>, 14> kNames{{{"inch", 25.4},
                                                                           {"inches", 25.4},
                                                                           {"in", 25.4},
@@ -329,7 +337,7 @@ std::optional<double> LengthOfUnit(pugi::xml_node unit) {
                                                                           {"m", 1000},
                                                                           {"km", 1e6},
                                                                           {"micron", 1e-3}}};
-    const double factor = PrefixFactor(LowerCase(std::string(TextOf(ChildOf(unit, "Prefix")))));
+    const double factor = PrefixFactor(UnitText(TextOf(ChildOf(unit, "Prefix"))));
     for (const auto& [known, millimetres] : kNames) {
         if (name == known) { return millimetres * factor; }
     }

@@ -15,6 +15,17 @@ namespace {
 // length.
 constexpr std::size_t kMostExtraPieces = 10'000;
 
+// A name that stands for a part or an occurrence wherever that is used, so not at any length.
+std::string Shortened(std::string_view name) {
+    constexpr std::size_t kLongest = 300;
+    if (name.size() > kLongest) {
+        std::size_t end = kLongest;
+        while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) { --end; }
+        name = name.substr(0, end);
+    }
+    return std::string(name);
+}
+
 std::size_t LookUp(const std::unordered_map<std::string_view, std::size_t>& table, std::string_view uid) {
     const auto found = table.find(uid);
     return found == table.end() ? kNone : found->second;
@@ -49,7 +60,7 @@ private:
     }
     static std::string NameOf(const XmlPart& part) {
         const std::string_view name = TextOf(ChildOf(part.node, "Name"));
-        return std::string(name.empty() ? IdOf(part.node) : name);
+        return Shortened(name.empty() ? IdOf(part.node) : name);
     }
 
     // The units that contexts name come before those that stand in the document for some property.
@@ -232,7 +243,7 @@ private:
 
     std::string UseName(const ResolvedUse& use) const {
         const std::string_view name = TextOf(ChildOf(use.occurrence, "Name"));
-        return std::string(name.empty() ? IdOf(use.occurrence) : name);
+        return Shortened(name.empty() ? IdOf(use.occurrence) : name);
     }
 
     void PlaceUses() {

@@ -1,0 +1,168 @@
+// Reading takes steps as the text grows, whatever is in it.
+
+#include "exchange/padded.h"
+#include "growth/step_counter.h"
+#include "prepare/finite_elements.h"
+#include "prepare/xml_structure.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+namespace tarnwick::prepare {
+namespace {
+
+using namespace test;
+
+struct Case {
+    const char* name;
+    std::string (*text)(int n);
+};
+
+std::string Times(int n, const std::function<std::string(const std::string&)>& text) {
+    std::string all;
+    for (int i = 0; i < n; ++i) { all += text(std::to_string(i)); }
+    return all;
+}
+std::string PartOf(const std::string& name, const std::string& view) {
+    return "<Part uid='p" + name + "'><Id id='" + name + "'/><Versions><PartVersion><Views><PartView uid='v" +
+           name + "'><Occurrence uid='o" + name + "'/>" + view +
+           "</PartView></Views></PartVersion></Versions></Part>";
+}
+std::string UseOf(const std::string& name, const std::string& placement = "") {
+    return "<ViewOccurrenceRelationship><Related uidRef='o" + name + "'/>" + placement +
+           "</ViewOccurrenceRelationship>";
+}
+std::string Assigned(const std::string& uid) {
+    return "<DocumentAssignment><AssignedDocument uidRef='" + uid + "'/></DocumentAssignment>";
+}
+std::string Nested(const std::string& name, int n) {
+    std::string text;
+    for (int i = 0; i < n; ++i) { text += "<" + name + ">"; }
+    for (int i = 0; i < n; ++i) { text += "</" + name + ">"; }
+    return text;
+}
+
+constexpr Case kDocuments[] = {
+    {"parts", [](int n) { return Times(n, [](const auto& i) { return PartOf(i, ""); }); }},
+    {"uses of one part",
+     [](int n) { return PartOf("a", "") + PartOf("b", Times(n, [](const auto&) { return UseOf("a"); })); }},
+    {"a chain of parts",
+     [](int n) {
+         return Times(n, [](const auto& i) { return PartOf(i, UseOf(std::to_string(std::stoi(i) + 1))); });
+     }},
+    {"a circle of parts",
+     [](int n) {
+         return Times(
+             n, [n](const auto& i) { return PartOf(i, UseOf(std::to_string((std::stoi(i) + 1) % n))); });
+     }},
+    {"uses of a placement with many elements",
+     [](int n) {
+         return "<X uid='x'>" + Times(n, [](const auto&) { return "<Y/>"; }) + "</X>" + PartOf("a", "") +
+                PartOf("b", Times(n, [](const auto&) { return UseOf("a", "<Placement uidRef='x'/>"); }));
+     }},
+    {"parts of a document with many files",
+     [](int n) {
+         return "<Document uid='d'>" + Times(n, [](const auto& i) { return "<File uid='f" + i + "'/>"; }) +
+                "</Document>" + Times(n, [](const auto& i) { return PartOf(i, Assigned("d")); });
+     }},
+    {"a chain of documents",
+     [](int n) {
+         return Times(n, [](const auto& i) {
+             return "<Document uid='d" + i + "'><Document uidRef='d" + std::to_string(std::stoi(i) + 1) +
+                    "'/></Document>" + PartOf(i, Assigned("d" + i));
+         });
+     }},
+    {"views of a part",
+     [](int n) {
+         return "<Part><Versions>" +
+                Times(n, [](const auto&) { return "<PartView>" + Assigned("f") + "</PartView>"; }) +
+                "</Versions></Part><File uid='f'><Id id='a.stp'/></File>";
+     }},
+    {"units", [](int n) { return Times(n, [](const auto&) { return "<Unit><Name>metre</Name></Unit>"; }); }},
+    {"nested parts", [](int n) { return Nested("Part", n); }},
+    {"nested views", [](int n) { return "<Part>" + Nested("PartView", n) + "</Part>"; }},
+    {"nested documents", [](int n) { return Nested("Document", n); }},
+    {"nested placements", [](int n) {
+         return PartOf("a", "") +
+                PartOf("b", Times(n / 10, [](const auto&) { return UseOf("a", Nested("Placement", 10)); }));
+     }}};
+
+constexpr const char* kNodes =
+    "#1=CARTESIAN_POINT('',(0.,0.,0.));#2=CARTESIAN_POINT('',(1.,0.,0.));#3=CARTESIAN_POINT('',(0.,1.,0.));"
+    "#4=NODE('',(#1),$,$);#5=NODE('',(#2),$,$);#6=NODE('',(#3),$,$);";
+std::string Number(const std::string& i) {
+    return "#" + std::to_string(1000 + std::stoi(i));
+}
+std::string Shells(int n, const std::string& property) {
+    return Times(n, [&](const auto& i) {
+        return Number(i) + "=SURFACE_3D_ELEMENT_REPRESENTATION('',(),$,(#4,#5,#6),$,$," + property + ",$);";
+    });
+}
+
+constexpr Case kElementFiles[] = {
+    {"shells", [](int n) { return kNodes + Shells(n, "$"); }},
+    {"shells of one long field",
+     [](int n) {
+         return kNodes + Shells(n, "#7") +
+                "#7=SURFACE_ELEMENT_PROPERTY('','',#8);#8=SURFACE_SECTION_FIELD_VARYING((" +
+                Times(n, [](const auto&) { return "#9,"; }) +
+                "#9),.F.);#9=UNIFORM_SURFACE_SECTION($,$,$,1.,$,$);";
+     }},
+    {"nodes of one long point",
+     [](int n) {
+         return "#1=CARTESIAN_POINT('',(" + Times(n, [](const auto&) { return "0.,"; }) + "0.));" +
+                Times(n, [](const auto& i) {
+                    return Number(i) + "=NODE('',(#1),$,$);" + "#9" + i +
+                           "=SURFACE_3D_ELEMENT_REPRESENTATION('',(),$,(" + Number(i) + "," + Number(i) +
+                           "," + Number(i) + "),$,$,$,$);";
+                });
+     }},
+    {"representations of one set of nodes",
+     [](int n) {
+         return "#1=NODE_SET('',(" + Times(n, [](const auto& i) { return Number(i) + ","; }) + "#1));" +
+                "#2=FEA_AXIS2_PLACEMENT_3D('',#3,$,$,.CYLINDRICAL.,'');#3=CARTESIAN_POINT('',(1.,0.,0.));" +
+                Times(n, [](const auto& i) { return Number(i) + "=POINT_REPRESENTATION('',(#1,#2),$);"; });
+     }},
+    {"volumes", [](int n) {
+         return kNodes + std::string("#7=CARTESIAN_POINT('',(0.,0.,1.));#8=NODE('',(#7),$,$);") +
+                Times(n, [](const auto& i) {
+                    return Number(i) + "=VOLUME_3D_ELEMENT_REPRESENTATION('',(),$,(#4,#5,#6,#8),$,$,$);";
+                });
+     }}};
+
+std::uint64_t StepsOfDocument(const std::string& content) {
+    const std::string text = "<DataContainer>" + content + "</DataContainer>";
+    FileStructure structure;
+    std::string error;
+    const std::uint64_t before = StepsTaken();
+    EXPECT_TRUE(ReadXmlStructure(text, &structure, &error)) << error;
+    return StepsTaken() - before;
+}
+std::uint64_t StepsOfElements(const std::string& data) {
+    const Padded text("ISO-10303-21;DATA;" + data + "ENDSEC;");
+    const std::uint64_t before = StepsTaken();
+    const ExchangeFile file(text.Text());
+    ReadElements(file);
+    return StepsTaken() - before;
+}
+
+TEST(PrepareGrowth, OfADocumentIsThatOfItsText) {
+    for (const Case& tried : kDocuments) {
+        const std::uint64_t once = StepsOfDocument(tried.text(500));
+        EXPECT_GT(once, 1000u) << tried.name;
+        EXPECT_LT(StepsOfDocument(tried.text(2000)), 6 * once) << tried.name;
+    }
+}
+
+TEST(PrepareGrowth, OfElementsIsThatOfTheirText) {
+    for (const Case& tried : kElementFiles) {
+        const std::uint64_t once = StepsOfElements(tried.text(500));
+        EXPECT_GT(once, 1000u) << tried.name;
+        EXPECT_LT(StepsOfElements(tried.text(2000)), 6 * once) << tried.name;
+    }
+}
+
+} // namespace
+} // namespace tarnwick::prepare
