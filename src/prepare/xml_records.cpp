@@ -155,7 +155,7 @@ private:
             in->context = name == "DefaultUnits" ? 0 : r_.contexts.size();
             if (in->context != 0) { r_.contexts.emplace_back(); }
         } else if (name == "Unit") {
-            r_.units.push_back(node);
+            if (LocalName(node.parent()) == "DataContainer") { r_.units.push_back(node); }
             if (in->context != kNone) { r_.contexts[in->context].units.push_back(node); }
         } else if (IsOneOf(name, kFiles) && in->file == kNone) {
             TakeFile(node, uid, in);
@@ -181,7 +181,11 @@ private:
     void TakeReference(pugi::xml_node node, std::string_view name, std::string_view reference,
                        Surroundings* in) {
         if (name == "Unit") {
-            if (in->context != kNone) { r_.contexts[in->context].units.push_back(node); }
+            if (in->context != kNone) {
+                r_.contexts[in->context].units.push_back(node);
+            } else {
+                r_.unitsOfValues.insert(reference);
+            }
             return;
         }
         const bool isGeometry = IsDefiningGeometry(node) || IsDefiningGeometry(node.parent());

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -64,8 +65,9 @@ struct XmlRecords {
     std::vector<XmlUse> uses;
     std::vector<XmlOccurrence> occurrences;
     std::vector<XmlHolder> holders;
-    std::vector<XmlContext> contexts; // the first is that of the document
-    std::vector<pugi::xml_node> units;
+    std::vector<XmlContext> contexts;                   // the first is that of the document
+    std::vector<pugi::xml_node> units;                  // of the document itself
+    std::unordered_set<std::string_view> unitsOfValues; // uids that values outside of contexts refer to
     std::unordered_map<std::string_view, std::size_t> occurrenceOf; // by uid; likewise the others
     std::unordered_map<std::string_view, std::size_t> viewOf;       // also of a part and a version
     std::unordered_map<std::string_view, std::size_t> holderOf;

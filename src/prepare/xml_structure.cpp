@@ -1,5 +1,6 @@
 #include "prepare/xml_structure.h"
 
+#include "exchange/string_text.h"
 #include "prepare/xml_placement.h"
 #include "prepare/xml_records.h"
 
@@ -23,7 +24,7 @@ std::string Shortened(std::string_view name) {
         while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) { --end; }
         name = name.substr(0, end);
     }
-    return std::string(name);
+    return AsUtf8(name);
 }
 
 std::size_t LookUp(const std::unordered_map<std::string_view, std::size_t>& table, std::string_view uid) {
@@ -63,7 +64,8 @@ private:
         return Shortened(name.empty() ? IdOf(part.node) : name);
     }
 
-    // The units that contexts name come before those that stand in the document for some property.
+    // The units that contexts name come before those that just stand in the document. One that a property or
+    // an amount refers to tells nothing of placements: lengths of cable are in metres.
     void FindUnits() {
         unitOfContext_.assign(r_.contexts.size(), 0);
         for (std::size_t i = 0; i < r_.contexts.size(); ++i) {
@@ -77,12 +79,13 @@ private:
         if (named != unitOfContext_.end()) {
             structure_.unit = *named;
         } else {
-            structure_.unit = UnitOfProperties();
+            structure_.unit = UnitOfDocument();
         }
     }
-    double UnitOfProperties() {
+    double UnitOfDocument() {
         double unit = 0;
         for (const pugi::xml_node node : r_.units) {
+            if (r_.unitsOfValues.contains(UidOf(node))) { continue; }
             const std::optional<double> length = LengthOfUnit(node);
             if (length && unit != 0 && *length != unit) {
                 Lose(kNone,
@@ -181,8 +184,8 @@ private:
     }
     void AddProduct(const XmlPart& part, std::size_t file) {
         FileProduct product;
-        product.id = IdOf(part.node);
-        product.name = TextOf(ChildOf(part.node, "Name"));
+        product.id = AsUtf8(IdOf(part.node));
+        product.name = AsUtf8(TextOf(ChildOf(part.node, "Name")));
         if (file != kNone && !r_.holders[file].file.empty()) { product.files = {r_.holders[file].file}; }
         structure_.products.push_back(std::move(product));
     }

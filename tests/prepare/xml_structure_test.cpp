@@ -105,6 +105,7 @@ TEST(XmlStructure, TakesAnyFormOfAName) {
     EXPECT_EQ(structure.products[0].id, "1");
     EXPECT_EQ(structure.products[1].id, "3");
     EXPECT_THAT(structure.roots, ElementsAre(0u, 1u, 2u, 3u));
+    EXPECT_THAT(NamesOf(ReadData("<Part><Name>\xE4</Name></Part>")), ElementsAre("\u00E4"));
 }
 
 TEST(XmlStructure, ReadsElementsOfANamespaceAndAttributesInAnyOrder) {
@@ -193,6 +194,8 @@ TEST(XmlStructure, ScalesPlacementsByTheUnitOfTheDocument) {
         unitOf(unit("inch", "") + unit("metre", "") +
                "<ExchangeContext><DefaultUnits><Unit uidRef='metre'/></DefaultUnits></ExchangeContext>"),
         1000);
+    EXPECT_EQ(unitOf(unit("metre", "") + "<PropertyValue><Unit uidRef='metre'/></PropertyValue>"), 1);
+    EXPECT_EQ(unitOf("<PropertyValue>" + unit("metre", "") + "</PropertyValue>"), 1);
     const FileStructure several = ReadData(parts + unit("inch", "") + unit("metre", ""));
     EXPECT_EQ(several.unit, 1);
     EXPECT_EQ(several.losses.size(), 1u);
