@@ -321,7 +321,19 @@ private:
     void FindRoots() {
         structure_.roots = Unused();
         structure_.roots.insert(structure_.roots.end(), circleStarts_.begin(), circleStarts_.end());
+        if (structure_.roots.empty()) { structure_.roots = UnusedByProducts(); }
         std::sort(structure_.roots.begin(), structure_.roots.end());
+    }
+    std::vector<std::size_t> UnusedByProducts() const {
+        std::vector<bool> isUsed(structure_.products.size(), false);
+        for (const FileProduct& product : structure_.products) {
+            for (const FileUse& use : product.uses) { isUsed[use.child] = true; }
+        }
+        std::vector<std::size_t> unused;
+        for (std::size_t i = 0; i < isUsed.size(); ++i) {
+            if (!isUsed[i]) { unused.push_back(i); }
+        }
+        return unused;
     }
 
     XmlRecords r_;

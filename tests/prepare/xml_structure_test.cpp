@@ -293,6 +293,15 @@ TEST(XmlStructure, OfSeveralVersionsTheUsedOneCounts) {
     EXPECT_THAT(FilesOf(ReadData(versions)), ElementsAre("old.stp"));
 }
 
+TEST(XmlStructure, APartOfWhichOneVersionUsesAnotherIsARoot) {
+    const FileStructure structure =
+        ReadData("<Part><Name>a</Name><Versions><PartVersion><Views><PartView>" + UseOf("o", "") +
+                 "</PartView></Views></PartVersion><PartVersion><Views><PartView>" + UsedAs("o") +
+                 "</PartView></Views></PartVersion></Versions></Part>");
+    EXPECT_THAT(NamesOf(structure), ElementsAre("a"));
+    EXPECT_THAT(structure.roots, ElementsAre(0u));
+}
+
 TEST(XmlStructure, AUseThatLeadsToNoPartIsTold) {
     const FileStructure structure = ReadData(PartOf("b", UseOf("no", "") + "<ViewOccurrenceRelationship/>"));
     EXPECT_THAT(UsesOf(structure), IsEmpty());
