@@ -59,7 +59,8 @@ struct Surroundings {
     std::size_t file = kNone;    // a holder
     std::size_t context = kNone; // in the contexts
     std::string_view representation;
-    bool isInUse = false; // in a use or an occurrence, whose documents aren't those of the part
+    bool isInUse = false;
+    bool isAside = false; // in a use or an occurrence, whose documents aren't those of the part
     bool isInLocation = false;
 };
 
@@ -149,6 +150,7 @@ private:
             if (in->view != kNone) { r_.views[in->view].hasUses = true; }
             r_.uses.push_back({node, in->view});
             in->isInUse = true;
+            in->isAside = true;
         } else if (IsOneOf(name, kOccurrences)) {
             TakeOccurrence(node, uid, in);
         } else if (IsOneOf(name, kContexts) || name == "DefaultUnits") {
@@ -163,7 +165,7 @@ private:
             const std::size_t above = in->holder;
             in->holder = AddHolder(uid);
             const bool leads = !IsModel(name) || IsDefiningGeometry(node.parent());
-            if (leads && above != kNone && !in->isInUse) { r_.leads.emplace_back(above, in->holder); }
+            if (leads && above != kNone && !in->isAside) { r_.leads.emplace_back(above, in->holder); }
             if (IsModel(name)) { in->representation = uid; }
             if (IsDefiningGeometry(node.parent())) { TakeGeometry(uid, *in); }
         }
@@ -192,7 +194,7 @@ private:
         if (isGeometry) { TakeGeometry(reference, *in); }
         const bool leads =
             isGeometry || IsOneOf(name, kReferences) || IsOneOf(name, kDocuments) || IsOneOf(name, kFiles);
-        if (leads && in->holder != kNone && !in->isInUse) {
+        if (leads && in->holder != kNone && !in->isAside) {
             r_.references.emplace_back(in->holder, reference);
         }
     }
@@ -203,14 +205,14 @@ private:
         const std::size_t view = in->isInUse ? kNone : in->view;
         r_.occurrences.push_back({node, view});
         if (!uid.empty()) { r_.occurrenceOf.try_emplace(uid, r_.occurrences.size() - 1); }
-        in->isInUse = true;
+        in->isAside = true;
     }
 
     void TakeFile(pugi::xml_node node, std::string_view uid, Surroundings* in) {
         const std::size_t above = in->holder;
         in->holder = AddHolder(uid);
         in->file = in->holder;
-        if (above != kNone && !in->isInUse) { r_.leads.emplace_back(above, in->holder); }
+        if (above != kNone && !in->isAside) { r_.leads.emplace_back(above, in->holder); }
         Offer(IdOf(node), {}, in->file);
     }
 

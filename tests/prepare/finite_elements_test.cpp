@@ -1,6 +1,7 @@
 #include "prepare/finite_elements.h"
 
 #include "exchange/padded.h"
+#include "exchange/strict_check.h"
 #include "support/loaded_file.h"
 #include "support/real_files.h"
 #include "support/temp_folder.h"
@@ -161,6 +162,8 @@ TEST(FiniteElements, SectionsThatDifferAreTheValuesOfTheCorners) {
     EXPECT_THAT(mesh.values, ElementsAre(std::array{1.f, 2.f, 1.f, 7.9f}, std::array{2.f, 2.f, 2.f, 2.f},
                                          std::array{7.9f, 7.9f, 7.9f, 7.9f}));
     EXPECT_THAT(ReadData(CubeNodes() + sections + Shell(302, "#101,#102,#105", "#422")).values, IsEmpty());
+    const Padded written(WriteText(mesh));
+    EXPECT_THAT(CheckStrictly(written.Text(), 10), IsEmpty());
     const ElementMesh again = Read(WriteText(mesh));
     EXPECT_EQ(again.values, mesh.values);
     EXPECT_EQ(again.quads, mesh.quads);

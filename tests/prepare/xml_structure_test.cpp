@@ -309,6 +309,17 @@ TEST(XmlStructure, AUseThatLeadsToNoPartIsTold) {
                 ElementsAre("b: one of its uses leads to no part", "b: one of its uses leads to no part"));
 }
 
+TEST(XmlStructure, AnOccurrenceInAnotherIsOfTheSamePartAndOneInAUseOfNone) {
+    EXPECT_THAT(UsesOf(ReadData(PartOf("a", "<Occurrence uid='o'><Occurrence uid='i'/></Occurrence>") +
+                                PartOf("b", UseOf("i", MovedBy("1 0 0"))))),
+                ElementsAre("b>a  1,0,0"));
+    EXPECT_THAT(UsesOf(ReadData(PartOf("a", "") +
+                                PartOf("b", "<ViewOccurrenceRelationship><Related><Occurrence uid='o'>"
+                                            "<Definition uidRef='v-a'/></Occurrence></Related>" +
+                                                MovedBy("1 0 0") + "</ViewOccurrenceRelationship>"))),
+                ElementsAre("b>a  1,0,0"));
+}
+
 TEST(XmlStructure, AUseMayStandOutsideOfItsPartAndNameItsView) {
     EXPECT_THAT(
         UsesOf(ReadData(PartOf("a", "") + PartOf("b", "") +
