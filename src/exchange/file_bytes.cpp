@@ -194,10 +194,10 @@ FileBytes ReadFileBytes(const std::string& path, std::size_t most) {
         bytes.error = kNoMemory;
         return bytes;
     }
-    errno = 0;
-    bytes.size = file.ReadAt(0, bytes.data.get(), size);
+    int error = 0;
+    bytes.size = file.ReadAt(0, bytes.data.get(), size, &error);
     if (bytes.size < size) {
-        bytes.error = errno != 0 ? std::strerror(errno) : "it became shorter while it was read";
+        bytes.error = error != 0 ? std::strerror(error) : "it became shorter while it was read";
     }
     std::memset(bytes.data.get() + bytes.size, 0, kBytesPadding);
     bytes.digest = TextOf(XXH3_128bits(bytes.data.get(), bytes.size));
@@ -217,7 +217,8 @@ std::string DigestOfFile(const std::string& path) {
     const std::unique_ptr<char[]> block(new (std::nothrow) char[kBlock]);
     std::uint64_t done = 0;
     while (block != nullptr && done < file.Size()) {
-        const std::size_t got = file.ReadAt(done, block.get(), kBlock);
+        int error = 0;
+        const std::size_t got = file.ReadAt(done, block.get(), kBlock, &error);
         if (got == 0) { break; }
         XXH3_128bits_update(state, block.get(), got);
         done += got;
