@@ -45,7 +45,8 @@ public:
         if (sent_ < request_.size()) { wait.events |= POLLOUT; }
         const int ready = poll(&wait, 1, milliseconds);
         if (ready < 0) { return errno == EINTR; }
-        if ((wait.revents & POLLOUT) != 0 && !Send()) { return false; }
+        // A program that takes no more may still have said something.
+        if ((wait.revents & POLLOUT) != 0 && !Send()) { sent_ = request_.size(); }
         return (wait.revents & (POLLIN | POLLHUP | POLLERR)) == 0 || Receive();
     }
 
