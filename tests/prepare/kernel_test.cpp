@@ -232,6 +232,23 @@ TEST(Kernel, AnswersOneFileAfterTheOther) {
     }
 }
 
+TEST(Kernel, ForgetsTheUnitsOfTheFileBefore) {
+    Mesher mesher(Options());
+    SolidText solids(100);
+    const std::vector<std::uint64_t> bodies{solids.AddCone(AngleUnit::kRadian)};
+    const std::string contexts[] = {ContextText(LengthUnit::kInch, AngleUnit::kDegree),
+                                    "#10=REPRESENTATION_CONTEXT('','');\n",
+                                    "#10=GEOMETRIC_REPRESENTATION_CONTEXT('','',3);\n", ""};
+    for (const std::string& context : contexts) {
+        const Padded text(ExchangeText(context + solids.Text()));
+        const ExchangeFile file(text.Text());
+        const MeshResult result = mesher.Mesh(file, bodies, kContext);
+        if (&context == &contexts[0]) { continue; }
+        EXPECT_THAT(result.losses, IsEmpty());
+        EXPECT_NEAR(VolumeOf(result.bodies[0]), std::numbers::pi * 7 / 3, 0.05);
+    }
+}
+
 TEST(Kernel, WithoutMemoryIsToldAndNotWaitedFor) {
     if (kSanitized) { GTEST_SKIP() << "its memory isn't limited with a sanitizer"; }
     MesherOptions options = Options();

@@ -182,6 +182,8 @@ private:
         process_->SetModel(model_);
         const Handle(STEPControl_ActorRead) actor = new STEPControl_ActorRead;
         process_->SetActor(actor);
+        // The kernel keeps units for the whole process, also those of the text before.
+        actor->ResetUnits();
         actor->PrepareUnits(representation_, process_);
         unit_ = StepData_GlobalFactors::Intance().LengthFactor();
         const Handle(Transfer_Binder) binder = actor->TransferShape(AsModel(entity), process_);
