@@ -338,10 +338,10 @@ private:
                                      why);
         }
         if (body->isInPieces && lost.empty()) {
-            result->losses.push_back(NameOf(*body) + " could only be made face by face" + why);
+            result->notes.push_back(NameOf(*body) + " could only be made face by face" + why);
         }
         if (body->isCoarse) {
-            result->losses.push_back(NameOf(*body) + " has faces that are coarser than asked" + why);
+            result->notes.push_back(NameOf(*body) + " has faces that are coarser than asked" + why);
         }
     }
 

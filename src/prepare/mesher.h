@@ -26,8 +26,10 @@ struct MesherOptions {
 struct MeshResult {
     // All that were asked for, in their order; one that failed has no faces.
     std::vector<MeshBody> bodies;
-    // In words for a user, what is missing or coarser than asked, and why; empty where nothing is.
+    // In words for a user, what is missing and why; empty where nothing is.
     std::vector<std::string> losses;
+    // Likewise, what came otherwise than asked: coarser, or face by face.
+    std::vector<std::string> notes;
     bool isCancelled = false;
 };
 

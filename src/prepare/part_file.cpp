@@ -112,6 +112,9 @@ private:
             const MeshResult meshed = options_.mesher->Mesh(source_.file, numbers, context);
             result_.isCancelled = result_.isCancelled || meshed.isCancelled;
             for (const std::string& loss : meshed.losses) { Tell(0, loss); }
+            for (const std::string& note : meshed.notes) {
+                result_.losses.push_back({options_.name, 0, note, false});
+            }
             for (const ShapeItem* const item : items) {
                 const std::size_t place = *places.Find(item->item);
                 if (place < meshed.bodies.size()) { WriteMeshes(*item, meshed.bodies[place]); }

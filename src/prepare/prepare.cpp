@@ -80,29 +80,34 @@ struct SourceText {
 
 class SourceTexts {
 public:
-    explicit SourceTexts(Whole* whole) : whole_(*whole), texts_(whole->files.size()) {}
+    explicit SourceTexts(Whole* whole) : whole_(*whole), places_(whole->files.size()) {}
 
     // Null where the file can't be read again, or is another one by now.
     std::shared_ptr<const ExchangeFile> Get(std::size_t place) {
         WholeFileEntry& entry = whole_.files[place];
         // The top is kept as it was read.
         if (entry.source != nullptr) { return {std::shared_ptr<void>(), entry.source->file.get()}; }
-        const std::lock_guard lock(mutex_);
-        if (std::shared_ptr<const SourceText> known = texts_[place].lock()) {
+        // Files are read side by side, each once.
+        const std::lock_guard lock(places_[place].mutex);
+        if (std::shared_ptr<const SourceText> known = places_[place].text.lock()) {
             return {known, known->file.get()};
         }
         const auto text = std::make_shared<SourceText>();
         text->bytes = ReadFileBytes(entry.path, static_cast<std::size_t>(MemoryLeft()));
         if (!text->bytes.IsRead() || text->bytes.digest != entry.digest) { return nullptr; }
         text->file = std::make_unique<ExchangeFile>(text->bytes.Text());
-        texts_[place] = text;
+        places_[place].text = text;
         return {text, text->file.get()};
     }
 
 private:
+    struct Place {
+        std::mutex mutex;
+        std::weak_ptr<const SourceText> text;
+    };
+
     Whole& whole_;
-    std::mutex mutex_;
-    std::vector<std::weak_ptr<const SourceText>> texts_;
+    std::vector<Place> places_; // by file
 };
 
 class Preparation {
@@ -221,15 +226,15 @@ private:
         const std::size_t workers = std::min(options_.jobs > 0 ? options_.jobs : processors, jobs_.size());
         std::vector<std::thread> threads;
         for (std::size_t i = 1; i < workers; ++i) {
-            threads.emplace_back([this] { Work1(); });
+            threads.emplace_back([this] { RunWorker(); });
         }
-        Work1();
+        RunWorker();
         for (std::thread& thread : threads) { thread.join(); }
         texts_ = nullptr;
     }
 
     // What one thread does.
-    void Work1() {
+    void RunWorker() {
         std::optional<Mesher> mesher;
         if (!options_.meshProgram.empty()) {
             MesherOptions meshing;
