@@ -24,7 +24,7 @@ int TraiteSTPA(ZIPReader& reader, const char* path, const char* rootName, bool t
     ConsolePrint("Start TraiteSTPA\n");
     reader.loaded.Clear();
     ZipArchive archive(path);
-    if (archive.Failure() == ENOMEM) {
+    if (!archive.IsOpen() && archive.Failure() == ENOMEM) {
         GiveUpForMemory(path, "", 0, &reader.loaded.unreadFiles);
         return ZIPReader::kNoIni;
     }
