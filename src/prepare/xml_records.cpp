@@ -12,6 +12,8 @@ namespace {
 
 // Longer names are none: each part with the file keeps its own.
 constexpr std::size_t kLongestFile = 1024;
+// Of one file.
+constexpr std::size_t kMostNames = 4;
 
 template <std::size_t kCount>
 using Names = std::array<std::string_view, kCount>;
@@ -230,27 +232,36 @@ private:
         }
     }
 
-    // The first name of the best rank counts; a better one has an extension where the other has none.
+    // A name of a better rank comes first; among equals one with an extension, or that tells a folder too.
     void Offer(std::string_view name, std::string_view folder, std::size_t file) {
         if (name.empty() || name.size() + folder.size() > kLongestFile) { return; }
         XmlHolder& holder = r_.holders[file];
-        const FileRank rank = RankOf(name);
         const std::string path = InFolder(folder) + std::string(name);
-        const bool tellsMore =
-            ExtensionOf(holder.file).empty() || (path.size() > name.size() && holder.file == name);
-        if (!holder.file.empty() && rank >= holder.rank && !(rank == holder.rank && tellsMore)) { return; }
-        holder.rank = rank;
-        holder.file = path;
+        const auto at = std::find_if(holder.names.begin(), holder.names.end(),
+                                     [&](const std::string& known) { return IsBefore(path, known); });
+        if (std::find(holder.names.begin(), at, path) != at) { return; }
+        holder.names.insert(at, path);
+        if (holder.names.size() > kMostNames) { holder.names.pop_back(); }
+        holder.rank = RankOf(holder.names[0]);
     }
+    static bool IsBefore(const std::string& name, const std::string& other) {
+        const FileRank rank = RankOf(name);
+        const FileRank otherRank = RankOf(other);
+        if (rank != otherRank) { return rank < otherRank; }
+        const bool hasExtension = !ExtensionOf(name).empty();
+        if (hasExtension == ExtensionOf(other).empty()) { return hasExtension; }
+        return name.size() > other.size() && name.ends_with(other) &&
+               IsSeparator(name[name.size() - other.size() - 1]);
+    }
+    static bool IsSeparator(char c) { return c == '/' || c == '\\'; }
     // A relative path that ends in a separator, or nothing: names of archives and disks lead nowhere here.
     static std::string InFolder(std::string_view folder) {
         while (folder.starts_with("./") || folder.starts_with(".\\")) { folder.remove_prefix(2); }
         const bool isPath = folder.find_first_of("/\\") != std::string_view::npos &&
-                            folder.find(':') == std::string_view::npos && folder[0] != '/' &&
-                            folder[0] != '\\';
+                            folder.find(':') == std::string_view::npos && !IsSeparator(folder[0]);
         if (!isPath) { return {}; }
         std::string path(folder);
-        if (path.back() != '/' && path.back() != '\\') { path += '/'; }
+        if (!IsSeparator(path.back())) { path += '/'; }
         return path;
     }
 
@@ -309,7 +320,7 @@ std::vector<std::size_t> FilesOfHolders(const XmlRecords& records) {
     for (const FileRank rank : {FileRank::kStep, FileRank::kOther}) {
         for (std::size_t file = 0; file < count; ++file) {
             const XmlHolder& holder = records.holders[file];
-            if (holder.file.empty() || holder.rank != rank) { continue; }
+            if (holder.names.empty() || holder.rank != rank) { continue; }
             open.assign(1, file);
             while (!open.empty()) {
                 const std::size_t at = open.back();

@@ -21,8 +21,8 @@ enum class FileRank { kStep, kOther, kNoShape };
 
 // Anything that leads to files: a part, its versions and views, documents, representations, files themselves.
 struct XmlHolder {
-    std::string file; // its name, for a file; else empty
-    FileRank rank = FileRank::kNoShape;
+    std::vector<std::string> names;     // of a file, the likeliest first; none for anything else
+    FileRank rank = FileRank::kNoShape; // of the first
 };
 
 struct XmlUse {

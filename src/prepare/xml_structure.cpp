@@ -186,7 +186,7 @@ private:
         FileProduct product;
         product.id = AsUtf8(IdOf(part.node));
         product.name = AsUtf8(TextOf(ChildOf(part.node, "Name")));
-        if (file != kNone && !r_.holders[file].file.empty()) { product.files = {r_.holders[file].file}; }
+        if (file != kNone) { product.files = r_.holders[file].names; }
         structure_.products.push_back(std::move(product));
     }
 

@@ -156,6 +156,15 @@ TEST(XmlStructure, FindsTheFileOverTheDefiningGeometryAndInline) {
                 ElementsAre("a.step"));
 }
 
+TEST(XmlStructure, AllNamesOfAFileAreKeptTheLikeliestFirst) {
+    const FileStructure structure = ReadData(
+        PartOf("a", Assigned("f")) + "<File uid='f'><Id id='DOC-7'/><Locations><ExternalItem><Id id='a.stp'/>"
+                                     "<Source>sub/</Source></ExternalItem><ExternalItem><Id id='a.stp'/>"
+                                     "</ExternalItem><ExternalItem><Id id='a.pdf'/></ExternalItem>"
+                                     "<ExternalItem><Id id='a.jt'/></ExternalItem></Locations></File>");
+    EXPECT_THAT(structure.products[0].files, ElementsAre("sub/a.stp", "a.stp", "a.jt", "DOC-7"));
+}
+
 TEST(XmlStructure, OfSeveralFilesTheOneOfStepCounts) {
     const std::string files = FileOf("pdf", "a.pdf") + FileOf("jt", "a.jt") + FileOf("stp", "a.stpZ") +
                               FileOf("document", "b.stpx") + FileOf("gz", "c.stp.gz");
