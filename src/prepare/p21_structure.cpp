@@ -11,6 +11,7 @@
 #include "text/look_up.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -44,6 +45,7 @@ public:
         TakeUnplacedUses();
         TakeOrphans();
         TakeElements();
+        TellUndrawn();
         ForEachDocument(file_, [this](std::uint64_t definition, const std::vector<std::string>& names) {
             const std::size_t product = ProductOf(definition);
             if (product != kNone && out_.products[product].files.empty()) {
@@ -342,10 +344,31 @@ private:
         } else if (IsExactBody(keyword)) {
             if (keyword != "GEOMETRIC_SET" || HasSurface(*instance)) {
                 AddShape(product, ShapeKind::kExact, item, taken);
+            } else {
+                ++undrawn_[std::string(keyword)];
             }
         } else if (IsConstructiveSolid(keyword)) {
             AddLoss(product, item.item,
                     "a " + std::string(keyword) + " is described by how it is made, which isn't known here");
+        } else if (!IsHelp(keyword)) {
+            ++undrawn_[keyword.empty() ? "complex instance" : std::string(keyword)];
+        }
+    }
+
+    // Placements, points and annotations stand in many a shape, and nobody misses them.
+    static bool IsHelp(std::string_view keyword) {
+        const auto has = [keyword](std::string_view word) {
+            return keyword.find(word) != std::string_view::npos;
+        };
+        return has("PLACEMENT") || has("POINT") || has("DIRECTION") || has("VECTOR") || has("ANNOTATION") ||
+               has("NOTE") || keyword == "PLANE" || keyword == "STYLED_ITEM";
+    }
+
+    void TellUndrawn() {
+        for (const auto& [keyword, count] : undrawn_) {
+            AddLoss(kNone, 0,
+                    std::to_string(count) + " of " + keyword + " not drawn: no faces and no triangles",
+                    false);
         }
     }
 
@@ -394,8 +417,12 @@ private:
         const auto origin = ReadPlacement(file_, ReferenceOf(mapped[0]), UnitOf(representation));
         const auto target = ReadPlacement(file_, ReferenceOf(arguments[last - 1]), units_.Of(item.context));
         const auto back = Inverse(origin.value_or(Transform{}));
-        // Annotations map what lies in a plane.
-        if (!target || !back) { return; }
+        if (!target || !back) {
+            // Drawings map what lies in a plane.
+            const bool isFlat = KeywordOf(ReferenceOf(arguments[last - 1])) == "AXIS2_PLACEMENT_2D";
+            if (!isFlat) { AddLoss(product, item.item, "its placement can't be read"); }
+            return;
+        }
         ReadPlaced(product, item, representation, *target * *back, open);
     }
 
@@ -665,7 +692,8 @@ private:
     std::size_t usesTaken_ = 0;
     LookUp<std::uint64_t, std::size_t> useOf_; // by occurrence
     LookUp<std::uint64_t, UsesBetween> usesBetween_;
-    LookUp<std::uint64_t, char> used_; // items that some product has
+    std::map<std::string, std::size_t> undrawn_; // how many items of a keyword have no shape
+    LookUp<std::uint64_t, char> used_;           // items that some product has
     bool mapsCounted_ = false;
     LookUp<std::uint64_t, std::size_t> maps_; // how often a representation is mapped
 };
