@@ -350,8 +350,8 @@ private:
         } else if (IsConstructiveSolid(keyword)) {
             AddLoss(product, item.item,
                     "a " + std::string(keyword) + " is described by how it is made, which isn't known here");
-        } else if (!IsHelp(keyword)) {
-            ++undrawn_[keyword.empty() ? "complex instance" : std::string(keyword)];
+        } else if (!keyword.empty() && !IsHelp(keyword)) {
+            ++undrawn_[std::string(keyword)];
         }
     }
 
@@ -361,14 +361,12 @@ private:
             return keyword.find(word) != std::string_view::npos;
         };
         return has("PLACEMENT") || has("POINT") || has("DIRECTION") || has("VECTOR") || has("ANNOTATION") ||
-               has("NOTE") || keyword == "PLANE" || keyword == "STYLED_ITEM";
+               has("TEXT") || has("NODE") || keyword == "PLANE" || keyword == "STYLED_ITEM";
     }
 
     void TellUndrawn() {
         for (const auto& [keyword, count] : undrawn_) {
-            AddLoss(kNone, 0,
-                    std::to_string(count) + " of " + keyword + " not drawn: no faces and no triangles",
-                    false);
+            AddLoss(kNone, 0, "without faces, so not drawn: " + std::to_string(count) + " " + keyword, false);
         }
     }
 
