@@ -8,7 +8,7 @@
 #include <vector>
 
 // What stands between the parentheses of an instance, read when it is asked for. All texts are parts of the
-// file's; blanks and comments around an argument don't belong to it.
+// file's, with 16 readable bytes behind them; blanks and comments around an argument don't belong to it.
 namespace tarnwick {
 
 // "KEYWORD(arguments)": `arguments` is what stands between the parentheses.
