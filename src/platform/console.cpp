@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 namespace tarnwick {
 
@@ -16,6 +17,7 @@ struct Channels {
     ConsoleSink sink = nullptr;
     void* sinkContext = nullptr;
     bool outputEnabled = true;
+    bool errorsOnly = false;
 };
 
 Channels& TheChannels() {
@@ -54,7 +56,8 @@ void ConsolePrint(const char* format, ...) {
     Format(format, arguments, [](const char* text, std::size_t size) {
         Channels& channels = TheChannels();
         const std::lock_guard guard(channels.lock);
-        std::fwrite(text, 1, size, stderr);
+        const bool isError = std::string_view(text, size).starts_with("<E>");
+        if (isError || !channels.errorsOnly) { std::fwrite(text, 1, size, stderr); }
         if (channels.sink != nullptr) { channels.sink(channels.sinkContext, text, size); }
     });
     va_end(arguments);
@@ -76,6 +79,12 @@ void SetConsoleSink(ConsoleSink sink, void* context) {
     const std::lock_guard guard(channels.lock);
     channels.sink = sink;
     channels.sinkContext = context;
+}
+
+void ShowErrorsOnly(bool enabled) {
+    Channels& channels = TheChannels();
+    const std::lock_guard guard(channels.lock);
+    channels.errorsOnly = enabled;
 }
 
 void EnableOutput(bool enabled) {

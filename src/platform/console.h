@@ -20,6 +20,9 @@ using ConsoleSink = void (*)(void* context, const char* text, std::size_t length
 // Sets or (with null) removes the sink. Call it while no load runs.
 void SetConsoleSink(ConsoleSink sink, void* context);
 
+// With true, standard error gets only the texts of ConsolePrint that tell of an error ("<E>").
+void ShowErrorsOnly(bool enabled);
+
 // With false, OutputPrint writes nothing: standard output then belongs to somebody else.
 void EnableOutput(bool enabled);
 
