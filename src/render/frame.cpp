@@ -11,9 +11,6 @@ namespace tarnwick {
 
 namespace {
 
-// The sum of the box's three extents is brought to this; the f32 just below 36.31.
-constexpr GLfloat kApparentSize = 36.309998f;
-
 void SetPickColour(std::uint32_t code) {
     const PickColour colour = PickColourOf(code);
     glColor4f(colour.red, colour.green, colour.blue, 1.0f);
@@ -29,8 +26,8 @@ void DrawTriangles(const std::uint32_t* indices, std::int32_t triangles) {
     DrawElements(GL_TRIANGLES, indices, 3 * static_cast<std::size_t>(triangles));
 }
 
-// Fills the window with the background, whatever view and states are set, and restores those.
-void Clear(GLfloat grey) {
+// Fills the window with a colour, whatever view and states are set, and restores those.
+void Clear(const GLfloat colour[4]) {
     glMatrixMode(GL_PROJECTION);
     glPushMatrix();
     glLoadIdentity();
@@ -42,7 +39,7 @@ void Clear(GLfloat grey) {
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_LIGHTING);
     glDisable(GL_TEXTURE_2D);
-    glClearColor(grey, grey, grey, 1.0f);
+    glClearColor(colour[0], colour[1], colour[2], colour[3]);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glPopAttrib();
     glPopMatrix();
@@ -77,7 +74,8 @@ void OpenGLControl::DrawScene(Pass pass) {
     // Popped at the frame's end, so that the scaling below doesn't accumulate from frame to frame.
     glMatrixMode(GL_MODELVIEW);
     glPushMatrix();
-    Clear(pass == kPick ? 1.0f : 0.8f); // white is no code
+    static constexpr GLfloat kNoCode[4] = {1, 1, 1, 1};
+    Clear(pass == kPick ? kNoCode : background);
     glEnable(GL_LIGHTING);
     glEnable(GL_DEPTH_TEST);
     if (loaded.drawnTriangles == 0) {
@@ -88,7 +86,7 @@ void OpenGLControl::DrawScene(Pass pass) {
         DrawCube(pass);
         return;
     }
-    const GLfloat scale = kApparentSize / modelSize;
+    const GLfloat scale = apparentSize / modelSize;
     glScalef(scale, scale, scale);
     glTranslatef(-centre[0], -centre[1], -centre[2]);
     glDisable(GL_CULL_FACE);

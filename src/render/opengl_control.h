@@ -58,7 +58,11 @@ public:
     double lastVector[3] = {};   // of the trackball while rotating and panning; x, y in pixels while zooming
     WindowPoint pressPoint = {}; // where the left button went down
     std::uint32_t dragMode = kNoDrag;
-    std::int32_t wireframe = 0; // 1 draws lines, any other value fills
+    std::int32_t wireframe = 0;                     // 1 draws lines, any other value fills
+    float background[4] = {0.8f, 0.8f, 0.8f, 1.0f}; // red, green, blue, alpha
+
+    // A frame draws the model with `modelSize` brought to this; the f32 just below 36.31.
+    static constexpr float apparentSize = 36.309998f;
 
     std::string selectedText; // "#" and the number of the picked face, or the name of the picked product
     std::int32_t selectedContainerType = 0; // of the last picked face: 1 solid, 2 shell, 0 none
