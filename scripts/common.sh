@@ -33,8 +33,8 @@ build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcl
 # What reads exact shape; without it, prepare leaves that out.
 kernel_packages=(libocct-data-exchange-dev libocct-ocaf-dev)
 # What only the viewer and its tests need.
-viewer_packages=(qt6-base-dev libgl-dev libglu1-mesa-dev libgl1-mesa-dri libcpprest-dev libssl-dev curl)
-viewer_test_packages=(xvfb openbox xdotool wmctrl x11-utils libx11-dev libegl-dev locales xclip libwebsocketpp-dev openssl)
+viewer_packages=(qt6-base-dev libgl-dev libglu1-mesa-dev libgl1-mesa-dri libegl-dev libpng-dev libcpprest-dev libssl-dev curl)
+viewer_test_packages=(xvfb openbox xdotool wmctrl x11-utils libx11-dev locales xclip libwebsocketpp-dev openssl)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 test_packages=(nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev libfast-float-dev)
 

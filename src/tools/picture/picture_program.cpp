@@ -1,0 +1,166 @@
+#include "tools/picture/picture_program.h"
+
+#include "formats/load_commands.h"
+#include "load/no_controls.h"
+#include "offscreen/camera.h"
+#include "offscreen/offscreen_window.h"
+#include "platform/console.h"
+#include "text/one_line.h"
+#include "tools/picture/png_file.h"
+
+#include <GL/gl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace tarnwick::tools {
+
+namespace {
+
+constexpr double kBytesOfMegabyte = 1e6;
+
+void Say(const std::string& text) {
+    std::fprintf(stderr, "tarnwick-picture: %s\n", OnOneLine(text).c_str());
+}
+
+bool IsTooLarge(const PictureOptions& options) {
+    struct stat status;
+    return options.sizeLimit > 0 && stat(options.path.c_str(), &status) == 0 &&
+           static_cast<double>(status.st_size) > options.sizeLimit * kBytesOfMegabyte;
+}
+
+void SayUnread(const SceneView& view) {
+    for (const UnreadFile& file : view.loaded.unreadFiles) {
+        const std::string whose =
+            file.productName.empty() ? "" : ", the file of product '" + file.productName + "',";
+        Say(file.path + whose + " " + file.reason);
+    }
+}
+
+// Why there is nothing to draw, after a load that wasn't refused.
+void SayNothing(const PictureOptions& options, const SceneView& view) {
+    const bool isUnread = std::any_of(view.loaded.unreadFiles.begin(), view.loaded.unreadFiles.end(),
+                                      [](const UnreadFile& file) { return file.productName.empty(); });
+    if (isUnread) { return; } // that is told already
+    Say(options.path +
+        " has nothing that the viewer shows: tarnwick-prepare brings any STEP file into its form");
+}
+
+bool LoadInto(OpenGLControl& view, const PictureOptions& options) {
+    NoControls controls;
+    LoadDispatch dispatch{view, controls, kLoadCommands};
+    const char* const rootName = options.product ? options.product->c_str() : nullptr;
+    if (!LoadFile(dispatch, options.path.c_str(), rootName, true)) {
+        Say(options.path +
+            " isn't of a kind that the viewer shows, by its extension: tarnwick-prepare brings any "
+            "STEP file into its form");
+        return false;
+    }
+    if (options.depth) {
+        ChangeDepth(dispatch, std::clamp(*options.depth, 0, std::max(view.loaded.maxDepth, 0)));
+    }
+    SayUnread(view);
+    if (view.loaded.drawnTriangles < 1) {
+        SayNothing(options, view);
+        return false;
+    }
+    return true;
+}
+
+// One view, or the frames of a turntable in it.
+std::vector<Rotation> RotationsOf(const PictureOptions& options, const NamedView& named) {
+    std::vector<Rotation> rotations;
+    for (int frame = 0; frame < options.turntable; ++frame) {
+        rotations.push_back(Combined(named.rotation, About(2, 360.0 * frame / options.turntable)));
+    }
+    if (rotations.empty()) { rotations.push_back(named.rotation); }
+    return rotations;
+}
+
+// A click reads one pixel, whose code samples of two things would mix.
+void Pick(OpenGLControl& view, WindowPoint place) {
+    ShowErrorsOnly(false);
+    glDisable(GL_MULTISAMPLE);
+    view.PickAt(place);
+    glEnable(GL_MULTISAMPLE);
+    ShowErrorsOnly(true);
+}
+
+bool WritePicture(const OffscreenWindow& window, const PictureOptions& options, const std::string& name) {
+    const int channels = options.background[3] < 1 ? 4 : 3;
+    std::vector<std::uint8_t> pixels = window.Pixels(channels);
+    if (channels == 4) { DivideByAlpha(&pixels); }
+    const std::vector<std::uint8_t> bytes =
+        pixels.empty() ? pixels : PngBytes(pixels, options.size, channels);
+    if (bytes.empty()) {
+        Say("the picture needs more memory than there is");
+        return false;
+    }
+    const int error = WriteBytes(bytes, name);
+    if (error != 0) {
+        Say((name == "-" ? "standard output" : name) + " can't be written: " + std::strerror(error));
+    }
+    return error == 0;
+}
+
+// The pictures of one view; false when one isn't written, which is told.
+bool MakeView(OpenGLControl& view, const OffscreenWindow& window, const PictureOptions& options,
+              const NamedView& named) {
+    const std::vector<Rotation> rotations = RotationsOf(options, named);
+    std::optional<Framing> framing;
+    if (options.fit) {
+        framing = FitDrawn(view, rotations, CurrentLens());
+        if (!framing) {
+            SayNothing(options, view);
+            return false;
+        }
+    }
+    int frame = 0;
+    for (const Rotation& rotation : rotations) {
+        if (framing) {
+            TurnFramed(view, rotation, *framing);
+        } else {
+            Turn(rotation);
+        }
+        if (options.pick) { Pick(view, *options.pick); }
+        view.Redraw();
+        if (!WritePicture(window, options, FileName(options, named.name, frame))) { return false; }
+        ++frame;
+    }
+    return true;
+}
+
+} // namespace
+
+int MakePictures(const PictureOptions& options) {
+    EnableOutput(false);
+    ShowErrorsOnly(true);
+    if (IsTooLarge(options)) {
+        Say(options.path + " is larger than the limit");
+        return 1;
+    }
+    OffscreenWindow window(options.size, options.samples);
+    OpenGLControl view(window);
+    // The context comes after the load, whose first frame nobody sees.
+    if (!LoadInto(view, options)) { return 1; }
+    view.OnCreate();
+    if (window.failure != nullptr) {
+        Say(window.failure);
+        return 1;
+    }
+    view.OnSize(OpenGLControl::kRestored, options.size.width, options.size.height);
+    view.wireframe = options.wireframe ? 1 : 0;
+    std::copy(options.background.begin(), options.background.end(), view.background);
+    if (options.background[3] < 1) { window.KeepCoverage(); }
+    const bool isWritten =
+        std::all_of(options.views.begin(), options.views.end(),
+                    [&](const NamedView& named) { return MakeView(view, window, options, named); });
+    return isWritten ? 0 : 1;
+}
+
+} // namespace tarnwick::tools
