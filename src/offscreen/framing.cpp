@@ -18,18 +18,17 @@ constexpr double kFilled = 0.94;
 // otherwise reach into it.
 constexpr double kNearest = 0.5;
 
-constexpr std::size_t kReaches = 5; // of each rotation, in the order of `Sides`
+// Slopes of planes through the eye, from along the view's axis to the edge of the picture.
+constexpr std::size_t kSlopes = 8;
 
-// How far what is drawn reaches towards each side of the view's pyramid, and towards the eye.
-struct Sides {
-    double right, left, top, bottom, front;
+// How far what is drawn reaches beyond planes of each slope, towards one side of the picture and the other.
+struct Reaches {
+    std::array<double, kSlopes + 1> towards;
+    std::array<double, kSlopes + 1> away;
 
-    void Widen(const Sides& other) {
-        right = std::max(right, other.right);
-        left = std::max(left, other.left);
-        top = std::max(top, other.top);
-        bottom = std::max(bottom, other.bottom);
-        front = std::max(front, other.front);
+    Reaches() {
+        towards.fill(-std::numeric_limits<double>::infinity());
+        away.fill(-std::numeric_limits<double>::infinity());
     }
 };
 
@@ -98,14 +97,55 @@ const NamedView* FindView(std::string_view name) {
     return found != kNamedViews.end() ? found : nullptr;
 }
 
-// A point q of the turned model is seen at (scale * q.x + across) / (distance - scale * q.z) of the middle,
-// and must be seen within `lens.across`, times what is filled: scale * (q.x + wide * q.z) + across <= wide *
-// distance, and the same for the other sides. So a largest value for each side is all that the vertices have
-// to say.
+namespace {
+
+// The directions that FitDrawn asks about for each rotation: for each slope and axis of the picture the
+// normals of the planes of both sides, then the axis towards the eye.
+constexpr std::size_t kPerRotation = 4 * (kSlopes + 1) + 1;
+
+double SlopeOf(std::size_t step, double edge) {
+    return edge * static_cast<double>(step) / static_cast<double>(kSlopes);
+}
+
+void AddDirections(const Rotation& rotation, const double edges[2], std::vector<Direction>* directions) {
+    const Direction toEye = Row(rotation, 2);
+    for (std::size_t axis = 0; axis < 2; ++axis) {
+        const Direction along = Row(rotation, axis);
+        const Direction back{-along[0], -along[1], -along[2]};
+        for (std::size_t step = 0; step <= kSlopes; ++step) {
+            directions->push_back(Sum(toEye, SlopeOf(step, edges[axis]), along));
+            directions->push_back(Sum(toEye, SlopeOf(step, edges[axis]), back));
+        }
+    }
+    directions->push_back(toEye);
+}
+
+// How far to move what is drawn at this scale, so that as much room is left on one side as on the other.
+double Middle(const Reaches& reaches, double scale, double edge, double distance) {
+    // At the slope at which both sides just fit. Between two slopes the reach is below their chord, so that
+    // nothing is cut off.
+    double slack[2] = {};
+    double shift[2] = {};
+    for (std::size_t step = 0; step <= kSlopes; ++step) {
+        slack[0] = slack[1];
+        shift[0] = shift[1];
+        slack[1] = 2 * SlopeOf(step, edge) * distance - scale * (reaches.towards[step] + reaches.away[step]);
+        shift[1] = scale * (reaches.away[step] - reaches.towards[step]) / 2;
+        if (step > 0 && slack[1] >= 0) { break; }
+    }
+    if (!(slack[1] > slack[0])) { return shift[1]; }
+    const double part = std::clamp(-slack[0] / (slack[1] - slack[0]), 0.0, 1.0);
+    return shift[0] + part * (shift[1] - shift[0]);
+}
+
+} // namespace
+
+// A point q of the turned model is seen at (scale * q.x + shift) / (distance - scale * q.z) off the middle.
+// That is within a slope where scale * (q.x + slope * q.z) + shift <= slope * distance, and the same for the
+// other sides: a largest value for each side and slope is all that the vertices have to say.
 std::optional<Framing> FitDrawn(const SceneView& view, const std::vector<Rotation>& rotations,
                                 const Lens& lens) {
-    const double wide = kFilled * lens.across;
-    const double high = kFilled * lens.up;
+    const double edges[2] = {kFilled * lens.across, kFilled * lens.up};
     std::vector<Direction> directions;
     for (std::size_t axis = 0; axis < 3; ++axis) {
         Direction along{};
@@ -115,15 +155,7 @@ std::optional<Framing> FitDrawn(const SceneView& view, const std::vector<Rotatio
         directions.push_back(along);
     }
     const std::size_t fixed = directions.size();
-    for (const Rotation& rotation : rotations) {
-        const Direction x = Row(rotation, 0);
-        const Direction y = Row(rotation, 1);
-        const Direction z = Row(rotation, 2);
-        const Direction left{-x[0], -x[1], -x[2]};
-        const Direction down{-y[0], -y[1], -y[2]};
-        directions.insert(directions.end(),
-                          {Sum(z, wide, x), Sum(z, wide, left), Sum(z, high, y), Sum(z, high, down), z});
-    }
+    for (const Rotation& rotation : rotations) { AddDirections(rotation, edges, &directions); }
     const auto reach = DrawnReach(view, directions);
     if (!reach) { return std::nullopt; }
 
@@ -131,20 +163,31 @@ std::optional<Framing> FitDrawn(const SceneView& view, const std::vector<Rotatio
     for (std::size_t axis = 0; axis < 3; ++axis) {
         framing.centre[axis] = ((*reach)[2 * axis] - (*reach)[2 * axis + 1]) / 2;
     }
-    constexpr double kNone = -std::numeric_limits<double>::infinity();
-    Sides sides{kNone, kNone, kNone, kNone, kNone};
-    for (std::size_t i = fixed; i < directions.size(); i += kReaches) {
-        const auto from = [&](std::size_t k) {
-            return (*reach)[i + k] - Product(directions[i + k], framing.centre);
+    Reaches sides[2];
+    double front = 0;
+    for (std::size_t first = fixed; first < directions.size(); first += kPerRotation) {
+        std::size_t next = first;
+        const auto take = [&] {
+            const double fromCentre = (*reach)[next] - Product(directions[next], framing.centre);
+            ++next;
+            return fromCentre;
         };
-        sides.Widen({from(0), from(1), from(2), from(3), from(4)});
+        for (Reaches& side : sides) {
+            for (std::size_t step = 0; step <= kSlopes; ++step) {
+                side.towards[step] = std::max(side.towards[step], take());
+                side.away[step] = std::max(side.away[step], take());
+            }
+        }
+        front = std::max(front, take());
     }
-    framing.scale = std::min({2 * wide * lens.distance / (sides.right + sides.left),
-                              2 * high * lens.distance / (sides.top + sides.bottom),
-                              kNearest * lens.distance / std::max(sides.front, 0.0)});
+    framing.scale = kNearest * lens.distance / front;
+    for (std::size_t axis = 0; axis < 2; ++axis) {
+        framing.scale = std::min(framing.scale, 2 * edges[axis] * lens.distance /
+                                                    (sides[axis].towards.back() + sides[axis].away.back()));
+    }
     if (!std::isfinite(framing.scale) || framing.scale <= 0) { framing.scale = 1; } // all is in one point
-    framing.across = framing.scale * (sides.left - sides.right) / 2;
-    framing.up = framing.scale * (sides.bottom - sides.top) / 2;
+    framing.across = Middle(sides[0], framing.scale, edges[0], lens.distance);
+    framing.up = Middle(sides[1], framing.scale, edges[1], lens.distance);
     return framing;
 }
 

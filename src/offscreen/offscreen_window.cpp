@@ -5,7 +5,9 @@
 #include <EGL/eglext.h>
 #include <GL/gl.h>
 #include <GL/glext.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 
@@ -19,9 +21,21 @@ struct OffscreenWindow::Library {
 
 namespace {
 
+// What is drawn is at most so many pixels to a side, and so many in all, if smoothing is what makes it large.
+constexpr int kLongestDrawn = 16384;
+constexpr double kMostDrawn = 64e6;
+
 constexpr const char* kNoDriver =
     "there is no graphics driver here that draws without a display, not even the software one";
 constexpr const char* kNoRoom = "the graphics library has no room for a picture of that size";
+
+// Whether the driver can keep what it compiles for the next time; it complains where it can't, and as root
+// makes itself a home.
+bool HasCacheFolder() {
+    const char* folder = std::getenv("XDG_CACHE_HOME");
+    if (folder == nullptr) { folder = std::getenv("HOME"); }
+    return folder != nullptr && access(folder, W_OK) == 0;
+}
 
 // The platform that needs nothing but a driver; null where the library doesn't know it.
 EGLDisplay OpenDisplay() {
@@ -34,8 +48,9 @@ EGLDisplay OpenDisplay() {
                : EGL_NO_DISPLAY;
 }
 
-// A kind of buffer with the depth of colour of a usual window; null when there is none with so many samples.
-EGLConfig FindConfig(EGLDisplay display, int samples) {
+// A kind of buffer with the depth of colour of a usual window; null when there is none. Deeper colours come
+// first, and would be rounded differently.
+EGLConfig FindConfig(EGLDisplay display) {
     const EGLint wanted[] = {EGL_SURFACE_TYPE,
                              EGL_PBUFFER_BIT,
                              EGL_RENDERABLE_TYPE,
@@ -51,25 +66,57 @@ EGLConfig FindConfig(EGLDisplay display, int samples) {
                              EGL_DEPTH_SIZE,
                              24,
                              EGL_SAMPLES,
-                             samples > 1 ? samples : 0,
+                             0,
                              EGL_NONE};
-    // Deeper colours come first; they would be rounded differently from those of a window.
     EGLConfig configs[64];
     EGLint count = 0;
     if (eglChooseConfig(display, wanted, configs, 64, &count) == EGL_FALSE) { return nullptr; }
     for (EGLint i = 0; i < count; ++i) {
         EGLint red = 0;
-        EGLint has = 0;
+        EGLint samples = 0;
         eglGetConfigAttrib(display, configs[i], EGL_RED_SIZE, &red);
-        eglGetConfigAttrib(display, configs[i], EGL_SAMPLES, &has);
-        if (red == 8 && (samples > 1 || has <= 1)) { return configs[i]; }
+        eglGetConfigAttrib(display, configs[i], EGL_SAMPLES, &samples);
+        if (red == 8 && samples == 0) { return configs[i]; }
     }
     return nullptr;
 }
 
+// The mean of each square of `times` by `times` pixels.
+std::vector<std::uint8_t> Shrunk(const std::vector<std::uint8_t>& pixels, WindowSize size, int times,
+                                 int channels) {
+    const auto width = static_cast<std::size_t>(size.width);
+    const auto height = static_cast<std::size_t>(size.height);
+    const auto side = static_cast<std::size_t>(times);
+    const auto step = static_cast<std::size_t>(channels);
+    const auto count = static_cast<unsigned>(times * times);
+    std::vector<std::uint8_t> small(width * height * step);
+    std::vector<unsigned> sums(width * step);
+    for (std::size_t y = 0; y < height; ++y) {
+        std::fill(sums.begin(), sums.end(), count / 2);
+        for (std::size_t row = y * side; row < (y + 1) * side; ++row) {
+            const std::uint8_t* next = pixels.data() + row * width * side * step;
+            for (std::size_t x = 0; x < width; ++x) {
+                for (std::size_t k = 0; k < side; ++k) {
+                    for (std::size_t c = 0; c < step; ++c) { sums[x * step + c] += *next++; }
+                }
+            }
+        }
+        for (std::size_t i = 0; i < sums.size(); ++i) {
+            small[y * sums.size() + i] = static_cast<std::uint8_t>(sums[i] / count);
+        }
+    }
+    return small;
+}
+
 } // namespace
 
-OffscreenWindow::OffscreenWindow(WindowSize size, int samples) : size_(size), samples_(samples) {}
+OffscreenWindow::OffscreenWindow(WindowSize size, int times) : size_(size), times_(times) {
+    const double pixels = static_cast<double>(size.width) * size.height;
+    while (times_ > 1 && (std::max(size.width, size.height) * times_ > kLongestDrawn ||
+                          pixels * times_ * times_ > kMostDrawn)) {
+        --times_;
+    }
+}
 
 OffscreenWindow::~OffscreenWindow() {
     if (library_ == nullptr || library_->display == EGL_NO_DISPLAY) { return; }
@@ -86,17 +133,16 @@ bool OffscreenWindow::Fail(const char* why) {
 bool OffscreenWindow::CreateContext() {
     // Where the library has something to say, the caller says it in one sentence.
     setenv("EGL_LOG_LEVEL", "fatal", 0);
+    if (!HasCacheFolder()) { setenv("MESA_SHADER_CACHE_DISABLE", "true", 0); }
     library_ = std::make_unique<Library>();
     EGLDisplay const display = library_->display = OpenDisplay();
     if (display == EGL_NO_DISPLAY || eglBindAPI(EGL_OPENGL_API) == EGL_FALSE) { return Fail(kNoDriver); }
-    EGLConfig config = nullptr;
-    for (int samples = samples_; config == nullptr && samples > 0; samples /= 2) {
-        config = FindConfig(display, samples);
-    }
+    EGLConfig const config = FindConfig(display);
     if (config == nullptr) { return Fail(kNoDriver); }
     library_->context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
     if (library_->context == EGL_NO_CONTEXT) { return Fail(kNoDriver); }
-    const EGLint size[] = {EGL_WIDTH, size_.width, EGL_HEIGHT, size_.height, EGL_NONE};
+    const WindowSize drawn = DrawableSize();
+    const EGLint size[] = {EGL_WIDTH, drawn.width, EGL_HEIGHT, drawn.height, EGL_NONE};
     library_->surface = eglCreatePbufferSurface(display, config, size);
     if (library_->surface == EGL_NO_SURFACE ||
         eglMakeCurrent(display, library_->surface, library_->surface, library_->context) == EGL_FALSE) {
@@ -104,7 +150,9 @@ bool OffscreenWindow::CreateContext() {
     }
     GLint largest[2] = {};
     glGetIntegerv(GL_MAX_VIEWPORT_DIMS, largest);
-    return (size_.width <= largest[0] && size_.height <= largest[1]) || Fail(kNoRoom);
+    if (drawn.width > largest[0] || drawn.height > largest[1]) { return Fail(kNoRoom); }
+    glLineWidth(static_cast<GLfloat>(times_)); // a pixel of the picture
+    return true;
 }
 
 void OffscreenWindow::KeepCoverage() {
@@ -112,16 +160,21 @@ void OffscreenWindow::KeepCoverage() {
     if (blend != nullptr) { blend(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA); }
 }
 
+WindowPoint OffscreenWindow::PointOf(WindowPoint place) const {
+    return {place.x * times_ + times_ / 2, place.y * times_ + times_ / 2};
+}
+
 std::vector<std::uint8_t> OffscreenWindow::Pixels(int channels) const {
-    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(size_.width) *
-                                     static_cast<std::size_t>(size_.height) *
+    const WindowSize drawn{size_.width * times_, size_.height * times_};
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(drawn.width) *
+                                     static_cast<std::size_t>(drawn.height) *
                                      static_cast<std::size_t>(channels));
     while (glGetError() != GL_NO_ERROR) {}
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadPixels(0, 0, size_.width, size_.height, channels == 4 ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE,
+    glReadPixels(0, 0, drawn.width, drawn.height, channels == 4 ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE,
                  pixels.data());
-    if (glGetError() != GL_NO_ERROR) { pixels.clear(); }
-    return pixels;
+    if (glGetError() != GL_NO_ERROR) { return {}; }
+    return times_ == 1 ? pixels : Shrunk(pixels, size_, times_, channels);
 }
 
 } // namespace tarnwick

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -179,9 +180,10 @@ bool ReadOptions(int argc, char** argv, PictureOptions* options, int* status) {
         ->check(CLI::Range(0, std::numeric_limits<std::int32_t>::max()));
     add("--background", "COLOUR", "transparent, white, black or as in #e0e0ff (default: the viewer's grey)",
         [options](const std::string& text) { return ReadColour(text, &options->background); });
-    app.add_option("--samples", options->samples, "samples for each pixel, 1 to 16 (default: 4)")
+    app.add_option("--samples", options->samples,
+                   "samples for each pixel, for smooth edges: 1, 4, 9 or 16 (default: 4)")
         ->type_name("N")
-        ->check(CLI::Range(1, 16));
+        ->check(CLI::IsMember({1, 4, 9, 16}));
     app.add_flag("--fit,!--no-fit", options->fit,
                  "fill the picture with what is drawn; --no-fit: as the viewer frames it");
     add("--pick", "X,Y", "click there first, in pixels from the left and from the top, and tell what is hit",

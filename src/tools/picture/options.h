@@ -21,7 +21,7 @@ struct PictureOptions {
     bool wireframe = false;
     std::optional<std::int32_t> depth;                       // of the Depth slider after the load
     std::array<float, 4> background{0.8f, 0.8f, 0.8f, 1.0f}; // red, green, blue, alpha
-    int samples = 4;
+    int samples = 4;                                         // for each pixel, a square number
     bool fit = true;
     std::optional<WindowPoint> pick; // what is clicked at before the picture is taken
     double timeLimit = 0;            // seconds; 0 for none

@@ -8,9 +8,8 @@
 #include "text/one_line.h"
 #include "tools/picture/png_file.h"
 
-#include <GL/gl.h>
-
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -34,19 +33,24 @@ bool IsTooLarge(const PictureOptions& options) {
            static_cast<double>(status.st_size) > options.sizeLimit * kBytesOfMegabyte;
 }
 
+// Tells of what could not be read, but for the file itself where it was opened and then given up: what is to
+// be done about that is told later.
 void SayUnread(const SceneView& view) {
     for (const UnreadFile& file : view.loaded.unreadFiles) {
-        const std::string whose =
-            file.productName.empty() ? "" : ", the file of product '" + file.productName + "',";
-        Say(file.path + whose + " " + file.reason);
+        if (!file.productName.empty()) {
+            Say(file.path + ", the file of product '" + file.productName + "', " + file.reason);
+        } else if (file.reason != kGivenUpReason) {
+            Say(file.path + " " + file.reason);
+        }
     }
 }
 
-// Why there is nothing to draw, after a load that wasn't refused.
+// Why there is nothing to draw, unless SayUnread has told it.
 void SayNothing(const PictureOptions& options, const SceneView& view) {
-    const bool isUnread = std::any_of(view.loaded.unreadFiles.begin(), view.loaded.unreadFiles.end(),
-                                      [](const UnreadFile& file) { return file.productName.empty(); });
-    if (isUnread) { return; } // that is told already
+    const bool isTold = std::any_of(
+        view.loaded.unreadFiles.begin(), view.loaded.unreadFiles.end(),
+        [](const UnreadFile& file) { return file.productName.empty() && file.reason != kGivenUpReason; });
+    if (isTold) { return; }
     Say(options.path +
         " has nothing that the viewer shows: tarnwick-prepare brings any STEP file into its form");
 }
@@ -82,12 +86,9 @@ std::vector<Rotation> RotationsOf(const PictureOptions& options, const NamedView
     return rotations;
 }
 
-// A click reads one pixel, whose code samples of two things would mix.
 void Pick(OpenGLControl& view, WindowPoint place) {
     ShowErrorsOnly(false);
-    glDisable(GL_MULTISAMPLE);
     view.PickAt(place);
-    glEnable(GL_MULTISAMPLE);
     ShowErrorsOnly(true);
 }
 
@@ -127,7 +128,7 @@ bool MakeView(OpenGLControl& view, const OffscreenWindow& window, const PictureO
         } else {
             Turn(rotation);
         }
-        if (options.pick) { Pick(view, *options.pick); }
+        if (options.pick) { Pick(view, window.PointOf(*options.pick)); }
         view.Redraw();
         if (!WritePicture(window, options, FileName(options, named.name, frame))) { return false; }
         ++frame;
@@ -144,7 +145,7 @@ int MakePictures(const PictureOptions& options) {
         Say(options.path + " is larger than the limit");
         return 1;
     }
-    OffscreenWindow window(options.size, options.samples);
+    OffscreenWindow window(options.size, static_cast<int>(std::lround(std::sqrt(options.samples))));
     OpenGLControl view(window);
     // The context comes after the load, whose first frame nobody sees.
     if (!LoadInto(view, options)) { return 1; }
@@ -153,7 +154,8 @@ int MakePictures(const PictureOptions& options) {
         Say(window.failure);
         return 1;
     }
-    view.OnSize(OpenGLControl::kRestored, options.size.width, options.size.height);
+    const WindowSize drawn = window.DrawableSize();
+    view.OnSize(OpenGLControl::kRestored, drawn.width, drawn.height);
     view.wireframe = options.wireframe ? 1 : 0;
     std::copy(options.background.begin(), options.background.end(), view.background);
     if (options.background[3] < 1) { window.KeepCoverage(); }
