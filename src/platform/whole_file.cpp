@@ -20,7 +20,7 @@ constexpr std::size_t kLargestPiece = std::size_t{1} << 30;
 
 } // namespace
 
-WholeFile::WholeFile(const char* path) : path_(), neighbour_() {
+WholeFile::WholeFile(const char* path, Empty empty) : path_(), neighbour_() {
     const std::size_t length = std::strlen(path);
     const char* const slash = std::strrchr(path, '/');
     const int folder = slash != nullptr ? static_cast<int>(slash + 1 - path) : 0;
@@ -31,7 +31,7 @@ WholeFile::WholeFile(const char* path) : path_(), neighbour_() {
     std::memcpy(path_, path, length + 1);
     struct stat status;
     const bool exists = lstat(path, &status) == 0;
-    if (exists && !S_ISREG(status.st_mode)) {
+    if (exists && (!S_ISREG(status.st_mode) || (empty == Empty::kFilled && status.st_size == 0))) {
         file_ = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kAllMayReadAndWrite);
         if (file_ < 0) { Fail(); }
         return;

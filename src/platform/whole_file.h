@@ -10,7 +10,11 @@ namespace tarnwick {
 // memory of the heap.
 class WholeFile {
 public:
-    explicit WholeFile(const char* path);
+    // What becomes of an empty file of that name. A service that asks for a file may have made it, and read
+    // by the handle that it holds: such a one is to be filled.
+    enum class Empty { kReplaced, kFilled };
+
+    explicit WholeFile(const char* path, Empty empty = Empty::kReplaced);
     WholeFile(const WholeFile&) = delete;
     WholeFile& operator=(const WholeFile&) = delete;
     // Drops what wasn't closed.

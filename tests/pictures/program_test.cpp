@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <set>
@@ -76,6 +77,18 @@ TEST_F(PictureProgram, WritesAPictureOfTheSizeAndSaysNothing) {
     EXPECT_EQ(picture.width, 96);
     EXPECT_EQ(picture.height, 64);
     EXPECT_THAT(Names(), testing::ElementsAre("gear.png")); // no temporary file
+}
+
+// As thumbnailing services do.
+TEST_F(PictureProgram, FillsAnEmptyFileThatSomebodyHoldsOpen) {
+    const std::string path = folder_.Write("held", "");
+    std::FILE* const held = std::fopen(path.c_str(), "rb");
+    ASSERT_NE(held, nullptr);
+    EXPECT_EQ(Run({gear_, "-o", path}).status, 0);
+    char start[5] = {};
+    EXPECT_EQ(std::fread(start, 1, 4, held), 4u);
+    EXPECT_STREQ(start, "\x89PNG");
+    std::fclose(held);
 }
 
 TEST_F(PictureProgram, FillsThePictureButForAMargin) {

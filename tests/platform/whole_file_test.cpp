@@ -93,6 +93,24 @@ TEST_F(WholeFileTest, KeepsTheModeOfTheFormerFile) {
     EXPECT_EQ(ReadWholeFile(path_), "new");
 }
 
+TEST_F(WholeFileTest, FillsAnEmptyFileInPlaceOnlyWhenToldTo) {
+    folder_.Write("report.json", "");
+    struct stat before;
+    struct stat after;
+    ASSERT_EQ(stat(path_.c_str(), &before), 0);
+    for (const bool isFilled : {true, false}) {
+        WholeFile file(path_.c_str(), isFilled ? WholeFile::Empty::kFilled : WholeFile::Empty::kReplaced);
+        file.Write("new", isFilled ? 0 : 3);
+        EXPECT_EQ(file.Close(), 0);
+        ASSERT_EQ(stat(path_.c_str(), &after), 0);
+        EXPECT_EQ(before.st_ino == after.st_ino, isFilled);
+    }
+    WholeFile full(path_.c_str(), WholeFile::Empty::kFilled);
+    full.Write("newer", 5);
+    EXPECT_EQ(ReadWholeFile(path_), "new") << "before it is closed";
+    EXPECT_EQ(full.Close(), 0);
+}
+
 TEST_F(WholeFileTest, SaysWhyItCantBeMade) {
     WholeFile inNoFolder(folder_.Path("none/report.json").c_str());
     EXPECT_FALSE(inNoFolder.IsOpen());

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -92,6 +93,18 @@ void Pick(OpenGLControl& view, WindowPoint place) {
     ShowErrorsOnly(true);
 }
 
+// What is being written is written to its end, whatever the time limit.
+int WriteInTime(const std::vector<std::uint8_t>& bytes, const std::string& name) {
+    sigset_t alarm;
+    sigset_t before;
+    sigemptyset(&alarm);
+    sigaddset(&alarm, SIGALRM);
+    pthread_sigmask(SIG_BLOCK, &alarm, &before);
+    const int error = WriteBytes(bytes, name);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return error;
+}
+
 bool WritePicture(const OffscreenWindow& window, const PictureOptions& options, const std::string& name) {
     const int channels = options.background[3] < 1 ? 4 : 3;
     std::vector<std::uint8_t> pixels = window.Pixels(channels);
@@ -102,7 +115,7 @@ bool WritePicture(const OffscreenWindow& window, const PictureOptions& options, 
         Say("the picture needs more memory than there is");
         return false;
     }
-    const int error = WriteBytes(bytes, name);
+    const int error = WriteInTime(bytes, name);
     if (error != 0) {
         Say((name == "-" ? "standard output" : name) + " can't be written: " + std::strerror(error));
     }

@@ -47,7 +47,7 @@ int WriteBytes(const std::vector<std::uint8_t>& bytes, const std::string& name) 
             std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0;
         return written ? 0 : errno != 0 ? errno : EIO;
     }
-    WholeFile file(name.c_str());
+    WholeFile file(name.c_str(), WholeFile::Empty::kFilled);
     file.Write(bytes.data(), bytes.size());
     return file.Close();
 }
