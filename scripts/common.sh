@@ -41,7 +41,7 @@ test_packages=(nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev lib
 package_packages=(dpkg-dev file)
 # What only the check of the package needs.
 package_check_packages=(lintian desktop-file-utils appstream libxml2-utils groff shared-mime-info libglib2.0-bin dbus-x11
-  bash-completion)
+  bash-completion tumbler bubblewrap python3-minimal)
 
 all_packages=("${build_packages[@]}" "${kernel_packages[@]}" "${viewer_packages[@]}" "${viewer_test_packages[@]}" "${fuzz_packages[@]}"
   "${test_packages[@]}" "${package_packages[@]}" "${package_check_packages[@]}")

@@ -1,4 +1,4 @@
-# Completion of tarnwick, tarnwick-load and tarnwick-make for bash.
+# Completion of the programs for bash.
 
 _tarnwick_words() {
   mapfile -t COMPREPLY < <(compgen -W "$1" -- "${COMP_WORDS[COMP_CWORD]}")
@@ -34,6 +34,21 @@ _tarnwick_load() {
   esac
 }
 
+_tarnwick_picture() {
+  case ${COMP_WORDS[COMP_CWORD - 1]} in
+    --view) _tarnwick_words "front back left right top bottom iso iso,front,top" && return ;;
+    --background) _tarnwick_words "transparent white black" && return ;;
+    --samples) _tarnwick_words "1 4 9 16" && return ;;
+    --size) _tarnwick_words "128 256 512x512 1024x768 1920x1080" && return ;;
+    --rotate | --turntable | --depth | --pick | --time-limit | --size-limit) COMPREPLY=() && return ;;
+    -o | --output) compopt -o default && COMPREPLY=() && return ;;
+  esac
+  case ${COMP_WORDS[COMP_CWORD]} in
+    -*) _tarnwick_words "--output --size --view --rotate --turntable --wireframe --depth --background --samples --fit --no-fit --pick --time-limit --size-limit --help --version" ;;
+    *) _tarnwick_files ;;
+  esac
+}
+
 _tarnwick_make() {
   local kind=${COMP_WORDS[1]} mesh="--kind --normals --shared-coordinates --pnindex"
   if [ "$COMP_CWORD" = 1 ]; then
@@ -64,4 +79,5 @@ _tarnwick_make() {
 
 complete -F _tarnwick tarnwick
 complete -F _tarnwick_load tarnwick-load
+complete -F _tarnwick_picture tarnwick-picture
 complete -F _tarnwick_make tarnwick-make
