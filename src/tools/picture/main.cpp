@@ -12,6 +12,7 @@
 #include <cstring>
 #include <exception>
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -22,6 +23,10 @@ using namespace tarnwick::tools;
 
 constexpr const char* kOutOfMemory = "tarnwick-picture: it needs more memory than there is\n";
 constexpr const char* kOutOfTime = "tarnwick-picture: it takes longer than the limit\n";
+
+// In bytes; the library takes no larger threshold for blocks.
+constexpr int kKeptBlock = 32 << 20;
+constexpr int kKeptInAll = 512 << 20;
 
 // Before the library of the command line makes its own objects.
 [[gnu::constructor(101)]] void Prepare() {
@@ -51,6 +56,10 @@ int Run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    // The software driver takes and gives back blocks of megabytes for every few meshes. Kept in the process
+    // they are not zeroed again each time, which is a tenth of the time of a large part.
+    mallopt(M_MMAP_THRESHOLD, kKeptBlock);
+    mallopt(M_TRIM_THRESHOLD, kKeptInAll);
     // A driver that breaks down leaves no image of the memory in somebody's folder.
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
