@@ -29,8 +29,13 @@ ensure_packages() {
   messages=$(apt_get install -y --no-install-recommends "${missing[@]}" 2>&1) || { say "$messages"; return 1; }
 }
 
+# What reads exact shape, where it can be had; the build leaves tarnwick-mesh out where not.
+ensure_kernel() {
+  ensure_packages "${kernel_packages[@]}" || say "there is no geometry kernel: exact shape is left out"
+}
+
 build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcli11-dev libxxhash-dev libpugixml-dev)
-# What reads exact shape; without it, prepare leaves that out.
+# For tarnwick-mesh alone.
 kernel_packages=(libocct-data-exchange-dev libocct-ocaf-dev)
 # What only the viewer and its tests need.
 viewer_packages=(qt6-base-dev libgl-dev libglu1-mesa-dev libgl1-mesa-dri libegl-dev libpng-dev libcpprest-dev libssl-dev curl)
