@@ -340,27 +340,8 @@ private:
         Record(files);
     }
 
-    // Uses multiply from the root on.
     void CountPlaces(const std::vector<std::string>& files) {
-        // Parents before their children.
-        std::vector<std::size_t> waiting(whole_.products.size());
-        for (const WholeProduct& product : whole_.products) {
-            for (const WholeUse& use : product.uses) { ++waiting[use.child]; }
-        }
-        std::vector<std::size_t> places(whole_.products.size());
-        places[whole_.root] = 1;
-        std::vector<std::size_t> open;
-        for (std::size_t i = 0; i < waiting.size(); ++i) {
-            if (waiting[i] == 0) { open.push_back(i); }
-        }
-        while (!open.empty()) {
-            const std::size_t product = open.back();
-            open.pop_back();
-            for (const WholeUse& use : whole_.products[product].uses) {
-                places[use.child] += places[product];
-                if (--waiting[use.child] == 0) { open.push_back(use.child); }
-            }
-        }
+        const std::vector<std::size_t> places = PlacesOf(whole_);
         for (const Job& job : jobs_) {
             if (files[job.product].empty()) { continue; }
             result_.placedParts += places[job.product];

@@ -366,6 +366,29 @@ std::string ViewerName(std::string_view name) {
     return result;
 }
 
+std::vector<std::size_t> PlacesOf(const Whole& whole) {
+    // Parents before their children.
+    std::vector<std::size_t> waiting(whole.products.size());
+    for (const WholeProduct& product : whole.products) {
+        for (const WholeUse& use : product.uses) { ++waiting[use.child]; }
+    }
+    std::vector<std::size_t> places(whole.products.size());
+    if (!places.empty()) { places[whole.root] = 1; }
+    std::vector<std::size_t> open;
+    for (std::size_t i = 0; i < waiting.size(); ++i) {
+        if (waiting[i] == 0) { open.push_back(i); }
+    }
+    while (!open.empty()) {
+        const std::size_t product = open.back();
+        open.pop_back();
+        for (const WholeUse& use : whole.products[product].uses) {
+            places[use.child] += places[product];
+            if (--waiting[use.child] == 0) { open.push_back(use.child); }
+        }
+    }
+    return places;
+}
+
 Whole LoadWhole(const std::string& path, const std::atomic<bool>* cancel) {
     Whole whole;
     std::size_t root = 0;

@@ -46,6 +46,10 @@ struct Whole {
 // `path` is the top file's. Files that are named and not there are among the losses.
 Whole LoadWhole(const std::string& path, const std::atomic<bool>* cancel);
 
+// How often each product stands in the whole: uses multiply from the root on. 0 for what the root doesn't
+// lead to.
+std::vector<std::size_t> PlacesOf(const Whole& whole);
+
 // A name as the viewer's readers take it: without comma, quote and control characters, at most 200 bytes.
 std::string ViewerName(std::string_view name);
 

@@ -17,19 +17,19 @@ std::string Counted(std::size_t count, const char* one, const char* many) {
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
-std::string LineOf(const prepare::Loss& loss) {
-    std::string line = loss.isShape ? "  missing: " : "  note: ";
-    if (!loss.product.empty()) { line += loss.product + ": "; }
-    if (loss.entity != 0) {
-        line += '#';
-        line += std::to_string(loss.entity);
-        line += ": ";
-    }
-    line += loss.why;
-    return OnOneLine(line) + "\n";
-}
-
 } // namespace
+
+std::string LossText(const prepare::Loss& loss) {
+    std::string text;
+    if (!loss.product.empty()) { text += loss.product + ": "; }
+    if (loss.entity != 0) {
+        text += '#';
+        text += std::to_string(loss.entity);
+        text += ": ";
+    }
+    text += loss.why;
+    return OnOneLine(text);
+}
 
 std::string OutcomeText(const prepare::PrepareResult& result) {
     std::string text = OnOneLine(result.input) + ": ";
@@ -54,7 +54,7 @@ std::string OutcomeText(const prepare::PrepareResult& result) {
                 "  and " + std::to_string(result.losses.size() - told) + " more: --json FILE has them all\n";
             break;
         }
-        text += LineOf(loss);
+        text += (loss.isShape ? "  missing: " : "  note: ") + LossText(loss) + "\n";
         ++told;
     }
     return text;

@@ -12,4 +12,7 @@ std::string OutcomeText(const prepare::PrepareResult& result);
 // The same of all files, as JSON.
 std::string OutcomeJson(const std::vector<prepare::PrepareResult>& results);
 
+// What did not come, and why, on one line: "wheel: #12: it has no faces".
+std::string LossText(const prepare::Loss& loss);
+
 } // namespace tarnwick::tools

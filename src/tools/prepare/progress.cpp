@@ -14,6 +14,8 @@ constexpr double kBarPause = 0.1; // seconds between two looks of the bar
 constexpr double kLinePause = 10; // and between two lines
 constexpr int kBarWidth = 24;
 
+} // namespace
+
 std::string Duration(double seconds) {
     const auto whole = static_cast<long>(seconds + 0.5);
     char text[32];
@@ -26,8 +28,6 @@ std::string Duration(double seconds) {
     }
     return text;
 }
-
-} // namespace
 
 Progress::Progress(std::string name)
     : name_(std::move(name)), isTerminal_(isatty(STDERR_FILENO) == 1),

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace tarnwick::tools {
+
+// The program but for what happens without memory. Returns its exit status, or becomes the viewer.
+int RunOpen(int argc, char** argv);
+
+} // namespace tarnwick::tools
