@@ -4,14 +4,16 @@ _tarnwick_words() {
   mapfile -t COMPREPLY < <(compgen -W "$1" -- "${COMP_WORDS[COMP_CWORD]}")
 }
 
-# Folders, and files of the kinds that can be loaded. compgen knows folders behind a ~ too, a test doesn't.
+# Folders, and files of the kinds that can be loaded, with "any" also those that can be prepared. compgen knows folders
+# behind a ~ too, a test doesn't.
 _tarnwick_files() {
-  local path
+  local path which=${1:-}
   mapfile -t COMPREPLY < <(compgen -d -- "${COMP_WORDS[COMP_CWORD]}")
   compopt -o filenames
   while IFS= read -r path; do
     case "${path,,}" in
       *.stp | *.stpz | *.stpx | *.stpxz | *.stpj | *.stpa) COMPREPLY+=("$path") ;;
+      *.step | *.p21 | *.xml | *.stp.* | *.step.* | *.p21.* | *.stpx.*) [ -z "$which" ] || COMPREPLY+=("$path") ;;
     esac
   done < <(compgen -f -- "${COMP_WORDS[COMP_CWORD]}")
 }
@@ -77,7 +79,28 @@ _tarnwick_make() {
   esac
 }
 
+_tarnwick_open() {
+  case ${COMP_WORDS[COMP_CWORD]} in
+    -*) _tarnwick_words "--help --version" ;;
+    *) _tarnwick_files any ;;
+  esac
+}
+
+_tarnwick_prepare() {
+  case ${COMP_WORDS[COMP_CWORD - 1]} in
+    --deflection | --angle | --jobs | --time-limit) COMPREPLY=() && return ;;
+    --json) compopt -o default && COMPREPLY=() && return ;;
+    -o | --output) compopt -o filenames && mapfile -t COMPREPLY < <(compgen -d -- "${COMP_WORDS[COMP_CWORD]}") && return ;;
+  esac
+  case ${COMP_WORDS[COMP_CWORD]} in
+    -*) _tarnwick_words "--output --deflection --angle --jobs --time-limit --force --compress --json --help --version" ;;
+    *) _tarnwick_files any ;;
+  esac
+}
+
 complete -F _tarnwick tarnwick
 complete -F _tarnwick_load tarnwick-load
 complete -F _tarnwick_picture tarnwick-picture
 complete -F _tarnwick_make tarnwick-make
+complete -F _tarnwick_open tarnwick-open
+complete -F _tarnwick_prepare tarnwick-prepare
