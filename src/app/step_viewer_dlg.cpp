@@ -4,6 +4,7 @@
 #include "app/server_port.h"
 #include "app/snapshot_folder.h"
 #include "app/title_text.h"
+#include "formats/prepare_hint.h"
 #include "load/arguments.h"
 #include "platform/clock.h"
 #include "platform/console.h"
@@ -135,6 +136,8 @@ void STEPViewerDlg::LoadNamed(const std::string& arguments, bool useThreads) {
     if (loaded) { shownTitle_ = TitleText(dispatch_.currentPath, View()); }
     if (OwnUnreadReason(View()) != nullptr) { Invalidate(); } // such a load draws no frame of its own
     SetTitle(loaded ? shownTitle_ : RefusedTitle(shownTitle_, dispatch_.currentPath));
+    const std::string hint = PrepareHint(View(), loaded, dispatch_.currentPath);
+    if (!hint.empty()) { ConsolePrint("%s\n", hint.c_str()); }
 }
 
 void STEPViewerDlg::SetTitle(const std::string& title) {

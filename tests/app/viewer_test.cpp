@@ -90,6 +90,23 @@ TEST_F(ViewerTest, ShowsTheFileOfTheCommandLine) {
     EXPECT_EQ(viewer.Close(), 0);
 }
 
+TEST_F(ViewerTest, NamesTheCommandThatHelpsWhereItShowsNothing) {
+    Write("plate.step", PlateText());
+    ViewerProcess viewer({Path("plate.step")});
+    ASSERT_TRUE(viewer.IsOpen());
+    EXPECT_THAT(viewer.Console("tarnwick-prepare"),
+                HasSubstr("this brings it into a form that can be shown: tarnwick-prepare " +
+                          Path("plate.step").toStdString() + "\n"));
+    EXPECT_EQ(viewer.Close(), 0);
+}
+
+TEST_F(ViewerTest, SaysNothingOfThatWhereItShowsAFile) {
+    ViewerProcess viewer({Path("plate.stp")});
+    ASSERT_TRUE(viewer.IsOpen());
+    EXPECT_EQ(viewer.Close(), 0);
+    EXPECT_THAT(viewer.Console(), Not(HasSubstr("tarnwick-prepare")));
+}
+
 TEST_F(ViewerTest, APathWithBlanksIsOneArgument) {
     Write("my plate one.stp", PlateText());
     ViewerProcess viewer({Path("my plate one.stp")});

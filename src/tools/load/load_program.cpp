@@ -2,6 +2,7 @@
 
 #include "check/check_path.h"
 #include "formats/load_commands.h"
+#include "formats/prepare_hint.h"
 #include "load/no_controls.h"
 #include "platform/console.h"
 #include "platform/flush_output.h"
@@ -81,6 +82,14 @@ void SayUnread(const SceneView& view) {
     }
 }
 
+// Names the command that helps where nothing is shown. There may be no memory for that.
+void SayWhatHelps(const SceneView& view, bool loaded, const std::string& path) {
+    WithinMemory([&] {
+        const std::string hint = PrepareHint(view, loaded, path);
+        if (!hint.empty()) { std::fprintf(stderr, "tarnwick-load: %s\n", hint.c_str()); }
+    });
+}
+
 } // namespace
 
 int LoadAndReport(const LoadOptions& options) {
@@ -108,6 +117,7 @@ int LoadAndReport(const LoadOptions& options) {
         std::printf("%s\n", status->c_str());
     }
     SayUnread(view);
+    SayWhatHelps(view, loaded, dispatch.currentPath);
     written = OutputIsWritten() && written;
     return written && view.loaded.drawnTriangles >= 1 ? 0 : 1;
 }

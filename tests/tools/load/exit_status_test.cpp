@@ -28,7 +28,7 @@ TEST_F(LoadProgram, Returns1AndNamesAFileOfAnotherKind) {
         const ProgramRun run = Run({path});
         EXPECT_EQ(run.status, 1) << name;
         EXPECT_THAT(run.errors, HasSubstr(path)) << name;
-        EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 1) << run.errors;
+        EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 2) << run.errors;
         EXPECT_EQ(run.output, "") << name;
     }
 }
