@@ -26,7 +26,8 @@ constexpr int kLongestDrawn = 16384;
 constexpr double kMostDrawn = 64e6;
 
 constexpr const char* kNoDriver =
-    "there is no graphics driver here that draws without a display, not even the software one";
+    "no graphics driver can be loaded that draws without a display, not even the software one (Debian: "
+    "libgl1-mesa-dri)";
 constexpr const char* kNoRoom = "the graphics library has no room for a picture of that size";
 
 // Whether the driver can keep what it compiles for the next time; it complains where it can't, and as root

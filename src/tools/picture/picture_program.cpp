@@ -5,6 +5,7 @@
 #include "offscreen/camera.h"
 #include "offscreen/offscreen_window.h"
 #include "platform/console.h"
+#include "platform/sanitizers.h"
 #include "text/one_line.h"
 #include "tools/picture/png_file.h"
 
@@ -12,11 +13,13 @@
 #include <cmath>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace tarnwick::tools {
 
@@ -75,6 +78,20 @@ bool LoadInto(OpenGLControl& view, const PictureOptions& options) {
         return false;
     }
     return true;
+}
+
+// A driver may break down where memory runs out. A sanitizer tells more of that than we do.
+void TellOfABrokenDriver() {
+#ifndef TARNWICK_ADDRESS_SANITIZER
+    for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
+        std::signal(number, [](int) {
+            constexpr char kText[] =
+                "tarnwick-picture: the graphics driver broke down, perhaps for want of memory\n";
+            [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kText, sizeof kText - 1);
+            std::_Exit(1);
+        });
+    }
+#endif
 }
 
 // One view, or the frames of a turntable in it.
@@ -162,6 +179,7 @@ int MakePictures(const PictureOptions& options) {
     OpenGLControl view(window);
     // The context comes after the load, whose first frame nobody sees.
     if (!LoadInto(view, options)) { return 1; }
+    TellOfABrokenDriver();
     view.OnCreate();
     if (window.failure != nullptr) {
         Say(window.failure);
