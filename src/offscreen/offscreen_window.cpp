@@ -122,8 +122,9 @@ OffscreenWindow::OffscreenWindow(WindowSize size, int times) : size_(size), time
 OffscreenWindow::~OffscreenWindow() {
     if (library_ == nullptr || library_->display == EGL_NO_DISPLAY) { return; }
     eglMakeCurrent(library_->display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    eglTerminate(library_->display); // and with it its context and surface
-    eglReleaseThread();
+    eglDestroySurface(library_->display, library_->surface);
+    eglDestroyContext(library_->display, library_->context);
+    // The display belongs to the process. Drivers leak what they know of it when it is ended, and are unloaded then.
 }
 
 bool OffscreenWindow::Fail(const char* why) {
