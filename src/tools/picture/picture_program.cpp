@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <sys/stat.h>
@@ -37,13 +38,17 @@ bool IsTooLarge(const PictureOptions& options) {
            static_cast<double>(status.st_size) > options.sizeLimit * kBytesOfMegabyte;
 }
 
+bool IsGivenUp(const UnreadFile& file) {
+    return file.reason == std::string_view(kGivenUpReason);
+}
+
 // Tells of what could not be read, but for the file itself where it was opened and then given up: what is to
 // be done about that is told later.
 void SayUnread(const SceneView& view) {
     for (const UnreadFile& file : view.loaded.unreadFiles) {
         if (!file.productName.empty()) {
             Say(file.path + ", the file of product '" + file.productName + "', " + file.reason);
-        } else if (file.reason != kGivenUpReason) {
+        } else if (!IsGivenUp(file)) {
             Say(file.path + " " + file.reason);
         }
     }
@@ -51,9 +56,9 @@ void SayUnread(const SceneView& view) {
 
 // Why there is nothing to draw, unless SayUnread has told it.
 void SayNothing(const PictureOptions& options, const SceneView& view) {
-    const bool isTold = std::any_of(
-        view.loaded.unreadFiles.begin(), view.loaded.unreadFiles.end(),
-        [](const UnreadFile& file) { return file.productName.empty() && file.reason != kGivenUpReason; });
+    const bool isTold =
+        std::any_of(view.loaded.unreadFiles.begin(), view.loaded.unreadFiles.end(),
+                    [](const UnreadFile& file) { return file.productName.empty() && !IsGivenUp(file); });
     if (isTold) { return; }
     Say(options.path +
         " has nothing that the viewer shows: tarnwick-prepare brings any STEP file into its form");
