@@ -124,7 +124,8 @@ OffscreenWindow::~OffscreenWindow() {
     eglMakeCurrent(library_->display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     eglDestroySurface(library_->display, library_->surface);
     eglDestroyContext(library_->display, library_->context);
-    // The display belongs to the process. Drivers leak what they know of it when it is ended, and are unloaded then.
+    // The display belongs to the process. Drivers leak what they know of it when it is ended, and are
+    // unloaded then.
 }
 
 bool OffscreenWindow::Fail(const char* why) {

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -212,12 +211,13 @@ TEST_F(PictureProgram, KeepsToItsLimits) {
 }
 
 TEST_F(PictureProgram, EndsALoadThatStandsStill) {
-    // The reader of the list waits for its end.
-    std::filesystem::create_directory(folder_.Path("pipe"));
-    const std::string pipe = folder_.Path("pipe/x.stp");
-    ASSERT_EQ(std::system(("mkfifo '" + pipe + "'").c_str()), 0);
-    const ProgramRun run = Run({pipe, "-o", folder_.Path("a.png"), "--time-limit", "0.3"});
-    EXPECT_EQ(run.status, 1);
+    std::string text = ReadWholeFile(TARNWICK_SAMPLES "/machine-xml/machine.stpx");
+    const std::string name = "<CharacterString>";
+    text.insert(text.find(name) + name.size(), "A &lt; B");
+    const std::string path = folder_.Write("still.stpx", text);
+    const ProgramRun run = Run({path, "-o", folder_.Path("a.png"), "--time-limit", "0.3"});
+    ExpectNone(run, 1, "it takes longer than the limit");
+    EXPECT_THAT(run.errors, HasSubstr("stands still"));
 }
 
 TEST_F(PictureProgram, TellsOfAPictureThatCannotBeWritten) {
