@@ -64,6 +64,23 @@ std::string FileStem(const std::string& name) {
     return stem;
 }
 
+// The folder of an outcome's parts. The top file names it, so that it must be a name that the viewer's
+// readers take as it stands and don't find too long; others get their hash, since several inputs may share a
+// folder.
+std::string PartsFolder(const std::string& stem) {
+    constexpr std::string_view kFurther = "-_. +()=";
+    const bool isTaken = stem.size() <= kLongestStem && std::all_of(stem.begin(), stem.end(), [&](char c) {
+                             return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                                    (c >= '0' && c <= '9') || kFurther.find(c) != std::string_view::npos;
+                         });
+    if (isTaken) { return stem + ".parts"; }
+    std::uint32_t hash = 2166136261; // FNV-1a
+    for (const char c : stem) { hash = (hash ^ static_cast<unsigned char>(c)) * 16777619; }
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "-%08x", static_cast<unsigned>(hash));
+    return FileStem(stem) + digits + ".parts";
+}
+
 std::string OptionsLine(const PrepareOptions& o) {
     char numbers[160];
     std::snprintf(numbers, sizeof numbers, "%s deflection %.17g angle %.17g limit %.17g", TARNWICK_VERSION,
@@ -114,7 +131,8 @@ class Preparation {
 public:
     Preparation(const std::string& input, const PrepareOptions& options, const TellProgress& tell,
                 const std::atomic<bool>* cancel)
-        : options_(options), tell_(tell), cancel_(cancel), stem_(StemOf(input)) {
+        : options_(options), tell_(tell), cancel_(cancel), stem_(StemOf(input)),
+          partsFolder_(PartsFolder(stem_)) {
         result_.input = input;
         result_.output = options.folder + "/" + OutcomeName(input, options.isCompressed);
     }
@@ -138,7 +156,7 @@ private:
     };
 
     bool IsCancelled() const { return cancel_ != nullptr && *cancel_; }
-    std::string RecordPath() const { return options_.folder + "/" + stem_ + ".parts/prepared.txt"; }
+    std::string RecordPath() const { return options_.folder + "/" + partsFolder_ + "/prepared.txt"; }
 
     void Work() {
         std::error_code error;
@@ -153,7 +171,7 @@ private:
             return;
         }
         result_.losses = std::move(whole_.losses);
-        fs::create_directories(options_.folder + "/" + stem_ + ".parts", error);
+        fs::create_directories(options_.folder + "/" + partsFolder_, error);
         if (error) {
             result_.error = "its folder can't be made: " + error.message();
             return;
@@ -209,8 +227,8 @@ private:
             job.product = i;
             const char* const packed = options_.isCompressed ? "z" : "";
             job.file = isSingle_ ? OutcomeName(result_.input, options_.isCompressed)
-                                 : stem_ + ".parts/" + stem + ".stp" + packed;
-            job.reference = stem_ + ".parts/" + stem + ".stp";
+                                 : partsFolder_ + "/" + stem + ".stp" + packed;
+            job.reference = partsFolder_ + "/" + stem + ".stp";
             jobs_.push_back(std::move(job));
         }
         std::stable_sort(jobs_.begin(), jobs_.end(), [this](const Job& a, const Job& b) {
@@ -381,6 +399,7 @@ private:
     const TellProgress& tell_;
     const std::atomic<bool>* const cancel_;
     const std::string stem_;
+    const std::string partsFolder_; // without the folder that it is in
     PrepareResult result_;
     Whole whole_;
     bool isSingle_ = false; // the top file is the part

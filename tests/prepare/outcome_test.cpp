@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 
@@ -52,6 +53,31 @@ TEST(Outcome, IsATopFileAndItsPartsAndNothingElse) {
     EXPECT_THAT(
         NamesIn(folder.Path("out")),
         UnorderedElementsAre("top.stp", "top.parts/a.stp", "top.parts/b.stp", "top.parts/prepared.txt"));
+}
+
+TEST(Outcome, PartsAreFoundWhateverTheFileIsCalled) {
+    for (const std::string& stem :
+         {std::string("it's"), std::string("a,b"), std::string("\"a\""), std::string("a\\b"),
+          std::string("r\xC3\xA4"
+                      "d"),
+          std::string("a b.c-1 (2)+=x"), std::string("#12=X(');"), std::string("\xFF"),
+          std::string(240, 'n')}) {
+        const TempFolder folder;
+        const PreparedScene scene = PrepareText(folder, AssemblyText(), stem + ".step");
+        EXPECT_EQ(scene.triangles.size(), 4u) << stem;
+        EXPECT_TRUE(fs::exists(folder.Path("out/" + stem + ".stp"))) << stem;
+    }
+}
+
+TEST(Outcome, NamesThatAreMuchAlikeHaveFoldersOfTheirOwn) {
+    const TempFolder folder;
+    for (const char* const name : {"a,b.step", "a'b.step", "a_b.step"}) {
+        PrepareText(folder, AssemblyText(), name);
+    }
+    const auto names = NamesIn(folder.Path("out"));
+    EXPECT_EQ(std::count_if(names.begin(), names.end(),
+                            [](const std::string& name) { return name.ends_with("prepared.txt"); }),
+              3);
 }
 
 TEST(Outcome, OfASinglePartIsOneFile) {
