@@ -97,6 +97,8 @@ std::string WordsOfStatus(int status) {
     if (WIFSIGNALED(status)) {
         return "the geometry kernel crashed (signal " + std::to_string(WTERMSIG(status)) + ")";
     }
+    // As the loader of programs ends one whose libraries aren't there.
+    if (WEXITSTATUS(status) == 127) { return "the geometry kernel's libraries aren't installed"; }
     return "the geometry kernel ended (status " + std::to_string(WEXITSTATUS(status)) + ")";
 }
 
