@@ -31,7 +31,7 @@ std::string Duration(double seconds) {
 
 Progress::Progress(std::string name)
     : name_(std::move(name)), isTerminal_(isatty(STDERR_FILENO) == 1),
-      begin_(std::chrono::steady_clock::now()) {}
+      begin_(std::chrono::steady_clock::now()), lastTold_(isTerminal_ ? -kBarPause : 0) {}
 
 double Progress::Seconds() const {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin_).count();

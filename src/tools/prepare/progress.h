@@ -27,7 +27,7 @@ private:
     const std::string name_;
     const bool isTerminal_;
     const std::chrono::steady_clock::time_point begin_;
-    double lastTold_ = 0; // seconds
+    double lastTold_; // seconds
     bool isShown_ = false;
 };
 

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -209,6 +210,28 @@ protected:
         solids_ = folder_.Write("solids.step", ExchangeText(ContextText() + solids.Text()));
     }
 
+    // What the program says on a terminal until it has said `expected`; it is ended then.
+    std::string SaidOnATerminal(const std::string& expected) const {
+        const std::string program = folder_.Path("tarnwick-prepare");
+        int terminal = -1;
+        const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+        if (child == 0) {
+            execl(program.c_str(), program.c_str(), "--output", out_.c_str(), solids_.c_str(), nullptr);
+            _exit(127);
+        }
+        std::string said;
+        char bytes[512];
+        ssize_t got = 0;
+        while (said.find(expected) == std::string::npos && (got = read(terminal, bytes, sizeof bytes)) > 0) {
+            said.append(bytes, static_cast<std::size_t>(got));
+        }
+        kill(child, SIGTERM);
+        while (read(terminal, bytes, sizeof bytes) > 0) {}
+        close(terminal);
+        waitpid(child, nullptr, 0);
+        return said;
+    }
+
     // The exit status; -1 where the signal ended it, -2 where it ended before.
     int RunAndSend(int signal) const {
         const std::string program = folder_.Path("tarnwick-prepare");
@@ -243,6 +266,10 @@ TEST_F(InterruptedPrepare, ASignalEndsItAndNothingIsHalfWritten) {
         }
         fs::remove(folder_.Path("begun"));
     }
+}
+
+TEST_F(InterruptedPrepare, ATerminalGetsABar) {
+    EXPECT_THAT(SaidOnATerminal("parts"), HasSubstr("\r\x1b[K[........................] 0 of 1 parts"));
 }
 
 } // namespace
