@@ -4,6 +4,7 @@
 #include "check/check_file.h"
 #include "check/entity_text.h"
 #include "p21/keyword_codes.h"
+#include "prepare/documents.h"
 
 #include <unordered_map>
 #include <unordered_set>
@@ -24,10 +25,19 @@ public:
                 if (entity->code == wanted) { check(entity); }
             }
         };
+        prepare::ForEachDocument(file_.exchange,
+                                 [this](std::uint64_t definition, const std::vector<std::string>& names) {
+                                     std::vector<std::string>& all = fileNames_[definition];
+                                     all.insert(all.end(), names.begin(), names.end());
+                                 });
         forAll(code::kContextDependentShapeRepresentation, [this](const P42Ent* e) { CheckUse(e); });
         forAll(code::kNextAssemblyUsage, [this](const P42Ent* e) { CheckUsed(e); });
         forAll(code::kAppliedDocumentReference, [this](const P42Ent* e) { CheckDocument(e); });
-        NoteBareLeaves();
+        NoteBareProducts();
+        for (const P42Ent* const parent : parents_) {
+            const auto name = names_.find(parent);
+            if (name != names_.end()) { references_->parents.emplace_back(name->second); }
+        }
         if (isTop) { CheckRoot(); }
     }
 
@@ -37,7 +47,7 @@ private:
     // The entity that an argument refers to; null when there is none, which is a finding of its own where it
     // is a reference.
     const P42Ent* At(const Arguments& arguments, std::size_t place) const {
-        return place < arguments.size() ? model_.Find(ReferenceOf(arguments[place])) : nullptr;
+        return place < arguments.size() ? model_.Find(IdIn(arguments[place])) : nullptr;
     }
     // Cut apart once, since many may refer to one entity.
     const Arguments& ArgumentsAt(const P42Ent* entity) {
@@ -50,7 +60,8 @@ private:
     // The reader goes past as many commas as arguments stand before this reference.
     void CheckWay(const P42Ent* entity, const Arguments& arguments, std::size_t place, int commas) {
         if (place >= arguments.size()) { return; }
-        file_.IsMissed(entity, EntityText(model_, entity), commas, '#', arguments[place]);
+        file_.IsMissed(entity, EntityText(model_, entity), commas, '#', arguments[place],
+                       "the uses that it belongs to are lost or misplaced");
     }
 
     void CheckUse(const P42Ent* use) {
@@ -101,7 +112,7 @@ private:
             const std::size_t open = text.find('(');
             text = open != std::string_view::npos ? text.substr(open + 1) : std::string_view();
         }
-        const P42Ent* const transform = model_.Find(ReferenceOf(text));
+        const P42Ent* const transform = model_.Find(IdIn(text));
         return transform != nullptr &&
                        KeywordOf(EntityText(model_, transform)) == "ITEM_DEFINED_TRANSFORMATION"
                    ? transform
@@ -118,9 +129,11 @@ private:
         CheckWay(placement, arguments, 1, 1);
         for (std::size_t i = 1; i < 4; ++i) {
             const P42Ent* const triple = At(arguments, i);
-            if (i >= arguments.size() || ReferenceOf(arguments[i]) == 0) {
+            if (i >= arguments.size() || IdIn(arguments[i]) == 0) {
                 file_.Add(FindingKind::kUse, placement,
-                          "a placement must give location, axis and direction: it is read wrongly");
+                          "a placement must give location, axis and direction: what it lacks reads as 0, so "
+                          "that uses "
+                          "are misplaced");
                 return;
             }
             if (IsFirstVisit(triple)) { CheckTriple(triple); }
@@ -130,7 +143,10 @@ private:
     // A point or direction.
     void CheckTriple(const P42Ent* triple) {
         const Arguments& arguments = ArgumentsAt(triple);
-        if (!arguments.empty() && file_.HasComma(triple, arguments[0])) { return; }
+        if (!arguments.empty() &&
+            file_.HasComma(triple, arguments[0], "its numbers are others, so that uses are misplaced")) {
+            return;
+        }
         if (arguments.size() < 2 || ShapeOf(arguments[1]).values != 3) {
             file_.Add(FindingKind::kUse, triple, "isn't three numbers");
         } else if (!arguments[1].starts_with('(')) {
@@ -153,7 +169,7 @@ private:
         }
         file_.CheckName(product);
         const Arguments& productArguments = ArgumentsAt(product);
-        if (!productArguments.empty()) { names_[definition] = StringOf(productArguments[0]); }
+        if (!productArguments.empty()) { names_[definition] = TextInQuotes(productArguments[0]); }
     }
 
     void CheckUsed(const P42Ent* usage) {
@@ -174,7 +190,7 @@ private:
         if (product == names_.end()) { return; }
         const Arguments& documentArguments = ArgumentsAt(document);
         if (documentArguments.empty()) { return; }
-        const std::string_view name = StringOf(documentArguments[0]);
+        const std::string_view name = TextInQuotes(documentArguments[0]);
         withFile_.insert(definition);
         const auto [hasDots, isNew] = hasDots_.try_emplace(document);
         if (isNew) { hasDots->second = name.find("...") != std::string_view::npos; }
@@ -184,7 +200,19 @@ private:
                           std::string(product->second) + "' is no name, since it holds \"...\"");
             return;
         }
-        references_->references.push_back({PlaceOf(name, true), PlaceOf(product->second, false)});
+        if (name.empty()) {
+            file_.Add(FindingKind::kNoFileName, document,
+                      "the file of product '" + std::string(product->second) +
+                          "' has no name: its first argument is empty");
+            return;
+        }
+        const std::size_t place = PlaceOf(name, true);
+        references_->references.push_back({place, PlaceOf(product->second, false)});
+        const auto other = fileNames_.find(static_cast<std::uint64_t>(definition->id));
+        if (other == fileNames_.end() || !references_->otherNames.try_emplace(place).second) { return; }
+        references_->otherNames[place] = {
+            other->second,
+            {.kind = FindingKind::kNoFileName, .entity = document->id, .offset = document->offset}};
     }
 
     // The place of a name among those of the references. A name is known by where it stands.
@@ -198,34 +226,45 @@ private:
         return references_->names.size() - 1;
     }
 
-    // Products that nothing hangs under and that no reference gives a file.
-    void NoteBareLeaves() {
-        bool hasShapes = false;
-        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
-            const std::int32_t entityCode = model_.EntityAt(i)->code;
-            if (entityCode == code::kAdvancedFace || entityCode == code::kTriangulatedFace ||
-                entityCode == code::kComplexTriangulatedFace ||
-                entityCode == code::kComplexTriangulatedSurfaceSet) {
-                hasShapes = true;
+    // Products that no reference gives a file: those with a shape, and those that nothing hangs under.
+    void NoteBareProducts() {
+        std::unordered_set<std::uint64_t> hasShape;
+        for (const prepare::FileProduct& product : file_.structure.products) {
+            const P42Ent* const definition = model_.Find(static_cast<std::int32_t>(product.entity));
+            if (withFile_.contains(definition)) { continue; }
+            if (!product.files.empty()) {
+                file_.AddAt(FindingKind::kNoFileName, product.entity,
+                            "product '" + product.id + "' has the file '" + product.files.front() +
+                                "' by another way than an APPLIED_DOCUMENT_REFERENCE on its "
+                                "PRODUCT_DEFINITION, which isn't read");
+                hasShape.insert(product.entity);
+            } else if (!product.shape.empty()) {
+                hasShape.insert(product.entity);
+                NoteBare(product.entity, product.id, FindingKind::kOwnGeometry,
+                         " has no file: its shape in the file of the assembly isn't drawn");
             }
         }
         for (std::int32_t i = 0; i < model_.entityCount; ++i) {
             const P42Ent* const definition = model_.EntityAt(i);
+            const auto name = names_.find(definition);
             if (!children_.contains(definition) || parents_.contains(definition) ||
-                withFile_.contains(definition)) {
+                withFile_.contains(definition) || name == names_.end() ||
+                hasShape.contains(static_cast<std::uint64_t>(definition->id))) {
                 continue;
             }
-            const auto name = names_.find(definition);
-            if (name == names_.end()) { continue; }
-            const std::string product(name->second);
-            references_->bareProducts.push_back(product);
-            references_->bareFindings.push_back(
-                {.kind = FindingKind::kOwnGeometry,
-                 .entity = definition->id,
-                 .offset = definition->offset,
-                 .text = "product '" + product + "' has no file" +
-                         (hasShapes ? ": shapes in the file of the assembly aren't drawn" : "")});
+            NoteBare(static_cast<std::uint64_t>(definition->id), std::string(name->second),
+                     FindingKind::kNoShape, " has neither a file nor a shape");
         }
+    }
+
+    void NoteBare(std::uint64_t entity, const std::string& product, FindingKind kind, const char* text) {
+        const Instance* const instance = file_.exchange.Find(entity);
+        references_->bareProducts.push_back(product);
+        references_->bareFindings.push_back(
+            {.kind = kind,
+             .entity = static_cast<std::int32_t>(entity),
+             .offset = instance != nullptr ? static_cast<std::int32_t>(instance->begin) : -1,
+             .text = (product.empty() ? "a product without a name" : "product '" + product + "'") + text});
     }
 
     void CheckRoot() {
@@ -248,7 +287,8 @@ private:
     std::unordered_set<const P42Ent*> withFile_;                // definitions
     std::unordered_map<const P42Ent*, std::string_view> names_; // of the products of definitions
     std::unordered_map<const P42Ent*, bool> hasDots_;           // documents, in the names of their files
-    LookUp<std::int32_t, std::size_t> filePlaces_;              // by the offset of the name
+    std::unordered_map<std::uint64_t, std::vector<std::string>> fileNames_; // of definitions
+    LookUp<std::int32_t, std::size_t> filePlaces_;                          // by the offset of the name
     LookUp<std::int32_t, std::size_t> productPlaces_;
 };
 

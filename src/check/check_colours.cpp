@@ -81,7 +81,7 @@ private:
             file_.Add(FindingKind::kColour, presentation_, "has no list as its second argument");
             return;
         }
-        if (file_.IsMissed(presentation_, text, 1, '(', arguments[1])) { return; }
+        if (file_.IsMissed(presentation_, text, 1, '(', arguments[1], "nothing gets its colour")) { return; }
         file_.CheckReferenceList(presentation_, arguments[1]);
         for (const std::int32_t id : ReferencesIn(arguments[1])) {
             if (model_.Find(id) == nullptr) {
@@ -98,7 +98,7 @@ private:
         const std::string_view text = EntityText(model_, styled);
         const auto arguments = ArgumentsOf(text);
         if (arguments.size() < 3) { return; }
-        const std::int32_t item = ReferenceOf(arguments[2]);
+        const std::int32_t item = IdIn(arguments[2]);
         if (!file_.drawn.Contains(item)) { return; }
         stylesDrawn_ = true;
         const std::string lost = ": " + Number(item) + " doesn't get its colour";
@@ -112,7 +112,7 @@ private:
             file_.Add(FindingKind::kColour, styled, "doesn't list exactly one style" + lost);
         } else if (!arguments[2].starts_with('#')) {
             file_.Add(FindingKind::kBlank, styled, "a blank stands before its item" + lost);
-        } else if (!file_.IsMissed(styled, text, 0, '#', arguments[1])) {
+        } else if (!file_.IsMissed(styled, text, 0, '#', arguments[1], "its item doesn't get its colour")) {
             CheckStyle(styled, ReferencesIn(arguments[1]).front(), lost);
         }
     }
@@ -150,10 +150,10 @@ private:
         if (colour == nullptr) { return "its colour " + Number(colourId) + " isn't there"; }
         const auto arguments = ArgumentsOf(EntityText(model_, colour));
         if (colour->code == code::kColourRgb) {
-            if (!arguments.empty()) { file_.HasComma(colour, arguments[0]); }
+            if (!arguments.empty()) { file_.HasComma(colour, arguments[0], "it becomes another colour"); }
         } else if (colour->code != code::kDraughtingPreDefinedColour) {
             return Number(colourId) + " is no colour that is known";
-        } else if (arguments.empty() || !IsKnownColourName(StringOf(arguments[0]))) {
+        } else if (arguments.empty() || !IsKnownColourName(TextInQuotes(arguments[0]))) {
             return "the name of its colour " + Number(colourId) + " isn't known";
         }
         return {};

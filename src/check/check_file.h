@@ -1,7 +1,10 @@
 #pragma once
 
 #include "check/findings.h"
+#include "exchange/exchange_file.h"
 #include "p21/step_model.h"
+#include "prepare/annotations.h"
+#include "prepare/structure.h"
 #include "text/look_up.h"
 
 #include <cstddef>
@@ -16,7 +19,7 @@ namespace tarnwick {
 // How many entities there are of each keyword.
 using KeywordCounts = std::map<std::string, std::int64_t, std::less<>>;
 
-// What one file of an assembly tells about other files.
+// What one file tells about itself and about other files.
 struct FileReferences {
     // A document reference: the name of a file and the product that it belongs to, by their places in
     // `names`.
@@ -28,27 +31,47 @@ struct FileReferences {
     std::vector<std::string> names;        // each once, however often it is referred to
     std::vector<std::string> bareProducts; // that nothing hangs under and that have no file here
     std::vector<Finding> bareFindings;     // on each of them; it holds unless another file names one
+    std::vector<std::string> parents;      // products that something hangs under
+    // By `names` of files, what else a file may be called, and the finding for one that lies there so.
+    struct OtherNames {
+        std::vector<std::string> names;
+        Finding finding;
+    };
+    std::map<std::size_t, OtherNames> otherNames;
+    prepare::FileStructure structure; // what the file really holds
+    std::int64_t elements = 0;        // finite elements
+    std::int64_t elementsDrawn = 0;
+    bool hasElementSurface = false; // elements that aren't drawn have one
+    bool isAssembly = false;
+    bool hasTessellation = false;
+    bool isDrawn = false; // it has a solid, shell, set or mesh that is read
 };
 
 // The check of one P21 file: what its pieces share. Used by one thread, as the model is.
 struct CheckedFile {
     const StepModel& model;
     std::vector<Finding>& findings;
-    LookUp<std::int32_t, bool> drawn; // solids, shells, surface sets and faces that are read
+    const ExchangeFile& exchange; // the same text, read as the standard has it
+    const prepare::FileStructure& structure;
+    prepare::Annotations annotations{exchange};
+    LookUp<std::int32_t, bool> drawn = {}; // solids, shells, surface sets and faces that are read
 
     // Adds a finding at the line of an entity.
     void Add(FindingKind kind, const P42Ent* entity, std::string text);
     // The same at another place in the file's text.
     void AddAt(FindingKind kind, const P42Ent* entity, const char* place, std::string text);
+    // The same at an entity that the readers may not know.
+    void AddAt(FindingKind kind, std::uint64_t entity, std::string text);
     // Adds one on the whole file.
     void Add(FindingKind kind, std::string text);
 
-    // Whether a name that is skipped to its first comma holds one itself; adds that finding.
-    bool HasComma(const P42Ent* entity, std::string_view name);
+    // Whether a name that is skipped to its first comma holds one itself; adds that finding, with what comes
+    // of it.
+    bool HasComma(const P42Ent* entity, std::string_view name, const char* outcome);
     // Whether a reader that goes past `commas` commas to the next `target`, wherever they stand, misses the
-    // one that starts `argument`; adds that finding.
+    // one that starts `argument`; adds that finding, with what comes of it.
     bool IsMissed(const P42Ent* entity, std::string_view entityText, int commas, char target,
-                  std::string_view argument);
+                  std::string_view argument, const char* outcome);
     // Adds a finding for a list of references that is damaged, or when a line ends where one should follow.
     void CheckReferenceList(const P42Ent* entity, std::string_view list);
     // Adds a finding when the first string of an entity is so long that the program ends on it. Returns
@@ -56,6 +79,9 @@ struct CheckedFile {
     bool CheckName(const P42Ent* entity);
     // Adds a finding when a line ends within a text.
     bool CheckBreak(const P42Ent* entity, std::string_view text);
+    // Adds a finding for a product or material that isn't there, or whose name ends the program.
+    void CheckRootProduct();
+    void CheckMaterials();
 };
 
 // What a file is in a load.
@@ -75,15 +101,24 @@ void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCou
 void CheckLines(CheckedFile& file);
 // Keywords, numbers and references of all entities.
 void CheckEntities(CheckedFile& file, KeywordCounts* counts);
-// The way from the representation to the faces, and what is left out by it. `isTop` for a part that is the
-// whole document.
-void CheckPart(CheckedFile& file, bool isTop);
+// The way from the representation to the faces, and what is left out by it.
+void CheckPart(CheckedFile& file);
+// What stands in the way of the shapes in an assembly's own file, once each part has a file of its own.
+void CheckOwnShapes(CheckedFile& file);
+// Exact shape that nothing tessellated stands for, and files without any shape, which an assembly may be.
+void CheckExactShape(CheckedFile& file, bool isAssembly);
 // The way from the faces that are drawn to their colours.
 void CheckColours(CheckedFile& file);
 // Products, their placements and their files.
 void CheckAssembly(CheckedFile& file, bool isTop, FileReferences* references);
 // Elements of a finite element mesh.
-void CheckFiniteElements(CheckedFile& file);
+void CheckFiniteElements(CheckedFile& file, FileReferences* references);
+
+// Whether the file has tessellation that is no annotation.
+bool HasTessellation(CheckedFile& file);
+
+// "22 exact solids and 1 exact surface"
+std::string ExactShapeText(std::size_t solids, std::size_t surfaces);
 
 // "#12"
 std::string Number(std::int32_t id);

@@ -43,13 +43,44 @@ class PartCheck {
 public:
     explicit PartCheck(CheckedFile& file) : file_(file), model_(file.model) {}
 
-    void Run(bool isTop) {
-        if (isTop) { CheckProduct(); }
-        CheckRepresentations();
+    void Run() {
         const P42Ent* const representation = model_.Find(model_.shapeRepresentationId);
         if (representation != nullptr) { CheckItems(representation); }
+        CheckRepresentations();
         CheckLeftOut();
-        CheckExact(representation != nullptr);
+    }
+
+    // The items of all products, each by the rules for the representation that lists it.
+    void RunOnOwnShapes() {
+        std::unordered_set<std::uint64_t> told; // representations
+        for (const prepare::FileProduct& product : file_.structure.products) {
+            if (!product.files.empty()) { continue; } // that file is drawn
+            const P42Ent* counts = nullptr; // the first representation of the product that can be read
+            for (const prepare::ShapeItem& item : product.shape) {
+                const P42Ent* const entity = model_.Find(static_cast<std::int32_t>(item.item));
+                if (item.kind != prepare::ShapeKind::kTessellated || entity == nullptr) { continue; }
+                const P42Ent* const listing = model_.Find(static_cast<std::int32_t>(item.representation));
+                if (listing == nullptr) { continue; }
+                if (listing->code != code::kTessellatedShapeRepresentation) {
+                    if (IsFace(entity->code)) {
+                        NoteItem(entity);
+                    } else if (told.insert(item.representation).second) {
+                        file_.Add(FindingKind::kNotDrawn, listing,
+                                  Keyword(listing) +
+                                      " isn't read: only a TESSELLATED_SHAPE_REPRESENTATION is");
+                    }
+                } else if (counts != nullptr && counts != listing) {
+                    if (told.insert(item.representation).second) {
+                        file_.Add(FindingKind::kSeveralRepresentations, listing,
+                                  "is one more of the product of " + Number(counts->id) +
+                                      ": only the last one of a part counts");
+                    }
+                } else {
+                    counts = listing;
+                }
+                CheckItem(entity);
+            }
+        }
     }
 
 private:
@@ -57,20 +88,24 @@ private:
         return std::string(KeywordOf(EntityText(model_, entity)));
     }
 
-    void CheckProduct() {
-        const P42Ent* const product = model_.Find(model_.rootProductId);
-        if (product == nullptr) {
-            file_.Add(FindingKind::kDamaged, "the file has no PRODUCT: it isn't read");
-        } else {
-            file_.CheckName(product);
-        }
-    }
-
+    // Those that don't count, where they hold a shape that the one which counts doesn't lead to.
     void CheckRepresentations() {
         for (std::int32_t i = 0; i < model_.entityCount; ++i) {
             const P42Ent* const entity = model_.EntityAt(i);
-            if (entity->code == code::kTessellatedShapeRepresentation &&
-                entity->id != model_.shapeRepresentationId) {
+            if (entity->code != code::kTessellatedShapeRepresentation ||
+                entity->id == model_.shapeRepresentationId) {
+                continue;
+            }
+            bool isLost = false;
+            const auto arguments = ArgumentsOf(EntityText(model_, entity));
+            if (arguments.size() < 2) { continue; }
+            for (const std::int32_t id : ReferencesIn(arguments[1])) {
+                const P42Ent* const item = model_.Find(id);
+                if (item == nullptr || !IsShape(item) || seen_.contains(item)) { continue; }
+                isLost = true;
+                MarkSeen(item);
+            }
+            if (isLost) {
                 file_.Add(FindingKind::kSeveralRepresentations, entity,
                           "isn't read: only the last one, " + Number(model_.shapeRepresentationId) +
                               ", counts");
@@ -78,16 +113,33 @@ private:
         }
     }
 
+    bool IsShape(const P42Ent* item) {
+        return (IsContainer(item->code) || IsFace(item->code) ||
+                item->code == code::kTriangulatedSurfaceSet ||
+                item->code == code::kComplexTriangulatedSurfaceSet) &&
+               !file_.annotations.Contains(static_cast<std::uint64_t>(item->id));
+    }
+
+    // With what it lists, so that nothing of it is told again.
+    void MarkSeen(const P42Ent* item) {
+        seen_.insert(item);
+        if (!IsContainer(item->code)) { return; }
+        const auto arguments = ArgumentsOf(EntityText(model_, item));
+        if (arguments.size() < 2) { return; }
+        for (const std::int32_t id : ReferencesIn(arguments[1])) { seen_.insert(model_.Find(id)); }
+    }
+
     void CheckItems(const P42Ent* representation) {
-        for (const P42Ent* const item : Listed(representation)) {
-            if (IsContainer(item->code)) {
-                CheckContainer(item);
-            } else if (item->code == code::kComplexTriangulatedSurfaceSet) {
-                hasSet_ = true;
-                CheckFace(item);
-            } else {
-                NoteItem(item);
-            }
+        for (const P42Ent* const item : Listed(representation)) { CheckItem(item); }
+    }
+
+    void CheckItem(const P42Ent* item) {
+        if (IsContainer(item->code)) {
+            CheckContainer(item);
+        } else if (item->code == code::kComplexTriangulatedSurfaceSet) {
+            CheckFace(item);
+        } else {
+            NoteItem(item);
         }
     }
 
@@ -100,7 +152,7 @@ private:
             file_.Add(FindingKind::kDamaged, entity, "has no list as its second argument");
             return items;
         }
-        if (file_.IsMissed(entity, text, 1, '(', arguments[1])) { return items; }
+        if (file_.IsMissed(entity, text, 1, '(', arguments[1], "what it lists isn't drawn")) { return items; }
         file_.CheckReferenceList(entity, arguments[1]);
         for (const std::int32_t id : ReferencesIn(arguments[1])) {
             const P42Ent* const item = model_.Find(id);
@@ -113,10 +165,15 @@ private:
     void NoteItem(const P42Ent* item) {
         if (!noted_.insert(item).second) { return; }
         const std::string keyword = Keyword(item);
-        if (keyword.starts_with("AXIS2_PLACEMENT") || !seen_.insert(item).second) { return; }
+        // Placements and points without faces are no shape.
+        if (keyword.starts_with("AXIS2_PLACEMENT") || item->code == code::kCoordinatesList ||
+            file_.annotations.Contains(static_cast<std::uint64_t>(item->id)) || !seen_.insert(item).second) {
+            return;
+        }
         file_.Add(FindingKind::kNotDrawn, item,
                   IsFace(item->code) ? keyword + " directly under the representation isn't drawn"
                                      : (keyword.empty() ? "a complex instance" : keyword) + " isn't drawn");
+        if (IsFace(item->code)) { CheckFaceText(item); }
     }
 
     void CheckContainer(const P42Ent* container) {
@@ -136,7 +193,10 @@ private:
     void CheckFace(const P42Ent* face) {
         if (!seen_.insert(face).second) { return; }
         file_.drawn.AddNew(face->id);
-        ++drawnFaces_;
+        CheckFaceText(face);
+    }
+
+    void CheckFaceText(const P42Ent* face) {
         const bool isSet = face->code == code::kComplexTriangulatedSurfaceSet;
         const bool isComplex = face->code != code::kTriangulatedFace;
         const auto arguments = ArgumentsOf(EntityText(model_, face));
@@ -148,7 +208,10 @@ private:
                           std::to_string(wanted) + " are read");
             return;
         }
-        if (file_.HasComma(face, arguments[0])) { return; }
+        if (file_.HasComma(face, arguments[0],
+                           "its arguments are taken one place off, and the whole part is mostly given up")) {
+            return;
+        }
         if (!CheckSingleArguments(face, arguments)) { return; }
         const char* const lists = arguments[2].data() + arguments[2].size();
         const char* const end = arguments[wanted - 1].data() + arguments[wanted - 1].size();
@@ -170,7 +233,7 @@ private:
             file_.Add(FindingKind::kTooLong, face,
                       "its third argument has more than " + std::to_string(kDigitRoom - 1) + " digits");
         }
-        if (IsFace(face->code) && Trimmed(arguments[4]) != "$" && ReferenceOf(arguments[4]) == 0) {
+        if (IsFace(face->code) && Trimmed(arguments[4]) != "$" && IdIn(arguments[4]) == 0) {
             file_.Add(FindingKind::kDamaged, face, "its fifth argument is neither a reference nor $");
             return false;
         }
@@ -189,7 +252,7 @@ private:
             file_.Add(FindingKind::kDamaged, list, "has no list of points as its third argument");
             return -1;
         }
-        if (file_.IsMissed(list, text, 2, '(', arguments[2]) ||
+        if (file_.IsMissed(list, text, 2, '(', arguments[2], "its points aren't found") ||
             file_.CheckBreak(list, Trimmed(arguments[2]))) {
             return -1;
         }
@@ -204,7 +267,7 @@ private:
 
     // The number of vertices that a face has; -1 when it can't be told.
     std::int64_t CheckPoints(const P42Ent* face, std::string_view coordinates, std::string_view pnindex) {
-        const std::int32_t id = ReferenceOf(coordinates);
+        const std::int32_t id = IdIn(coordinates);
         const P42Ent* const list = model_.Find(id);
         if (list == nullptr) {
             if (id == 0) { file_.Add(FindingKind::kDamaged, face, "names no COORDINATES_LIST"); }
@@ -263,7 +326,7 @@ private:
             }
             if (isComplex && shape.blankBetween) {
                 file_.AddAt(FindingKind::kBlank, face, arguments[i].data(),
-                            "has a blank between its strips or fans: what follows is read wrongly");
+                            "has a blank between its strips or fans: what follows becomes other triangles");
             }
             if (isComplex && !shape.sound) {
                 file_.AddAt(FindingKind::kDamaged, face, arguments[i].data(),
@@ -279,25 +342,18 @@ private:
 
     // Tessellated shapes that the representation doesn't lead to.
     void CheckLeftOut() {
-        const auto isLeftOut = [this](const P42Ent* entity) { return !seen_.contains(entity); };
-        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
-            const P42Ent* const entity = model_.EntityAt(i);
-            if (!IsContainer(entity->code) || !isLeftOut(entity)) { continue; }
-            NoteLeftOut(entity);
-            const auto arguments = ArgumentsOf(EntityText(model_, entity));
-            if (arguments.size() < 2) { continue; }
-            for (const std::int32_t id : ReferencesIn(arguments[1])) { seen_.insert(model_.Find(id)); }
-        }
-        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
-            const P42Ent* const entity = model_.EntityAt(i);
-            const bool isShape = IsFace(entity->code) || entity->code == code::kTriangulatedSurfaceSet ||
-                                 entity->code == code::kComplexTriangulatedSurfaceSet;
-            if (isShape && isLeftOut(entity)) { NoteLeftOut(entity); }
+        for (const bool isContainer : {true, false}) {
+            for (std::int32_t i = 0; i < model_.entityCount; ++i) {
+                const P42Ent* const entity = model_.EntityAt(i);
+                if (IsContainer(entity->code) == isContainer && !seen_.contains(entity) && IsShape(entity)) {
+                    MarkSeen(entity);
+                    NoteLeftOut(entity);
+                }
+            }
         }
     }
 
     void NoteLeftOut(const P42Ent* entity) {
-        seen_.insert(entity);
         const char* const why = model_.shapeRepresentationId != 0
                                     ? " isn't drawn: the TESSELLATED_SHAPE_REPRESENTATION that counts "
                                       "doesn't lead to it"
@@ -305,46 +361,21 @@ private:
         file_.Add(FindingKind::kNotListed, entity, Keyword(entity) + why);
     }
 
-    void CheckExact(bool hasRepresentation) {
-        const P42Ent* first = nullptr;
-        std::int64_t exact = 0;
-        for (std::int32_t i = 0; i < model_.entityCount; ++i) {
-            const P42Ent* const entity = model_.EntityAt(i);
-            if (entity->code != code::kAdvancedFace) { continue; }
-            if (exact++ == 0) { first = entity; }
-        }
-        if (exact == 0) {
-            if (!hasRepresentation) {
-                file_.Add(FindingKind::kNotDrawn, "the file has no TESSELLATED_SHAPE_REPRESENTATION");
-            }
-            return;
-        }
-        const std::string count =
-            exact == 1 ? "an ADVANCED_FACE" : "the first of " + std::to_string(exact) + " ADVANCED_FACEs";
-        if (!hasRepresentation) {
-            file_.Add(FindingKind::kExactOnly, first,
-                      count + ", but the file has no TESSELLATED_SHAPE_REPRESENTATION");
-        } else if (drawnFaces_ < exact && !hasSet_) {
-            file_.Add(FindingKind::kExactOnly, first,
-                      count + (drawnFaces_ == 0 ? ", but no tessellated face is drawn"
-                                                : ", but only " + std::to_string(drawnFaces_) +
-                                                      " tessellated faces are drawn"));
-        }
-    }
-
     CheckedFile& file_;
     const StepModel& model_;
     std::unordered_set<const P42Ent*> seen_;
     std::unordered_set<const P42Ent*> noted_; // items that aren't read
     std::unordered_map<const P42Ent*, std::int64_t> points_;
-    std::int64_t drawnFaces_ = 0;
-    bool hasSet_ = false; // a surface set may stand for any number of faces
 };
 
 } // namespace
 
-void CheckPart(CheckedFile& file, bool isTop) {
-    PartCheck(file).Run(isTop);
+void CheckPart(CheckedFile& file) {
+    PartCheck(file).Run();
+}
+
+void CheckOwnShapes(CheckedFile& file) {
+    PartCheck(file).RunOnOwnShapes();
 }
 
 } // namespace tarnwick

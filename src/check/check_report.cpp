@@ -1,4 +1,5 @@
 #include "check/check_path.h"
+#include "exchange/string_text.h"
 #include "report/json_writer.h"
 #include "text/one_line.h"
 
@@ -7,6 +8,11 @@ namespace tarnwick {
 namespace {
 
 constexpr std::size_t kMostShown = 10;
+
+// On one line, and as UTF-8.
+std::string Printable(const std::string& text) {
+    return AsUtf8(OnOneLine(text));
+}
 
 // "part.stp, line 123, #45: has no normals", as far as each is known.
 std::string FindingLine(const CheckReport& report, const Finding& finding) {
@@ -20,7 +26,7 @@ std::string FindingLine(const CheckReport& report, const Finding& finding) {
     }
     if (finding.line > 0) { add("line " + std::to_string(finding.line)); }
     if (finding.entity > 0) { add(Number(finding.entity)); }
-    return OnOneLine(place.empty() ? finding.text : place + ": " + finding.text);
+    return Printable(place.empty() ? finding.text : place + ": " + finding.text);
 }
 
 void WriteNumberOrNull(JsonWriter* json, const char* key, std::int32_t number) {
@@ -49,24 +55,38 @@ void WriteFinding(JsonWriter* json, const CheckReport& report, const Finding& fi
 
 } // namespace
 
-std::string CheckText(const CheckReport& report) {
-    std::string text;
-    for (const auto& [keyword, count] : report.counts) {
-        const std::string digits = std::to_string(count);
-        text.append(digits.size() < 9 ? 9 - digits.size() : 0, ' ');
-        text += digits + "  " + OnOneLine(keyword) + "\n";
-    }
+std::string CheckText(const CheckReport& report, const CheckTextOptions& options) {
     const std::vector<Finding>& findings = report.findings;
+    const auto coloured = [&options](const char* colour, const std::string& text) {
+        return options.colours ? colour + text + "\x1b[0m" : text;
+    };
+    constexpr const char* kBold = "\x1b[1m";
+    std::string text = coloured(kBold, Printable(SummaryOf(report))) + "\n";
     for (std::size_t i = 0; i < findings.size();) {
         const FindingKind kind = findings[i].kind;
-        text += std::string(text.empty() ? "" : "\n") + TextOf(kind).heading + "\n";
+        text += "\n" + coloured(kBold, TextOf(kind).heading) + "\n";
         std::size_t shown = 0;
         for (; i < findings.size() && findings[i].kind == kind; ++i) {
             if (shown++ < kMostShown) { text += "  " + FindingLine(report, findings[i]) + "\n"; }
         }
-        if (shown > kMostShown) { text += "  and " + std::to_string(shown - kMostShown) + " more\n"; }
+        if (shown > kMostShown) {
+            text += "  and " + Grouped(static_cast<std::int64_t>(shown - kMostShown)) + " more\n";
+        }
+        text += coloured("\x1b[36m", TextOf(kind).advice) + "\n";
     }
-    return text + (text.empty() ? "" : "\n") + AdviceFor(findings) + "\n";
+    if (!report.command.empty()) {
+        text += "\nOr have it brought into the form that the viewer shows:\n  " +
+                coloured(kBold, Printable(report.command)) + "\n";
+    }
+    if (findings.empty()) { text += std::string("\n") + AdviceFor(findings) + "\n"; }
+    if (!options.counts || report.counts.empty()) { return text; }
+    text += "\n";
+    for (const auto& [keyword, count] : report.counts) {
+        const std::string digits = std::to_string(count);
+        text.append(digits.size() < 9 ? 9 - digits.size() : 0, ' ');
+        text += digits + "  " + Printable(keyword) + "\n";
+    }
+    return text;
 }
 
 std::string CheckJson(const CheckReport& report) {
@@ -76,6 +96,26 @@ std::string CheckJson(const CheckReport& report) {
     json.Text("tarnwick.check/1");
     json.Key("path");
     json.Text(report.path);
+    json.Key("summary");
+    json.Utf8(Printable(SummaryOf(report)));
+    const auto number = [&json](const char* key, std::int64_t value) {
+        json.Key(key);
+        json.Integer(value);
+    };
+    json.Key("shown");
+    json.BeginObject();
+    number("triangles", report.outcome.triangles);
+    number("visible", report.outcome.visible);
+    number("parts", report.outcome.parts);
+    json.EndObject();
+    json.Key("held");
+    json.BeginObject();
+    number("parts", report.totals.parts);
+    number("tessellated", report.totals.tessellated);
+    number("exactSolids", report.totals.exactSolids);
+    number("exactSurfaces", report.totals.exactSurfaces);
+    number("elements", report.totals.elements);
+    json.EndObject();
     json.Key("counts");
     json.BeginObject();
     for (const auto& [keyword, count] : report.counts) {
@@ -89,6 +129,19 @@ std::string CheckJson(const CheckReport& report) {
     json.EndArray();
     json.Key("advice");
     json.Text(AdviceFor(report.findings));
+    json.Key("advices");
+    json.BeginArray();
+    for (std::size_t i = 0; i < report.findings.size(); ++i) {
+        const FindingKind kind = report.findings[i].kind;
+        if (i == 0 || kind != report.findings[i - 1].kind) { json.Text(TextOf(kind).advice); }
+    }
+    json.EndArray();
+    json.Key("command");
+    if (report.command.empty()) {
+        json.Null();
+    } else {
+        json.Text(report.command);
+    }
     json.EndObject();
     return json.Take() + "\n";
 }

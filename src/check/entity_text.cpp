@@ -38,8 +38,8 @@ std::int32_t NumberAt(std::string_view text, std::size_t* digits) {
     return value > std::numeric_limits<std::int32_t>::max() ? 0 : static_cast<std::int32_t>(value);
 }
 
-bool IsPartOfValue(char c, bool starts, ListOf values) {
-    if (values == ListOf::kReferences) { return starts ? c == '#' : real::IsDigit(c); }
+bool IsPartOfValue(char c, bool starts, ValueKind values) {
+    if (values == ValueKind::kReferences) { return starts ? c == '#' : real::IsDigit(c); }
     return real::IsDigit(c) || c == '.' || c == '-' || c == '+' || c == 'E' || c == 'e';
 }
 
@@ -119,7 +119,7 @@ std::string_view Trimmed(std::string_view text) {
     return text;
 }
 
-std::int32_t ReferenceOf(std::string_view argument) {
+std::int32_t IdIn(std::string_view argument) {
     const std::string_view text = Trimmed(argument);
     std::size_t digits = 0;
     return !text.empty() && text.front() == '#' ? NumberAt(text.substr(1), &digits) : 0;
@@ -154,7 +154,7 @@ std::vector<std::int32_t> ReferencesIn(std::string_view list) {
     return ids;
 }
 
-ListShape ShapeOf(std::string_view list, ListOf values) {
+ListShape ShapeOf(std::string_view list, ValueKind values) {
     ListShape shape;
     const std::string_view text = Trimmed(list);
     if (text == "$") { return shape; }
@@ -196,7 +196,7 @@ ListShape ShapeOf(std::string_view list, ListOf values) {
     return shape;
 }
 
-std::string_view StringOf(std::string_view argument) {
+std::string_view TextInQuotes(std::string_view argument) {
     const std::string_view text = Trimmed(argument);
     if (text.size() < 2 || text.front() != '\'' || text.back() != '\'') { return {}; }
     return text.substr(1, text.size() - 2);

@@ -31,7 +31,7 @@ std::string_view SkipSpace(std::string_view text);
 std::string_view Trimmed(std::string_view text);
 
 // The number of a reference, 0 for any other argument and for a number that is no entity's.
-std::int32_t ReferenceOf(std::string_view argument);
+std::int32_t IdIn(std::string_view argument);
 
 // Goes through the references in a text, one call after another; strings are passed over, and the numbers of
 // entities that stand in the text by mistake.
@@ -57,12 +57,12 @@ struct ListShape {
     bool triples = true;       // each of them has three values
     bool blankBetween = false; // a blank or tab between the lists of the list
 };
-enum class ListOf { kNumbers, kReferences };
+enum class ValueKind { kNumbers, kReferences };
 // "$" has the shape of an empty list.
-ListShape ShapeOf(std::string_view list, ListOf values = ListOf::kNumbers);
+ListShape ShapeOf(std::string_view list, ValueKind values = ValueKind::kNumbers);
 
 // What is between the quotes of an argument that is a string, else empty.
-std::string_view StringOf(std::string_view argument);
+std::string_view TextInQuotes(std::string_view argument);
 
 // An offset from the start of the model's text.
 inline std::int32_t OffsetOf(const StepModel& model, const char* place) {

@@ -8,19 +8,28 @@
 
 namespace tarnwick {
 
-// What can be wrong with a file, the most serious kinds first: what ends the program, what leaves the whole
-// part out, what leaves pieces of it out, what makes it look different.
+// What can be wrong with a file, in the order in which it must be met before the file shows all: what keeps
+// it from being read, what leaves the whole part out, what leaves pieces of it out, what makes it look
+// different.
 enum class FindingKind {
+    kExtension,
     kUnread,
+    kHeader,
     kTooLong,
+    kStands,
+    kDocument,
+    kNoProduct,
     kDamaged,
     kManyNormals,
-    kBrokenList,
     kExactOnly,
+    kNoShape,
     kOwnGeometry,
     kNoFile,
+    kNoFileName,
+    kHidden,
     kSeveralRepresentations,
     kNotDrawn,
+    kBrokenList,
     kElement,
     kSwallowed,
     kBlank,
@@ -30,17 +39,21 @@ enum class FindingKind {
     kMissing,
     kDoubled,
     kTransparent,
+    kBlackMesh,
     kColour,
     kNotListed,
     kNoNormals,
+    kNothing,
 };
-inline constexpr std::size_t kFindingKinds = 22;
+inline constexpr std::size_t kFindingKinds = 32;
 
 // How a kind is called in reports, above its findings, and what to do about it.
 struct FindingKindText {
     const char* name;
     const char* heading;
     const char* advice;
+    bool isMended; // by tarnwick-prepare
+    bool isLoss;   // something isn't drawn
 };
 const FindingKindText& TextOf(FindingKind kind);
 
@@ -51,13 +64,13 @@ struct Finding {
     std::int32_t entity = 0;  // entity number; 0 for none
     std::int32_t offset = -1; // in the file's text; -1 for none
     std::int32_t line = 0;    // from 1, once it is known; 0 for none
-    std::string text;
+    std::string text = {};
 };
 
 // Sets the line of each finding from its offset in `text`, in one pass over it.
 void FindLines(std::string_view text, std::vector<Finding>* findings);
 
-// The advice for the most serious of the findings.
+// The advice for the first of the findings, or that nothing is wrong.
 const char* AdviceFor(const std::vector<Finding>& findings);
 
 } // namespace tarnwick

@@ -65,20 +65,18 @@ TEST_F(CheckAssembly, FindsAFileThatTheReaderFinds) {
 
 TEST_F(CheckAssembly, TellsOfAFileThatIsNoP21) {
     folder_.Write("wheel.stp", "no STEP");
-    EXPECT_THAT(FindingsIn(Top()), ElementsAre("wheel.stp unread-file"));
+    EXPECT_THAT(FindingsIn(Top()), ElementsAre("wheel.stp header"));
 }
 
 TEST_F(CheckAssembly, TellsOfFileNamesWithDots) {
     EXPECT_THAT(After("wheel.stp", "whe...el.stp"), ElementsAre("dots-in-name 27 #20"));
 }
 
-TEST_F(CheckAssembly, TellsOfAProductWhoseShapeStandsInTheSameFile) {
-    const std::string text = EditedIn(EditedIn(Top(), "APPLIED_DOCUMENT_REFERENCE", "NO_REFERENCE"),
-                                      "#999997=A();", "#999997=ADVANCED_FACE();");
-    const CheckReport report = Checked(folder_.Write("top.stp", text));
-    EXPECT_THAT(Brief(report), ElementsAre("own-geometry 13 #6"));
-    EXPECT_EQ(report.findings[0].text,
-              "product 'wheel' has no file: shapes in the file of the assembly aren't drawn");
+TEST_F(CheckAssembly, TellsOfAProductWithoutFileAndShape) {
+    const CheckReport report =
+        Checked(folder_.Write("top.stp", EditedIn(Top(), "APPLIED_DOCUMENT_REFERENCE", "NO_REFERENCE")));
+    EXPECT_THAT(Brief(report), ElementsAre("no-shape 13 #6"));
+    EXPECT_EQ(report.findings[0].text, "product 'wheel' has neither a file nor a shape");
 }
 
 TEST_F(CheckAssembly, LetsAnotherFileNameTheFileOfAProduct) {
@@ -101,7 +99,7 @@ TEST_F(CheckAssembly, LetsAnotherFileNameTheFileOfAProduct) {
     for (const char* const line : {"#999997=A();", "#999998=B();", "#999999=C();"}) {
         upperLines.emplace_back(line);
     }
-    EXPECT_THAT(FindingsIn(P21Text(upperLines)), ElementsAre("axle.stp own-geometry 13 #6"));
+    EXPECT_THAT(FindingsIn(P21Text(upperLines)), ElementsAre("axle.stp no-shape 13 #6"));
     upper.File(upperWheel, "wheel.stp");
     upperLines = upper.DataLines();
     for (const char* const line : {"#999997=A();", "#999998=B();", "#999999=C();"}) {

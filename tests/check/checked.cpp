@@ -18,6 +18,11 @@ CheckReport Checked(const std::string& path, bool useThreads) {
     return CheckPath(dispatch, path, nullptr, useThreads);
 }
 
+CheckReport CheckedUntried(const std::string& path) {
+    LogCapture log;
+    return CheckWith(path, nullptr, {});
+}
+
 std::vector<std::string> Brief(const CheckReport& report) {
     std::vector<std::string> brief;
     for (const Finding& finding : report.findings) {

@@ -18,6 +18,9 @@ using testing::IsEmpty;
 // The report of a file, with nothing printed. An archive is only read with threads.
 CheckReport Checked(const std::string& path, bool useThreads = 0);
 
+// The same of a P21 file without a trial of the load, for checks by the thousand.
+CheckReport CheckedUntried(const std::string& path);
+
 // "kind line #entity" of each finding, as far as it has these; in an assembly the file's name comes first.
 std::vector<std::string> Brief(const CheckReport& report);
 // The same for a file of that name with this text.

@@ -58,7 +58,7 @@ TEST(CheckColours, TellOfAListWithAGap) {
 
 TEST(CheckColours, TellOfStylesOnExactShapesAlone) {
     const std::string text = EditedIn(EditedIn(Edited("(#50),#20", "(#50),#8"), "(#51),#22", "(#51),#8"),
-                                      "#9=", "#8=MANIFOLD_SOLID_BREP();\n#9=");
+                                      "#9=", "#8=SOMETHING_ELSE();\n#9=");
     EXPECT_THAT(Findings(text), ElementsAre("colour 18 #41"));
 }
 

@@ -60,7 +60,7 @@ TEST(CheckEntities, TellsOfACategoryAmongSeveralProductsThatEndsTheProgram) {
 
 TEST(CheckEntities, TellsWhyAFileIsNoP21) {
     const std::string good = GoodPart();
-    EXPECT_THAT(Findings("\xEF\xBB\xBF" + good), ElementsAre("unread-file"));
+    EXPECT_THAT(Findings("\xEF\xBB\xBF" + good), ElementsAre("header"));
     EXPECT_THAT(Texts("\xEF\xBB\xBF" + good),
                 ElementsAre("the file isn't read: something stands before its ISO-10303-21, which must come "
                             "first"));
@@ -69,12 +69,12 @@ TEST(CheckEntities, TellsWhyAFileIsNoP21) {
     EXPECT_THAT(Texts(Edited("DATA;", "DATA ;")),
                 ElementsAre("the file isn't read: no line starts with DATA;"));
     EXPECT_THAT(Texts(Edited("FILE_SCHEMA(", "FILE_SCHEMA (")),
-                ElementsAre("the file isn't read: its header has no FILE_SCHEMA( (without a blank)"));
+                ElementsAre("the file isn't read: a blank or line end stands between FILE_SCHEMA and \"(\""));
 }
 
 TEST(CheckEntities, TellsOfAFileThatIsNotThere) {
     EXPECT_THAT(Brief(Checked("/nowhere/part.stp")), ElementsAre("unread-file"));
-    EXPECT_THAT(Brief(Checked("/nowhere/part.txt")), ElementsAre("unread-file"));
+    EXPECT_THAT(Brief(Checked("/nowhere/part.txt")), ElementsAre("extension"));
 }
 
 } // namespace

@@ -39,7 +39,7 @@ TEST(CheckOrDraw, EachCharacterCounts) {
             std::string text = good;
             text[place] = c;
             const std::string path = folder.Write("part.stp", text);
-            if (!Checked(path).findings.empty()) { continue; }
+            if (!CheckedUntried(path).findings.empty()) { continue; }
             ++unfound;
             EXPECT_EQ(Drawn(path), whole) << place << " '" << c << "'";
         }

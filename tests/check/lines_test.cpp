@@ -14,7 +14,7 @@ TEST(CheckLines, TellOfAnIndentedEntity) {
 }
 
 TEST(CheckLines, TellOfABlankBehindProduct) {
-    EXPECT_THAT(Findings(Edited("PRODUCT(", "PRODUCT (")), ElementsAre("damaged", "blank 8 #1"));
+    EXPECT_THAT(Findings(Edited("PRODUCT(", "PRODUCT (")), ElementsAre("no-product", "blank 8 #1"));
     EXPECT_THAT(Findings(Edited("TESSELLATED_SOLID(", "TESSELLATED_SOLID (")), IsEmpty());
 }
 

@@ -5,34 +5,46 @@
 namespace tarnwick::test {
 namespace {
 
-TEST(CheckPart, TellsOfExactSurfacesAlone) {
-    const std::string text =
+TEST(CheckPart, TellsOfExactShapeAlone) {
+    const std::string faces =
         P21Text({"#1=PRODUCT('P','','',());", "#2=ADVANCED_FACE();", "#3=ADVANCED_FACE();"});
-    EXPECT_THAT(Findings(text), ElementsAre("exact-only 9 #2"));
-    EXPECT_THAT(Texts(text), ElementsAre("the first of 2 ADVANCED_FACEs, but the file has no "
-                                         "TESSELLATED_SHAPE_REPRESENTATION"));
+    EXPECT_THAT(Findings(faces), ElementsAre("exact-only 9 #2"));
+    EXPECT_THAT(Texts(faces), ElementsAre("2 exact faces, in no solid or surface, without tessellation"));
+    const std::string solid =
+        P21Text({"#1=PRODUCT('P','','',());", "#2=MANIFOLD_SOLID_BREP('',#3);", "#3=CLOSED_SHELL('',());"});
+    EXPECT_THAT(Findings(solid), ElementsAre("exact-only 9 #2"));
+    EXPECT_THAT(Texts(solid), ElementsAre("1 exact solid isn't drawn, since it has no tessellation"));
 }
 
-TEST(CheckPart, TellsOfMoreExactSurfacesThanTessellatedOnes) {
-    const std::string noSet = EditedIn(EditedIn(GoodPart(), "(#20,#22)", "(#20)"),
-                                       "#22=COMPLEX_TRIANGULATED_SURFACE_SET", "#22=ANY");
-    EXPECT_THAT(Findings(EditedIn(noSet, "#9=", "#7=ADVANCED_FACE();\n#8=ADVANCED_FACE();\n#9=")), IsEmpty());
-    EXPECT_THAT(Findings(EditedIn(
-                    noSet, "#9=", "#6=ADVANCED_FACE();\n#7=ADVANCED_FACE();\n#8=ADVANCED_FACE();\n#9=")),
-                ElementsAre("exact-only 10 #6"));
+TEST(CheckPart, TellsOfExactShapeThatNoTessellationStandsFor) {
+    const std::string linked =
+        EditedIn(Edited("(#30,#31),$)", "(#30,#31),#7)"),
+                 "#9=", "#6=CLOSED_SHELL('',());\n#7=MANIFOLD_SOLID_BREP('',#6);\n#9=");
+    EXPECT_THAT(Findings(linked), IsEmpty());
+    const std::string more = EditedIn(linked, "#9=", "#8=MANIFOLD_SOLID_BREP('',#6);\n#9=");
+    EXPECT_THAT(Findings(more), ElementsAre("exact-only 12 #8"));
+    EXPECT_THAT(Texts(more), ElementsAre("1 exact solid has no tessellation that stands for it"));
+    EXPECT_THAT(Findings(EditedIn(more, "(#30,#31),#7)", "(#30,#31),$)")), IsEmpty())
+        << "what a solid without link stands for isn't known";
 }
 
 TEST(CheckPart, TellsOfAFileWithoutShapes) {
-    EXPECT_THAT(Findings(P21Text({"#1=PRODUCT('P','','',());"})), ElementsAre("not-drawn"));
+    EXPECT_THAT(Findings(P21Text({"#1=PRODUCT('P','','',());"})), ElementsAre("no-shape"));
 }
 
 TEST(CheckPart, TellsOfAFileWithoutProduct) {
-    EXPECT_THAT(Findings(Edited("#1=PRODUCT(", "#1=PRODUKT(")), ElementsAre("damaged"));
+    EXPECT_THAT(Findings(Edited("#1=PRODUCT(", "#1=PRODUKT(")), ElementsAre("no-product"));
 }
 
 TEST(CheckPart, TellsOfRepresentationsThatDontCount) {
-    EXPECT_THAT(Findings(Edited("#9=", "#3=TESSELLATED_SHAPE_REPRESENTATION('',(#20,#22),#9);\n#9=")),
+    EXPECT_THAT(Findings(Edited("#9=", "#3=TESSELLATED_SHAPE_REPRESENTATION('',(#22),#9);\n#9=")),
                 ElementsAre("several-representations 9 #2"));
+    EXPECT_THAT(Findings(Edited("#9=", "#3=TESSELLATED_SHAPE_REPRESENTATION('',(#20,#22),#9);\n#9=")),
+                IsEmpty())
+        << "nothing is lost with it";
+    EXPECT_THAT(Findings(Edited("#2=TESS", "#3=TESSELLATED_SHAPE_REPRESENTATION('',(#10),#9);\n#2=TESS")),
+                IsEmpty())
+        << "points alone are no shape";
 }
 
 TEST(CheckPart, TellsOfATriangulatedSurfaceSet) {

@@ -27,18 +27,49 @@ std::string WithWires(int count) {
 
 TEST(CheckReports, SayThatNothingIsWrong) {
     const std::string text = CheckText(ReportOf(GoodPart()));
-    EXPECT_THAT(text, EndsWith("\n\nNothing is wrong with this file.\n"));
-    EXPECT_THAT(text, HasSubstr("        2  STYLED_ITEM\n"));
+    EXPECT_EQ(text, "Shows all of its 7 triangles\n\nNothing is wrong with this file.\n");
+    EXPECT_THAT(CheckText(ReportOf(GoodPart()), {.counts = true}), HasSubstr("        2  STYLED_ITEM\n"));
 }
 
 TEST(CheckReports, NameLineAndEntityOfAFinding) {
-    EXPECT_THAT(
-        CheckText(ReportOf(WithWires(1))),
-        EndsWith(
-            "\nItems that are not drawn\n  line 10, #100: TESSELLATED_WIRE isn't drawn\n\nWrite shapes as "
-            "faces of a TESSELLATED_SOLID or TESSELLATED_SHELL, or as "
-            "COMPLEX_TRIANGULATED_SURFACE_SETs, that the representation lists: others aren't "
-            "drawn.\n"));
+    const CheckReport report = ReportOf(WithWires(1));
+    EXPECT_EQ(
+        CheckText(report),
+        "Shows 7 triangles, which isn't all that the file holds\n\nItems that are not drawn\n  line 10, "
+        "#100: TESSELLATED_WIRE isn't drawn\nWrite shapes as faces of a TESSELLATED_SOLID or "
+        "TESSELLATED_SHELL, or as COMPLEX_TRIANGULATED_SURFACE_SETs, that the representation lists: "
+        "others aren't drawn.\n\nOr have it brought into the form that the viewer shows:\n  " +
+            report.command + "\n");
+    EXPECT_EQ(report.command, "tarnwick-prepare " + report.path);
+}
+
+TEST(CheckReports, GiveTheAdviceOfEachKind) {
+    const std::string text = CheckText(
+        ReportOf(EditedIn(Edited("4,((0.,0.,1.)),$", "4,$,$"), "TRANSPARENT(0.5)", "TRANSPARENT(0.)")));
+    EXPECT_THAT(text, HasSubstr(TextOf(FindingKind::kTransparent).advice));
+    EXPECT_THAT(text, HasSubstr(TextOf(FindingKind::kNoNormals).advice));
+}
+
+TEST(CheckReports, AreUtf8WhateverTheNamesAre) {
+    CheckReport report;
+    report.files = {"a.stp"};
+    report.findings.push_back({.kind = FindingKind::kNoShape,
+                               .text = "product 'pi\xE8"
+                                       "ce'"});
+    EXPECT_THAT(CheckText(report), HasSubstr("  product 'pi\xC3\xA8"
+                                             "ce'\n"));
+}
+
+TEST(CheckReports, HaveColoursOnlyWhereTheyAreAskedFor) {
+    const CheckReport report = ReportOf(WithWires(1));
+    EXPECT_THAT(CheckText(report), Not(HasSubstr("\x1b")));
+    EXPECT_THAT(CheckText(report, {.colours = true}), HasSubstr("\x1b[1mShows 7 triangles"));
+}
+
+TEST(CheckReports, QuoteThePathInTheCommand) {
+    const TempFolder folder;
+    const CheckReport report = Checked(folder.Write("it's one.stp", WithWires(1)));
+    EXPECT_EQ(report.command, "tarnwick-prepare '" + folder.Path("it'\\''s one.stp") + "'");
 }
 
 TEST(CheckReports, ShowTenOfAKind) {
@@ -86,7 +117,7 @@ TEST(CheckReports, KeepANameOnOneLine) {
     report.files = {report.path, "c\x1b.stp"};
     report.counts["P\nQ"] = 1;
     report.findings.push_back({.kind = FindingKind::kUnread, .file = 1, .text = "product 'd\ne' is lost"});
-    const std::string text = CheckText(report);
+    const std::string text = CheckText(report, {.counts = true});
     EXPECT_THAT(text, HasSubstr("        1  P?Q\n"));
     EXPECT_THAT(text, HasSubstr("  c?.stp: product 'd?e' is lost\n"));
     EXPECT_EQ(json::parse(CheckJson(report))["findings"][0]["file"], "c\x1b.stp");

@@ -13,8 +13,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
+#include <unistd.h>
 
 namespace tarnwick::tools {
 
@@ -90,6 +92,14 @@ void SayWhatHelps(const SceneView& view, bool loaded, const std::string& path) {
     });
 }
 
+// Whether standard output is a terminal whose user hasn't asked for no colours.
+bool HasColours() {
+    const char* const refused = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0') && terminal != nullptr &&
+           std::strcmp(terminal, "dumb") != 0;
+}
+
 } // namespace
 
 int LoadAndReport(const LoadOptions& options) {
@@ -141,8 +151,9 @@ int PrintCheck(const LoadOptions& options) {
     const char* const rootName = options.product ? options.product->c_str() : nullptr;
     const CheckReport report = CheckPath(dispatch, options.path, rootName, !options.noThreads);
     const bool asJson = !options.jsonFile.empty();
+    const CheckTextOptions text{.counts = options.verbose, .colours = HasColours()};
     const bool written = Report(asJson ? options.jsonFile : "-",
-                                [&] { return asJson ? CheckJson(report) : CheckText(report); });
+                                [&] { return asJson ? CheckJson(report) : CheckText(report, text); });
     return written && report.findings.empty() ? 0 : 1;
 }
 

@@ -16,7 +16,8 @@ struct LoadOptions {
     int repeat = 1;
     bool index = false;
     bool entities = false;
-    bool check = false; // then `jsonFile` is for the report of the check
+    bool verbose = false; // the check counts keywords too
+    bool check = false;   // then `jsonFile` is for the report of the check
 };
 
 // Reads the command line. Returns false when the program is to end at once, with *status as its exit status:

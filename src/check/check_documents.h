@@ -1,0 +1,32 @@
+#pragma once
+
+#include "check/findings.h"
+#include "product/scene_records.h"
+#include "xml/document_archive.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tarnwick {
+
+// A file that documents lead to.
+struct DocumentFile {
+    std::string path; // as it is opened, or the member of the archive
+    std::string product;
+};
+
+// What STEP XML documents say, read as the load reads them but for the texts on which it stands still.
+struct CheckedDocuments {
+    std::vector<std::string> paths;   // of the documents that could be opened; the first is the root
+    std::vector<Finding> findings;    // `file` is the place among the paths
+    std::vector<DocumentFile> unread; // documents that could not be opened
+    std::vector<DocumentFile> parts;  // P21 files, each once
+    std::int64_t placedParts = 0;     // uses of products with a part file, multiplied through
+    std::int64_t uses = 0;            // that were read
+};
+
+// `archive` is null for files. `rootName` may be null.
+CheckedDocuments CheckDocuments(const std::string& path, const char* rootName, DocumentArchive* archive);
+
+} // namespace tarnwick
