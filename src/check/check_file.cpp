@@ -185,14 +185,6 @@ void CheckedFile::CheckMaterials() {
     }
 }
 
-bool CheckedFile::CheckBreak(const P42Ent* entity, std::string_view text) {
-    const std::size_t lineEnd = text.find('\n');
-    if (lineEnd == std::string_view::npos) { return false; }
-    AddAt(FindingKind::kBrokenList, entity, text.data() + lineEnd,
-          "its lists are broken here: they must stand on the entity's first line");
-    return true;
-}
-
 int ReadToCheck(StepModel& model, std::vector<Finding>* findings) {
     const int result = model.ReadIndex();
     if (result != StepModel::kRead) { return result; }

@@ -77,8 +77,6 @@ struct CheckedFile {
     // Adds a finding when the first string of an entity is so long that the program ends on it. Returns
     // whether it is short enough.
     bool CheckName(const P42Ent* entity);
-    // Adds a finding when a line ends within a text.
-    bool CheckBreak(const P42Ent* entity, std::string_view text);
     // Adds a finding for a product or material that isn't there, or whose name ends the program.
     void CheckRootProduct();
     void CheckMaterials();

@@ -3,6 +3,7 @@
 
 #include "check/check_file.h"
 #include "check/entity_text.h"
+#include "check/line_breaks.h"
 #include "p21/keyword_codes.h"
 #include "p21/text_walk.h"
 #include "text/parse_real.h"
@@ -199,7 +200,8 @@ private:
     void CheckFaceText(const P42Ent* face) {
         const bool isSet = face->code == code::kComplexTriangulatedSurfaceSet;
         const bool isComplex = face->code != code::kTriangulatedFace;
-        const auto arguments = ArgumentsOf(EntityText(model_, face));
+        const std::string_view text = EntityText(model_, face);
+        const auto arguments = ArgumentsOf(text);
         const std::size_t pnindex = isSet ? 4 : 5;
         const std::size_t wanted = pnindex + (isComplex ? 3 : 2);
         if (arguments.size() < wanted) {
@@ -208,17 +210,73 @@ private:
                           std::to_string(wanted) + " are read");
             return;
         }
+        // The reader of a last list with blanks behind it goes on to the end of the entity.
+        if (arguments.back().data() + arguments.back().size() >= text.data() + text.size()) {
+            file_.Add(FindingKind::kDamaged, face, "ends without its last parenthesis");
+            return;
+        }
         if (file_.HasComma(face, arguments[0],
                            "its arguments are taken one place off, and the whole part is mostly given up")) {
             return;
         }
         if (!CheckSingleArguments(face, arguments)) { return; }
-        const char* const lists = arguments[2].data() + arguments[2].size();
-        const char* const end = arguments[wanted - 1].data() + arguments[wanted - 1].size();
-        if (file_.CheckBreak(face, {lists, static_cast<std::size_t>(end - lists)})) { return; }
+        if (!CheckBreaks(face, arguments, pnindex, wanted)) { return; }
         const std::int64_t vertices = CheckPoints(face, arguments[1], arguments[pnindex]);
         if (vertices >= 0) { CheckNormals(face, arguments[3], vertices); }
         CheckTriangles(face, arguments, pnindex + 1, vertices);
+    }
+
+    void AddBreak(const P42Ent* entity, const LineBreak& found, std::string text) {
+        if (found.count > 1) {
+            text += ", here and at " + std::to_string(found.count - 1) + " more line ends";
+        }
+        file_.AddAt(FindingKind::kBrokenList, entity, found.place, std::move(text));
+    }
+
+    // The line ends in a face's lists that do harm; false when nothing more can be said of the face.
+    bool CheckBreaks(const P42Ent* face, const std::vector<std::string_view>& arguments, std::size_t pnindex,
+                     std::size_t wanted) {
+        const bool isComplex = face->code != code::kTriangulatedFace;
+        LineBreak walk;
+        const auto take = [&walk](const LineBreak& found) {
+            if (found.kind == BreakKind::kWalk && walk.place == nullptr) { walk = found; }
+        };
+        LineBreak normals;
+        LineBreak triangles;
+        for (std::size_t i = 3; i < wanted; ++i) {
+            const std::string_view before = Trimmed(arguments[i - 1]);
+            const std::string_view list = Trimmed(arguments[i]);
+            const char* const behind = before.data() + before.size();
+            const Between kind = i == 3 && before != "$"                ? Between::kBehindNumber
+                                 : i > pnindex && list.starts_with('(') ? Between::kBeforeTriangles
+                                                                        : Between::kAny;
+            take(BreakBetween({behind, static_cast<std::size_t>(list.data() - behind)}, kind));
+            if (i == 3) { take(normals = BreakInTriples(list, true, false)); }
+            if (i == pnindex) { take(BreakInNumbers(list)); }
+            if (i <= pnindex) { continue; }
+            if (isComplex) {
+                take(BreakInStrips(list, i + 1 == wanted));
+            } else {
+                triangles = BreakInTriples(list, false, true);
+            }
+        }
+        if (walk.kind == BreakKind::kWalk) {
+            file_.AddAt(FindingKind::kBrokenList, face, walk.place,
+                        "its lists are broken here: what follows is taken for something else, and mostly the "
+                        "whole part is given up");
+            return false;
+        }
+        if (normals.kind == BreakKind::kNumber) {
+            AddBreak(face, normals, "the number behind this line end reads as 0: a normal is another");
+        }
+        if (triangles.kind == BreakKind::kNumber) {
+            AddBreak(face, triangles, "the number behind this line end reads as 0: a triangle isn't drawn");
+        } else if (triangles.kind == BreakKind::kEnd) {
+            AddBreak(face, triangles,
+                     "its list ends here: " + std::to_string(triangles.triplesBefore) + " of " +
+                         std::to_string(ShapeOf(arguments[wanted - 1]).inner) + " triangles are drawn");
+        }
+        return true;
     }
 
     // The arguments that are no lists: pnmax, and the link of a face.
@@ -252,11 +310,17 @@ private:
             file_.Add(FindingKind::kDamaged, list, "has no list of points as its third argument");
             return -1;
         }
-        if (file_.IsMissed(list, text, 2, '(', arguments[2], "its points aren't found") ||
-            file_.CheckBreak(list, Trimmed(arguments[2]))) {
+        if (file_.IsMissed(list, text, 2, '(', arguments[2], "its points aren't found")) { return -1; }
+        const ListShape shape = ShapeOf(arguments[2]);
+        const LineBreak found = BreakInTriples(Trimmed(arguments[2]), true, true);
+        if (found.kind == BreakKind::kNumber) {
+            AddBreak(list, found, "the number behind this line end reads as 0: a point is moved");
+        } else if (found.kind == BreakKind::kEnd) {
+            AddBreak(list, found,
+                     "its list ends here: " + std::to_string(found.triplesBefore) + " of " +
+                         std::to_string(shape.inner) + " points are read");
             return -1;
         }
-        const ListShape shape = ShapeOf(arguments[2]);
         if (!shape.triples || !shape.sound) {
             file_.Add(FindingKind::kDamaged, list, "has a point that isn't three numbers");
             return -1;
@@ -324,9 +388,10 @@ private:
                             "has a triangle with vertex " + std::to_string(StringToInteger(outside)) +
                                 " of " + std::to_string(vertices) + ": it isn't drawn");
             }
-            if (isComplex && shape.blankBetween) {
-                file_.AddAt(FindingKind::kBlank, face, arguments[i].data(),
-                            "has a blank between its strips or fans: what follows becomes other triangles");
+            if (isComplex && (shape.blankBetween || (shape.blankAtEnd && i == first))) {
+                file_.AddAt(
+                    FindingKind::kBlank, face, arguments[i].data(),
+                    "has a blank between or behind its strips or fans: what follows becomes other triangles");
             }
             if (isComplex && !shape.sound) {
                 file_.AddAt(FindingKind::kDamaged, face, arguments[i].data(),

@@ -166,8 +166,12 @@ ListShape ShapeOf(std::string_view list, ValueKind values) {
     for (const char c : text) {
         if (IsSpace(c)) {
             spaceBefore = true;
-            if (depth == 1 && shape.inner > 0 && (c == ' ' || c == '\t')) { shape.blankBetween = true; }
+            if (depth == 1 && shape.inner > 0 && (c == ' ' || c == '\t')) { shape.blankAtEnd = true; }
             continue;
+        }
+        if (shape.blankAtEnd && depth == 1 && c != ')') {
+            shape.blankBetween = true;
+            shape.blankAtEnd = false;
         }
         if (c == '(') {
             shape.sound &= before == '(' || before == ',' || before == '\0';
