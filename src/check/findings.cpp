@@ -10,7 +10,7 @@ constexpr FindingKindText kTexts[kFindingKinds] = {
     {"extension", "Names that no load takes",
      "Copy the file under a name that is taken: .stp and .stpz for ISO 10303-21, .stpx and .stpxz for STEP "
      "XML, .stpa for archives, .stpj for summaries.",
-     true, true},
+     true, false},
     {"unread-file", "Files that could not be read",
      "Put each file where it is looked for, under exactly that name, as a complete file of its kind.", false,
      true},

@@ -118,8 +118,9 @@ LoadOutcome TryLoad(LoadDispatch& dispatch, const std::string& path, const char*
         close(ends[0]);
     } else {
         std::string line;
-        for (int c = std::getc(stream); c != EOF && outcome.end != LoadOutcome::End::kStands;
-             c = std::getc(stream)) {
+        int c = EOF;
+        // What stands still writes nothing more, and its end of the pipe stays open.
+        while (outcome.end != LoadOutcome::End::kStands && (c = std::getc(stream)) != EOF) {
             if (c != '\n') {
                 if (line.size() < kLongestLine) { line.push_back(static_cast<char>(c)); }
                 continue;

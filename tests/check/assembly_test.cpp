@@ -3,6 +3,8 @@
 #include "support/assembly_text.h"
 #include "support/p21_text.h"
 
+#include <algorithm>
+
 namespace tarnwick::test {
 namespace {
 
@@ -155,6 +157,132 @@ TEST_F(CheckAssembly, TellsOfATreeWithoutRoot) {
         lines.emplace_back(line);
     }
     EXPECT_THAT(FindingsIn(P21Text(lines)), ElementsAre("use"));
+}
+
+TEST_F(CheckAssembly, SaysHowManyPartsAreShown) {
+    const CheckReport all = Checked(folder_.Write("top.stp", Top()));
+    EXPECT_EQ(SummaryOf(all), "Shows all of its 7 triangles");
+    EXPECT_EQ(all.totals.parts, 1);
+    AssemblyText text;
+    const int top = text.Product("top");
+    const int wheel = text.Product("wheel");
+    const int axle = text.Product("axle");
+    text.Use(top, wheel);
+    text.Use(top, wheel, At(1, 2, 3));
+    text.Use(top, axle);
+    text.File(wheel, "wheel.stp");
+    text.File(axle, "axle.stp");
+    EXPECT_EQ(SummaryOf(Checked(folder_.Write("top.stp", text.Text()))), "Shows 2 of 3 parts, 14 triangles");
+}
+
+TEST_F(CheckAssembly, TellsOfEachProductWhoseFileHasNoName) {
+    AssemblyText text;
+    const int top = text.Product("top");
+    std::vector<std::string> wanted;
+    for (const char* const name : {"a", "b", "c"}) {
+        const int part = text.Product(name);
+        text.Use(top, part);
+        text.File(part, "");
+    }
+    const CheckReport report = Checked(folder_.Write("top.stp", text.Text()));
+    const auto told =
+        std::count_if(report.findings.begin(), report.findings.end(),
+                      [](const Finding& finding) { return finding.kind == FindingKind::kNoFileName; });
+    EXPECT_EQ(told, 3);
+}
+
+TEST_F(CheckAssembly, TellsWhereTheNameOfAFileIsRead) {
+    const CheckReport report =
+        Checked(folder_.Write("top.stp", EditedIn(Top(), "DOCUMENT_FILE('wheel.stp','second text'",
+                                                  "DOCUMENT_FILE('#6','wheel.stp'")));
+    EXPECT_THAT(Brief(report), ElementsAre("top.stp no-file-name 27 #20"));
+    EXPECT_EQ(report.findings[0].text,
+              "the file of product 'wheel' is looked for under the name '#6', the first argument of its "
+              "DOCUMENT_FILE; what lies there is 'wheel.stp'");
+}
+
+TEST_F(CheckAssembly, TellsOfAFileThatHidesComponents) {
+    AssemblyText text;
+    const int top = text.Product("top");
+    const int group = text.Product("group");
+    const int wheel = text.Product("wheel");
+    text.Use(top, group);
+    text.Use(group, wheel);
+    text.File(wheel, "wheel.stp");
+    text.File(group, "group.stp");
+    Lines lines = text.DataLines();
+    for (const char* const line : {"#999997=A();", "#999998=B();", "#999999=C();"}) {
+        lines.emplace_back(line);
+    }
+    const std::string assembly = P21Text(lines);
+    folder_.Write("group.stp", P21Text({"#1=PRODUCT('group','','',());"}));
+    const CheckReport report = Checked(folder_.Write("top.stp", assembly));
+    EXPECT_THAT(Brief(report), ElementsAre("group.stp no-shape", "group.stp hidden-components"));
+    EXPECT_EQ(report.outcome.triangles, 0);
+    EXPECT_EQ(report.findings[1].text,
+              "product 'group' shows this file alone, of which nothing is drawn, and none of the components "
+              "that hang under it in the tree");
+}
+
+// An assembly of one use in one file, whose part has these items, listed by a representation of this keyword.
+std::string OneFile(const std::string& keyword, const std::string& items, Lines shape) {
+    AssemblyText text(1000);
+    const int top = text.Product("top");
+    const int wheel = text.Product("wheel");
+    text.Use(top, wheel);
+    Lines lines = text.DataLines();
+    for (const char* const line : {"#999997=A();", "#999998=B();", "#999999=C();"}) {
+        lines.emplace_back(line);
+    }
+    lines.push_back("#80=PRODUCT_DEFINITION_SHAPE('','',#" + std::to_string(wheel) + ");");
+    lines.push_back("#81=SHAPE_DEFINITION_REPRESENTATION(#80,#82);");
+    lines.push_back("#82=" + keyword + "('',(" + items + "),#90);");
+    lines.emplace_back("#90=GEOMETRIC_REPRESENTATION_CONTEXT('','',3);");
+    Append(lines, shape);
+    return P21Text(lines);
+}
+
+const Lines kShell{
+    "#84=TESSELLATED_SHELL('',(#85),$);",
+    "#85=TRIANGULATED_FACE('',#86,3,((0.,0.,1.)),$,(),((1,2,3)));",
+    "#86=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(1.,1.,0.)));",
+};
+
+TEST_F(CheckAssembly, TellsEachReasonForShapesInItsOwnFile) {
+    const std::string shape = OneFile("TESSELLATED_SHAPE_REPRESENTATION", "#84", kShell);
+    const CheckReport report = Checked(folder_.Write("top.stp", shape));
+    ASSERT_EQ(report.findings.size(), 1U);
+    EXPECT_EQ(report.findings[0].text,
+              "product 'wheel' has no file: its shape in the file of the assembly isn't drawn");
+    EXPECT_EQ(SummaryOf(report), "Shows none of its tessellated shape");
+    const auto kinds = [this](const std::string& text) {
+        std::vector<std::string> names;
+        for (const Finding& finding : Checked(folder_.Write("top.stp", text)).findings) {
+            names.emplace_back(TextOf(finding.kind).name);
+        }
+        return names;
+    };
+    EXPECT_THAT(kinds(EditedIn(shape, "),((1,2,3))", "),\n((1,2,3))")),
+                ElementsAre("own-geometry", "broken-list"));
+    EXPECT_THAT(kinds(OneFile("TESSELLATED_SHAPE_REPRESENTATION", "#85", kShell)),
+                ElementsAre("own-geometry", "not-drawn"));
+    EXPECT_THAT(kinds(OneFile("SHAPE_REPRESENTATION", "#84", kShell)),
+                ElementsAre("own-geometry", "not-drawn"));
+    const Lines exact{"#84=MANIFOLD_SOLID_BREP('',#85);", "#85=CLOSED_SHELL('',());"};
+    EXPECT_THAT(kinds(OneFile("SHAPE_REPRESENTATION", "#84", exact)),
+                ElementsAre("exact-only", "own-geometry"));
+    EXPECT_EQ(SummaryOf(Checked(folder_.Path("top.stp"))), "No tessellated shape: 1 exact solid in one file");
+}
+
+TEST_F(CheckAssembly, TellsOfSeveralRepresentationsOfAProduct) {
+    Lines more = kShell;
+    Append(more, {"#91=SHAPE_REPRESENTATION_RELATIONSHIP('','',#82,#92);",
+                  "#92=TESSELLATED_SHAPE_REPRESENTATION('',(#94),#90);", "#94=TESSELLATED_SHELL('',(#95),$);",
+                  "#95=TRIANGULATED_FACE('',#86,3,((0.,0.,1.)),$,(),((1,2,3)));"});
+    const CheckReport report =
+        Checked(folder_.Write("top.stp", OneFile("TESSELLATED_SHAPE_REPRESENTATION", "#84", more)));
+    ASSERT_EQ(report.findings.size(), 2U);
+    EXPECT_EQ(report.findings[1].kind, FindingKind::kSeveralRepresentations);
 }
 
 } // namespace

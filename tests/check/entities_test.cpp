@@ -77,5 +77,46 @@ TEST(CheckEntities, TellsOfAFileThatIsNotThere) {
     EXPECT_THAT(Brief(Checked("/nowhere/part.txt")), ElementsAre("extension"));
 }
 
+// A raw material with a name of so many characters.
+std::string WithMaterial(std::size_t length) {
+    return Edited("#62=", "#70=PRODUCT_RELATED_PRODUCT_CATEGORY('raw material',$,(#71));\n#71=PRODUCT('M','" +
+                              std::string(length, 'm') +
+                              "','',());\n#72=PRODUCT_DEFINITION_FORMATION('','',#71);\n"
+                              "#73=PRODUCT_DEFINITION('','',#72,#9);\n"
+                              "#74=MAKE_FROM_USAGE_OPTION('','','',#73,#73,1,'',#9);\n"
+                              "#75=PRODUCT_DEFINITION_SHAPE('','',#74);\n"
+                              "#76=SHAPE_DEFINITION_REPRESENTATION(#75,#2);\n#62=");
+}
+
+TEST(CheckEntities, TellsOfTheNameOfARawMaterialThatEndsTheProgram) {
+    const TempFolder folder;
+    const CheckReport report = Checked(folder.Write("part.stp", WithMaterial(100)));
+    EXPECT_THAT(Brief(report), ElementsAre("too-long 32 #71"));
+    EXPECT_EQ(report.outcome.end, LoadOutcome::End::kEnded);
+    EXPECT_THAT(Findings(WithMaterial(99)), IsEmpty());
+}
+
+TEST(CheckEntities, TellsWhichNameACopyShouldHave) {
+    const TempFolder folder;
+    const CheckReport report = Checked(folder.Write("part.STEP", GoodPart()));
+    EXPECT_THAT(Brief(report), ElementsAre("extension"));
+    EXPECT_EQ(report.findings[0].text,
+              "isn't taken under a name with this extension; a copy of it under the name 'part.stp' is");
+    EXPECT_EQ(SummaryOf(report), "Isn't taken under this name; a copy: Shows all of its 7 triangles");
+    EXPECT_THAT(Brief(Checked(folder.Write("part.p21", Edited("#1=PRODUCT(", "#1=PRODUKT(")))),
+                ElementsAre("extension", "no-product"));
+}
+
+TEST(CheckEntities, NeverSaysThatNothingIsWrongWhereNothingIsShown) {
+    const TempFolder folder;
+    for (const std::string& text : {P21Text({}), P21Text({"#1=PRODUCT('P','','',());"}),
+                                    P21Text({"#1=NEXT_ASSEMBLY_USAGE_OCCURRENCE();"}),
+                                    Edited("TESSELLATED_SHAPE_REPRESENTATION", "SHAPE_REPRESENTATION")}) {
+        const CheckReport report = Checked(folder.Write("part.stp", text));
+        EXPECT_EQ(report.outcome.triangles, 0);
+        EXPECT_FALSE(report.findings.empty()) << text;
+    }
+}
+
 } // namespace
 } // namespace tarnwick::test

@@ -35,5 +35,33 @@ TEST(CheckFiniteElements, TellOfABlankBehindNode) {
     EXPECT_THAT(Findings(EditedIn(Mesh(), "NODE('4'", "NODE ('4'")), ElementsAre("blank 14 #14"));
 }
 
+TEST(CheckFiniteElements, CountElementsByKind) {
+    const std::string text =
+        EditedIn(Mesh(), "#30=",
+                 "#27=VOLUME_3D_ELEMENT_REPRESENTATION();\n#28=CURVE_3D_ELEMENT_REPRESENTATION();\n"
+                 "#29=VOLUME_3D_ELEMENT_REPRESENTATION();\n#30=");
+    EXPECT_THAT(Texts(text),
+                ElementsAre("2 VOLUME_3D_ELEMENT_REPRESENTATION aren't drawn, of which this is the "
+                            "first",
+                            "1 CURVE_3D_ELEMENT_REPRESENTATION isn't drawn"));
+    const TempFolder folder;
+    EXPECT_EQ(SummaryOf(Checked(folder.Write("mesh.stp", text))), "Shows 1 of 4 elements");
+    EXPECT_EQ(SummaryOf(Checked(folder.Write("mesh.stp", Mesh()))), "Shows all of its 1 element");
+}
+
+TEST(CheckFiniteElements, TellWhyAllIsBlack) {
+    const std::string text =
+        EditedIn(Mesh(), "#3,#3,#3);",
+                 "#3,#3,#40);\n#40=SURFACE_ELEMENT_PROPERTY('','',#41);\n"
+                 "#41=SURFACE_SECTION_FIELD_CONSTANT(#42);\n#42=UNIFORM_SURFACE_SECTION($,$,$,2.,$,$);");
+    EXPECT_THAT(Findings(text), ElementsAre("black-mesh 17 #41"));
+}
+
+TEST(CheckFiniteElements, TellOfProductsWithLongNamesOrNone) {
+    EXPECT_THAT(Findings(EditedIn(Mesh(), "'P'", "'" + std::string(300, 'n') + "'")),
+                ElementsAre("too-long 8 #1"));
+    EXPECT_THAT(Findings(EditedIn(Mesh(), "#1=PRODUCT(", "#1=PRODUKT(")), ElementsAre("no-product"));
+}
+
 } // namespace
 } // namespace tarnwick::test

@@ -163,5 +163,25 @@ TEST(CheckPart, TellsOfAFaceWithoutTriangles) {
     EXPECT_THAT(Findings(Edited("((1,2,3),(1,3,4))", "()")), ElementsAre("not-drawn 14 #30"));
 }
 
+TEST(CheckPart, LeavesAnnotationsAlone) {
+    const std::string text =
+        EditedIn(Edited("#22=COMPLEX", "#23=COMPLEX_TRIANGULATED_SURFACE_SET('',#10,4,((0.,0."
+                                       ",1.)),(),((1,2,3)),$);\n#22=COMPLEX"),
+                 "#9=", "#8=TESSELLATED_ANNOTATION_OCCURRENCE('',(),#23);\n#9=");
+    EXPECT_THAT(Findings(text), IsEmpty());
+    EXPECT_THAT(Findings(EditedIn(text, "TESSELLATED_ANNOTATION_OCCURRENCE", "SOMETHING_ELSE")),
+                ElementsAre("not-listed 14 #23"));
+}
+
+TEST(CheckPart, TellsOfListsOfPointsBrokenInsideAPoint) {
+    const std::string moved = Edited("(1.,1.,0.)", "(1.,\n1.,0.)");
+    EXPECT_THAT(Findings(moved), ElementsAre("broken-list 11 #10"));
+    EXPECT_THAT(Texts(moved), ElementsAre("the number behind this line end reads as 0: a point is moved"));
+    const std::string ended = Edited(",(1.,1.,0.)", ",\n(1.,1.,0.)");
+    EXPECT_THAT(Texts(ended), ElementsAre("its list ends here: 2 of 4 points are read"));
+    EXPECT_THAT(Texts(Edited("((1,2,3),(1,3,4))", "((1,2,3),\n(1,3,4))")),
+                ElementsAre("its list ends here: 1 of 2 triangles are drawn"));
+}
+
 } // namespace
 } // namespace tarnwick::test

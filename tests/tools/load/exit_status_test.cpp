@@ -82,7 +82,7 @@ TEST_F(LoadProgram, ExplainsItself) {
     const ProgramRun help = Run({"--help"});
     EXPECT_EQ(help.status, 0);
     for (const char* const word : {"PATH", "PRODUCT", "--json", "--arrays", "--no-threads", "--repeat",
-                                   "--index", "--entities", "--check", "--help", "--version"}) {
+                                   "--index", "--entities", "--check", "--verbose", "--help", "--version"}) {
         EXPECT_THAT(help.output, HasSubstr(word));
     }
     EXPECT_EQ(help.errors, "");
