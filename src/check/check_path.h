@@ -55,8 +55,8 @@ std::string Grouped(std::int64_t number);
 std::string SummaryOf(const CheckReport& report);
 
 struct CheckTextOptions {
-    bool counts = false;  // of all keywords, at the end
-    bool colours = false; // as terminals take them
+    bool isVerbose = false; // with what the load says, and the counts of all keywords
+    bool colours = false;   // as terminals take them
 };
 // The report as people read it: the summary, the findings by kind with at most 10 of each and what to do
 // about them. UTF-8, whatever the bytes of the names are.

@@ -79,8 +79,12 @@ std::string CheckText(const CheckReport& report, const CheckTextOptions& options
                 coloured(kBold, Printable(report.command)) + "\n";
     }
     if (findings.empty()) { text += std::string("\n") + AdviceFor(findings) + "\n"; }
-    if (!options.counts || report.counts.empty()) { return text; }
-    text += "\n";
+    if (!options.isVerbose) { return text; }
+    if (!report.outcome.errors.empty()) {
+        text += "\n" + coloured(kBold, "What the load says") + "\n";
+        for (const std::string& line : report.outcome.errors) { text += "  " + Printable(line) + "\n"; }
+    }
+    if (!report.counts.empty()) { text += "\n"; }
     for (const auto& [keyword, count] : report.counts) {
         const std::string digits = std::to_string(count);
         text.append(digits.size() < 9 ? 9 - digits.size() : 0, ' ');
@@ -135,6 +139,10 @@ std::string CheckJson(const CheckReport& report) {
         const FindingKind kind = report.findings[i].kind;
         if (i == 0 || kind != report.findings[i - 1].kind) { json.Text(TextOf(kind).advice); }
     }
+    json.EndArray();
+    json.Key("console");
+    json.BeginArray();
+    for (const std::string& line : report.outcome.errors) { json.Text(line); }
     json.EndArray();
     json.Key("command");
     if (report.command.empty()) {

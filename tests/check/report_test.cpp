@@ -28,7 +28,7 @@ std::string WithWires(int count) {
 TEST(CheckReports, SayThatNothingIsWrong) {
     const std::string text = CheckText(ReportOf(GoodPart()));
     EXPECT_EQ(text, "Shows all of its 7 triangles\n\nNothing is wrong with this file.\n");
-    EXPECT_THAT(CheckText(ReportOf(GoodPart()), {.counts = true}), HasSubstr("        2  STYLED_ITEM\n"));
+    EXPECT_THAT(CheckText(ReportOf(GoodPart()), {.isVerbose = true}), HasSubstr("        2  STYLED_ITEM\n"));
 }
 
 TEST(CheckReports, NameLineAndEntityOfAFinding) {
@@ -98,6 +98,12 @@ TEST(CheckReports, HoldAllFindingsAsJson) {
     EXPECT_EQ(report["findings"][11], ParseJson(R"({"kind": "not-drawn", "entity": 111, "line": 21,
                                                        "text": "TESSELLATED_WIRE isn't drawn"})"));
     EXPECT_EQ(report["advice"], TextOf(FindingKind::kNotDrawn).advice);
+    EXPECT_EQ(report["advices"], json::array({TextOf(FindingKind::kNotDrawn).advice}));
+    EXPECT_EQ(report["summary"], "Shows 7 triangles, which isn't all that the file holds");
+    EXPECT_EQ(report["shown"], ParseJson(R"({"triangles": 7, "visible": 7, "parts": 1})"));
+    EXPECT_EQ(report["held"]["parts"], 1);
+    EXPECT_EQ(report["console"], json::array());
+    EXPECT_EQ(report["command"].get<std::string>().substr(0, 17), "tarnwick-prepare ");
 }
 
 TEST(CheckReports, HaveNullForWhatThereIsNone) {
@@ -117,7 +123,7 @@ TEST(CheckReports, KeepANameOnOneLine) {
     report.files = {report.path, "c\x1b.stp"};
     report.counts["P\nQ"] = 1;
     report.findings.push_back({.kind = FindingKind::kUnread, .file = 1, .text = "product 'd\ne' is lost"});
-    const std::string text = CheckText(report, {.counts = true});
+    const std::string text = CheckText(report, {.isVerbose = true});
     EXPECT_THAT(text, HasSubstr("        1  P?Q\n"));
     EXPECT_THAT(text, HasSubstr("  c?.stp: product 'd?e' is lost\n"));
     EXPECT_EQ(json::parse(CheckJson(report))["findings"][0]["file"], "c\x1b.stp");

@@ -151,7 +151,7 @@ int PrintCheck(const LoadOptions& options) {
     const char* const rootName = options.product ? options.product->c_str() : nullptr;
     const CheckReport report = CheckPath(dispatch, options.path, rootName, !options.noThreads);
     const bool asJson = !options.jsonFile.empty();
-    const CheckTextOptions text{.counts = options.verbose, .colours = HasColours()};
+    const CheckTextOptions text{.isVerbose = options.verbose, .colours = HasColours()};
     const bool written = Report(asJson ? options.jsonFile : "-",
                                 [&] { return asJson ? CheckJson(report) : CheckText(report, text); });
     return written && report.findings.empty() ? 0 : 1;

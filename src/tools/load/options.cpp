@@ -35,8 +35,9 @@ bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
         app.add_flag("--entities", options->entities, "put the whole entity table into the index");
     auto* const check = app.add_flag(
         "--check", options->check, "tell instead why a file shows less than it should; with --json as JSON");
-    auto* const verbose = app.add_flag("--verbose", options->verbose,
-                                       "count the entities of each keyword at the end of the check");
+    auto* const verbose =
+        app.add_flag("--verbose", options->verbose,
+                     "end the check with what the load says and the number of entities of each keyword");
     verbose->needs(check);
     arrays->needs(json);
     entities->needs(index);

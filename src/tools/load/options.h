@@ -16,7 +16,7 @@ struct LoadOptions {
     int repeat = 1;
     bool index = false;
     bool entities = false;
-    bool verbose = false; // the check counts keywords too
+    bool verbose = false; // the check tells what the load says and counts keywords
     bool check = false;   // then `jsonFile` is for the report of the check
 };
 
