@@ -11,6 +11,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace tarnwick::test {
 namespace {
@@ -151,6 +152,54 @@ TEST(JsonWriter, PutsCommasBetweenValuesAndNowhereElse) {
     json.TextOrNull(nullptr);
     json.EndObject();
     EXPECT_EQ(json.Take(), R"({"none":[],"two":[-1,{}],"a\"b":null,"name":null})");
+}
+
+// Pieces of the text, as they come.
+class Pieces final : public ByteSink {
+public:
+    void Write(std::string_view bytes) override {
+        text += bytes;
+        ++count;
+    }
+    bool Close() override { return true; }
+
+    std::string text;
+    int count = 0;
+};
+
+TEST(JsonWriter, WritesARowAsItsNumbersOneByOne) {
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    std::vector<float> floats;
+    std::vector<std::int32_t> integers;
+    std::vector<std::uint8_t> bytes;
+    for (int i = 0; i < 100000; ++i) { // more than a block
+        floats.push_back(i % 1000 == 7 ? infinity : static_cast<float>(i) / 7);
+        integers.push_back(i % 3 == 0 ? -i : i * 1000);
+        bytes.push_back(static_cast<std::uint8_t>(i));
+    }
+    JsonWriter plain;
+    Pieces pieces;
+    JsonWriter rows(&pieces);
+    for (JsonWriter* json : {&plain, &rows}) { json->BeginArray(); }
+    for (const float value : floats) { plain.Float(value); }
+    rows.Floats(floats.data(), floats.size());
+    for (const std::int32_t value : integers) { plain.Integer(value); }
+    rows.Integers(integers.data(), integers.size());
+    for (const std::uint8_t value : bytes) { plain.Integer(value); }
+    rows.Integers(bytes.data(), bytes.size());
+    rows.Integers(bytes.data(), 0);
+    for (JsonWriter* json : {&plain, &rows}) { json->EndArray(); }
+    rows.Flush();
+    EXPECT_GT(pieces.count, 3);
+    EXPECT_TRUE(pieces.text == plain.Take());
+}
+
+TEST(JsonWriter, TakesATextThatIsLongerThanABlock) {
+    const std::string text(1000000, 'x');
+    JsonWriter json;
+    json.Key(text);
+    json.Utf8(text);
+    EXPECT_TRUE(json.Take() == '"' + text + "\":\"" + text + '"');
 }
 
 } // namespace
