@@ -2,6 +2,7 @@
 
 #include "load/scene_view.h"
 #include "p21/step_model.h"
+#include "write/byte_sink.h"
 
 #include <string>
 
@@ -12,6 +13,10 @@ namespace tarnwick {
 // path. With `arrays` the numbers of all meshes stand in it, else only their checksums.
 std::string SceneReport(const SceneView& view, const std::string& path, const std::string* status,
                         bool arrays);
+// The same text, handed to the sink in blocks while it is made: with all arrays it is as long as the file
+// that was loaded. Doesn't close the sink.
+void WriteSceneReport(const SceneView& view, const std::string& path, const std::string* status, bool arrays,
+                      ByteSink* sink);
 
 // The entity index of a P21 file as one JSON object ("tarnwick.index/1"). `result` is what Read returned;
 // after another result than 0 all counters are 0. With `entities` the whole table stands in it, in file

@@ -12,7 +12,7 @@ namespace {
 // The report of one view, written piece by piece.
 class Report : public JsonWriter {
 public:
-    explicit Report(bool arrays) : arrays_(arrays) {}
+    Report(bool arrays, ByteSink* sink) : JsonWriter(sink), arrays_(arrays) {}
 
     bool HasArrays() const { return arrays_; }
 
@@ -21,14 +21,23 @@ public:
         Integer(value);
     }
     void Floats(std::string_view key, const float* values, std::size_t count) {
-        Array(key, values, count, [this](float value) { Float(value); });
+        Key(key);
+        BeginArray();
+        JsonWriter::Floats(values, count);
+        EndArray();
     }
     void Doubles(std::string_view key, const double* values, std::size_t count) {
-        Array(key, values, count, [this](double value) { Double(value); });
+        Key(key);
+        BeginArray();
+        for (std::size_t i = 0; i < count; ++i) { Double(values[i]); }
+        EndArray();
     }
     template <class T>
     void Integers(std::string_view key, const T* values, std::size_t count) {
-        Array(key, values, count, [this](T value) { Integer(value); });
+        Key(key);
+        BeginArray();
+        JsonWriter::Integers(values, count);
+        EndArray();
     }
     void FloatsOrNull(std::string_view key, const float* values, std::size_t count) {
         if (values != nullptr) { return Floats(key, values, count); }
@@ -45,14 +54,6 @@ public:
     }
 
 private:
-    template <class T, class Write>
-    void Array(std::string_view key, const T* values, std::size_t count, Write write) {
-        Key(key);
-        BeginArray();
-        for (std::size_t i = 0; i < count; ++i) { write(values[i]); }
-        EndArray();
-    }
-
     bool arrays_;
 };
 
@@ -255,15 +256,15 @@ void WriteView(Report* report, const SceneView& view) {
 
 } // namespace
 
-std::string SceneReport(const SceneView& view, const std::string& path, const std::string* status,
-                        bool arrays) {
+void WriteSceneReport(const SceneView& view, const std::string& path, const std::string* status, bool arrays,
+                      ByteSink* sink) {
     Products products;
     if (view.loaded.root != nullptr) { NumberTree(view.loaded.root, &products); }
     for (std::int32_t i = 0; i < view.loaded.summaryProductCount; ++i) {
         products.NumberOf(view.loaded.summaryProducts[i]);
     }
     Meshes meshes;
-    Report report(arrays);
+    Report report(arrays, sink);
     report.BeginObject();
     report.Key("format");
     report.Text("tarnwick.scene/1");
@@ -289,7 +290,16 @@ std::string SceneReport(const SceneView& view, const std::string& path, const st
     WriteResult(&report, view.loaded.resultMesh);
     WriteContainers(&report, view);
     report.EndObject();
-    return report.Take() + "\n";
+    report.Flush();
+    sink->Write("\n");
+}
+
+std::string SceneReport(const SceneView& view, const std::string& path, const std::string* status,
+                        bool arrays) {
+    std::string text;
+    StringSink sink(&text);
+    WriteSceneReport(view, path, status, arrays, &sink);
+    return text;
 }
 
 } // namespace tarnwick

@@ -15,7 +15,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 
 namespace tarnwick::tools {
@@ -52,23 +54,39 @@ bool OutputIsWritten() {
 
 namespace {
 
-bool WriteReport(const std::string& report, const std::string& name) {
-    if (name == "-") {
-        std::fwrite(report.data(), 1, report.size(), stdout);
-        return OutputIsWritten();
+// Standard output, or a file. Needs no memory of the heap.
+class ReportOutput final : public ByteSink {
+public:
+    explicit ReportOutput(const std::string& name) : name_(name) {
+        if (name != "-") { file_.emplace(name.c_str()); }
     }
-    WholeFile file(name.c_str());
-    file.Write(report.data(), report.size());
-    return TellUnwritten(name.c_str(), file.Close());
-}
 
-// Makes and writes a report; false, and told, when that fails. There may be memory for what comes after it.
-template <class Make>
-bool Report(const std::string& name, Make make) {
-    bool written = false;
-    if (!WithinMemory([&] { written = WriteReport(make(), name); })) {
-        std::fputs("tarnwick-load: the report needs more memory than there is\n", stderr);
+    void Write(std::string_view bytes) override {
+        if (file_) {
+            file_->Write(bytes.data(), bytes.size());
+        } else {
+            std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+        }
     }
+    // Also tells why a byte is lost.
+    bool Close() override { return file_ ? TellUnwritten(name_.c_str(), file_->Close()) : OutputIsWritten(); }
+
+private:
+    const std::string& name_;
+    std::optional<WholeFile> file_;
+};
+
+// Writes a report by write(sink); false, and told, when that fails. There may be memory for what comes after
+// it.
+template <class Write>
+bool Report(const std::string& name, Write write) {
+    bool written = false;
+    const bool hadMemory = WithinMemory([&] {
+        ReportOutput output(name);
+        write(&output);
+        written = output.Close();
+    });
+    if (!hadMemory) { std::fputs("tarnwick-load: the report needs more memory than there is\n", stderr); }
     return written;
 }
 
@@ -117,8 +135,9 @@ int LoadAndReport(const LoadOptions& options) {
     const std::string* const status = loaded ? &controls.status : nullptr;
     bool written = true;
     if (!options.jsonFile.empty()) {
-        written = Report(options.jsonFile,
-                         [&] { return SceneReport(view, dispatch.currentPath, status, options.arrays); });
+        written = Report(options.jsonFile, [&](ByteSink* sink) {
+            WriteSceneReport(view, dispatch.currentPath, status, options.arrays, sink);
+        });
     }
     if (!loaded) {
         std::fprintf(stderr, "tarnwick-load: %s: not a kind of file that can be loaded, by its extension\n",
@@ -136,7 +155,8 @@ int PrintIndex(const LoadOptions& options) {
     ReaderWorkspace workspace;
     StepModel model(workspace, options.path);
     const int result = model.Read();
-    const bool written = Report("-", [&] { return IndexReport(model, result, options.entities); });
+    const bool written =
+        Report("-", [&](ByteSink* sink) { sink->Write(IndexReport(model, result, options.entities)); });
     if (result == StepModel::kNotOpened) {
         std::fprintf(stderr, "tarnwick-load: %s can't be opened\n", OneLine(options.path).Text());
     }
@@ -152,8 +172,9 @@ int PrintCheck(const LoadOptions& options) {
     const CheckReport report = CheckPath(dispatch, options.path, rootName, !options.noThreads);
     const bool asJson = !options.jsonFile.empty();
     const CheckTextOptions text{.isVerbose = options.verbose, .colours = HasColours()};
-    const bool written = Report(asJson ? options.jsonFile : "-",
-                                [&] { return asJson ? CheckJson(report) : CheckText(report, text); });
+    const bool written = Report(asJson ? options.jsonFile : "-", [&](ByteSink* sink) {
+        sink->Write(asJson ? CheckJson(report) : CheckText(report, text));
+    });
     return written && report.findings.empty() ? 0 : 1;
 }
 
