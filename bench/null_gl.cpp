@@ -23,6 +23,9 @@ void glEnable(GLenum) {}
 void glEnableClientState(GLenum) {}
 void glEnd() {}
 void glFinish() {}
+GLenum glGetError() {
+    return GL_NO_ERROR;
+}
 void glGetFloatv(GLenum, GLfloat*) {}
 void glGetIntegerv(GLenum, GLint*) {}
 const GLubyte* glGetString(GLenum) {

@@ -8,11 +8,12 @@ namespace tarnwick {
 
 namespace {
 
-constexpr const char* kHelp = "Usage: tarnwick [FILE [PRODUCT]]\n"
+constexpr const char* kHelp = "Usage: tarnwick [--resident] [FILE [PRODUCT]]\n"
                               "Shows STEP product data with tessellated geometry.\n"
                               "\n"
                               "  FILE       the file to show: stp, stpz, stpx, stpxz, stpj or stpa\n"
                               "  PRODUCT    name of the product to show (STEP XML and archives)\n"
+                              "  --resident keep the arrays of a scene on the graphics card, up to 1 GiB\n"
                               "  --help     print this text and exit\n"
                               "  --version  print the version and exit\n"
                               "\n"
@@ -48,6 +49,12 @@ std::optional<int> AnswerAtOnce(int argc, const char* const* argv) {
 
 std::vector<std::string> ArgumentsOf(int argc, const char* const* argv) {
     return argc > 1 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
+}
+
+bool TakeResident(std::vector<std::string>* arguments) {
+    const char* const variable = std::getenv("TARNWICK_RESIDENT");
+    return std::erase(*arguments, "--resident") > 0 ||
+           (variable != nullptr && std::string_view(variable) == "1");
 }
 
 } // namespace tarnwick

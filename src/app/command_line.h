@@ -13,4 +13,8 @@ std::optional<int> AnswerAtOnce(int argc, const char* const* argv);
 // The arguments after the program's name.
 std::vector<std::string> ArgumentsOf(int argc, const char* const* argv);
 
+// Takes --resident out of the arguments. True when it was there, or TARNWICK_RESIDENT is 1 in the
+// environment.
+bool TakeResident(std::vector<std::string>* arguments);
+
 } // namespace tarnwick

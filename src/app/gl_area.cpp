@@ -15,6 +15,13 @@ GlArea::GlArea(QWidget* parent) : QWidget(parent) {
     setMouseTracking(true);
 }
 
+GlArea::~GlArea() {
+    // After the dialog's loop no context is current. Where it can't be made so, the buffers go with it.
+    if (context_ != nullptr && windowHandle() != nullptr && context_->makeCurrent(windowHandle())) {
+        view.OnDestroy();
+    }
+}
+
 void GlArea::Create() {
     view.OnCreate();
 }
@@ -51,6 +58,10 @@ WindowSize GlArea::DrawableSize() {
 
 bool GlArea::IsControlKeyDown() {
     return QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier);
+}
+
+void (*GlArea::FindFunction(const char* name))() {
+    return context_->getProcAddress(name);
 }
 
 QSize GlArea::DevicePixels(QSize logical) const {

@@ -16,6 +16,7 @@ namespace tarnwick {
 class GlArea final : public QWidget, public WindowPort {
 public:
     explicit GlArea(QWidget* parent);
+    ~GlArea() override;
 
     // Creates the window's context for the current geometry. Call once, before the dialog is shown.
     void Create();
@@ -27,6 +28,7 @@ public:
     void SwapBuffers() override;
     WindowSize DrawableSize() override;
     bool IsControlKeyDown() override;
+    void (*FindFunction(const char* name))() override;
 
     OpenGLControl view{*this};
 

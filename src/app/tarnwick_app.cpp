@@ -1,4 +1,5 @@
 #include "app/tarnwick_app.h"
+#include "app/command_line.h"
 #include "app/console_window.h"
 #include "app/dialog_link.h"
 #include "app/step_viewer_dlg.h"
@@ -32,6 +33,7 @@ int CTarnwickApp::InitInstance() {
 
     STEPViewerDlg dialog(kLoadCommands);
     DialogLink link(dialog);
+    if (TakeResident(&arguments_)) { dialog.View().residentLimit = OpenGLControl::usualResidentLimit; }
     dialog.commandLine = JoinArguments(arguments_);
     dialog.OnInitDialog();
     if (console) { console->ShowBeside(&dialog); }

@@ -16,7 +16,7 @@ struct SceneView {
 
     // Draws one frame and sets `framesPerSecond`. Does nothing where there is no window.
     virtual void Redraw() {}
-    // Deletes the display list of the graphics library. Every load asks for it first; none is ever made.
+    // Gives back what the graphics library keeps of the scene. Every load asks for it first.
     virtual void DeleteDisplayList() {}
     // Tells people how far a load of many files has come. Called on the thread of the load, now and then.
     virtual void ShowProgress(std::int32_t /*filesRead*/, std::int32_t /*filesKnown*/) {}

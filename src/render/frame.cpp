@@ -1,4 +1,5 @@
-// One frame in the fixed-function pipeline: the arrays go to the graphics library as the readers left them.
+// One frame in the fixed-function pipeline: the arrays go to the graphics library as the readers left them,
+// or are there already.
 
 #include "platform/clock.h"
 #include "render/index_pieces.h"
@@ -16,13 +17,14 @@ void SetPickColour(std::uint32_t code) {
     glColor4f(colour.red, colour.green, colour.blue, 1.0f);
 }
 
-void DrawElements(GLenum mode, const std::uint32_t* indices, std::size_t count) {
+void DrawElements(GLenum mode, const void* indices, std::size_t count) {
     ForIndexPieces(count, [&](std::size_t first, std::size_t here) {
-        glDrawElements(mode, static_cast<GLsizei>(here), GL_UNSIGNED_INT, indices + first);
+        glDrawElements(mode, static_cast<GLsizei>(here), GL_UNSIGNED_INT,
+                       static_cast<const std::uint32_t*>(indices) + first);
     });
 }
 
-void DrawTriangles(const std::uint32_t* indices, std::int32_t triangles) {
+void DrawTriangles(const void* indices, std::int32_t triangles) {
     DrawElements(GL_TRIANGLES, indices, 3 * static_cast<std::size_t>(triangles));
 }
 
@@ -104,6 +106,10 @@ void OpenGLControl::DrawScene(Pass pass) {
         safe_.Check(loaded.drawList, loaded.resultMesh);
         safeScene_ = sceneNumber;
         safeKnown_ = true;
+        resident_.Drop();
+    }
+    if (residentLimit > 0 && !resident_.IsStored()) {
+        resident_.Store(window_, loaded.drawList, loaded.boxList, loaded.resultMesh, safe_, residentLimit);
     }
     if (loaded.drawList != nullptr) {
         DrawFaces(pass);
@@ -112,6 +118,7 @@ void OpenGLControl::DrawScene(Pass pass) {
     } else if (loaded.boxList != nullptr) {
         DrawBoxes(pass);
     }
+    resident_.Unbind();
     glFinish();
 }
 
@@ -139,12 +146,15 @@ void OpenGLControl::DrawFaces(Pass pass) {
     }
 }
 
-void OpenGLControl::DrawMesh(const StepFaceB& mesh) const {
-    glVertexPointer(3, GL_FLOAT, 0, mesh.vertices);
-    glNormalPointer(GL_FLOAT, 0, mesh.normals);
+void OpenGLControl::DrawMesh(const StepFaceB& mesh) {
     const SafeIndices::Mesh* const safe = safe_.Find(&mesh);
+    const bool hasIndices = safe == nullptr || safe->hasIndices;
+    const auto arrays = resident_.Bind(
+        &mesh, {mesh.vertices, mesh.normals, hasIndices ? mesh.triangles : safe->indices.data()});
+    glVertexPointer(3, GL_FLOAT, 0, arrays.vertices);
+    glNormalPointer(GL_FLOAT, 0, arrays.attributes);
     if (safe == nullptr) {
-        DrawTriangles(mesh.triangles, mesh.triangleCount);
+        DrawTriangles(arrays.indices, mesh.triangleCount);
         return;
     }
     // A face with fewer normals than vertices is lit as if all of them were 0, 0, 1; triangles of vertices
@@ -153,26 +163,26 @@ void OpenGLControl::DrawMesh(const StepFaceB& mesh) const {
         glDisableClientState(GL_NORMAL_ARRAY);
         glNormal3f(0, 0, 1);
     }
-    if (safe->hasIndices) {
-        DrawTriangles(mesh.triangles, mesh.triangleCount);
+    if (hasIndices) {
+        DrawTriangles(arrays.indices, mesh.triangleCount);
     } else {
-        DrawElements(GL_TRIANGLES, safe->indices.data(), safe->indices.size());
+        DrawElements(GL_TRIANGLES, arrays.indices, safe->indices.size());
     }
     if (!safe->hasNormals) { glEnableClientState(GL_NORMAL_ARRAY); }
 }
 
-void OpenGLControl::DrawResultMesh() const {
-    glVertexPointer(3, GL_FLOAT, 0, loaded.resultMesh->vertices);
-    glColorPointer(4, GL_UNSIGNED_BYTE, 0, loaded.resultMesh->colours);
-    if (const SafeIndices::Mesh* const safe = safe_.Find(loaded.resultMesh)) {
-        DrawElements(GL_QUADS, safe->indices.data(), safe->indices.size());
-    } else {
-        DrawElements(GL_QUADS, loaded.resultMesh->quadIndices,
-                     4 * static_cast<std::size_t>(loaded.resultMesh->quadCount));
-    }
+void OpenGLControl::DrawResultMesh() {
+    const ResultMesh& mesh = *loaded.resultMesh;
+    const SafeIndices::Mesh* const safe = safe_.Find(&mesh);
+    const auto arrays = resident_.Bind(
+        &mesh, {mesh.vertices, mesh.colours, safe == nullptr ? mesh.quadIndices : safe->indices.data()});
+    glVertexPointer(3, GL_FLOAT, 0, arrays.vertices);
+    glColorPointer(4, GL_UNSIGNED_BYTE, 0, arrays.attributes);
+    DrawElements(GL_QUADS, arrays.indices,
+                 safe == nullptr ? 4 * static_cast<std::size_t>(mesh.quadCount) : safe->indices.size());
 }
 
-void OpenGLControl::DrawBoxes(Pass pass) const {
+void OpenGLControl::DrawBoxes(Pass pass) {
     glColor4f(0.8f, 0.8f, 0.2f, 0.5f);
     for (std::int32_t i = 0; i < loaded.boxList->count; ++i) {
         const BoxItem& item = *loaded.boxList->boxes[i];
@@ -185,9 +195,10 @@ void OpenGLControl::DrawBoxes(Pass pass) const {
         } else {
             glColor4f(0.8f, 0.8f, 0.2f, 0.5f);
         }
-        glVertexPointer(3, GL_FLOAT, 0, item.vertices);
-        glNormalPointer(GL_FLOAT, 0, item.normals);
-        DrawTriangles(item.indices, item.triangleCount);
+        const auto arrays = resident_.Bind(&item, {item.vertices, item.normals, item.indices});
+        glVertexPointer(3, GL_FLOAT, 0, arrays.vertices);
+        glNormalPointer(GL_FLOAT, 0, arrays.attributes);
+        DrawTriangles(arrays.indices, item.triangleCount);
         glPopMatrix();
     }
 }

@@ -2,6 +2,7 @@
 
 #include "load/scene_view.h"
 #include "product/safe_indices.h"
+#include "render/resident_arrays.h"
 #include "render/window_port.h"
 
 #include <cstddef>
@@ -30,6 +31,8 @@ public:
 
     // Makes the context, its lights and its fixed states.
     void OnCreate();
+    // Gives back what the graphics library keeps. The owner calls it while the context is still current.
+    void OnDestroy() { resident_.Drop(); }
     // Sets viewport and perspective. A zoom that was made on the perspective is lost.
     void OnSize(int type, int width, int height);
     void OnLButtonDown(WindowPoint point);
@@ -43,6 +46,7 @@ public:
 
     // Draws the scene and takes its time.
     void Redraw() override;
+    void DeleteDisplayList() override { resident_.Drop(); }
     void ShowProgress(std::int32_t filesRead, std::int32_t filesKnown) override;
 
     // Selects the face, placed part or box at the point, or nothing, and draws again if that is a change.
@@ -63,6 +67,12 @@ public:
 
     // A frame draws the model with `modelSize` brought to this; the f32 just below 36.31.
     static constexpr float apparentSize = 36.309998f;
+
+    // Bytes of arrays that the graphics library keeps from frame to frame. With 0 it keeps none, and each
+    // frame hands it all.
+    std::size_t residentLimit = 0;
+    // Half of what the smallest cards of the day have; the other half is for the desktop and for frames.
+    static constexpr std::size_t usualResidentLimit = std::size_t{1} << 30;
 
     std::string selectedText; // "#" and the number of the picked face, or the name of the picked product
     std::int32_t selectedContainerType = 0; // of the last picked face: 1 solid, 2 shell, 0 none
@@ -86,9 +96,9 @@ private:
     // The frame without the swap that shows it.
     void DrawScene(Pass pass);
     void DrawFaces(Pass pass);
-    void DrawMesh(const StepFaceB& mesh) const;
-    void DrawResultMesh() const;
-    void DrawBoxes(Pass pass) const;
+    void DrawMesh(const StepFaceB& mesh);
+    void DrawResultMesh();
+    void DrawBoxes(Pass pass);
     void DrawCube(Pass pass) const;
 
     void TellPickedFace();
@@ -101,6 +111,7 @@ private:
     SafeIndices safe_; // for the scene of `safeScene_`
     std::uint32_t safeScene_ = 0;
     bool safeKnown_ = false;
+    ResidentArrays resident_;
 };
 
 } // namespace tarnwick

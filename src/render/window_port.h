@@ -22,6 +22,9 @@ public:
     // The size of what can be drawn in, which isn't always that of the last OnSize.
     virtual WindowSize DrawableSize() = 0;
     virtual bool IsControlKeyDown() = 0;
+    // The address of a function of the graphics library that isn't in every version of it; null when there is
+    // none. Asked for with the context current.
+    virtual void (*FindFunction(const char* /*name*/))() { return nullptr; }
 };
 
 // What the drawing window tells the dialog around it.

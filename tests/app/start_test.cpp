@@ -42,6 +42,24 @@ TEST(CommandLine, ItsArgumentsAreWhatStandsBehindTheName) {
     EXPECT_TRUE(ArgumentsOf(0, nullptr).empty());
 }
 
+TEST(CommandLine, ResidentIsTakenOutOfTheArgumentsWhereverItStands) {
+    qunsetenv("TARNWICK_RESIDENT");
+    std::vector<std::string> arguments{"a.stp", "--resident", "P"};
+    EXPECT_TRUE(TakeResident(&arguments));
+    EXPECT_EQ(arguments, (std::vector<std::string>{"a.stp", "P"}));
+    EXPECT_FALSE(TakeResident(&arguments));
+}
+
+TEST(CommandLine, ResidentIsAlsoAskedForByTheEnvironment) {
+    std::vector<std::string> arguments{"a.stp"};
+    for (const char* const value : {"", "0", "1"}) {
+        qputenv("TARNWICK_RESIDENT", value);
+        EXPECT_EQ(TakeResident(&arguments), std::string(value) == "1") << value;
+    }
+    qunsetenv("TARNWICK_RESIDENT");
+    EXPECT_EQ(arguments.size(), 1u);
+}
+
 TEST(SnapshotFolder, IsMadeForTheUserAloneWhereItIsMissing) {
     const QTemporaryDir home;
     qputenv("HOME", home.path().toLocal8Bit());

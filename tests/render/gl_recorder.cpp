@@ -1,6 +1,7 @@
 #include "gl_recorder.h"
 
 #include <GL/gl.h>
+#include <GL/glext.h>
 #include <GL/glu.h>
 
 #include <algorithm>
@@ -16,6 +17,11 @@ namespace {
 using Matrix = std::array<float, 16>;
 constexpr Matrix kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
+struct Buffer {
+    std::size_t bytes = 0;
+    std::map<std::size_t, const void*> sources; // what was copied to each place
+};
+
 struct State {
     std::vector<std::string> calls;
     std::map<const void*, std::string> names;
@@ -27,6 +33,12 @@ struct State {
     bool writesPixel = true;
     unsigned char frontByte = 7;
     unsigned char backByte = 9;
+    const char* version = "2.1";
+    std::map<GLuint, Buffer> buffers;
+    GLuint bound[2] = {}; // for arrays, for indices
+    int buffersMade = 0;
+    int refusedFrom = 0;
+    GLenum error = GL_NO_ERROR;
 
     Matrix& Top() { return stacks[selected].back(); }
 };
@@ -86,6 +98,8 @@ std::ostream& operator<<(std::ostream& out, Enum name) {
         NAMED(GL_PACK_SKIP_ROWS),
         NAMED(GL_PACK_SKIP_PIXELS),
         NAMED(GL_PACK_SWAP_BYTES),
+        NAMED(GL_ARRAY_BUFFER),
+        NAMED(GL_ELEMENT_ARRAY_BUFFER),
 #undef NAMED
     };
     const auto found = names.find(name.value);
@@ -95,6 +109,15 @@ std::ostream& operator<<(std::ostream& out, Enum name) {
 // GL_TRIANGLES is 4, a value that other names have too.
 const char* Polygons(GLenum mode) {
     return mode == GL_TRIANGLES ? "GL_TRIANGLES" : "GL_QUADS";
+}
+
+// The array that was copied to a place of the bound buffer, or the array itself while none is bound.
+const void* Source(GLenum target, const void* array) {
+    const GLuint buffer = state.bound[target == GL_ARRAY_BUFFER ? 0 : 1];
+    if (buffer == 0) { return array; }
+    const auto& sources = state.buffers.at(buffer).sources;
+    const auto found = sources.find(reinterpret_cast<std::size_t>(array));
+    return found != sources.end() ? found->second : &state; // which has no name
 }
 
 std::string ArrayName(const void* array) {
@@ -129,6 +152,45 @@ void Multiply(const Matrix& b) {
             }
             out[4 * c + r] = static_cast<float>(sum);
         }
+    }
+}
+
+Buffer& Bound(GLenum target) {
+    return state.buffers.at(state.bound[target == GL_ARRAY_BUFFER ? 0 : 1]);
+}
+
+// The functions that are found by their names.
+void GenBuffers(GLsizei count, GLuint* buffers) {
+    for (GLsizei i = 0; i < count; ++i) {
+        buffers[i] = static_cast<GLuint>(++state.buffersMade);
+        state.buffers[buffers[i]] = {};
+        Record("glGenBuffers", buffers[i]);
+    }
+}
+void DeleteBuffers(GLsizei count, const GLuint* buffers) {
+    for (GLsizei i = 0; i < count; ++i) {
+        Record("glDeleteBuffers", buffers[i]);
+        state.buffers.erase(buffers[i]);
+        for (GLuint& bound : state.bound) { bound = bound == buffers[i] ? 0 : bound; }
+    }
+}
+void BindBuffer(GLenum target, GLuint buffer) {
+    Record("glBindBuffer", Enum{target}, buffer);
+    state.bound[target == GL_ARRAY_BUFFER ? 0 : 1] = buffer;
+}
+void BufferData(GLenum target, GLsizeiptr bytes, const void* data, GLenum) {
+    Record("glBufferData", Enum{target}, bytes, data == nullptr ? "empty" : "data");
+    if (state.refusedFrom > 0 && state.buffersMade >= state.refusedFrom) {
+        state.error = GL_OUT_OF_MEMORY;
+        return;
+    }
+    Bound(target).bytes = static_cast<std::size_t>(bytes);
+}
+void BufferSubData(GLenum target, GLintptr offset, GLsizeiptr bytes, const void* data) {
+    Record("glBufferSubData", Enum{target}, offset, bytes, ArrayName(data));
+    Buffer& buffer = Bound(target);
+    if (static_cast<std::size_t>(offset + bytes) <= buffer.bytes) {
+        buffer.sources[static_cast<std::size_t>(offset)] = data;
     }
 }
 
@@ -174,6 +236,31 @@ std::size_t PushedMatrices() {
 }
 bool ModelViewIsSelected() {
     return state.selected == 0;
+}
+void SetVersion(const char* version) {
+    state.version = version;
+}
+void RefuseBuffersFrom(int number) {
+    state.refusedFrom = number;
+}
+std::size_t Buffers() {
+    return state.buffers.size();
+}
+std::size_t BufferBytes() {
+    std::size_t bytes = 0;
+    for (const auto& [number, buffer] : state.buffers) { bytes += buffer.bytes; }
+    return bytes;
+}
+void (*FindFunction(const char* name))() {
+    const std::map<std::string, void (*)()> functions = {
+        {"glGenBuffers", reinterpret_cast<void (*)()>(GenBuffers)},
+        {"glDeleteBuffers", reinterpret_cast<void (*)()>(DeleteBuffers)},
+        {"glBindBuffer", reinterpret_cast<void (*)()>(BindBuffer)},
+        {"glBufferData", reinterpret_cast<void (*)()>(BufferData)},
+        {"glBufferSubData", reinterpret_cast<void (*)()>(BufferSubData)},
+    };
+    const auto found = functions.find(name);
+    return found != functions.end() ? found->second : nullptr;
 }
 
 } // namespace gl_recorder
@@ -308,15 +395,16 @@ void glFinish() {
     Record("glFinish");
 }
 void glVertexPointer(GLint size, GLenum type, GLsizei stride, const GLvoid* array) {
-    Record("glVertexPointer", size, Enum{type}, stride, ArrayName(array));
+    Record("glVertexPointer", size, Enum{type}, stride, ArrayName(Source(GL_ARRAY_BUFFER, array)));
 }
 void glNormalPointer(GLenum type, GLsizei stride, const GLvoid* array) {
-    Record("glNormalPointer", Enum{type}, stride, ArrayName(array));
+    Record("glNormalPointer", Enum{type}, stride, ArrayName(Source(GL_ARRAY_BUFFER, array)));
 }
 void glColorPointer(GLint size, GLenum type, GLsizei stride, const GLvoid* array) {
-    Record("glColorPointer", size, Enum{type}, stride, ArrayName(array));
+    Record("glColorPointer", size, Enum{type}, stride, ArrayName(Source(GL_ARRAY_BUFFER, array)));
 }
-void glDrawElements(GLenum mode, GLsizei count, GLenum type, const GLvoid* indices) {
+void glDrawElements(GLenum mode, GLsizei count, GLenum type, const GLvoid* place) {
+    const void* const indices = Source(GL_ELEMENT_ARRAY_BUFFER, place);
     const auto found = state.names.find(indices);
     if (found != state.names.end() || count == 0) {
         Record("glDrawElements", Polygons(mode), count, Enum{type}, count == 0 ? "none" : found->second);
@@ -351,6 +439,14 @@ void glGetIntegerv(GLenum name, GLint* values) {
     } else if (name == GL_READ_BUFFER) {
         *values = static_cast<GLint>(state.readBuffer);
     }
+}
+GLenum glGetError() {
+    const GLenum error = state.error;
+    state.error = GL_NO_ERROR;
+    return error;
+}
+const GLubyte* glGetString(GLenum) {
+    return reinterpret_cast<const GLubyte*>(state.version);
 }
 void glGetFloatv(GLenum name, GLfloat* values) {
     Record("glGetFloatv", Enum{name});

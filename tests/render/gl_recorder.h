@@ -24,6 +24,16 @@ void WritePixel(bool writes);
 void SetFrontByte(unsigned char byte);
 void SetBackByte(unsigned char byte);
 
+// The version that the library tells of itself, "2.1" after Reset.
+void SetVersion(const char* version);
+// The address of one of its functions for buffers, or null.
+void (*FindFunction(const char* name))();
+// Refuses all buffers from the `number`th on, counted from 1, for want of memory; 0 refuses none.
+void RefuseBuffersFrom(int number);
+// Buffers made and not deleted, and the bytes in them.
+std::size_t Buffers();
+std::size_t BufferBytes();
+
 // The current matrix, column by column.
 std::vector<float> ModelView();
 std::vector<float> Projection();

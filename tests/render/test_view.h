@@ -22,9 +22,13 @@ public:
     }
     WindowSize DrawableSize() override { return size; }
     bool IsControlKeyDown() override { return controlDown; }
+    void (*FindFunction(const char* name))() override {
+        return hasFunctions ? gl_recorder::FindFunction(name) : nullptr;
+    }
 
     bool hasContext = true;
     bool controlDown = false;
+    bool hasFunctions = true;
     WindowSize size{10000, 10000};
     int swaps = 0;
     std::vector<std::vector<std::string>> marks; // the calls before each swap
