@@ -1,6 +1,11 @@
 // The time of a frame beside that of the graphics library alone for the same arrays, in a buffer without a
-// window. Built against a library that does nothing (null_gl.cpp), it tells the drawing window's own time.
+// window, from our arrays and from the library's own. With the name of a file, also a frame of that. Built
+// against a library that does nothing (null_gl.cpp), it tells the drawing window's own time.
 
+#include "formats/load_commands.h"
+#include "load/load_file.h"
+#include "load/no_controls.h"
+#include "platform/console.h"
 #include "render/opengl_control.h"
 
 #include <benchmark/benchmark.h>
@@ -56,6 +61,11 @@ public:
     bool IsControlKeyDown() override {
         return false;
     }
+#ifndef TARNWICK_NO_LIBRARY
+    void (*FindFunction(const char* name))() override {
+        return eglGetProcAddress(name);
+    }
+#endif
 };
 
 // Faces of `steps` by `steps` squares each, side by side, in a plane of 10 by 10.
@@ -173,6 +183,29 @@ void Frame(benchmark::State& state, const Scene& scene) {
     for (auto _ : state) { View().Redraw(); }
 }
 
+// The arrays are in buffers of the library.
+void ResidentFrame(benchmark::State& state, const Scene& scene) {
+    View().residentLimit = OpenGLControl::usualResidentLimit;
+    Frame(state, scene);
+    View().residentLimit = 0;
+    View().DeleteDisplayList();
+}
+
+// A frame of a file as the viewer shows it.
+void FileFrame(benchmark::State& state, const char* path, std::size_t residentLimit) {
+    OpenGLControl& view = View();
+    NoControls controls;
+    LoadDispatch dispatch{view, controls, kLoadCommands};
+    EnableOutput(false);
+    LoadFile(dispatch, path, nullptr, true);
+    if (view.loaded.drawnTriangles == 0) { return state.SkipWithError("nothing to draw"); }
+    view.residentLimit = residentLimit;
+    view.Redraw();
+    for (auto _ : state) { view.Redraw(); }
+    view.residentLimit = 0;
+    view.DeleteDisplayList();
+}
+
 // The same calls of the library from a flat list, and nothing around them.
 void LibraryAlone(benchmark::State& state, const Scene& scene) {
     Show(scene);
@@ -200,11 +233,17 @@ void LibraryAlone(benchmark::State& state, const Scene& scene) {
 void FacesFrame(benchmark::State& state) {
     Frame(state, FacesScene());
 }
+void FacesResidentFrame(benchmark::State& state) {
+    ResidentFrame(state, FacesScene());
+}
 void FacesLibraryAlone(benchmark::State& state) {
     LibraryAlone(state, FacesScene());
 }
 void PartsFrame(benchmark::State& state) {
     Frame(state, PartsScene());
+}
+void PartsResidentFrame(benchmark::State& state) {
+    ResidentFrame(state, PartsScene());
 }
 void PartsLibraryAlone(benchmark::State& state) {
     LibraryAlone(state, PartsScene());
@@ -220,8 +259,10 @@ void FirstLook(benchmark::State& state) {
 }
 
 BENCHMARK(FacesFrame)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(FacesResidentFrame)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(FacesLibraryAlone)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(PartsFrame)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(PartsResidentFrame)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(PartsLibraryAlone)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(FirstLook)->Unit(benchmark::kMillisecond);
 
@@ -230,5 +271,14 @@ BENCHMARK(FirstLook)->Unit(benchmark::kMillisecond);
 int main(int argc, char** argv) {
     setenv("EGL_PLATFORM", "surfaceless", 0); // no display is needed
     benchmark::Initialize(&argc, argv);
+    if (argc > 1) { // a file
+        const auto add = [path = argv[1]](const char* name, std::size_t limit) {
+            benchmark::RegisterBenchmark(name, FileFrame, path, limit)
+                ->Unit(benchmark::kMillisecond)
+                ->UseRealTime();
+        };
+        add("FileFrame", 0);
+        add("FileResidentFrame", OpenGLControl::usualResidentLimit);
+    }
     benchmark::RunSpecifiedBenchmarks();
 }

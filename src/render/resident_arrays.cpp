@@ -5,7 +5,6 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-#include <algorithm>
 #include <cstdlib>
 
 namespace tarnwick {
@@ -188,6 +187,7 @@ void ResidentArrays::RemoveLast() {
 
 void ResidentArrays::StorePieces() {
     if (!pieces_.empty()) {
+        buffers_.reserve(buffers_.size() + 2); // memory is lacking before a buffer is bound, or not at all
         const GLuint arrays = NewBuffer(GL_ARRAY_BUFFER, pieceArrayBytes_);
         const GLuint indices = arrays != 0 ? NewBuffer(GL_ELEMENT_ARRAY_BUFFER, pieceIndexBytes_) : 0;
         refused_ = indices == 0;
