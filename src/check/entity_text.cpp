@@ -1,5 +1,6 @@
 #include "check/entity_text.h"
 
+#include "exchange/text_skip.h"
 #include "text/parse_real.h"
 
 #include <limits>
@@ -48,13 +49,11 @@ bool IsPartOfValue(char c, bool starts, ValueKind values) {
 std::string_view EntityText(const StepModel& model, const P42Ent* entity) {
     const auto start = static_cast<std::size_t>(entity->offset);
     const std::string_view room(model.text + start, NextEntity(model, entity->offset) - start);
-    bool inString = false;
-    for (std::size_t i = 0; i < room.size(); ++i) {
-        if (room[i] == '\'') {
-            inString = !inString;
-        } else if (room[i] == ';' && !inString) {
-            return room.substr(0, i);
-        }
+    const char* const end = room.data() + room.size();
+    for (const char* p = room.data(); p < end; ++p) {
+        p = FindAny<'\'', ';'>(p, end);
+        if (p < end && *p == ';') { return room.substr(0, static_cast<std::size_t>(p - room.data())); }
+        if (p < end) { p = FindAny<'\''>(p + 1, end); }
     }
     return room;
 }
@@ -91,24 +90,26 @@ std::vector<std::string_view> ArgumentsOf(std::string_view entityText) {
     std::vector<std::string_view> arguments;
     const std::size_t open = entityText.find('(');
     if (open == std::string_view::npos) { return arguments; }
-    std::size_t start = open + 1;
+    const char* const end = entityText.data() + entityText.size();
+    const char* start = entityText.data() + open + 1;
     int depth = 0;
-    bool inString = false;
-    std::size_t i = start;
-    for (; i < entityText.size(); ++i) {
-        const char c = entityText[i];
-        if (c == '\'') { inString = !inString; }
-        if (inString) { continue; }
-        if (c == '(') {
+    const char* p = start;
+    for (; p < end; ++p) {
+        p = depth == 0 ? FindAny<'(', ')', '\'', ','>(p, end) : FindAny<'(', ')', '\''>(p, end);
+        if (p == end) { break; }
+        if (*p == '\'') {
+            p = FindAny<'\''>(p + 1, end);
+            if (p == end) { break; }
+        } else if (*p == '(') {
             ++depth;
-        } else if (c == ')') {
+        } else if (*p == ')') {
             if (depth-- == 0) { break; }
-        } else if (c == ',' && depth == 0) {
-            arguments.push_back(entityText.substr(start, i - start));
-            start = i + 1;
+        } else {
+            arguments.emplace_back(start, static_cast<std::size_t>(p - start));
+            start = p + 1;
         }
     }
-    const std::string_view last = entityText.substr(start, i - start);
+    const std::string_view last(start, static_cast<std::size_t>(p - start));
     if (!arguments.empty() || !Trimmed(last).empty()) { arguments.push_back(last); }
     return arguments;
 }
@@ -126,7 +127,10 @@ std::int32_t IdIn(std::string_view argument) {
 }
 
 bool ReferenceFinder::Next(std::int32_t* id, std::size_t* digits, std::size_t* at) {
+    const char* const end = text_.data() + text_.size();
     for (; place_ < text_.size(); ++place_) {
+        place_ = static_cast<std::size_t>(FindAny<'\'', '#'>(text_.data() + place_, end) - text_.data());
+        if (place_ == text_.size()) { break; }
         if (text_[place_] == '\'') {
             place_ = text_.find('\'', place_ + 1);
             if (place_ == std::string_view::npos) { place_ = text_.size(); }

@@ -16,6 +16,7 @@ void Note(LineBreak* found, BreakKind kind, const char* place, std::int64_t trip
 // it that is no blank or line end.
 template <class Found>
 void ForEachBreak(std::string_view list, Found found) {
+    if (list.find('\n') == std::string_view::npos) { return; }
     int depth = 0;
     char before = '\0';
     for (const char& c : list) {
