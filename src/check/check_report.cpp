@@ -29,6 +29,11 @@ std::string FindingLine(const CheckReport& report, const Finding& finding) {
     return Printable(place.empty() ? finding.text : place + ": " + finding.text);
 }
 
+const char* AdviceOf(const CheckReport& report) {
+    const bool isUntried = report.findings.empty() && report.outcome.end == LoadOutcome::End::kUnknown;
+    return isUntried ? "The load couldn't be tried: try it with tarnwick-load." : AdviceFor(report.findings);
+}
+
 void WriteNumberOrNull(JsonWriter* json, const char* key, std::int32_t number) {
     json->Key(key);
     if (number > 0) {
@@ -78,7 +83,7 @@ std::string CheckText(const CheckReport& report, const CheckTextOptions& options
         text += "\nOr have it brought into the form that the viewer shows:\n  " +
                 coloured(kBold, Printable(report.command)) + "\n";
     }
-    if (findings.empty()) { text += std::string("\n") + AdviceFor(findings) + "\n"; }
+    if (findings.empty()) { text += std::string("\n") + AdviceOf(report) + "\n"; }
     if (!options.isVerbose) { return text; }
     if (!report.outcome.errors.empty()) {
         text += "\n" + coloured(kBold, "What the load says") + "\n";
@@ -132,7 +137,7 @@ std::string CheckJson(const CheckReport& report) {
     for (const Finding& finding : report.findings) { WriteFinding(&json, report, finding); }
     json.EndArray();
     json.Key("advice");
-    json.Text(AdviceFor(report.findings));
+    json.Text(AdviceOf(report));
     json.Key("advices");
     json.BeginArray();
     for (std::size_t i = 0; i < report.findings.size(); ++i) {

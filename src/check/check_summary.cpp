@@ -137,6 +137,8 @@ std::string SummaryOf(const CheckReport& report) {
                                      : "Isn't taken under this name, and a copy would show nothing";
     }
     if (outcome.triangles > 0) { return ShownSummary(report); }
+    const bool isUntried = outcome.end == LoadOutcome::End::kUnknown;
+    if (isUntried && report.findings.empty()) { return "No fault is found, but the load couldn't be tried"; }
     first = FirstOf(report, {FindingKind::kUnread, FindingKind::kHeader, FindingKind::kNoProduct,
                              FindingKind::kDocument});
     if (first != nullptr && first->file == 0 && report.totals.parts <= 1) {

@@ -1,6 +1,5 @@
 #include "check/load_trial.h"
 
-#include "platform/fail_fast.h"
 #include "text/one_line.h"
 
 #include <cerrno>
@@ -132,12 +131,8 @@ LoadOutcome TryLoad(LoadDispatch& dispatch, const std::string& path, const char*
     }
     if (child <= 0) { return outcome; }
     if (outcome.end == LoadOutcome::End::kStands) { kill(child, SIGKILL); }
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {}
-    if (outcome.end == LoadOutcome::End::kUnknown && WIFEXITED(status) &&
-        WEXITSTATUS(status) == kFailFastStatus) {
-        outcome.end = LoadOutcome::End::kEnded;
-    }
+    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {}
+    if (outcome.end == LoadOutcome::End::kUnknown) { outcome.end = LoadOutcome::End::kEnded; }
     return outcome;
 }
 

@@ -69,6 +69,20 @@ TEST(CheckDocuments, CheckThePartsOfAnArchive) {
                 ElementsAre("wheel.stp unread-file"));
 }
 
+TEST(CheckDocuments, GoOnWhereAnArchiveEndsTheProgramOrStandsStill) {
+    EXPECT_THAT(FindingsInArchive(Edited("'P1'", "'" + std::string(300, 'n') + "'")), IsEmpty())
+        << "the name of a part's product isn't read";
+    EXPECT_THAT(FindingsInArchive(Edited("#58=FILL_AREA_STYLE_COLOUR('',#59)",
+                                         "#58=FILL_AREA_STYLE_COLOUR('',#000000000000059)")),
+                ElementsAre("wheel.stp too-long 27 #58"));
+    const TempFolder folder;
+    const std::string path = folder.Path("a.stpa");
+    WriteArchive(path, {{"stpa.ini", "root=\"top.stpx\"\n"},
+                        {"top.stpx", EditedIn(kDocument, ">wheel<", ">6&#34; wheel<")},
+                        {"wheel.stp", GoodPart()}});
+    EXPECT_THAT(Brief(Checked(path, true)), ElementsAre("top.stpx stands-still 3"));
+}
+
 TEST(CheckDocuments, TellOfAnArchiveThatIsNone) {
     EXPECT_THAT(Findings("no archive", "a.stpa"), ElementsAre("unread-file"));
 }

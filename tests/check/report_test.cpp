@@ -31,6 +31,13 @@ TEST(CheckReports, SayThatNothingIsWrong) {
     EXPECT_THAT(CheckText(ReportOf(GoodPart()), {.isVerbose = true}), HasSubstr("        2  STYLED_ITEM\n"));
 }
 
+TEST(CheckReports, DontPraiseAFileWhoseLoadWasNotTried) {
+    const TempFolder folder;
+    const std::string text = CheckText(CheckedUntried(folder.Write("part.stp", GoodPart())));
+    EXPECT_EQ(text, "No fault is found, but the load couldn't be tried\n\n"
+                    "The load couldn't be tried: try it with tarnwick-load.\n");
+}
+
 TEST(CheckReports, NameLineAndEntityOfAFinding) {
     const CheckReport report = ReportOf(WithWires(1));
     EXPECT_EQ(
