@@ -51,17 +51,7 @@ void AddTotals(const FileReferences& file, ShapeTotals* totals) {
     std::unordered_set<std::uint64_t> seen;
     for (const prepare::FileProduct& product : structure.products) {
         for (const prepare::ShapeItem& item : product.shape) {
-            if (!seen.insert(item.item).second) { continue; }
-            switch (item.kind) {
-            case prepare::ShapeKind::kTessellated:
-                ++totals->tessellated;
-                break;
-            case prepare::ShapeKind::kElements:
-                ++totals->elements;
-                break;
-            case prepare::ShapeKind::kExact:
-                ++(item.isSurface ? totals->exactSurfaces : totals->exactSolids);
-            }
+            if (seen.insert(item.item).second) { CountShape(item, totals); }
         }
     }
     // Beside exact shape that no product has, tessellation isn't listed.
@@ -372,7 +362,7 @@ CheckReport CheckWith(const std::string& path, const char* rootName, LoadOutcome
     report.path = path;
     report.outcome = std::move(outcome);
     CheckByKind(&report, rootName);
-    report.totals.parts = CountParts(report);
+    CountParts(&report);
     AddOutcome(&report);
     AddCommand(&report);
     std::stable_sort(report.findings.begin(), report.findings.end(), [](const Finding& a, const Finding& b) {

@@ -45,8 +45,10 @@ CheckReport CheckWith(const std::string& path, const char* rootName, LoadOutcome
 // The kind of the file, by its text where its extension isn't known.
 FileKind KindToCheck(const std::string& path);
 
-// How many placed parts the file has, with all that it refers to.
-std::int64_t CountParts(const CheckReport& report);
+// Counts the placed parts of the file with all that it refers to, and its shapes where the readers didn't
+// come to the files that hold them.
+void CountParts(CheckReport* report);
+void CountShape(const prepare::ShapeItem& item, ShapeTotals* totals);
 
 // "12,345"
 std::string Grouped(std::int64_t number);

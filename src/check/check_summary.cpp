@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 #include <utility>
 
 namespace tarnwick {
@@ -101,28 +102,55 @@ std::string HiddenSummary(const CheckReport& report) {
 
 } // namespace
 
+void CountShape(const prepare::ShapeItem& item, ShapeTotals* totals) {
+    switch (item.kind) {
+    case prepare::ShapeKind::kTessellated:
+        ++totals->tessellated;
+        break;
+    case prepare::ShapeKind::kElements:
+        ++totals->elements;
+        break;
+    case prepare::ShapeKind::kExact:
+        ++(item.isSurface ? totals->exactSurfaces : totals->exactSolids);
+    }
+}
+
 std::string Grouped(std::int64_t number) {
     std::string digits = std::to_string(number);
     for (std::size_t i = digits.size(); i > 3; i -= 3) { digits.insert(i - 3, ","); }
     return digits;
 }
 
-std::int64_t CountParts(const CheckReport& report) {
-    const FileKind kind = KindToCheck(report.path);
-    if (kind == FileKind::kArchive) { return report.placedInTree; }
-    if (kind != FileKind::kStep && kind != FileKind::kStepXml) { return 0; }
-    if (kind == FileKind::kStep && report.files.size() == 1) {
-        std::int64_t sum = 0;
-        for (const std::size_t root : report.top.roots) {
-            const prepare::FileProduct& product = report.top.products[root];
-            if (product.shape.empty() && product.uses.empty() && report.top.roots.size() > 1) { continue; }
-            sum += CountPlaced(report.top.products, root);
+void CountParts(CheckReport* report) {
+    ShapeTotals& totals = report->totals;
+    const FileKind kind = KindToCheck(report->path);
+    if (kind == FileKind::kArchive) { totals.parts = std::max<std::int64_t>(report->placedInTree, 0); }
+    if (kind != FileKind::kStep && kind != FileKind::kStepXml) { return; }
+    if (kind == FileKind::kStep && report->files.size() == 1) {
+        const prepare::FileStructure& top = report->top;
+        for (const std::size_t root : top.roots) {
+            const prepare::FileProduct& product = top.products[root];
+            const bool isBare = product.shape.empty() && product.uses.empty();
+            if (!isBare || top.roots.size() == 1) { totals.parts += CountPlaced(top.products, root); }
         }
-        return sum;
+        return;
     }
-    const prepare::Whole whole = prepare::LoadWhole(report.path, nullptr);
-    const std::int64_t inTree = std::max<std::int64_t>(report.placedInTree, 0);
-    return whole.products.empty() ? inTree : std::max(inTree, CountPlaced(whole.products, whole.root));
+    const prepare::Whole whole = prepare::LoadWhole(report->path, nullptr);
+    totals.parts = std::max<std::int64_t>(report->placedInTree, 0);
+    if (whole.products.empty()) { return; }
+    totals.parts = std::max(totals.parts, CountPlaced(whole.products, whole.root));
+    if (totals.files > 0) { return; }
+    // The way to the files of the parts is lost on the readers.
+    std::set<std::pair<std::size_t, std::uint64_t>> seen;
+    std::set<std::size_t> files;
+    for (const prepare::WholeProduct& product : whole.products) {
+        for (const prepare::ShapeItem& item : product.shape) {
+            if (!seen.emplace(product.file, item.item).second) { continue; }
+            files.insert(product.file);
+            CountShape(item, &totals);
+        }
+    }
+    totals.files = static_cast<std::int64_t>(files.size());
 }
 
 std::string SummaryOf(const CheckReport& report) {

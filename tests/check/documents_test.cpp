@@ -127,6 +127,14 @@ TEST(CheckDocuments, TellOfAPlacementThatIsAReference) {
               "</Placement> isn't read");
 }
 
+TEST(CheckDocuments, SayWhatShapeIsThereWhereTheDocumentIsGivenUp) {
+    const TempFolder folder;
+    const CheckReport report = AfterEdit(folder, "<RotationMatrix>1 0 0 0 1 0 0 0 1</RotationMatrix>",
+                                         "</Placement>\n<Placement uidRef=\"p1\"/>\n<Placement>");
+    EXPECT_EQ(report.totals.tessellated, 2);
+    EXPECT_NE(report.command, "");
+}
+
 TEST(CheckDocuments, TellOfNamesInOtherElements) {
     ExpectOne("<Name><CharacterString>wheel</CharacterString></Name>",
               "<Name><LocalizedString lang=\"en\">wheel</LocalizedString></Name>", "document 3",
