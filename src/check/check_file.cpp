@@ -26,6 +26,13 @@ Finding WhyNotStep(const StepModel& model) {
     };
     if (model.text == nullptr || model.textEnd == model.text) { return because("it is empty"); }
     const std::string_view text(model.text, static_cast<std::size_t>(model.textEnd - model.text));
+    if (text.starts_with("\x1F\x8B")) {
+        return because("it is compressed, which is taken under the extension .stpz alone");
+    }
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    if (first != std::string_view::npos && text[first] == '<') {
+        return because("it is XML, which is taken under the extensions .stpx and .stpxz alone");
+    }
     if (!text.starts_with(StepModel::kStart)) {
         const bool isLater = text.substr(0, 1000).find(StepModel::kStart) != std::string_view::npos;
         const std::string start(StepModel::kStart);

@@ -65,6 +65,10 @@ TEST(CheckEntities, TellsWhyAFileIsNoP21) {
                 ElementsAre("the file isn't read: something stands before its ISO-10303-21, which must come "
                             "first"));
     EXPECT_THAT(Texts("{}"), ElementsAre("the file isn't read: it doesn't start with ISO-10303-21"));
+    EXPECT_THAT(Texts("\n<Uos>"), ElementsAre("the file isn't read: it is XML, which is taken under the "
+                                              "extensions .stpx and .stpxz alone"));
+    EXPECT_THAT(Texts("\x1F\x8B..."), ElementsAre("the file isn't read: it is compressed, which is taken "
+                                                  "under the extension .stpz alone"));
     EXPECT_THAT(Texts(""), ElementsAre("the file isn't read: it is empty"));
     EXPECT_THAT(Texts(Edited("DATA;", "DATA ;")),
                 ElementsAre("the file isn't read: no line starts with DATA;"));
