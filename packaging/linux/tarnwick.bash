@@ -20,7 +20,7 @@ _tarnwick_files() {
 
 _tarnwick() {
   case ${COMP_WORDS[COMP_CWORD]} in
-    -*) _tarnwick_words "--help --version" ;;
+    -*) _tarnwick_words "--resident --help --version" ;;
     *) _tarnwick_files ;;
   esac
 }

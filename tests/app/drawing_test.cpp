@@ -310,6 +310,18 @@ TEST_F(DrawingTest, ThePictureComesBackAfterBeingCovered) {
     ExpectColourSoon(kRed, 244, 0, 0);
 }
 
+TEST_F(DrawingTest, ASceneThatTheCardKeepsIsTheSamePicture) {
+    const std::string gear = std::string(TARNWICK_SAMPLES) + "/gear.stp";
+    Open();
+    Load(gear);
+    const QImage handedOver = Picture();
+    dialog->View().residentLimit = OpenGLControl::usualResidentLimit;
+    Load(gear);
+    EXPECT_EQ(Picture(), handedOver);
+    Load(Plate());
+    ExpectColourSoon(kRed, 244, 0, 0);
+}
+
 TEST_F(DrawingTest, OneMachineInFourFormatsGivesOnePicture) {
     const std::string samples = TARNWICK_SAMPLES;
     Open("", kLoadCommands);
