@@ -25,6 +25,7 @@ namespace {
 constexpr int kMillisecondsBetweenLooks = 30;
 constexpr int kMillisecondsUnseen = 300;
 constexpr int kPatienceAfterCancel = 50; // milliseconds
+constexpr int kWidth = 520;
 constexpr std::size_t kMostListed = 1000;
 
 std::string NameOf(const std::string& file) {
@@ -36,6 +37,7 @@ std::string NameOf(const std::string& file) {
 OpenWindow::OpenWindow(std::string file, prepare::PrepareOptions options, std::atomic<bool>* cancelled)
     : file_(std::move(file)), options_(std::move(options)), cancelled_(*cancelled) {
     setWindowTitle(EyeText("Opening " + NameOf(file_)).replace("[*]", "[*][*]"));
+    setMinimumWidth(kWidth);
     auto* const column = new QVBoxLayout(this);
     const auto label = [&](const char* name) {
         auto* const made = new QLabel(this);
@@ -50,11 +52,13 @@ OpenWindow::OpenWindow(std::string file, prepare::PrepareOptions options, std::a
     bar_ = new QProgressBar(this);
     bar_->setObjectName("bar");
     bar_->setRange(0, 0);
-    bar_->setMinimumWidth(420);
     column->addWidget(bar_);
     left_ = label("left");
     losses_ = new QListWidget(this);
     losses_->setObjectName("missing");
+    losses_->setWordWrap(true);
+    losses_->setSelectionMode(QAbstractItemView::NoSelection);
+    losses_->setFocusPolicy(Qt::ClickFocus); // Return is for the buttons
     losses_->hide();
     column->addWidget(losses_);
     auto* const row = new QHBoxLayout;
@@ -105,8 +109,8 @@ void OpenWindow::Work() {
 }
 
 void OpenWindow::Look() {
+    if (cancelled_) { return reject(); } // by a signal
     if (isToldAll_) { return; }
-    if (cancelled_) { return Cancel(); } // by a signal
     if (isFinished_) { return ShowOutcome(); }
     if (const std::size_t parts = parts_; parts > 0) { ShowProgress(done_, parts); }
 }
@@ -126,7 +130,6 @@ void OpenWindow::ShowProgress(std::size_t done, std::size_t parts) {
 
 void OpenWindow::ShowOutcome() {
     isToldAll_ = true;
-    look_.stop();
     // Without an input nothing was prepared, and nothing is missing.
     if (!outcome_.path.empty() && (outcome_.result.input.empty() || !outcome_.LacksShape())) {
         path_ = outcome_.path;
@@ -141,6 +144,7 @@ void OpenWindow::ShowOutcome() {
     open_->setVisible(!isNothing);
     open_->setDefault(!isNothing);
     cancel_->setText(isNothing ? "Close" : "Cancel");
+    (isNothing ? cancel_ : open_)->setFocus();
     show();
     adjustSize();
 }

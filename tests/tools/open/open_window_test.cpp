@@ -166,6 +166,11 @@ TEST_F(OpenWindowTest, SaysWhyThereIsNothing) {
     EXPECT_EQ(path, "");
 }
 
+TEST_F(OpenWindowTest, ASignalEndsItWhileItSaysWhatIsMissing) {
+    const std::string notes = folder_.Write("notes.step", "notes\n");
+    EXPECT_EQ(Open(notes, "what", [this](const QWidget&) { cancelled_ = true; }), "");
+}
+
 TEST_F(OpenWindowTest, ANameIsTextAndNothingElse) {
     Open(folder_.Write("<b>a<br> [*] %s.step", "notes\n"), "what", [](const QWidget& window) {
         EXPECT_EQ(window.windowTitle(), "Opening <b>a<br> [*][*] %s.step");
