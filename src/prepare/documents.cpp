@@ -32,7 +32,14 @@ public:
         }
     }
 
-    std::vector<std::string> Of(std::uint64_t document) {
+    // Thousands of definitions may have one document.
+    const std::vector<std::string>& Of(std::uint64_t document) {
+        if (const std::vector<std::string>* const known = known_.Find(document)) { return *known; }
+        return known_.At(document) = Read(document);
+    }
+
+private:
+    std::vector<std::string> Read(std::uint64_t document) {
         std::vector<std::string> names;
         const Instance* const instance = file_.Find(document);
         if (instance == nullptr) { return names; }
@@ -57,7 +64,6 @@ public:
         return names;
     }
 
-private:
     void Note(const Instance& instance) {
         const Arguments arguments(RecordOf(file_.TextOf(instance)).arguments);
         std::vector<std::uint64_t> items;
@@ -85,6 +91,7 @@ private:
 
     const ExchangeFile& file_;
     LookUp<std::uint64_t, std::vector<std::uint64_t>> assignments_; // by document
+    LookUp<std::uint64_t, std::vector<std::string>> known_;         // names of documents
 };
 
 } // namespace
@@ -93,7 +100,7 @@ void ForEachDocument(const ExchangeFile& file,
                      const std::function<void(std::uint64_t, const std::vector<std::string>&)>& found) {
     DocumentNames names(file);
     const auto tell = [&](std::uint64_t document, std::string_view items) {
-        const std::vector<std::string> of = names.Of(document);
+        const std::vector<std::string>& of = names.Of(document);
         if (of.empty()) { return; }
         std::vector<std::uint64_t> described;
         AppendReferences(items, &described);
@@ -111,7 +118,7 @@ void ForEachDocument(const ExchangeFile& file,
         std::vector<std::uint64_t> documents;
         AppendReferences(arguments[4], &documents);
         for (const std::uint64_t document : documents) {
-            const std::vector<std::string> of = names.Of(document);
+            const std::vector<std::string>& of = names.Of(document);
             if (!of.empty()) { found(instance.number, of); }
         }
     }

@@ -129,9 +129,12 @@ private:
         if (entity == nullptr) { return; }
         const Record record = FindRecord(file_.TextOf(*entity), "PRODUCT");
         const Arguments arguments(record.arguments);
-        product->id = StringOf(arguments[0]);
-        product->name = StringOf(arguments[1]);
+        product->id = StringOf(Clipped(arguments[0]));
+        product->name = StringOf(Clipped(arguments[1]));
     }
+
+    // Many definitions may be of one product, and nobody shows more of a name.
+    static std::string_view Clipped(std::string_view name) { return name.substr(0, 1000); }
 
     std::size_t ProductOf(std::uint64_t definition) {
         const std::size_t* const place = places_.Find(definition);
