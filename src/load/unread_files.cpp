@@ -12,7 +12,7 @@ namespace tarnwick {
 
 const char* UnreadReason(const StepModel& model, int result) {
     if (model.problem != nullptr) { return model.problem; }
-    return result == StepModel::kNotOpened ? "can't be opened" : "isn't a valid ISO 10303-21 file";
+    return result == StepModel::kNotOpened ? "can't be opened" : "isn't taken for an ISO 10303-21 file";
 }
 
 const char* WhyGivenUp(const PartReader& reader) {

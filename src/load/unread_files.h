@@ -21,7 +21,7 @@ struct UnreadFile {
 using UnreadFiles = std::vector<UnreadFile>;
 
 // Of a file that was opened, when its part, its structure or its mesh is given up. Why is on the console.
-inline constexpr const char* kGivenUpReason = "can't be read to its end";
+inline constexpr const char* kGivenUpReason = "is given up";
 
 // Why the file of a model could not be read, from what its Read returned.
 const char* UnreadReason(const StepModel& model, int result);

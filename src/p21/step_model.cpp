@@ -62,7 +62,7 @@ int StepModel::ReadIndex() {
     far_ = std::make_unique<FarPlaces>(text, textEnd);
     if (!ScanEntities()) { return kNotP21; }
     if (!BuildEntityMap()) { return GiveUpForMemory("no memory for its entity table"); }
-    if (!ReadSchemaNumber()) { return GiveUp("no schema name in its header"); }
+    if (!ReadSchemaNumber()) { return GiveUp("its header has no FILE_SCHEMA(, without a blank in it"); }
     return kRead;
 }
 

@@ -93,7 +93,7 @@ TEST(Stpa, NamesTheMemberThatItGivesUp) {
     members[0].content.replace(schema, 11, "FILE_SCHEMX");
     const Loaded loaded(folder, members);
     EXPECT_EQ(loaded.view.loaded.drawnTriangles, 0);
-    EXPECT_TRUE(loaded.Says("<E> parts/w.stp: no schema name in its header\n"));
+    EXPECT_TRUE(loaded.Says("<E> parts/w.stp: its header has no FILE_SCHEMA(, without a blank in it\n"));
 }
 
 TEST(Stpa, NotesAPartThatIsGivenUpAmongTheUnreadFiles) {

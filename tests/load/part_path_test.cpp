@@ -198,7 +198,7 @@ TEST(UnreadFiles, TellPathProductAndReasonInTheOrderOfTheQueue) {
             const int i = std::stoi(product.substr(8));
             if (i % 4 == 1) { continue; }
             expected.push_back(folder.Path(std::to_string(i) + ".stp") + "|" + product + "|" +
-                               (i % 4 == 2 ? "isn't a valid ISO 10303-21 file" : "can't be opened"));
+                               (i % 4 == 2 ? "isn't taken for an ISO 10303-21 file" : "can't be opened"));
         }
         for (const UnreadFile& file : load.session.loaded.unreadFiles) {
             told.push_back(file.path + "|" + file.productName + "|" + file.reason);
