@@ -395,7 +395,6 @@ private:
                                          "AssignedDocument, or else over Document, DocumentVersion, "
                                          "DocumentDefinition and DigitalFile"});
         }
-        out_.uses += static_cast<std::int64_t>(read);
         if (read < wanted && !isTold) {
             findings->push_back({.kind = FindingKind::kUse,
                                  .text = "the document holds " + std::to_string(wanted) + " uses, of which " +

@@ -23,7 +23,6 @@ struct CheckedDocuments {
     std::vector<DocumentFile> unread; // documents that could not be opened
     std::vector<DocumentFile> parts;  // P21 files, each once
     std::int64_t placedParts = 0;     // uses of products with a part file, multiplied through
-    std::int64_t uses = 0;            // that were read
 };
 
 // `archive` is null for files. `rootName` may be null.
