@@ -16,7 +16,12 @@ GlArea::GlArea(QWidget* parent) : QWidget(parent) {
 }
 
 GlArea::~GlArea() {
-    // After the dialog's loop no context is current. Where it can't be made so, the buffers go with it.
+    Release();
+}
+
+void GlArea::Release() {
+    if (view.residentLimit == 0) { return; }
+    // Where the context can't be made current any more, the buffers go with it.
     if (context_ != nullptr && windowHandle() != nullptr && context_->makeCurrent(windowHandle())) {
         view.OnDestroy();
     }

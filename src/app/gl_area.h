@@ -20,6 +20,9 @@ public:
 
     // Creates the window's context for the current geometry. Call once, before the dialog is shown.
     void Create();
+    // Gives back what the graphics library keeps for the view. A dialog that closes takes the window of the
+    // context away, so call it before that.
+    void Release();
     // The size that the view draws in.
     QSize DeviceSize() const { return DevicePixels(size()); }
     QSize DevicePixels(QSize logical) const;

@@ -250,6 +250,7 @@ void STEPViewerDlg::TakeSnapshot() {
 
 void STEPViewerDlg::done(int result) {
     if (server_ != nullptr) { server_->OnClose(); }
+    area_->Release();
     QDialog::done(result);
 }
 

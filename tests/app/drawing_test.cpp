@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 
 #include <QLabel>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
 
 namespace tarnwick::test {
 namespace {
@@ -320,6 +322,17 @@ TEST_F(DrawingTest, ASceneThatTheCardKeepsIsTheSamePicture) {
     EXPECT_EQ(Picture(), handedOver);
     Load(Plate());
     ExpectColourSoon(kRed, 244, 0, 0);
+}
+
+TEST_F(DrawingTest, WhatTheCardKeepsIsGivenBackAtTheEnd) {
+    Open();
+    dialog->View().residentLimit = OpenGLControl::usualResidentLimit;
+    Load(Plate());
+    Picture();
+    QOpenGLFunctions* const library = QOpenGLContext::currentContext()->functions();
+    EXPECT_TRUE(library->glIsBuffer(1));
+    static_cast<GlArea*>(dialog->findChild<QWidget*>("OpenGL"))->Release();
+    EXPECT_FALSE(library->glIsBuffer(1));
 }
 
 TEST_F(DrawingTest, OneMachineInFourFormatsGivesOnePicture) {
