@@ -27,8 +27,7 @@ public:
         };
         prepare::ForEachDocument(file_.exchange,
                                  [this](std::uint64_t definition, const std::vector<std::string>& names) {
-                                     std::vector<std::string>& all = fileNames_[definition];
-                                     all.insert(all.end(), names.begin(), names.end());
+                                     fileNames_.try_emplace(definition, names);
                                  });
         forAll(code::kContextDependentShapeRepresentation, [this](const P42Ent* e) { CheckUse(e); });
         forAll(code::kNextAssemblyUsage, [this](const P42Ent* e) { CheckUsed(e); });

@@ -55,8 +55,7 @@ TEST_P(GrowthOf, ALoadIsThatOfItsFile) {
 
 TEST_P(GrowthOf, ACheckIsThatOfItsFile) {
     ExpectFourTimesTheStepsForFourTimesTheFile(
-        GetParam(),
-        [](LoadDispatch& dispatch, const std::string& path) { CheckPath(dispatch, path, nullptr, 0); });
+        GetParam(), [](LoadDispatch&, const std::string& path) { CheckWith(path, nullptr, {}); });
 }
 
 // Uses of one part that has as many faces.
