@@ -12,6 +12,7 @@ namespace tarnwick::prepare {
 namespace {
 
 constexpr double kMostCoordinate = 1e30; // single precision ends a little beyond
+constexpr std::size_t kMostDigits = 300; // a longer one is no coordinate
 
 bool IsDigit(char c) {
     return static_cast<unsigned char>(c - '0') < 10;
@@ -71,24 +72,28 @@ bool ReadNumber(std::string_view text, double* value) {
 // A number as the viewer's readers take it: a point, and no exponent.
 bool CopyNumber(std::string_view text, std::string* out) {
     bool hasPoint = false;
+    bool isPlain = true;
     std::size_t digits = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = 0; i < text.size() && isPlain; ++i) {
         const char c = text[i];
         if (IsDigit(c)) {
             ++digits;
-        } else if (c == '.' && !hasPoint) {
+        } else if (c == '.' && !hasPoint && digits > 0) {
             hasPoint = true;
-        } else if (c != '-' || i > 0) {
-            double value = 0;
-            if (!ReadNumber(text, &value)) { return false; }
-            const std::size_t begin = out->size();
-            AppendReal(value, out);
-            if (out->find('.', begin) == std::string::npos) { out->push_back('.'); }
-            return true;
+        } else {
+            isPlain = c == '-' && i == 0;
         }
     }
-    if (digits == 0 || digits > 300) { return false; }
-    out->append(text);
+    if (isPlain) {
+        if (digits == 0 || digits > kMostDigits) { return false; }
+        out->append(text);
+    } else {
+        double value = 0;
+        if (!ReadNumber(text, &value)) { return false; }
+        const std::size_t begin = out->size();
+        AppendReal(value, out);
+        hasPoint = out->find('.', begin) != std::string::npos;
+    }
     if (!hasPoint) { out->push_back('.'); }
     return true;
 }

@@ -92,6 +92,13 @@ bool FailsAllocation() {
     return true;
 }
 
+// A child that was forked ends without giving back, and its memory ends with it: what it holds isn't counted.
+bool isForked = false;
+
+void AddTo(std::atomic<std::int64_t>* held, std::int64_t change) {
+    if (!isForked) { held->fetch_add(change, std::memory_order_relaxed); }
+}
+
 // Blocks that aren't counted: few, and looked for when a block is freed.
 constexpr int kMostUncounted = 256;
 std::atomic<void*> uncountedBlocks[kMostUncounted];
@@ -100,7 +107,7 @@ std::atomic<int> uncountedUsed = 0;
 void* Counted(void* block) {
     if (block == nullptr || !active || busy) { return block; }
     if (!uncounted) {
-        plan->blocks.fetch_add(1, std::memory_order_relaxed);
+        AddTo(&plan->blocks, 1);
         return block;
     }
     for (int i = 0; i < kMostUncounted; ++i) {
@@ -119,7 +126,7 @@ void CountFreed(void* block) {
         void* known = block;
         if (uncountedBlocks[i].compare_exchange_strong(known, nullptr)) { return; }
     }
-    plan->blocks.fetch_sub(1, std::memory_order_relaxed);
+    AddTo(&plan->blocks, -1);
 }
 
 std::int64_t WholePages(std::size_t bytes) {
@@ -153,6 +160,7 @@ void Start() {
         nullptr);
     for (const int number : {SIGSEGV, SIGBUS, SIGABRT, SIGFPE, SIGILL}) { std::signal(number, OnCrash); }
     if (IsOfTheSystem(plan->fault)) { TrapSystemCalls(plan->fault, IsTurn); }
+    pthread_atfork(nullptr, nullptr, [] { isForked = true; });
     active = true; // what this library has allocated isn't the program's
 }
 
@@ -220,15 +228,13 @@ void* mmap(void* place, std::size_t bytes, int protection, int flags, int file, 
     static auto* const next = Next<void*(void*, std::size_t, int, int, int, off_t)>("mmap");
     if ((flags & MAP_ANONYMOUS) != 0 && FailsAllocation()) { return MAP_FAILED; }
     void* const pages = next(place, bytes, protection, flags, file, offset);
-    if (pages != MAP_FAILED && active) {
-        plan->pageBytes.fetch_add(WholePages(bytes), std::memory_order_relaxed);
-    }
+    if (pages != MAP_FAILED && active) { AddTo(&plan->pageBytes, WholePages(bytes)); }
     return pages;
 }
 
 int munmap(void* pages, std::size_t bytes) noexcept {
     static auto* const next = Next<int(void*, std::size_t)>("munmap");
-    if (active) { plan->pageBytes.fetch_sub(WholePages(bytes), std::memory_order_relaxed); }
+    if (active) { AddTo(&plan->pageBytes, -WholePages(bytes)); }
     return next(pages, bytes);
 }
 

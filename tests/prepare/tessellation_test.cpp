@@ -112,6 +112,15 @@ TEST(Tessellation, NormalsOfAPlainFaceStayToTheDigit) {
     EXPECT_THAT(written, HasSubstr("(0.123456789,0.,0.)"));
 }
 
+TEST(Tessellation, NumbersThatTheFormatDoesntAllowBecomeOnesThatItDoes) {
+    ExchangeText text;
+    text.Add("COORDINATES_LIST('',3,((.25,-.5,+1.),(1.E0,0,2.5E-1),(0.,1.,0.)))");
+    const std::string face = text.Add("TRIANGULATED_FACE('',#1,3,((0.,0.,1.)),$,(),((1,2,3)))");
+    const TempFolder folder;
+    const PreparedScene scene = PrepareText(folder, PartOf(&text, face));
+    EXPECT_THAT(ReadWholeFile(scene.result.output), HasSubstr("((0.25,-0.5,1.),(1.,0.,0.25),(0.,1.,0.))"));
+}
+
 TEST(Tessellation, FacesThatNumberOneListDirectlyGetTheirOwnPoints) {
     ExchangeText text;
     text.Add("COORDINATES_LIST('',6,((0.,0.,0.),(1.,0.,0.),(0.,1.,0.),(0.,0.,5.),(1.,0.,5.),(0.,1.,5.)))");
