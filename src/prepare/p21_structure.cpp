@@ -433,6 +433,9 @@ private:
         if (std::find(way.begin(), way.end(), representation) != way.end()) {
             return AddLoss(product, item.item, "it maps itself");
         }
+        if (file_.Find(representation) == nullptr) {
+            return AddLoss(product, item.item, "what it maps isn't in the file");
+        }
         const std::size_t* const owner = owner_.Find(representation);
         if (owner != nullptr && *owner != product) {
             // The occurrence that says the same without a place.

@@ -117,6 +117,21 @@ TEST(Structure, WhatIsMappedOftenAndHasNoProductBecomesOne) {
     EXPECT_EQ(scene.result.placedParts, 3u);
 }
 
+TEST(Structure, WhatIsMappedAndIsntThereIsNamed) {
+    ExchangeText text;
+    const std::string context = text.Context();
+    const std::string origin = text.Axes("(0.,0.,0.)");
+    const std::string map = text.Add("REPRESENTATION_MAP(" + origin + ",#999)");
+    const std::string first = text.Add("MAPPED_ITEM(''," + map + "," + origin + ")");
+    const std::string second = text.Add("MAPPED_ITEM(''," + map + "," + origin + ")");
+    text.Shape(text.Product("part"), text.Triangle() + "," + first + "," + second, context);
+    const TempFolder folder;
+    const PreparedScene scene = PrepareText(folder, text.Text());
+    EXPECT_THAT(scene.Corners(), ElementsAre(kTriangle));
+    EXPECT_THAT(scene.Losses(),
+                ElementsAre("part: what it maps isn't in the file", "part: what it maps isn't in the file"));
+}
+
 TEST(Structure, AMirroredPlaceIsBakedIntoAPartOfItsOwn) {
     Pair pair;
     const std::string map = pair.text.Add("REPRESENTATION_MAP(" + pair.origin + "," + pair.childShape + ")");
