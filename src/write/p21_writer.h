@@ -84,7 +84,7 @@ public:
 
     template <class Items>
     void PutList(const Items& items) {
-        PutList(items, [this](const auto& item) { Put(item); });
+        PutList(items, [this](const auto& item) { this->Put(item); });
     }
     // A list whose items `put` writes.
     template <class Items, class PutItem>
