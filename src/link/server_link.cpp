@@ -101,7 +101,17 @@ ServerLink::ServerLink(LinkPort& dialog) : session_(std::make_unique<Session>(di
     session_->MakeClient();
 }
 
-ServerLink::~ServerLink() = default;
+// The library keeps the client for a moment after each message, so the last reference to it may end on one
+// of its threads, where its destructor would wait for a close that needs this very thread. Closed here first,
+// it has nothing left to wait for, and no message comes once the queue is gone.
+ServerLink::~ServerLink() {
+    if (!connected) { return; } // a client that never connected has no close to wait for
+    try {
+        session_->client.close().wait();
+    } catch (const std::exception&) {
+        // Then there is nothing left to close.
+    }
+}
 
 void ServerLink::OnConnect() {
     try {
