@@ -1,7 +1,7 @@
 // Finite elements of any ISO 10303-21 text, and what comes back of them once they are written.
 #include "harness.h"
 #include "padded.h"
-#include "prepare/finite_elements.h"
+#include "prepare/elements/finite_elements.h"
 #include "write/byte_sink.h"
 
 #include <cmath>

@@ -3,8 +3,8 @@
 #include "exchange/strict_check.h"
 #include "harness.h"
 #include "padded.h"
-#include "prepare/p21_structure.h"
 #include "prepare/part_file.h"
+#include "prepare/structure/p21_structure.h"
 #include "write/byte_sink.h"
 
 #include <string>

@@ -1,6 +1,6 @@
 // The product structure of a STEP XML document.
 #include "harness.h"
-#include "prepare/xml_structure.h"
+#include "prepare/xml/xml_structure.h"
 
 #include <cmath>
 

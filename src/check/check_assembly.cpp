@@ -4,7 +4,7 @@
 #include "check/check_file.h"
 #include "check/entity_text.h"
 #include "p21/keyword_codes.h"
-#include "prepare/documents.h"
+#include "prepare/structure/documents.h"
 
 #include <unordered_map>
 #include <unordered_set>

@@ -4,7 +4,7 @@
 #include "check/check_documents.h"
 
 #include "platform/paths.h"
-#include "prepare/xml_structure.h"
+#include "prepare/xml/xml_structure.h"
 #include "text/look_up.h"
 #include "text/text_file.h"
 #include "xml/stpx_document.h"

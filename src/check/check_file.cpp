@@ -5,7 +5,7 @@
 #include "load/unread_files.h"
 #include "p21/keyword_codes.h"
 #include "p21/text_walk.h"
-#include "prepare/p21_structure.h"
+#include "prepare/structure/p21_structure.h"
 #include "text/parse_real.h"
 
 #include <algorithm>

@@ -3,8 +3,8 @@
 #include "check/findings.h"
 #include "exchange/exchange_file.h"
 #include "p21/step_model.h"
-#include "prepare/annotations.h"
-#include "prepare/structure.h"
+#include "prepare/structure/annotations.h"
+#include "prepare/structure/structure.h"
 #include "text/look_up.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #include "prepare/part_file.h"
 
 #include "exchange/arguments.h"
-#include "prepare/tessellation.h"
+#include "prepare/shape/tessellation.h"
 #include "write/p21_product.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "exchange/exchange_file.h"
-#include "prepare/mesher.h"
-#include "prepare/structure.h"
-#include "prepare/styles.h"
+#include "mesher/mesher.h"
+#include "prepare/shape/styles.h"
+#include "prepare/structure/structure.h"
 #include "write/byte_sink.h"
 
 #include <cstddef>

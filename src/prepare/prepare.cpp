@@ -1,7 +1,7 @@
 #include "prepare/prepare.h"
 
 #include "platform/memory_left.h"
-#include "prepare/finite_elements.h"
+#include "prepare/elements/finite_elements.h"
 #include "prepare/part_file.h"
 #include "prepare/prepare_record.h"
 #include "prepare/top_file.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "prepare/structure.h"
+#include "prepare/structure/structure.h"
 
 #include <atomic>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "prepare/shape_count.h"
 
-#include "prepare/finite_elements.h"
+#include "prepare/elements/finite_elements.h"
 #include "prepare/part_file.h"
 #include "prepare/whole.h"
 

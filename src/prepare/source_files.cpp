@@ -1,8 +1,8 @@
 #include "prepare/source_files.h"
 
 #include "platform/memory_left.h"
-#include "prepare/p21_structure.h"
-#include "prepare/xml_structure.h"
+#include "prepare/structure/p21_structure.h"
+#include "prepare/xml/xml_structure.h"
 
 #include <algorithm>
 #include <array>

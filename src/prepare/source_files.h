@@ -2,7 +2,7 @@
 
 #include "exchange/exchange_file.h"
 #include "exchange/file_bytes.h"
-#include "prepare/structure.h"
+#include "prepare/structure/structure.h"
 
 #include <memory>
 #include <string>

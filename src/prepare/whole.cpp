@@ -1,6 +1,6 @@
 #include "prepare/whole.h"
 
-#include "prepare/shape_kinds.h"
+#include "prepare/structure/shape_kinds.h"
 #include "text/look_up.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "prepare/source_files.h"
-#include "prepare/structure.h"
+#include "prepare/structure/structure.h"
 
 #include <atomic>
 #include <cstddef>

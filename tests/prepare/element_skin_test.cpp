@@ -1,4 +1,4 @@
-#include "prepare/element_skin.h"
+#include "prepare/elements/element_skin.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "prepare/finite_elements.h"
+#include "prepare/elements/finite_elements.h"
 
 #include "exchange/padded.h"
 #include "exchange/strict_check.h"

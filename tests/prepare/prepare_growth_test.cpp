@@ -2,8 +2,8 @@
 
 #include "exchange/padded.h"
 #include "growth/step_counter.h"
-#include "prepare/finite_elements.h"
-#include "prepare/xml_structure.h"
+#include "prepare/elements/finite_elements.h"
+#include "prepare/xml/xml_structure.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "prepare/xml_placement.h"
+#include "prepare/xml/xml_placement.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 // Documents that other programs wrote, where they are at hand, and those of the samples.
 
-#include "prepare/xml_structure.h"
+#include "prepare/xml/xml_structure.h"
 
 #include "support/formats.h"
 #include "support/real_files.h"

@@ -1,4 +1,4 @@
-#include "prepare/xml_structure.h"
+#include "prepare/xml/xml_structure.h"
 
 #include <gmock/gmock.h>
 

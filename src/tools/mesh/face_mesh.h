@@ -1,6 +1,6 @@
 #pragma once
 
-#include "prepare/mesh_format.h"
+#include "mesher/mesh_format.h"
 
 class TopoDS_Face;
 

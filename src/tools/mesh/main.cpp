@@ -1,8 +1,8 @@
 // Triangulates exact bodies by the geometry kernel, in a process of its own: a damaged body can take the
 // kernel any time and any memory, or bring it down.
 
+#include "mesher/mesh_format.h"
 #include "platform/sanitizers.h"
-#include "prepare/mesh_format.h"
 #include "tools/mesh/kernel.h"
 
 #include <fcntl.h>

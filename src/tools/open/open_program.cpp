@@ -1,6 +1,6 @@
 #include "tools/open/open_program.h"
 
-#include "prepare/mesher.h"
+#include "mesher/mesher.h"
 #include "tools/open/command_line.h"
 #include "tools/open/open_window.h"
 #include "tools/open/open_words.h"

@@ -1,9 +1,9 @@
 // tarnwick-prepare: brings STEP files of any kind into the form that the viewer shows.
 
+#include "mesher/mesher.h"
 #include "platform/out_of_memory.h"
 #include "platform/whole_file.h"
 #include "platform/within_memory.h"
-#include "prepare/mesher.h"
 #include "tools/prepare/options.h"
 #include "tools/prepare/outcome.h"
 #include "tools/prepare/progress.h"

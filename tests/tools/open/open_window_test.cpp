@@ -3,7 +3,7 @@
 #include "tools/open/open_window.h"
 
 #include "app/waits.h"
-#include "prepare/solid_text.h"
+#include "mesher/solid_text.h"
 #include "support/p21_text.h"
 #include "support/temp_folder.h"
 

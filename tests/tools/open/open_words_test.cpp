@@ -1,6 +1,6 @@
 // tarnwick-open where there is no display.
 
-#include "prepare/solid_text.h"
+#include "mesher/solid_text.h"
 #include "support/p21_text.h"
 #include "support/run_program.h"
 #include "support/temp_folder.h"

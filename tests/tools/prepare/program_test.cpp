@@ -1,6 +1,6 @@
 // tarnwick-prepare as a program.
 
-#include "prepare/solid_text.h"
+#include "mesher/solid_text.h"
 #include "support/json.h"
 #include "support/p21_text.h"
 #include "support/run_program.h"

@@ -1,0 +1,143 @@
+#include "prepare/shape/styles.h"
+
+#include "exchange/arguments.h"
+#include "exchange/string_text.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace tarnwick::prepare {
+
+namespace {
+
+// What leads from a styled item to a colour; curves, points and texts have styles of their own.
+bool LeadsOn(std::string_view keyword) {
+    static constexpr std::array<std::string_view, 8> kNames{
+        "PRESENTATION_STYLE_ASSIGNMENT", "PRESENTATION_STYLE_BY_CONTEXT",
+        "SURFACE_STYLE_USAGE",           "SURFACE_SIDE_STYLE",
+        "SURFACE_STYLE_FILL_AREA",       "FILL_AREA_STYLE",
+        "SURFACE_STYLE_RENDERING",       "SURFACE_STYLE_RENDERING_WITH_PROPERTIES"};
+    return std::find(kNames.begin(), kNames.end(), keyword) != kNames.end();
+}
+
+// A style that a file leads through more entities than this isn't one.
+constexpr int kMostEntities = 256;
+
+double Part(double value) {
+    return std::clamp(value, 0.0, 1.0);
+}
+
+} // namespace
+
+Styles::Styles(const ExchangeFile& file) : file_(file) {
+    const auto addAll = [&](std::string_view keyword, bool isOverriding) {
+        for (const std::uint32_t place : file.OfKeyword(keyword)) {
+            Add(RecordOf(file.TextOf(file.Instances()[place])).arguments, isOverriding);
+        }
+    };
+    addAll("STYLED_ITEM", false);
+    addAll("OVER_RIDING_STYLED_ITEM", true);
+    for (const std::uint32_t place : file.ComplexInstances()) {
+        const std::string_view text = file.TextOf(file.Instances()[place]);
+        const Record record = FindRecord(text, "STYLED_ITEM");
+        if (!record.IsFound()) { continue; }
+        // The name is in another record.
+        std::string arguments = "'',";
+        arguments += record.arguments;
+        arguments.append(kBytesPadding, ' ');
+        Add(arguments, FindRecord(text, "OVER_RIDING_STYLED_ITEM").IsFound());
+    }
+}
+
+void Styles::Add(std::string_view arguments, bool isOverriding) {
+    const Arguments parts(arguments);
+    const std::uint64_t item = ReferenceOf(parts[2]);
+    if (item == 0) { return; }
+    std::vector<std::uint64_t> references;
+    AppendReferences(parts[1], &references);
+    if (references.empty()) { return; }
+    // Millions of faces share a few assignments, mostly one each.
+    std::optional<SurfaceStyle> style;
+    if (references.size() > 1) {
+        style = Read(parts[1]);
+    } else if (const auto* const known = byAssignment_.Find(references[0])) {
+        style = *known;
+    } else {
+        style = Read(parts[1]);
+        byAssignment_.Add(references[0], style);
+    }
+    if (!style) { return; }
+    if (ItemStyle* const known = styles_.Find(item)) {
+        if (isOverriding && !known->isOverriding) { *known = {*style, true}; }
+        return;
+    }
+    styles_.Add(item, {*style, isOverriding});
+}
+
+const SurfaceStyle* Styles::Of(std::uint64_t item) {
+    const ItemStyle* const style = styles_.Find(item);
+    return style != nullptr ? &style->style : nullptr;
+}
+
+std::optional<SurfaceStyle> Styles::Read(std::string_view styles) const {
+    std::vector<std::uint64_t> open;
+    AppendReferences(styles, &open);
+    std::reverse(open.begin(), open.end());
+    std::optional<Colour> rendered;
+    std::optional<Colour> filled;
+    double transparency = 0;
+    for (int i = 0; i < kMostEntities && !open.empty(); ++i) {
+        const Instance* const instance = file_.Find(open.back());
+        open.pop_back();
+        if (instance == nullptr) { continue; }
+        const std::string_view keyword = file_.KeywordOf(*instance);
+        const Arguments arguments(RecordOf(file_.TextOf(*instance)).arguments);
+        if (keyword == "SURFACE_STYLE_TRANSPARENT") {
+            transparency = Part(RealOf(arguments[0]).value_or(0));
+        } else if (keyword == "FILL_AREA_STYLE_COLOUR") {
+            if (!filled) { filled = ReadColour(ReferenceOf(arguments[1])); }
+        } else if (LeadsOn(keyword)) {
+            if (keyword.starts_with("SURFACE_STYLE_RENDERING") && !rendered) {
+                rendered = ReadColour(ReferenceOf(arguments[1]));
+            }
+            std::vector<std::uint64_t> next;
+            AppendReferences(RecordOf(file_.TextOf(*instance)).arguments, &next);
+            open.insert(open.end(), next.rbegin(), next.rend());
+        }
+    }
+    const std::optional<Colour> colour = rendered ? rendered : filled;
+    if (!colour) { return std::nullopt; }
+    return SurfaceStyle{*colour, transparency};
+}
+
+std::optional<Colour> Styles::ReadColour(std::uint64_t number) const {
+    const Instance* const instance = file_.Find(number);
+    if (instance == nullptr) { return std::nullopt; }
+    const std::string_view keyword = file_.KeywordOf(*instance);
+    const Arguments arguments(RecordOf(file_.TextOf(*instance)).arguments);
+    if (keyword == "COLOUR_RGB") {
+        const auto red = RealOf(arguments[1]);
+        const auto green = RealOf(arguments[2]);
+        const auto blue = RealOf(arguments[3]);
+        if (!red || !green || !blue) { return std::nullopt; }
+        return Colour{Part(*red), Part(*green), Part(*blue)};
+    }
+    if (!keyword.ends_with("PRE_DEFINED_COLOUR")) { return std::nullopt; }
+    static constexpr std::array<std::pair<std::string_view, Colour>, 8> kNamed{{{"red", {1, 0, 0}},
+                                                                                {"green", {0, 1, 0}},
+                                                                                {"blue", {0, 0, 1}},
+                                                                                {"yellow", {1, 1, 0}},
+                                                                                {"magenta", {1, 0, 1}},
+                                                                                {"cyan", {0, 1, 1}},
+                                                                                {"black", {0, 0, 0}},
+                                                                                {"white", {1, 1, 1}}}};
+    const std::string name = StringOf(arguments[0]);
+    for (const auto& [known, colour] : kNamed) {
+        if (known == name) { return colour; }
+    }
+    return std::nullopt;
+}
+
+} // namespace tarnwick::prepare
