@@ -3,6 +3,7 @@
 #include "exchange/text_skip.h"
 #include "text/parse_real.h"
 
+#include <array>
 #include <limits>
 
 namespace tarnwick {
@@ -39,9 +40,31 @@ std::int32_t NumberAt(std::string_view text, std::size_t* digits) {
     return value > std::numeric_limits<std::int32_t>::max() ? 0 : static_cast<std::int32_t>(value);
 }
 
+using CharSet = std::array<bool, 256>;
+
+constexpr CharSet SetOf(std::string_view characters) {
+    CharSet set{};
+    for (const char c : characters) { set[static_cast<unsigned char>(c)] = true; }
+    return set;
+}
+
+// What a value goes on with, by its kind.
+constexpr std::array<CharSet, 2> kInValue = {SetOf("0123456789.-+Ee"), SetOf("0123456789")};
+
 bool IsPartOfValue(char c, bool starts, ValueKind values) {
-    if (values == ValueKind::kReferences) { return starts ? c == '#' : real::IsDigit(c); }
-    return real::IsDigit(c) || c == '.' || c == '-' || c == '+' || c == 'E' || c == 'e';
+    if (starts && values == ValueKind::kReferences) { return c == '#'; }
+    return kInValue[static_cast<std::size_t>(values)][static_cast<unsigned char>(c)];
+}
+
+// Behind a list of three numbers and nothing else that starts at `p`; null where none does.
+const char* BehindTriple(const char* p, const char* end) {
+    for (const char mark : {'(', ',', ','}) {
+        if (p == end || *p != mark) { return nullptr; }
+        const char* const value = ++p;
+        while (p < end && kInValue[0][static_cast<unsigned char>(*p)]) { ++p; }
+        if (p == value) { return nullptr; }
+    }
+    return p < end && *p == ')' ? p + 1 : nullptr;
 }
 
 } // namespace
@@ -167,7 +190,8 @@ ListShape ShapeOf(std::string_view list, ValueKind values) {
     char before = '\0';            // what stands before: "(", ")", ",", or "1" for a value
     bool spaceBefore = false;
     bool hasOuterValue = false; // beside the inner lists, where none may be
-    for (const char c : text) {
+    for (const char *p = text.data(), *const end = p + text.size(); p < end; ++p) {
+        const char c = *p;
         if (IsSpace(c)) {
             spaceBefore = true;
             if (depth == 1 && shape.inner > 0 && (c == ' ' || c == '\t')) { shape.blankAtEnd = true; }
@@ -179,6 +203,15 @@ ListShape ShapeOf(std::string_view list, ValueKind values) {
         }
         if (c == '(') {
             shape.sound &= before == '(' || before == ',' || before == '\0';
+            const bool mayBeTriple = depth == 1 && values == ValueKind::kNumbers;
+            if (const char* const behind = mayBeTriple ? BehindTriple(p, end) : nullptr; behind != nullptr) {
+                ++shape.inner;
+                shape.values += 3;
+                before = ')';
+                spaceBefore = false;
+                p = behind - 1;
+                continue;
+            }
             if (++depth == 2) {
                 ++shape.inner;
                 valuesBefore = shape.values;
@@ -196,6 +229,11 @@ ListShape ShapeOf(std::string_view list, ValueKind values) {
             }
             shape.sound &=
                 depth > 0 && before != ')' && IsPartOfValue(c, starts, values) && !(starts && before == '1');
+            // The rest of the value changes nothing.
+            while (p + 1 < end &&
+                   kInValue[static_cast<std::size_t>(values)][static_cast<unsigned char>(p[1])]) {
+                ++p;
+            }
         }
         before = c == '(' || c == ')' || c == ',' ? c : '1';
         spaceBefore = false;
