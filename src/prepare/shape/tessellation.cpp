@@ -290,7 +290,9 @@ std::optional<EntityId> WriteMeshFace(P21Writer* out, const MeshFace& face) {
 
 void FaceWriter::Announce(std::span<const SourceFace> faces) {
     for (const SourceFace& face : faces) {
-        if (face.pnindex.empty()) { ++lists_.At(face.coordinates).faces; }
+        PointList& list = lists_.At(face.coordinates);
+        if (face.pnindex.empty()) { ++list.faces; }
+        list.isShared = ++list.toCome > 1;
     }
 }
 
@@ -321,8 +323,19 @@ std::optional<EntityId> FaceWriter::Write(const SourceFace& face, const Transfor
     const bool stays = IsIdentity(whole) && face.form != SourceFace::Form::kBezier;
     // A list that several faces number directly would be read once for each of them.
     const bool isShared = face.pnindex.empty() && lists_.At(face.coordinates).faces > 1;
-    if (stays && !isShared && ListOf(face.normals).find('(') != std::string_view::npos) { return Copy(face); }
-    return Make(face, whole);
+    const bool mayCopy = stays && !isShared && ListOf(face.normals).find('(') != std::string_view::npos;
+    const std::optional<EntityId> id = mayCopy ? Copy(face) : Make(face, whole);
+    LetGo(face.coordinates);
+    return id;
+}
+
+void FaceWriter::LetGo(std::uint64_t coordinates) {
+    PointList& list = lists_.At(coordinates);
+    if (list.toCome > 0 && --list.toCome == 0) {
+        if (std::vector<Vec3>* const points = parsed_.Find(coordinates)) {
+            std::vector<Vec3>().swap(*points);
+        }
+    }
 }
 
 std::optional<EntityId> FaceWriter::Copy(const SourceFace& face) {
@@ -366,7 +379,7 @@ std::optional<EntityId> FaceWriter::Copy(const SourceFace& face) {
 }
 
 const std::vector<Vec3>& FaceWriter::PointsOf(std::uint64_t coordinates) {
-    const bool isShared = lists_.At(coordinates).faces > 1;
+    const bool isShared = lists_.At(coordinates).isShared;
     if (const std::vector<Vec3>* const known = isShared ? parsed_.Find(coordinates) : nullptr) {
         return *known;
     }

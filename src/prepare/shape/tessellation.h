@@ -62,19 +62,22 @@ private:
         EntityId id;
         std::size_t points = 0;
         bool isWritten = false;
-        std::size_t faces = 0; // that use it without a list of theirs
+        std::size_t faces = 0;  // that use it without a list of theirs
+        std::size_t toCome = 0; // of all faces that use it
+        bool isShared = false;  // by several faces
     };
     std::optional<EntityId> Copy(const SourceFace& face);
     std::optional<EntityId> Make(const SourceFace& face, const Transform& at);
     bool WritePoints(std::uint64_t coordinates, PointList* list);
     std::string_view PointsText(std::uint64_t coordinates) const;
     const std::vector<Vec3>& PointsOf(std::uint64_t coordinates);
+    void LetGo(std::uint64_t coordinates);
 
     const ExchangeFile& file_;
     P21Writer& out_;
     TellLoss tell_;
     LookUp<std::uint64_t, PointList> lists_;
-    // Of the lists that several faces number directly, and the last one otherwise.
+    // Of the lists that several faces use, up to the last of these, and the last one otherwise.
     LookUp<std::uint64_t, std::vector<Vec3>> parsed_;
     std::vector<Vec3> lastParsed_;
     std::string scratch_[5];
