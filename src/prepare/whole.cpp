@@ -233,6 +233,10 @@ private:
             for (std::size_t steps = 0; nodes_[at].origin != kNone && steps < 64; ++steps) {
                 at = nodes_[at].origin;
             }
+            if (nodes_[at].origin != kNone) {
+                whole_.losses.push_back(
+                    {nodes_[i].id, 0, "its file names another one, and so on without end"});
+            }
             origins_.push_back(at);
         }
     }

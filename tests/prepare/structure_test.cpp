@@ -202,6 +202,24 @@ TEST(Structure, AProductThatUsesItselfComesToAnEnd) {
     EXPECT_THAT(scene.Losses(), ElementsAre(HasSubstr("uses itself; that use is left out")));
 }
 
+TEST(Structure, ACircleBesideTheRootIsShownToo) {
+    ExchangeText text;
+    const std::string context = text.Context();
+    const std::string origin = text.Axes("(0.,0.,0.)");
+    text.Shape(text.Product("root"), text.Triangle("0."), context);
+    const std::string a = text.Product("a");
+    const std::string b = text.Product("b");
+    const std::string aShape = text.Shape(a, origin + "," + text.Triangle("1."), context);
+    const std::string bShape = text.Shape(b, origin + "," + text.Triangle("2."), context);
+    text.Use(a, b, aShape, bShape, origin, origin);
+    text.Use(b, a, bShape, aShape, origin, origin);
+    const TempFolder folder;
+    const PreparedScene scene = PrepareText(folder, text.Text());
+    EXPECT_THAT(scene.Corners(),
+                ElementsAre("0 0 0, 1 0 0, 0 1 0", "0 0 1, 1 0 1, 0 1 1", "0 0 2, 1 0 2, 0 1 2"));
+    EXPECT_THAT(scene.Losses(), ElementsAre("b: it uses itself; that use is left out"));
+}
+
 TEST(Structure, ADeepTreeIsNoFurtherThanAFlatOne) {
     ExchangeText text;
     const std::string context = text.Context();

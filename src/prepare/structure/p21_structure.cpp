@@ -640,17 +640,34 @@ private:
         out_.products[0].shape.push_back({ShapeKind::kElements, false, 0, 0, 0, 1, {}, 0});
     }
 
+    // With the first product of each circle that nothing outside of it uses.
     void FindRoots() {
         std::vector<char> isUsed(out_.products.size());
         for (const FileProduct& product : out_.products) {
             for (const FileUse& use : product.uses) { isUsed[use.child] = 1; }
         }
-        for (std::size_t i = 0; i < isUsed.size(); ++i) {
-            if (!isUsed[i]) { out_.roots.push_back(i); }
+        std::vector<char> isReached(out_.products.size());
+        for (const char wanted : {char{0}, char{1}}) {
+            for (std::size_t i = 0; i < isUsed.size(); ++i) {
+                if (isUsed[i] != wanted || isReached[i]) { continue; }
+                out_.roots.push_back(i);
+                Reach(i, &isReached);
+            }
         }
-        // A circle has no root; its first product will do.
-        if (out_.roots.empty() && !out_.products.empty()) { out_.roots.push_back(0); }
         if (!out_.roots.empty()) { out_.unit = UnitOfProduct(); }
+    }
+    void Reach(std::size_t product, std::vector<char>* isReached) const {
+        std::vector<std::size_t> open{product};
+        (*isReached)[product] = 1;
+        while (!open.empty()) {
+            const std::size_t next = open.back();
+            open.pop_back();
+            for (const FileUse& use : out_.products[next].uses) {
+                if ((*isReached)[use.child]) { continue; }
+                (*isReached)[use.child] = 1;
+                open.push_back(use.child);
+            }
+        }
     }
 
     // Of the first representation that any product has, roots first.

@@ -57,8 +57,10 @@ struct FileStructure {
     // Mapped items and representations through which items came, whose style one has that has none of its
     // own. The first path is empty.
     std::vector<std::vector<std::uint64_t>> paths{{}};
-    std::vector<std::size_t> roots; // products that none of this file uses, in the order of the file
-    double unit = 1;                // millimetres of a length unit of its first root
+    // Products that none of this file uses, in the order of the file; then one of each circle that these
+    // don't lead to.
+    std::vector<std::size_t> roots;
+    double unit = 1; // millimetres of a length unit of its first root
     std::vector<Loss> losses;
 };
 
