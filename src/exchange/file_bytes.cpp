@@ -19,6 +19,7 @@ namespace tarnwick {
 namespace {
 
 constexpr const char* kNoMemory = "there is not enough memory for it";
+constexpr const char* kNoArchive = "the archive can't be read";
 
 std::string TextOf(const XXH128_hash_t& hash) {
     std::array<char, 40> text{};
@@ -124,54 +125,79 @@ bool EndsWithAny(std::string name, std::initializer_list<const char*> ends) {
     return std::any_of(ends.begin(), ends.end(), [&](const char* end) { return name.ends_with(end); });
 }
 
-FileBytes ReadMember(const std::string& path, std::size_t most) {
+class ZipReader {
+public:
+    explicit ZipReader(const std::string& path) : zip_(unzOpen64(path.c_str())) {}
+
+    // Calls take(name) with each member in turn, until it says to stop. False where the directory is damaged.
+    template <class Take>
+    bool ForEachMember(Take take) {
+        if (zip_ == nullptr) { return false; }
+        std::array<char, 1024> name{};
+        int state = unzGoToFirstFile(zip_.get());
+        for (; state == UNZ_OK; state = unzGoToNextFile(zip_.get())) {
+            unz_file_info64 info{};
+            if (unzGetCurrentFileInfo64(zip_.get(), &info, name.data(), name.size() - 1, nullptr, 0, nullptr,
+                                        0) != UNZ_OK) {
+                return false;
+            }
+            if (take(std::string_view(name.data()))) { return true; }
+        }
+        return state == UNZ_END_OF_LIST_OF_FILE;
+    }
+
+    FileBytes Read(const std::string& member, std::size_t most) {
+        FileBytes bytes;
+        bytes.member = member;
+        if (zip_ == nullptr || unzLocateFile(zip_.get(), member.c_str(), 1) != UNZ_OK ||
+            unzOpenCurrentFile(zip_.get()) != UNZ_OK) {
+            bytes.error = kNoArchive;
+            return bytes;
+        }
+        GrowingBytes out(most);
+        for (;;) {
+            std::size_t room = 0;
+            char* const target = out.Room(1 << 16, &room);
+            if (target == nullptr) {
+                bytes.error = kNoMemory;
+                return bytes;
+            }
+            const int got = unzReadCurrentFile(zip_.get(), target,
+                                               static_cast<unsigned>(std::min<std::size_t>(room, 1 << 24)));
+            if (got <= 0) {
+                if (got < 0) { bytes.error = "its member in the archive is damaged"; }
+                break;
+            }
+            out.Take(static_cast<std::size_t>(got));
+        }
+        out.MoveTo(&bytes);
+        return bytes;
+    }
+
+private:
     struct Close {
         void operator()(void* zip) const { unzClose(zip); }
     };
-    const std::unique_ptr<void, Close> zip(unzOpen64(path.c_str()));
+    std::unique_ptr<void, Close> zip_;
+};
+
+bool IsStepName(std::string_view name) {
+    return EndsWithAny(std::string(name),
+                       {".stp", ".step", ".p21", ".stpx", ".xml", ".stpnc", ".stpz", ".stpxz", ".stp.gz"});
+}
+
+// The first member that has a name of a STEP file, or else the first of all.
+FileBytes ReadFirstMember(const std::string& path, std::size_t most) {
+    ZipReader zip(path);
+    std::string first;
+    zip.ForEachMember([&first](std::string_view name) {
+        const bool isStep = IsStepName(name);
+        if (isStep || (first.empty() && !name.ends_with('/'))) { first = name; }
+        return isStep;
+    });
     FileBytes bytes;
-    bytes.error = "the archive can't be read";
-    if (zip == nullptr) { return bytes; }
-    std::array<char, 1024> name{};
-    unz64_file_pos first{};
-    bool isFound = false;
-    for (int state = unzGoToFirstFile(zip.get()); state == UNZ_OK; state = unzGoToNextFile(zip.get())) {
-        unz_file_info64 info{};
-        if (unzGetCurrentFileInfo64(zip.get(), &info, name.data(), name.size() - 1, nullptr, 0, nullptr, 0) !=
-            UNZ_OK) {
-            return bytes;
-        }
-        const bool isStep = EndsWithAny(name.data(), {".stp", ".step", ".p21", ".stpx", ".xml", ".stpnc"});
-        const bool isFolder = std::string_view(name.data()).ends_with('/');
-        if (isFolder || (isFound && !isStep)) { continue; }
-        if (unzGetFilePos64(zip.get(), &first) != UNZ_OK) { return bytes; }
-        bytes.member = name.data();
-        isFound = true;
-        if (isStep) { break; }
-    }
-    if (!isFound || unzGoToFilePos64(zip.get(), &first) != UNZ_OK ||
-        unzOpenCurrentFile(zip.get()) != UNZ_OK) {
-        return bytes;
-    }
-    bytes.error.clear();
-    GrowingBytes out(most);
-    for (;;) {
-        std::size_t room = 0;
-        char* const target = out.Room(1 << 16, &room);
-        if (target == nullptr) {
-            bytes.error = kNoMemory;
-            return bytes;
-        }
-        const int got = unzReadCurrentFile(zip.get(), target,
-                                           static_cast<unsigned>(std::min<std::size_t>(room, 1 << 24)));
-        if (got <= 0) {
-            if (got < 0) { bytes.error = "its member in the archive is damaged"; }
-            break;
-        }
-        out.Take(static_cast<std::size_t>(got));
-    }
-    out.MoveTo(&bytes);
-    return bytes;
+    bytes.error = kNoArchive;
+    return first.empty() ? std::move(bytes) : zip.Read(first, most);
 }
 
 } // namespace
@@ -203,9 +229,39 @@ FileBytes ReadFileBytes(const std::string& path, std::size_t most) {
     bytes.digest = TextOf(XXH3_128bits(bytes.data.get(), bytes.size));
     const bool isZip = IsZip(bytes.Text());
     if (!isZip && !IsGzip(bytes.Text()) && !IsZlib(bytes.Text())) { return bytes; }
-    FileBytes unpacked = isZip ? ReadMember(path, most) : Inflate(bytes.Text(), most - size);
+    FileBytes unpacked = isZip ? ReadFirstMember(path, most) : Inflate(bytes.Text(), most - size);
     unpacked.digest = std::move(bytes.digest);
     return unpacked;
+}
+
+std::vector<std::string> StepMembersOf(const std::string& path) {
+    std::array<char, 4> start{};
+    int error = 0;
+    {
+        const OpenedFile file(path.c_str());
+        if (!file.IsOpen() || file.ReadAt(0, start.data(), start.size(), &error) < start.size() ||
+            !IsZip({start.data(), start.size()})) {
+            return {};
+        }
+    }
+    std::vector<std::string> members;
+    ZipReader(path).ForEachMember([&members](std::string_view name) {
+        if (IsStepName(name)) { members.emplace_back(name); }
+        return false;
+    });
+    return members;
+}
+
+FileBytes ReadMemberBytes(const std::string& archive, const std::string& member, std::size_t most) {
+    FileBytes bytes = ZipReader(archive).Read(member, most);
+    if (!bytes.IsRead()) { return bytes; }
+    std::string digest = TextOf(XXH3_128bits(bytes.data.get(), bytes.size));
+    if (IsGzip(bytes.Text()) || IsZlib(bytes.Text())) {
+        bytes = Inflate(bytes.Text(), most - std::min(most, bytes.size));
+        bytes.member = member;
+    }
+    bytes.digest = std::move(digest);
+    return bytes;
 }
 
 std::string DigestOfFile(const std::string& path) {

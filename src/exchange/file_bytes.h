@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarnwick {
 
@@ -16,7 +17,8 @@ struct FileBytes {
     std::size_t size = 0; // without the padding
     std::string error;
     std::string member; // of the archive that the file is, or empty
-    std::string digest; // of the file as it lies there: XXH3 of 128 bits, as hexadecimal digits
+    std::string
+        digest; // XXH3 of 128 bits, as hexadecimal digits: of a file as it lies there, of a member's bytes
 
     bool IsRead() const { return data != nullptr; }
     std::string_view Text() const { return {data.get(), size}; }
@@ -26,6 +28,13 @@ struct FileBytes {
 // inflated; of a ZIP archive, the first member that has a name of a STEP file (or the first of all). Never
 // more than `most` bytes come out. Any thread.
 FileBytes ReadFileBytes(const std::string& path, std::size_t most);
+
+// The members of a ZIP archive that have a name of a STEP file, in its order; empty for any other file. Any
+// thread.
+std::vector<std::string> StepMembersOf(const std::string& path);
+
+// Reads a member of a ZIP archive whole; one that is a gzip or zlib stream is inflated. Any thread.
+FileBytes ReadMemberBytes(const std::string& archive, const std::string& member, std::size_t most);
 
 // What `digest` of ReadFileBytes would be, without keeping the bytes; empty where the file can't be read.
 std::string DigestOfFile(const std::string& path);

@@ -110,7 +110,9 @@ public:
             return {known, known->file.get()};
         }
         const auto text = std::make_shared<SourceText>();
-        text->bytes = ReadFileBytes(entry.path, static_cast<std::size_t>(MemoryLeft()));
+        const auto most = static_cast<std::size_t>(MemoryLeft());
+        text->bytes = entry.member.empty() ? ReadFileBytes(entry.path, most)
+                                           : ReadMemberBytes(entry.path, entry.member, most);
         if (!text->bytes.IsRead() || text->bytes.digest != entry.digest) { return nullptr; }
         text->file = std::make_unique<ExchangeFile>(text->bytes.Text());
         places_[place].text = text;
@@ -371,7 +373,11 @@ private:
         PrepareRecord record;
         record.options = OptionsLine(options_);
         std::error_code error;
+        const std::string& top = whole_.files[0].path;
+        const bool isArchive = !whole_.files[0].member.empty();
+        if (isArchive) { record.inputs.emplace_back(fs::absolute(top, error).string(), DigestOfFile(top)); }
         for (const WholeFileEntry& file : whole_.files) {
+            if (!file.member.empty()) { continue; } // the archive stands for them
             record.inputs.emplace_back(fs::absolute(file.path, error).string(), file.digest);
         }
         for (const std::string& path : whole_.missed) {

@@ -75,7 +75,7 @@ ShapeCount Count(const Whole& whole, const std::atomic<bool>* cancel) {
         if (product.file != open) {
             open = product.file;
             styles.reset();
-            again = entry.source != nullptr ? nullptr : LoadSource(entry.path);
+            again = entry.source != nullptr ? nullptr : LoadSource(entry.path, entry.member);
             file = again != nullptr ? again->file.get() : entry.source->file.get();
             if (file == nullptr) { return count; }
             styles.emplace(*file);

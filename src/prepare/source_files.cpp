@@ -42,13 +42,43 @@ void NoteDamage(LoadedSource* source) {
     }
 }
 
+template <class IsThere>
+std::string FindAmong(const std::string& folder, const std::vector<std::string>& names, IsThere isThere,
+                      bool* isOther) {
+    static constexpr std::array<const char*, 9> kEndings{".stp", ".step",  ".p21",    ".stpz", ".stpx",
+                                                         ".xml", ".stpxz", ".stp.gz", ".stp.Z"};
+    *isOther = false;
+    std::vector<fs::path> candidates;
+    for (std::string name : names) {
+        std::replace(name.begin(), name.end(), '\\', '/');
+        // No drive, no scheme, no root.
+        if (name.size() > 1 && name[1] == ':') { name.erase(0, 2); }
+        name.erase(0, std::min(name.find_first_not_of('/'), name.size()));
+        if (name.empty() || name.find('\0') != std::string::npos) { continue; }
+        candidates.push_back(fs::path(folder) / name);
+        candidates.push_back(fs::path(folder) / fs::path(name).filename());
+    }
+    for (const fs::path& path : candidates) {
+        if (isThere(path)) { return path.string(); }
+    }
+    *isOther = true;
+    for (const fs::path& path : candidates) {
+        for (const char* const ending : kEndings) {
+            fs::path other = path;
+            other.replace_extension(ending);
+            if (isThere(other)) { return other.string(); }
+        }
+    }
+    return {};
+}
+
 } // namespace
 
-std::unique_ptr<LoadedSource> LoadSource(const std::string& path) {
+std::unique_ptr<LoadedSource> LoadSource(const std::string& path, const std::string& member) {
     auto source = std::make_unique<LoadedSource>();
-    const std::uint64_t room = MemoryLeft();
-    source->bytes = ReadFileBytes(path, static_cast<std::size_t>(std::min<std::uint64_t>(
-                                            room, std::numeric_limits<std::size_t>::max() / 2)));
+    const auto room = static_cast<std::size_t>(
+        std::min<std::uint64_t>(MemoryLeft(), std::numeric_limits<std::size_t>::max() / 2));
+    source->bytes = member.empty() ? ReadFileBytes(path, room) : ReadMemberBytes(path, member, room);
     if (!source->bytes.IsRead()) {
         source->error = source->bytes.error;
         return source;
@@ -72,31 +102,15 @@ std::unique_ptr<LoadedSource> LoadSource(const std::string& path) {
 }
 
 std::string FindSource(const std::string& folder, const std::vector<std::string>& names, bool* isOther) {
-    static constexpr std::array<const char*, 9> kEndings{".stp", ".step",  ".p21",    ".stpz", ".stpx",
-                                                         ".xml", ".stpxz", ".stp.gz", ".stp.Z"};
-    *isOther = false;
-    std::vector<fs::path> candidates;
-    for (std::string name : names) {
-        std::replace(name.begin(), name.end(), '\\', '/');
-        // No drive, no scheme, no root.
-        if (name.size() > 1 && name[1] == ':') { name.erase(0, 2); }
-        name.erase(0, std::min(name.find_first_not_of('/'), name.size()));
-        if (name.empty() || name.find('\0') != std::string::npos) { continue; }
-        candidates.push_back(fs::path(folder) / name);
-        candidates.push_back(fs::path(folder) / fs::path(name).filename());
-    }
-    for (const fs::path& path : candidates) {
-        if (IsFile(path)) { return path.string(); }
-    }
-    *isOther = true;
-    for (const fs::path& path : candidates) {
-        for (const char* const ending : kEndings) {
-            fs::path other = path;
-            other.replace_extension(ending);
-            if (IsFile(other)) { return other.string(); }
-        }
-    }
-    return {};
+    return FindAmong(folder, names, IsFile, isOther);
+}
+
+std::string FindMember(const std::unordered_set<std::string>& members, const std::string& folder,
+                       const std::vector<std::string>& names, bool* isOther) {
+    const auto isMember = [&members](const fs::path& path) {
+        return members.contains(path.lexically_normal().string());
+    };
+    return fs::path(FindAmong(folder, names, isMember, isOther)).lexically_normal().string();
 }
 
 } // namespace tarnwick::prepare

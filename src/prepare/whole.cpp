@@ -44,35 +44,70 @@ public:
     WholeReader(Whole* whole, const std::atomic<bool>* cancel) : whole_(*whole), cancel_(cancel) {}
 
     std::vector<Node> Run(const std::string& path, std::size_t* root) {
-        const std::size_t top = Open(path);
-        if (top == kNone) {
+        const std::vector<std::size_t> tops = OpenTops(path);
+        if (tops.empty()) {
             whole_.error = lastError_;
             return {};
         }
-        whole_.unit = whole_.files[0].structure.unit;
-        *root = RootOf(0);
+        // Their roots come before those of the files that they name.
+        for (const std::size_t top : tops) { RootOf(top); }
         // Files that nodes name bring further nodes, which name files in their turn.
         for (std::size_t i = 0; i < nodes_.size(); ++i) {
             if (cancel_ != nullptr && *cancel_) { break; }
             if (!nodes_[i].files.empty()) { Follow(i); }
         }
+        *root = RootOfAll(tops, path);
         return std::move(nodes_);
     }
 
 private:
-    // The file's place, or kNone.
-    std::size_t Open(const std::string& path) {
-        const std::string key = KeyOf(path);
+    // The file, or all of the archive that it is.
+    std::vector<std::size_t> OpenTops(const std::string& path) {
+        std::vector<std::string> members = StepMembersOf(path);
+        members_.insert(members.begin(), members.end());
+        if (members.empty()) { members.emplace_back(); } // no archive, or none with names of STEP files
+        std::vector<std::size_t> tops;
+        for (const std::string& member : members) {
+            if (cancel_ != nullptr && *cancel_) { break; }
+            const std::size_t top = Open(path, member);
+            if (top != kNone) {
+                tops.push_back(top);
+            } else if (!member.empty()) {
+                // XML of other kinds may lie beside.
+                const bool isStep = !member.ends_with(".xml");
+                whole_.losses.push_back({member, 0, "it can't be read: " + lastError_, isStep});
+            }
+        }
+        return tops;
+    }
+
+    // Of an archive's members those that none of the others names, or the first where each is named.
+    std::size_t RootOfAll(std::vector<std::size_t> tops, const std::string& path) {
+        const std::size_t first = tops[0];
+        std::erase_if(tops, [this](std::size_t top) { return named_.contains(top); });
+        if (tops.empty()) { tops.push_back(first); }
+        whole_.unit = whole_.files[tops[0]].structure.unit;
+        if (tops.size() == 1) { return RootOf(tops[0]); }
+        Node node;
+        node.id = fs::path(path).stem().string();
+        for (const std::size_t top : tops) { node.uses.push_back({RootOf(top), {}, ""}); }
+        nodes_.push_back(std::move(node));
+        return nodes_.size() - 1;
+    }
+
+    // The place of the file, or of the member of the archive that it is; kNone where it can't be read.
+    std::size_t Open(const std::string& path, const std::string& member) {
+        const std::string key = KeyOf(path) + "\n" + member;
         const auto [known, isNew] = places_.emplace(key, kNone);
         if (!isNew) { return known->second; }
-        std::unique_ptr<LoadedSource> source = LoadSource(path);
+        std::unique_ptr<LoadedSource> source = LoadSource(path, member);
         if (!source->error.empty()) {
             lastError_ = source->error;
             return kNone;
         }
         const std::size_t place = whole_.files.size();
         known->second = place;
-        WholeFileEntry entry{path, source->bytes.digest, nullptr, std::move(source->structure)};
+        WholeFileEntry entry{path, member, source->bytes.digest, nullptr, std::move(source->structure)};
         for (Loss& loss : entry.structure.losses) { whole_.losses.push_back(std::move(loss)); }
         firstNode_.push_back(nodes_.size());
         for (FileProduct& product : entry.structure.products) {
@@ -105,7 +140,8 @@ private:
             root = roots[0];
         } else {
             Node node;
-            node.id = fs::path(whole_.files[file].path).stem().string();
+            const WholeFileEntry& entry = whole_.files[file];
+            node.id = fs::path(entry.member.empty() ? entry.path : entry.member).stem().string();
             node.file = file;
             for (const std::size_t child : roots) { node.uses.push_back({child, {}, ""}); }
             root = nodes_.size();
@@ -115,25 +151,41 @@ private:
         return root;
     }
 
-    void Follow(std::size_t place) {
+    // What a node of an archive names may be another member.
+    std::size_t FollowMember(std::size_t place) {
+        const WholeFileEntry& entry = whole_.files[nodes_[place].file];
+        if (entry.member.empty()) { return kNone; }
+        const std::string folder = fs::path(entry.member).parent_path().string();
+        bool isOther = false;
+        const std::string member = FindMember(members_, folder, nodes_[place].files, &isOther);
+        // Those of the archive are open, but for the ones that can't be read.
+        return member.empty() ? kNone : Open(entry.path, member);
+    }
+
+    std::size_t FollowFile(std::size_t place, bool hasOwn) {
         const std::vector<std::string> names = nodes_[place].files;
         const std::string folder = fs::path(whole_.files[nodes_[place].file].path).parent_path().string();
         bool isOther = false;
         const std::string path = FindSource(folder, names, &isOther);
-        const bool hasOwn = !nodes_[place].shape.empty();
         if (path.empty() || isOther) { whole_.missed.push_back(folder + "/" + names[0]); }
         if (path.empty()) {
             if (!hasOwn) { AddLoss(place, "its file '" + names[0] + "' isn't there"); }
-            return;
+            return kNone;
         }
         if (isOther) {
             AddLoss(place, "its file '" + names[0] + "' isn't there; '" + path + "' is taken", false);
         }
-        const std::size_t file = Open(path);
-        if (file == kNone) {
-            AddLoss(place, "its file '" + path + "' can't be read: " + lastError_);
-            return;
-        }
+        const std::size_t file = Open(path, "");
+        if (file == kNone) { AddLoss(place, "its file '" + path + "' can't be read: " + lastError_); }
+        return file;
+    }
+
+    void Follow(std::size_t place) {
+        const bool hasOwn = !nodes_[place].shape.empty();
+        std::size_t file = FollowMember(place);
+        if (file == kNone) { file = FollowFile(place, hasOwn); }
+        if (file == kNone) { return; }
+        if (file != nodes_[place].file) { named_.insert(file); }
         const std::size_t root = RootOf(file);
         if (file == nodes_[place].file || root == place) { return; }
         // Where a file tells the shape and this one the components, both count; components that both tell
@@ -165,6 +217,8 @@ private:
     std::vector<std::size_t> firstNode_; // of each file
     std::map<std::string, std::size_t> places_;
     std::map<std::size_t, std::size_t> roots_;
+    std::unordered_set<std::string> members_; // of the archive that the top is, often none
+    std::set<std::size_t> named_;             // files that another one names
     std::string lastError_;
 };
 

@@ -15,6 +15,7 @@ namespace tarnwick::prepare {
 // A file of the whole. The text of all but the first is given back once their structure is known.
 struct WholeFileEntry {
     std::string path;
+    std::string member; // of the archive that this is, empty where it isn't one or its first is meant
     std::string digest;
     std::unique_ptr<LoadedSource> source; // null where the text was given back
     FileStructure structure;
@@ -34,7 +35,7 @@ struct WholeProduct {
 };
 
 struct Whole {
-    std::vector<WholeFileEntry> files; // the first is the top
+    std::vector<WholeFileEntry> files; // the first is the top, or the first of an archive
     std::vector<WholeProduct> products;
     std::size_t root = 0;
     double unit = 1;                 // millimetres of a length unit of the top

@@ -1,7 +1,11 @@
 #include "prepare/exchange_text.h"
 #include "prepare/prepared_scene.h"
+#include "write/zip_writer.h"
 
 #include <gmock/gmock.h>
+
+#include <utility>
+#include <vector>
 
 namespace tarnwick::test {
 namespace {
@@ -119,6 +123,59 @@ TEST(ExternalFiles, OfOneNameAreReadOnceAndPlacedWhereverTheyAreUsed) {
     EXPECT_EQ(scene.placed, 4u);
     EXPECT_EQ(scene.result.parts, 1u);
     EXPECT_EQ(scene.result.placedParts, 4u);
+}
+
+// What is shown of an archive with the members, given as names and texts.
+PreparedScene PrepareArchive(const TempFolder& folder,
+                             const std::vector<std::pair<std::string, std::string>>& members) {
+    const std::string path = folder.Path("packed.zip");
+    ZipWriter zip(path);
+    for (const auto& [name, text] : members) {
+        EXPECT_TRUE(zip.Add(name, false, [&text](ByteSink* sink) { sink->Write(text); }));
+    }
+    EXPECT_TRUE(zip.Close());
+    return PrepareFile(path, PlainOptions(folder.Path("out")));
+}
+
+TEST(ArchivesOfStepFiles, AnAssemblyFindsItsPartsAmongTheMembers) {
+    const TempFolder folder;
+    for (const char* const name :
+         {"wheel.stp", "C:\\\\data\\\\wheel.stp", "wheel.prt", "../cart/wheel.stp"}) {
+        const PreparedScene scene =
+            PrepareArchive(folder, {{"cart/wheel.stp", PartText()}, {"cart/top.stp", ByDocument(name)}});
+        EXPECT_THAT(scene.Corners(), ElementsAre(kPlaced)) << name;
+        EXPECT_THAT(scene.products, ElementsAre("cart", "wheel")) << name;
+        EXPECT_FALSE(scene.result.LacksShape()) << name;
+    }
+}
+
+TEST(ArchivesOfStepFiles, MembersThatNoneNamesAreShownSideBySide) {
+    const TempFolder folder;
+    const PreparedScene scene =
+        PrepareArchive(folder, {{"readme.txt", "nothing"}, {"a.stp", PartText()}, {"b.step", PartText()}});
+    EXPECT_THAT(scene.Corners(), ElementsAre("0 0 0, 1 0 0, 0 1 0", "0 0 0, 1 0 0, 0 1 0"));
+    EXPECT_THAT(scene.Losses(), ElementsAre());
+}
+
+TEST(ArchivesOfStepFiles, AMemberThatIsNoStepFileIsNamed) {
+    const TempFolder folder;
+    const PreparedScene scene =
+        PrepareArchive(folder, {{"a.stp", PartText()}, {"b.stp", "nothing"}, {"settings.xml", "<a/>"}});
+    EXPECT_EQ(scene.triangles.size(), 1u);
+    EXPECT_THAT(scene.Losses(),
+                ElementsAre("b.stp: it can't be read: it is neither an ISO 10303-21 file nor STEP XML",
+                            "settings.xml: it can't be read: it has no DataContainer"));
+    EXPECT_TRUE(scene.result.LacksShape());
+}
+
+TEST(ArchivesOfStepFiles, AreLeftAsTheyAreASecondTime) {
+    const TempFolder folder;
+    const std::vector<std::pair<std::string, std::string>> members = {{"wheel.stp", PartText()},
+                                                                      {"top.stp", ByDocument("wheel.stp")}};
+    EXPECT_FALSE(PrepareArchive(folder, members).result.isUnchanged);
+    EXPECT_TRUE(PrepareArchive(folder, members).result.isUnchanged);
+    EXPECT_FALSE(
+        PrepareArchive(folder, {members[0], {"top.stp", ByDocument("wheel.step")}}).result.isUnchanged);
 }
 
 } // namespace
