@@ -424,7 +424,7 @@ private:
         std::vector<std::pair<const ProductNode*, std::int32_t>> open{{&root, 0}};
         counts[&root] = -1;
         const auto hasPart = [](const ProductNode& product) {
-            return product.fileName != nullptr && IsXmlByLastLetters(product.fileName) == 0;
+            return product.fileName != nullptr && !IsXmlByLastLetters(product.fileName);
         };
         while (!open.empty()) {
             auto& [product, next] = open.back();

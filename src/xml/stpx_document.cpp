@@ -540,7 +540,7 @@ bool DocumentReader::TakeIdentifier() {
         return true;
     }
     resolvedDirectly_ = 1;
-    if (IsXmlByLastLetters(fileName) == 0) { return AddPart(product, fileName); }
+    if (!IsXmlByLastLetters(fileName)) { return AddPart(product, fileName); }
     return !productIsNew_ || AddAssembly(product, fileName);
 }
 
@@ -613,7 +613,7 @@ bool DocumentReader::ResolveFileNames() {
             ConsolePrint(kNotInFiles, static_cast<int>(file.size()), file.data());
             continue;
         }
-        if (IsXmlByLastLetters(*fileName) == 0) {
+        if (!IsXmlByLastLetters(*fileName)) {
             if (!AddPart(assigned.product, *fileName)) { return false; }
         } else if (assigned.product->fileName == nullptr && !AddAssembly(assigned.product, *fileName)) {
             return false;
@@ -632,14 +632,13 @@ void DocumentReader::Undo() {
 
 } // namespace
 
-int IsXmlByLastLetters(string_view name) {
+bool IsXmlByLastLetters(string_view name) {
     const auto isOne = [&](std::size_t fromEnd, char lower, char upper) {
         const char c = name[name.size() - fromEnd];
         return c == lower || c == upper;
     };
-    if (name.empty()) { return 0; }
-    if (isOne(1, 'x', 'X')) { return 1; }
-    return name.size() >= 2 && isOne(2, 'x', 'X') && isOne(1, 'z', 'Z') ? 1 : 0;
+    if (name.empty()) { return false; }
+    return isOne(1, 'x', 'X') || (name.size() >= 2 && isOne(2, 'x', 'X') && isOne(1, 'z', 'Z'));
 }
 
 const char* ReadStpxDocument(StpxDocument& document, int boxMode, NamedProductTable& assemblies,

@@ -28,7 +28,7 @@ struct StpxDocument {
 const char* ReadStpxDocument(StpxDocument& document, int boxMode, NamedProductTable& assemblies,
                              ProductTable& parts, Arena& arena);
 
-// 1 when a file name's last letters make it a STEP XML document: x, or x and z, in any case.
-int IsXmlByLastLetters(std::string_view name);
+// Whether the last letters of a file name make it a STEP XML document: x, or x and z, in any case.
+bool IsXmlByLastLetters(std::string_view name);
 
 } // namespace tarnwick

@@ -139,16 +139,16 @@ TEST(StpxDocument, LeavesOutAnAssignmentThatMissesTheVersionsOrHasNoFilesAtAll) 
 }
 
 TEST(StpxDocument, TellsDocumentsFromPartsByTheLastLettersOfTheName) {
-    EXPECT_EQ(IsXmlByLastLetters("a.stpx"), 1);
-    EXPECT_EQ(IsXmlByLastLetters("a.stpxz"), 1);
-    EXPECT_EQ(IsXmlByLastLetters("a.STPX"), 1);
-    EXPECT_EQ(IsXmlByLastLetters("a.STPXZ"), 1);
-    EXPECT_EQ(IsXmlByLastLetters("index"), 1);
-    EXPECT_EQ(IsXmlByLastLetters("x"), 1);
-    EXPECT_EQ(IsXmlByLastLetters("a.stp"), 0);
-    EXPECT_EQ(IsXmlByLastLetters("a.stpz"), 0);
-    EXPECT_EQ(IsXmlByLastLetters("z"), 0);
-    EXPECT_EQ(IsXmlByLastLetters(""), 0);
+    EXPECT_TRUE(IsXmlByLastLetters("a.stpx"));
+    EXPECT_TRUE(IsXmlByLastLetters("a.stpxz"));
+    EXPECT_TRUE(IsXmlByLastLetters("a.STPX"));
+    EXPECT_TRUE(IsXmlByLastLetters("a.STPXZ"));
+    EXPECT_TRUE(IsXmlByLastLetters("index"));
+    EXPECT_TRUE(IsXmlByLastLetters("x"));
+    EXPECT_FALSE(IsXmlByLastLetters("a.stp"));
+    EXPECT_FALSE(IsXmlByLastLetters("a.stpz"));
+    EXPECT_FALSE(IsXmlByLastLetters("z"));
+    EXPECT_FALSE(IsXmlByLastLetters(""));
 }
 
 TEST(StpxDocument, AssignsAPartsFileAgainButADocumentOnlyOnce) {

@@ -1,4 +1,5 @@
 #include "tools/load/options.h"
+#include "tools/parse_command_line.h"
 
 #include <CLI/CLI.hpp>
 
@@ -43,23 +44,7 @@ bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
     entities->needs(index);
     for (CLI::Option* const other : {json, arrays, depth, noThreads, repeat}) { index->excludes(other); }
     for (CLI::Option* const other : {arrays, depth, repeat, index}) { check->excludes(other); }
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::RequiredError& error) {
-        // An option that isn't known says more about what went wrong than that PATH is missing.
-        const std::vector<std::string> unknown = app.remaining();
-        if (unknown.empty()) {
-            app.exit(error);
-        } else {
-            app.exit(CLI::ExtrasError(unknown));
-        }
-        *status = 2;
-        return false;
-    } catch (const CLI::ParseError& error) {
-        *status = app.exit(error) == 0 ? 0 : 2;
-        return false;
-    }
-    return true;
+    return ParseCommandLine(app, argc, argv, status);
 }
 
 } // namespace tarnwick::tools

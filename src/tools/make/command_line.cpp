@@ -1,4 +1,5 @@
 #include "tools/make/command_line.h"
+#include "tools/parse_command_line.h"
 
 #include <CLI/CLI.hpp>
 
@@ -60,11 +61,8 @@ int RunCommandLine(int argc, char** argv) {
     app.require_subcommand(1);
     Options options;
     const std::vector<Kind> kinds = AddKinds(&app, &options);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) { // --help and --version come this way too
-        return app.exit(error) == 0 ? 0 : 2;
-    }
+    int status = 0;
+    if (!tools::ParseCommandLine(app, argc, argv, &status)) { return status; }
     return RunChosen(kinds);
 }
 

@@ -1,4 +1,5 @@
 #include "tools/picture/options.h"
+#include "tools/parse_command_line.h"
 
 #include <CLI/CLI.hpp>
 
@@ -194,22 +195,7 @@ bool ReadOptions(int argc, char** argv, PictureOptions* options, int* status) {
     app.add_option("--size-limit", options->sizeLimit, "give up when the file is larger")
         ->type_name("MB")
         ->check(CLI::Range(0.0, 1e9));
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::RequiredError& error) {
-        // An option that isn't known says more about what went wrong than that FILE is missing.
-        const std::vector<std::string> unknown = app.remaining();
-        if (unknown.empty()) {
-            app.exit(error);
-        } else {
-            app.exit(CLI::ExtrasError(unknown));
-        }
-        *status = 2;
-        return false;
-    } catch (const CLI::ParseError& error) {
-        *status = app.exit(error) == 0 ? 0 : 2;
-        return false;
-    }
+    if (!ParseCommandLine(app, argc, argv, status)) { return false; }
     if (options->views.empty()) { options->views.push_back(*FindView("iso")); }
     if (const std::string wrong = WrongPattern(*options); !wrong.empty()) {
         std::fprintf(stderr, "tarnwick-picture: %s\n", wrong.c_str());

@@ -1,4 +1,5 @@
 #include "tools/prepare/options.h"
+#include "tools/parse_command_line.h"
 
 #include <CLI/CLI.hpp>
 
@@ -53,12 +54,7 @@ bool ReadOptions(int argc, char** argv, PrepareCommand* command, int* status) {
     app.add_flag("--compress", options.isCompressed, "write zlib streams: NAME.stpz");
     app.add_option("--json", command->jsonFile, "write a report to FILE (- for standard output)")
         ->type_name("FILE");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        *status = app.exit(error) == 0 ? 0 : 2;
-        return false;
-    }
+    if (!ParseCommandLine(app, argc, argv, status)) { return false; }
     if (const std::string clash = FindClash(*command); !clash.empty()) {
         std::fprintf(stderr, "tarnwick-prepare: two of the files would both become %s\n", clash.c_str());
         *status = 2;
