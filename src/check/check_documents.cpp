@@ -85,7 +85,7 @@ constexpr Move kMoves[] = {
     {State::kFiles, "</Files", State::kDefinition},
 };
 
-// Behind the ">" of the tag at `p`: quotes hide one.
+// Past the ">" of the tag at `p`: quotes hide one.
 const char* TagEnd(const char* p, const char* end) {
     char quote = '\0';
     for (; p < end; ++p) {

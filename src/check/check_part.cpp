@@ -210,7 +210,7 @@ private:
                           std::to_string(wanted) + " are read");
             return;
         }
-        // The reader of a last list with blanks behind it goes on to the end of the entity.
+        // The reader of a last list with blanks after it goes on to the end of the entity.
         if (arguments.back().data() + arguments.back().size() >= text.data() + text.size()) {
             file_.Add(FindingKind::kDamaged, face, "ends without its last parenthesis");
             return;

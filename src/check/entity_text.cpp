@@ -56,8 +56,8 @@ bool IsPartOfValue(char c, bool starts, ValueKind values) {
     return kInValue[static_cast<std::size_t>(values)][static_cast<unsigned char>(c)];
 }
 
-// Behind a list of three numbers and nothing else that starts at `p`; null where none does.
-const char* BehindTriple(const char* p, const char* end) {
+// The place after a list of three numbers and nothing else that starts at `p`; null where none does.
+const char* AfterTriple(const char* p, const char* end) {
     for (const char mark : {'(', ',', ','}) {
         if (p == end || *p != mark) { return nullptr; }
         const char* const value = ++p;
@@ -204,7 +204,7 @@ ListShape ShapeOf(std::string_view list, ValueKind values) {
         if (c == '(') {
             shape.sound &= before == '(' || before == ',' || before == '\0';
             const bool mayBeTriple = depth == 1 && values == ValueKind::kNumbers;
-            if (const char* const behind = mayBeTriple ? BehindTriple(p, end) : nullptr; behind != nullptr) {
+            if (const char* const behind = mayBeTriple ? AfterTriple(p, end) : nullptr; behind != nullptr) {
                 ++shape.inner;
                 shape.values += 3;
                 before = ')';

@@ -56,7 +56,7 @@ struct ListShape {
     std::int64_t inner = 0;    // lists in the list
     bool triples = true;       // each of them has three values
     bool blankBetween = false; // a blank or tab between the lists of the list
-    bool blankAtEnd = false;   // the same behind the last of them
+    bool blankAtEnd = false;   // the same after the last of them
 };
 enum class ValueKind { kNumbers, kReferences };
 // "$" has the shape of an empty list.

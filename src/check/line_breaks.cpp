@@ -30,7 +30,7 @@ void ForEachBreak(std::string_view list, Found found) {
     }
 }
 
-// Whether the number that follows, in a list or not, is 0 anyway. The list's text goes on behind it.
+// Whether the number that follows, in a list or not, is 0 anyway. The list's text goes on after it.
 bool IsZeroBehind(std::string_view text) {
     const std::size_t next = text.find_first_not_of(" \t\r\n(");
     return next != std::string_view::npos && ParseReal(text.data() + next) == 0;

@@ -9,7 +9,7 @@ namespace tarnwick {
 
 enum class BreakKind : std::uint8_t {
     kNone,
-    kNumber, // the number behind it reads as 0
+    kNumber, // the number after it reads as 0
     kEnd,    // the list ends there
     kWalk    // what follows is taken for something else
 };
@@ -21,7 +21,7 @@ struct LineBreak {
     std::int64_t triplesBefore = 0;    // that are read up to the place
 };
 
-// A list of triples, ((1.,0.,0.),(1.,1.,0.)). `isLast` where nothing behind the list is read.
+// A list of triples, ((1.,0.,0.),(1.,1.,0.)). `isLast` where nothing after the list is read.
 LineBreak BreakInTriples(std::string_view list, bool isReal, bool isLast);
 // A list of numbers, (1,2,3).
 LineBreak BreakInNumbers(std::string_view list);

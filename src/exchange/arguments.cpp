@@ -18,7 +18,7 @@ std::string_view Between(const char* begin, const char* end) {
     return {begin, static_cast<std::size_t>(end - begin)};
 }
 
-// The record at *p, which moves behind it.
+// The record at *p, which moves after it.
 Record TakeRecord(const char** p, const char* end) {
     const char* const begin = SkipBlanks(*p, end);
     const char* q = std::find_if_not(begin, end, IsWord);
@@ -86,7 +86,7 @@ bool ArgumentCursor::Next(std::string_view* argument) {
     p_ = SkipBlanks(p_, end_);
     if (p_ == end_ && !isAfterComma_) { return false; }
     const char* const begin = p_;
-    const char* last = begin; // behind the argument's last character
+    const char* last = begin; // after the argument's last character
     while (p_ < end_ && *p_ != ',') {
         switch (*p_) {
         case '(':

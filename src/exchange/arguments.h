@@ -8,7 +8,7 @@
 #include <vector>
 
 // What stands between the parentheses of an instance, read when it is asked for. All texts are parts of the
-// file's, with 16 readable bytes behind them; blanks and comments around an argument don't belong to it.
+// file's, with 16 readable bytes after them; blanks and comments around an argument don't belong to it.
 namespace tarnwick {
 
 // "KEYWORD(arguments)": `arguments` is what stands between the parentheses.
@@ -30,7 +30,7 @@ class ArgumentCursor {
 public:
     // `list`: what stands between parentheses.
     explicit ArgumentCursor(std::string_view list);
-    // False behind the last one.
+    // False after the last one.
     bool Next(std::string_view* argument);
 
 private:

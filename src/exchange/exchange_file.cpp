@@ -19,7 +19,7 @@ bool IsKeywordCharacter(char c) {
     return (c >= 'A' && c <= 'Z') || c == '_' || IsDigit(c) || (c >= 'a' && c <= 'z') || c == '-' || c == '!';
 }
 
-// The number behind a "#", and where it ends; 0 for none and for one beyond 64 bits.
+// The number after a "#", and where it ends; 0 for none and for one beyond 64 bits.
 std::uint64_t ReadNumber(const char* p, const char* end, const char** behind) {
     std::uint64_t number = 0;
     bool fits = true;
@@ -79,7 +79,7 @@ private:
         }
     }
 
-    // Behind a byte order mark.
+    // Past a byte order mark.
     const char* Start() {
         if (!file_.text_.starts_with("\xEF\xBB\xBF")) { return begin_; }
         Note(begin_, "the file begins with a byte order mark");

@@ -17,7 +17,7 @@ namespace tarnwick {
 // "#12=KEYWORD(...);" or "#12=(A(...)B(...));".
 struct Instance {
     std::uint64_t number = 0;
-    std::uint64_t begin = 0;   // of the first character behind "=" and blanks, in the text
+    std::uint64_t begin = 0;   // of the first character after "=" and blanks, in the text
     std::uint32_t length = 0;  // up to the ";"
     std::uint32_t keyword = 0; // its place among the keywords; kComplex for a complex instance
 };
@@ -45,7 +45,7 @@ public:
     // Of deviations that are kept with their places.
     static constexpr std::size_t kMostDeviations = 1000;
 
-    // The text must outlive it, with kBytesPadding readable bytes behind.
+    // The text must outlive it, with kBytesPadding readable bytes after.
     explicit ExchangeFile(std::string_view text);
 
     std::string_view Text() const { return text_; }

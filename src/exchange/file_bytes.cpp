@@ -43,7 +43,7 @@ public:
     }
     void Take(std::size_t count) { size_ += count; }
 
-    // The bytes, with the padding behind them.
+    // The bytes, with the padding after them.
     void MoveTo(FileBytes* bytes) {
         std::memset(data_.get() + size_, 0, kBytesPadding);
         bytes->data = std::move(data_);

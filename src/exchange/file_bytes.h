@@ -8,7 +8,7 @@
 
 namespace tarnwick {
 
-// Readable zeros behind a text that is in memory.
+// Readable zeros after a text that is in memory.
 inline constexpr std::size_t kBytesPadding = 32;
 
 // The bytes of a file, unpacked; `error` says in words why there are none.

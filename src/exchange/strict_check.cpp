@@ -115,7 +115,7 @@ private:
         Note(token_.text, otherwise);
         return false;
     }
-    // Behind the next ";".
+    // Past the next ";".
     void Recover() {
         while (!Is(TokenKind::kSemicolon) && !Is(TokenKind::kEnd)) { Advance(); }
         Take(TokenKind::kSemicolon);

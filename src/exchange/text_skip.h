@@ -7,7 +7,7 @@
 #include <emmintrin.h>
 #endif
 
-// Moves over the text of an exchange file. `end` is behind its last character; 16 bytes from there on can be
+// Moves over the text of an exchange file. `end` is after its last character; 16 bytes from there on can be
 // read.
 namespace tarnwick {
 
@@ -15,7 +15,7 @@ inline bool IsExchangeBlank(char c) {
     return static_cast<unsigned char>(c) <= ' ';
 }
 
-// Behind blanks, line ends and comments.
+// The first place after blanks, line ends and comments.
 inline const char* SkipBlanks(const char* p, const char* end) {
     for (;;) {
         while (p < end && IsExchangeBlank(*p)) { ++p; }
@@ -29,8 +29,8 @@ inline const char* SkipBlanks(const char* p, const char* end) {
     }
 }
 
-// Behind the closing quote of the string that begins at `p`; a doubled quote doesn't close it. `end` where it
-// isn't closed.
+// The place after the closing quote of the string that begins at `p`; a doubled quote doesn't close it. `end`
+// where it isn't closed.
 inline const char* SkipString(const char* p, const char* end) {
     for (++p;;) {
         p = p < end ? static_cast<const char*>(std::memchr(p, '\'', static_cast<std::size_t>(end - p)))
@@ -62,7 +62,7 @@ const char* FindAny(const char* p, const char* end) {
 #endif
 }
 
-// Behind what begins at `p`, a quote, a slash or a double quote inside a list.
+// The place after what begins at `p`, a quote, a slash or a double quote inside a list.
 inline const char* SkipInList(const char* p, const char* end) {
     if (*p == '\'') { return SkipString(p, end); }
     if (*p == '/') {
@@ -73,7 +73,7 @@ inline const char* SkipInList(const char* p, const char* end) {
     return close == nullptr ? end : static_cast<const char*>(close) + 1;
 }
 
-// Behind the ")" that closes the list whose inside begins at `p`; `end` where nothing does.
+// The place after the ")" that closes the list whose inside begins at `p`; `end` where nothing does.
 inline const char* SkipList(const char* p, const char* end) {
     int depth = 1;
 #ifdef __SSE2__

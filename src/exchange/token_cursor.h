@@ -33,11 +33,11 @@ struct Token {
     std::string_view text;
 };
 
-// Goes over a text token by token, blanks and comments apart. 16 bytes behind the text must be readable.
+// Goes over a text token by token, blanks and comments apart. 16 bytes after the text must be readable.
 class TokenCursor {
 public:
     explicit TokenCursor(std::string_view text) : p_(text.data()), end_(p_ + text.size()) {}
-    // kEnd behind the last.
+    // kEnd after the last.
     Token Next();
 
 private:

@@ -187,7 +187,7 @@ private:
         AppendNumber(number, &out_);
     }
 
-    // Directives and 8-bit bytes aren't for the kernel.
+    // The kernel doesn't get directives and 8-bit bytes.
     static bool IsPlain(std::string_view text) {
         return std::all_of(text.begin(), text.end(),
                            [](char c) { return c >= ' ' && c <= '~' && c != '\\'; });
@@ -333,7 +333,7 @@ std::vector<std::uint64_t> FacesOf(const ExchangeFile& file, std::uint64_t body)
         }
     };
     visit(body, false);
-    // The lists that were found first come first.
+    // Lists keep the order in which they were found.
     for (std::size_t next = 0; next < waiting.size(); ++next) {
         const Instance& instance = *waiting[next];
         const bool isSet = roles.Of(instance).isSet;

@@ -26,7 +26,7 @@ namespace tarnwick {
 namespace {
 
 constexpr std::size_t kChunk = 256 << 10;
-// How long a wait goes on at most after a request to cancel, in milliseconds.
+// The longest wait before the next look at the cancel flag, in milliseconds.
 constexpr int kCancelSlice = 50;
 // The exit status of tarnwick-mesh that found no memory.
 constexpr int kStatusOutOfMemory = 3;
@@ -97,7 +97,7 @@ std::string WordsOfStatus(int status) {
     if (WIFSIGNALED(status)) {
         return "the geometry kernel crashed (signal " + std::to_string(WTERMSIG(status)) + ")";
     }
-    // As the loader of programs ends one whose libraries aren't there.
+    // The status with which the system's loader ends a program whose libraries are missing.
     if (WEXITSTATUS(status) == 127) { return "the geometry kernel's libraries aren't installed"; }
     return "the geometry kernel ended (status " + std::to_string(WEXITSTATUS(status)) + ")";
 }

@@ -81,7 +81,7 @@ private:
         return tops;
     }
 
-    // Of an archive's members those that none of the others names, or the first where each is named.
+    // The root over the members of an archive that no other member names; over the first where each is named.
     std::size_t RootOfAll(std::vector<std::size_t> tops, const std::string& path) {
         const std::size_t first = tops[0];
         std::erase_if(tops, [this](std::size_t top) { return named_.contains(top); });
@@ -312,7 +312,7 @@ private:
             const std::size_t child = Origin(uses[next].child);
             if (states[child] == kOpen) {
                 whole_.losses.push_back({nodes_[node].id, 0, "it uses itself; that use is left out"});
-                // In place of erasing one by one: the last one is looked at next.
+                // Cheaper than erasing in the middle; the last use is looked at next.
                 uses[next] = uses.back();
                 uses.pop_back();
                 continue;
@@ -376,7 +376,7 @@ private:
             part.shape = std::move(shape);
             uses->push_back({whole_.products.size(), {}});
             whole_.products.push_back(std::move(part));
-            // Nothing further is filled in.
+            // It has no uses to fill in.
             origin_.push_back(emptyNode_);
         };
         if (!solids.empty()) { add(std::move(solids), " shape"); }

@@ -12,7 +12,7 @@
 // The products of a file and of all that it refers to, as one tree of parts and uses without mirrored places.
 namespace tarnwick::prepare {
 
-// A file of the whole. The text of all but the first is given back once their structure is known.
+// One of the files. Only the first keeps its text; the others are read again when their shape is needed.
 struct WholeFileEntry {
     std::string path;
     std::string member; // of the archive that this is, empty where it isn't one or its first is meant

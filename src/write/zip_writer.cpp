@@ -192,7 +192,7 @@ void ZipWriter::PutDirectoryEntry(const Member& member) {
     PutMethodAndDate(member);
     PutSizes(member);
     PutNumber(member.name.size(), 2);
-    PutNumber(isFar ? 12 : 0, 2); // bytes of what stands behind the name
+    PutNumber(isFar ? 12 : 0, 2); // bytes of what stands after the name
     PutNumber(0, 2);              // no comment
     PutNumber(0, 2);              // the first disk
     PutNumber(member.isText ? 1 : 0, 2);

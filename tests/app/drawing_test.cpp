@@ -51,7 +51,7 @@ TEST_F(DrawingTest, FacesShowTheirColourUnderTheLight) {
     EXPECT_TRUE(IsNear(ColourAt(picture, kRed), 244, 0, 0));
     EXPECT_TRUE(IsNear(ColourAt(picture, kGreen), 0, 244, 0));
     EXPECT_TRUE(IsNear(ColourAt(picture, kGrey), 73, 73, 73));
-    // Half of it, and half of the 0.8 behind it.
+    // Half of it, and half of the 0.8 after it.
     EXPECT_TRUE(IsNear(ColourAt(picture, kBlue), 102, 102, 224));
     EXPECT_TRUE(IsNear(ColourAt(picture, kNothing), 204, 204, 204));
 }
@@ -159,7 +159,7 @@ TEST_F(DrawingTest, BoxesAreYellowOverGreyAndTheSelectedOneIsDarkRed) {
          }});
     Load("/a/b.stpj");
     QImage picture = Picture();
-    // Half of (0.8, 0.8, 0.2) under the light, and half of the 0.8 behind it.
+    // Half of (0.8, 0.8, 0.2) under the light, and half of the 0.8 after it.
     EXPECT_TRUE(IsNear(ColourAt(picture, {-8, 2}), 200, 200, 126));
     EXPECT_EQ(ConsoleOfClick({5, 2}), "Product selected: right   File: (null)\n");
     EXPECT_EQ(dialog->View().selectedIndex, 1);

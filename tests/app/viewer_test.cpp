@@ -150,7 +150,7 @@ TEST_F(ViewerTest, ASummaryFileShowsBoxesAndTheSliderChoosesTheirDepth) {
     const QPoint right = InPicture(Area(), 31, 6, 2);
     QImage picture = viewer.Snapshot("boxes");
     ExpectColour(picture, gap, 204, 204, 204);
-    // Half of (0.8, 0.8, 0.2) under the light, and half of the 0.8 behind it.
+    // Half of (0.8, 0.8, 0.2) under the light, and half of the 0.8 after it.
     ExpectColour(picture, right, 200, 200, 126);
 
     viewer.Click(At(10, 10).x() + right.x(), At(10, 10).y() + right.y());

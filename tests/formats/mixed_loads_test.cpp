@@ -1,5 +1,5 @@
 // Good and bad files of every kind, one after the other for as long as a viewer stays open: what they leave
-// behind is nothing.
+// after is nothing.
 
 #include "formats/load_commands.h"
 #include "support/capture.h"

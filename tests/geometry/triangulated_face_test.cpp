@@ -246,7 +246,7 @@ TEST(TraiteFace, LooksForTheCoordinatesInANameWithAComma) {
 }
 
 TEST(TraiteFace, CountsPnmaxInTheFirstHundredCharacters) {
-    // The digits of pnmax start `behind` characters from the line's start.
+    // The digits of pnmax start `after` characters from the line's start.
     const auto line = [](std::size_t behind) {
         std::string text = "#11=TRIANGULATED_FACE('',#10,";
         text.insert(text.find("''") + 1, behind - text.size(), 'n');

@@ -196,7 +196,7 @@ TEST(ProductIdentity, OfANameOf299CharactersIsKeptWhole) {
 TEST(ProductIdentityDeathTest, OfANameOf300CharactersEndsTheProcess) {
     const std::string text =
         Chain().With(Chain::kLeafProduct, "PRODUCT('" + std::string(300, 'n') + "','',$,(#90))");
-    StructureRun run; // made here: the process that ends leaves its folder behind
+    StructureRun run; // made here: the process that ends leaves its folder after
     EXPECT_EXIT(run.ReadTop(text), ::testing::ExitedWithCode(kFailFastStatus), "");
 }
 
@@ -205,7 +205,7 @@ TEST(ProductIdentityDeathTest, OfAChildEndsTheProcessAlsoWhereTheParentIsMissing
     chain.lines[Chain::kUsage] = "NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#77,#6,$)";
     const std::string text =
         chain.With(Chain::kLeafProduct, "PRODUCT('" + std::string(300, 'n') + "','',$,(#90))");
-    StructureRun run; // made here: the process that ends leaves its folder behind
+    StructureRun run; // made here: the process that ends leaves its folder after
     EXPECT_EXIT(run.ReadTop(text), ::testing::ExitedWithCode(kFailFastStatus), "");
 }
 
@@ -223,7 +223,7 @@ TEST(ProductIdentity, OfALongNameWithoutAnEndGivesTheFileUp) {
 TEST(ProductIdentityDeathTest, AReferenceOf15DigitsEndsTheProcess) {
     const std::string text =
         Chain().With(Chain::kUsage, "NEXT_ASSEMBLY_USAGE_OCCURRENCE('','','',#3,#000000000000006,$)");
-    StructureRun run; // made here: the process that ends leaves its folder behind
+    StructureRun run; // made here: the process that ends leaves its folder after
     EXPECT_EXIT(run.ReadTop(text), ::testing::ExitedWithCode(kFailFastStatus), "");
 }
 

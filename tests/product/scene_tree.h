@@ -14,7 +14,7 @@ using Translation = std::array<double, 3>;
 
 inline constexpr Rotation kNoRotation{1, 0, 0, 0, 1, 0, 0, 0, 1};
 
-// A product tree that no file stands behind.
+// A product tree that no file stands after.
 class SceneTree {
 public:
     ProductNode* Product(const std::string& name);

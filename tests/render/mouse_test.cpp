@@ -1,4 +1,4 @@
-// What each mouse action calls, and the arithmetic behind it against values worked out by hand.
+// What each mouse action calls, and the arithmetic after it against values worked out by hand.
 
 #include "test_view.h"
 

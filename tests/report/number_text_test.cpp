@@ -84,7 +84,7 @@ TEST(FloatText, IsThePlainOneForShortFractions) {
     }
 }
 
-// Numbers of ten and more digits whose last is a 5 with nothing behind it.
+// Numbers of ten and more digits whose last is a 5 with nothing after it.
 TEST(FloatText, TakesHalfADigitToTheEvenOne) {
     for (std::uint32_t bits = std::bit_cast<std::uint32_t>(8192.0f); bits < 0x46100000; bits += 7) {
         ExpectPlainText(std::bit_cast<float>(bits));

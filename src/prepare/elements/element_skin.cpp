@@ -8,7 +8,7 @@ namespace tarnwick::prepare {
 
 namespace {
 
-constexpr std::uint8_t kEnd = 255; // behind the third corner of a triangle
+constexpr std::uint8_t kEnd = 255; // after the third corner of a triangle
 
 using Face = std::array<std::uint8_t, 4>;
 

@@ -52,7 +52,7 @@ std::optional<double> LengthUnits::Read(std::uint64_t context) const {
     const Record assigned = FindRecord(file_.TextOf(*instance), "GLOBAL_UNIT_ASSIGNED_CONTEXT");
     if (!assigned.IsFound()) { return std::nullopt; }
     std::vector<std::uint64_t> units;
-    // A simple instance lists its units behind what it inherits.
+    // A simple instance lists its units after what it inherits.
     AppendReferences(assigned.arguments, &units);
     for (const std::uint64_t unit : units) {
         if (const std::optional<double> factor = ReadUnit(unit, 0)) { return factor; }

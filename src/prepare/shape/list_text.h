@@ -10,7 +10,7 @@
 #include <vector>
 
 // Long lists of numbers, read or copied in one pass. `list` is an argument, "((1.,2.,3.),...)", in any
-// layout; 16 bytes behind it must be readable. What is broken ends a list, and `isWhole` says so.
+// layout; 16 bytes after it must be readable. What is broken ends a list, and `isWhole` says so.
 namespace tarnwick::prepare {
 
 // Appends the triples to `out` without blanks and exponents. Returns how many there were.

@@ -133,7 +133,7 @@ private:
         product->name = StringOf(Clipped(arguments[1]));
     }
 
-    // Many definitions may be of one product, and nobody shows more of a name.
+    // Many definitions may share one product, and no program shows more of a name.
     static std::string_view Clipped(std::string_view name) { return name.substr(0, 1000); }
 
     std::size_t ProductOf(std::uint64_t definition) {
@@ -201,7 +201,7 @@ private:
             }
         }
         ReadUsePlacements();
-        // What is placed in a representation of a product without an occurrence that says so.
+        // Representations that are placed in another although no occurrence says so.
         for (const std::uint64_t number : placedOrder_) {
             const PlacedRepresentation& placed = *placed_.Find(number);
             if (usedRelationships_.Contains(number)) { continue; }
@@ -358,7 +358,7 @@ private:
         }
     }
 
-    // Placements, points and annotations stand in many a shape, and nobody misses them.
+    // Placements, points and annotations are part of many shapes, and nobody misses them.
     static bool IsHelp(std::string_view keyword) {
         const auto has = [keyword](std::string_view word) {
             return keyword.find(word) != std::string_view::npos;
@@ -438,7 +438,7 @@ private:
         }
         const std::size_t* const owner = owner_.Find(representation);
         if (owner != nullptr && *owner != product) {
-            // The occurrence that says the same without a place.
+            // This mapped item gives the place that an occurrence lacks.
             if (UsesBetween* const between = usesBetween_.Find(PairKey(product, *owner))) {
                 while (between->next < between->uses.size()) {
                     Use& use = uses_[between->uses[between->next++]];
@@ -640,7 +640,7 @@ private:
         out_.products[0].shape.push_back({ShapeKind::kElements, false, 0, 0, 0, 1, {}, 0});
     }
 
-    // With the first product of each circle that nothing outside of it uses.
+    // Also takes the first product of each circle that nothing outside uses.
     void FindRoots() {
         std::vector<char> isUsed(out_.products.size());
         for (const FileProduct& product : out_.products) {

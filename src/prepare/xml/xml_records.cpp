@@ -30,7 +30,7 @@ constexpr Names<2> kContexts{"RepresentationContext", "GeometricCoordinateSpace"
 constexpr Names<4> kItems{"AxisPlacement", "RepresentationItem", "CartesianTransformation",
                           "RepresentationRelationship"};
 constexpr Names<7> kStepNames{"stp", "step", "p21", "stpz", "stpx", "stpxz", "stpa"};
-// Of what goes with a part and shows nothing of it.
+// Elements that belong to a part but say nothing of its shape.
 constexpr Names<16> kPaperNames{"pdf", "doc",  "docx", "xls", "xlsx", "ppt", "pptx", "txt",
                                 "htm", "html", "png",  "jpg", "jpeg", "tif", "tiff", "csv"};
 
@@ -301,7 +301,7 @@ XmlRecords CollectXml(const pugi::xml_document& document) {
 
 std::vector<std::size_t> FilesOfHolders(const XmlRecords& records) {
     const std::size_t count = records.holders.size();
-    // Who leads to each holder, one holder's after the other's.
+    // For each holder those that lead to it, one holder after the other.
     std::vector<std::pair<std::size_t, std::size_t>> leads = records.leads;
     for (const auto& [from, uid] : records.references) {
         const auto to = records.holderOf.find(uid);

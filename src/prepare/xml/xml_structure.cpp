@@ -12,11 +12,10 @@ namespace tarnwick::prepare {
 
 namespace {
 
-// Of uses that stand for more than one piece, in the whole document: what they add to it isn't bounded by its
-// length.
+// The most uses that a document gets from quantities: a short text may ask for any number of pieces.
 constexpr std::size_t kMostExtraPieces = 10'000;
 
-// A name that stands for a part or an occurrence wherever that is used, so not at any length.
+// Names are copied wherever their part is used, so they must not have any length.
 std::string Shortened(std::string_view name) {
     constexpr std::size_t kLongest = 300;
     if (name.size() > kLongest) {
@@ -190,7 +189,7 @@ private:
         structure_.products.push_back(std::move(product));
     }
 
-    // Of how many pieces of the same kind a use tells; 1 where it says nothing, or an amount of another unit.
+    // The quantity of a use: 1 where it has none, or one that doesn't count pieces.
     std::size_t PiecesOf(const ResolvedUse& use) const {
         for (const pugi::xml_node node : {use.occurrence, use.node}) {
             const pugi::xml_node quantity = Referred(ChildOf(node, "Quantity"), r_.uids);
@@ -308,7 +307,7 @@ private:
         return view == kNone ? kNone : r_.views[view].part;
     }
 
-    // Also by views that are left out: what an older version used isn't a thing of its own.
+    // Views that are left out count too: what only an older version uses is no root.
     std::vector<std::size_t> Unused() const {
         std::vector<std::size_t> unused;
         for (std::size_t i = 0; i < structure_.products.size(); ++i) {
@@ -317,7 +316,7 @@ private:
         }
         return unused;
     }
-    // With one product of each circle that nobody outside uses.
+    // Also takes one product of each circle that nothing outside uses.
     void FindRoots() {
         structure_.roots = Unused();
         structure_.roots.insert(structure_.roots.end(), circleStarts_.begin(), circleStarts_.end());
