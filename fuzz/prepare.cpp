@@ -28,7 +28,7 @@ void WriteParts(const ExchangeFile& file, const prepare::FileStructure& structur
         std::string text;
         StringSink sink(&text);
         const prepare::PartResult result = prepare::WritePart(
-            {file, structure, styles}, {"part", product.shape, {}, structure.unit, nullptr}, &sink);
+            {file, structure, styles}, {"part", product.shape, {}, 0, 0, structure.unit, nullptr}, &sink);
         if (result.triangles == 0) { continue; }
         const fuzz::Padded written(text);
         if (!CheckStrictly(written.Text(), 1).empty()) { fuzz::Finding("a part that isn't sound"); }

@@ -163,7 +163,7 @@ private:
     StyleNumber FirstStyle(const Items& items, StyleNumber otherwise) {
         if (source_.styles.IsEmpty()) { return otherwise; }
         for (const std::uint64_t item : items) {
-            const SurfaceStyle* const style = item != 0 ? source_.styles.Of(item) : nullptr;
+            const SurfaceStyle* const style = item != 0 ? source_.styles.Of(item, options_.context) : nullptr;
             if (style != nullptr) { return NumberOf(*style); }
         }
         return otherwise;
@@ -171,11 +171,12 @@ private:
     StyleNumber FirstStyle(std::initializer_list<std::uint64_t> items, StyleNumber otherwise) {
         return FirstStyle<std::initializer_list<std::uint64_t>>(items, otherwise);
     }
-    // That of the body, or of what the item came through, the innermost first.
+    // That of the body, or of what the item and the part came through, the innermost first.
     template <class Items>
     StyleNumber StyleBelow(const ShapeItem& item, const Items& own) {
         std::vector<std::uint64_t> way = source_.structure.paths[item.path];
         std::reverse(way.begin(), way.end());
+        way.push_back(options_.style);
         return FirstStyle(own, FirstStyle(way, kPlain));
     }
     StyleNumber StyleBelow(const ShapeItem& item, std::initializer_list<std::uint64_t> own) {

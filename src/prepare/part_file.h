@@ -23,9 +23,11 @@ struct PartSource {
 struct PartOptions {
     std::string name; // of the product as it is written
     std::span<const ShapeItem> shape;
-    Transform turn;           // of the whole part, which mirrors or scales it
-    double unit = 1;          // millimetres of one length unit of what is written
-    Mesher* mesher = nullptr; // null where there is no kernel
+    Transform turn;          // of the whole part, which mirrors or scales it
+    std::uint64_t style = 0; // the item whose style its shape has where that has none of its own; 0 for none
+    std::uint64_t context = 0; // in which its items have other styles; 0 for none
+    double unit = 1;           // millimetres of one length unit of what is written
+    Mesher* mesher = nullptr;  // null where there is no kernel
 };
 
 struct PartResult {

@@ -299,7 +299,9 @@ private:
         if (product.shape[0].kind == ShapeKind::kElements) {
             job->result = WriteElements(source.file, product.name, whole_.unit, sink.get());
         } else {
-            job->result = WritePart(source, {product.name, product.shape, product.turn, whole_.unit, mesher},
+            job->result = WritePart(source,
+                                    {product.name, product.shape, product.turn, product.style,
+                                     product.context, whole_.unit, mesher},
                                     sink.get());
         }
         // Nothing to show, or not all of it: what was written so far goes.

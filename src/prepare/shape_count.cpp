@@ -39,8 +39,9 @@ std::optional<std::size_t> CountElements(const ExchangeFile& file) {
 }
 std::optional<std::size_t> CountPart(const PartSource& source, const WholeProduct& product) {
     NoSink sink;
-    const PartResult result =
-        WritePart(source, {product.name, product.shape, product.turn, 1, nullptr}, &sink);
+    const PartResult result = WritePart(
+        source, {product.name, product.shape, product.turn, product.style, product.context, 1, nullptr},
+        &sink);
     if (HasShapeLoss(result.losses)) { return std::nullopt; }
     return result.triangles;
 }

@@ -1,6 +1,7 @@
 #include "prepare/whole.h"
 
 #include "prepare/structure/shape_kinds.h"
+#include "prepare/use_styles.h"
 #include "text/look_up.h"
 
 #include <algorithm>
@@ -107,6 +108,7 @@ private:
         }
         const std::size_t place = whole_.files.size();
         known->second = place;
+        if (source->file != nullptr) { ShareUseStyles(*source->file, &source->structure); }
         WholeFileEntry entry{path, member, source->bytes.digest, nullptr, std::move(source->structure)};
         for (Loss& loss : entry.structure.losses) { whole_.losses.push_back(std::move(loss)); }
         firstNode_.push_back(nodes_.size());
@@ -266,7 +268,7 @@ public:
         nodes_.emplace_back();
         FindOrigins();
         CutCircles(Origin(root));
-        whole_.root = PlaceOf(Origin(root), {}, nodes_[root].id);
+        whole_.root = PlaceOf({Origin(root), RoundedOf({}), 0, 0}, {}, nodes_[root].id);
         // Products are made as uses of others come up.
         for (std::size_t i = 0; i < whole_.products.size(); ++i) {
             if (origin_[i] != emptyNode_) { Fill(i); }
@@ -277,6 +279,8 @@ private:
     struct Key {
         std::size_t node;
         std::array<long long, 9> turn;
+        std::uint64_t style;
+        std::uint64_t context;
         auto operator<=>(const Key&) const = default;
     };
 
@@ -325,17 +329,19 @@ private:
         }
     }
 
-    std::size_t PlaceOf(std::size_t node, const Transform& turn, const std::string& id) {
-        const auto [place, isNew] = places_.emplace(Key{node, RoundedOf(turn)}, whole_.products.size());
+    std::size_t PlaceOf(const Key& key, const Transform& turn, const std::string& id) {
+        const auto [place, isNew] = places_.emplace(key, whole_.products.size());
         if (isNew) {
             WholeProduct product;
-            std::string name = id.empty() ? nodes_[node].id : id;
+            std::string name = id.empty() ? nodes_[key.node].id : id;
             if (!IsIdentity(turn)) { name += Determinant(turn) < 0 ? " mirrored" : " scaled"; }
             product.name = UniqueName(name);
-            product.file = nodes_[node].file;
+            product.file = nodes_[key.node].file;
             product.turn = turn;
+            product.style = key.style;
+            product.context = key.context;
             whole_.products.push_back(std::move(product));
-            origin_.push_back(node);
+            origin_.push_back(key.node);
         }
         return place->second;
     }
@@ -343,13 +349,17 @@ private:
     void Fill(std::size_t place) {
         const Node& node = nodes_[origin_[place]];
         const Transform turn = whole_.products[place].turn;
+        const std::uint64_t style = whole_.products[place].style;
         std::vector<WholeUse> uses;
         uses.reserve(node.uses.size());
         for (const FileUse& use : node.uses) {
             Transform rigid;
             Transform rest;
             Split(turn * use.at, &rigid, &rest);
-            uses.push_back({PlaceOf(Origin(use.child), rest, nodes_[use.child].id), rigid});
+            Key child{Origin(use.child), RoundedOf(rest), use.style != 0 ? use.style : style, use.context};
+            // Their numbers say nothing in another file.
+            if (nodes_[child.node].file != node.file) { child.style = child.context = 0; }
+            uses.push_back({PlaceOf(child, rest, nodes_[use.child].id), rigid});
         }
         TakeShape(place, node, &uses);
         whole_.products[place].uses = std::move(uses);
@@ -373,6 +383,8 @@ private:
             part.name = UniqueName(whole_.products[place].name + what);
             part.file = node.file;
             part.turn = whole_.products[place].turn;
+            part.style = whole_.products[place].style;
+            part.context = whole_.products[place].context;
             part.shape = std::move(shape);
             uses->push_back({whole_.products.size(), {}});
             whole_.products.push_back(std::move(part));

@@ -31,6 +31,8 @@ struct WholeProduct {
     std::size_t file = 0;
     std::vector<ShapeItem> shape; // often empty
     Transform turn;               // of the shape, where a use mirrors or scales it
+    std::uint64_t style = 0;      // of its uses, as FileUse has them
+    std::uint64_t context = 0;
     std::vector<WholeUse> uses;
 };
 

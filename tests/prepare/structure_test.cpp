@@ -256,6 +256,57 @@ TEST(Structure, ColoursHangAtFacesItemsAndWhatThoseLinkTo) {
     EXPECT_THAT(PrepareText(folder, text.Text()).Colours(), ElementsAre("0 1 0 1", "1 0 0 1", "0 0 1 1"));
 }
 
+// Three uses of one product by mapped items; the first two are styled in the same colour.
+TEST(Structure, AMappedItemColoursWhatHasNoColourOfItsOwn) {
+    for (const bool isOwned : {false, true}) {
+        ExchangeText text;
+        const std::string context = text.Context();
+        const std::string origin = text.Axes("(0.,0.,0.)");
+        const std::string own = text.Triangle("1.");
+        text.Styled(own, "0.,1.,0.");
+        const std::string items = text.Triangle() + "," + own;
+        const std::string inner =
+            isOwned ? text.Shape(text.Product("part"), items, context)
+                    : text.Add("SHAPE_REPRESENTATION('inner',(" + items + ")," + context + ")");
+        const std::string map = text.Add("REPRESENTATION_MAP(" + origin + "," + inner + ")");
+        std::string maps;
+        for (const char* const at : {"(0.,0.,0.)", "(10.,0.,0.)", "(20.,0.,0.)"}) {
+            const std::string item = text.Add("MAPPED_ITEM(''," + map + "," + text.Axes(at) + ")");
+            if (at != std::string_view("(20.,0.,0.)")) { text.Styled(item, "1.,0.,0."); }
+            maps += (maps.empty() ? "" : ",") + item;
+        }
+        text.Shape(text.Product("top"), maps, context);
+        const TempFolder folder;
+        const PreparedScene scene = PrepareText(folder, text.Text());
+        EXPECT_THAT(scene.Colours(), ElementsAre("1 0 0 1", "0 1 0 1", "1 0 0 1", "0 1 0 1",
+                                                 testing::Not("1 0 0 1"), "0 1 0 1"))
+            << isOwned;
+        EXPECT_EQ(scene.result.parts, 2u) << isOwned;
+        EXPECT_EQ(scene.result.placedParts, 3u) << isOwned;
+    }
+}
+
+TEST(Structure, AStyleInTheContextOfAUseColoursThatUseAlone) {
+    Pair pair;
+    const std::string near = pair.text.Axes("(0.,0.,0.)");
+    const std::string far = pair.text.Axes("(10.,0.,0.)");
+    const std::string shape = pair.ParentShape(near + "," + far);
+    const std::string face = "#" + std::to_string(std::stoi(pair.childShape.substr(1)) - 1);
+    const std::string plain = pair.text.Styled(face, "0.,0.,1.");
+    pair.text.Use(pair.parent, pair.child, shape, pair.childShape, pair.origin, near);
+    pair.text.Use(pair.parent, pair.child, shape, pair.childShape, pair.origin, far);
+    const std::string use = "#" + std::to_string(std::stoi(pair.text.Next().substr(1)) - 1);
+    const std::string red = pair.text.Styled("$", "1.,0.,0.");
+    const std::string usage = "#" + std::to_string(std::stoi(red.substr(1)) - 2);
+    const std::string inUse = pair.text.Add("PRESENTATION_STYLE_BY_CONTEXT((" + usage + ")," + use + ")");
+    pair.text.Add("OVER_RIDING_STYLED_ITEM('',(" + inUse + ")," + face + "," + plain + ")");
+    const TempFolder folder;
+    const PreparedScene scene = PrepareText(folder, pair.text.Text());
+    EXPECT_THAT(scene.Corners(), ElementsAre("0 0 0, 1 0 0, 0 1 0", "10 0 0, 11 0 0, 10 1 0"));
+    EXPECT_THAT(scene.Colours(), ElementsAre("0 0 1 1", "1 0 0 1"));
+    EXPECT_THAT(scene.products, ElementsAre("top", "part", "part (2)"));
+}
+
 TEST(Structure, TransparencyBecomesTheOpacityThatTheViewerReads) {
     ExchangeText text;
     const std::string context = text.Context();

@@ -58,32 +58,71 @@ void Styles::Add(std::string_view arguments, bool isOverriding) {
     std::vector<std::uint64_t> references;
     AppendReferences(parts[1], &references);
     if (references.empty()) { return; }
-    // Millions of faces share a few assignments, mostly one each.
-    std::optional<SurfaceStyle> style;
     if (references.size() > 1) {
-        style = Read(parts[1]);
-    } else if (const auto* const known = byAssignment_.Find(references[0])) {
-        style = *known;
-    } else {
-        style = Read(parts[1]);
-        byAssignment_.Add(references[0], style);
+        std::vector<std::uint64_t> forAll;
+        for (const std::uint64_t reference : references) {
+            const Assignment assignment = ReadAssignment(reference);
+            if (assignment.context != 0) {
+                AddStyle(item, assignment, isOverriding);
+            } else {
+                forAll.push_back(reference);
+            }
+        }
+        return AddStyle(item, {Read(std::move(forAll)), 0}, isOverriding);
     }
-    if (!style) { return; }
-    if (ItemStyle* const known = styles_.Find(item)) {
-        if (isOverriding && !known->isOverriding) { *known = {*style, true}; }
-        return;
+    // Millions of faces share a few assignments.
+    const Assignment* known = byAssignment_.Find(references[0]);
+    if (known == nullptr) {
+        byAssignment_.Add(references[0], ReadAssignment(references[0]));
+        known = byAssignment_.Find(references[0]);
     }
-    styles_.Add(item, {*style, isOverriding});
+    AddStyle(item, *known, isOverriding);
 }
 
-const SurfaceStyle* Styles::Of(std::uint64_t item) {
+void Styles::AddStyle(std::uint64_t item, const Assignment& assignment, bool isOverriding) {
+    if (!assignment.style) { return; }
+    if (assignment.context != 0) {
+        inContexts_.try_emplace({assignment.context, item}, *assignment.style);
+    } else if (ItemStyle* const known = styles_.Find(item); known == nullptr) {
+        styles_.Add(item, {*assignment.style, isOverriding});
+    } else if (isOverriding && !known->isOverriding) {
+        *known = {*assignment.style, true};
+    }
+}
+
+Styles::Assignment Styles::ReadAssignment(std::uint64_t number) const {
+    Assignment assignment{Read({number}), 0};
+    const Instance* const instance = file_.Find(number);
+    if (instance == nullptr || file_.KeywordOf(*instance) != "PRESENTATION_STYLE_BY_CONTEXT") {
+        return assignment;
+    }
+    const std::uint64_t context = ReferenceOf(Arguments(RecordOf(file_.TextOf(*instance)).arguments)[1]);
+    const Instance* const use = file_.Find(context);
+    if (use != nullptr && file_.KeywordOf(*use) == "CONTEXT_DEPENDENT_SHAPE_REPRESENTATION") {
+        assignment.context = context;
+    }
+    return assignment;
+}
+
+const SurfaceStyle* Styles::Of(std::uint64_t item, std::uint64_t context) {
+    if (context != 0) {
+        const auto found = inContexts_.find({context, item});
+        if (found != inContexts_.end()) { return &found->second; }
+    }
     const ItemStyle* const style = styles_.Find(item);
     return style != nullptr ? &style->style : nullptr;
 }
 
-std::optional<SurfaceStyle> Styles::Read(std::string_view styles) const {
-    std::vector<std::uint64_t> open;
-    AppendReferences(styles, &open);
+std::vector<std::pair<std::uint64_t, SurfaceStyle>> Styles::In(std::uint64_t context) const {
+    std::vector<std::pair<std::uint64_t, SurfaceStyle>> items;
+    for (auto at = inContexts_.lower_bound({context, 0});
+         at != inContexts_.end() && at->first.first == context; ++at) {
+        items.emplace_back(at->first.second, at->second);
+    }
+    return items;
+}
+
+std::optional<SurfaceStyle> Styles::Read(std::vector<std::uint64_t> open) const {
     std::reverse(open.begin(), open.end());
     std::optional<Colour> rendered;
     std::optional<Colour> filled;

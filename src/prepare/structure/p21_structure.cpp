@@ -38,6 +38,7 @@ public:
         ReadShapeDefinitions();
         ReadRelationships();
         ReadUses();
+        ReadUseStyles();
         GatherRepresentations();
         // Reading items makes products of what is mapped, whose items are read in their turn.
         for (std::size_t i = 0; i < out_.products.size(); ++i) { ReadItems(i); }
@@ -64,6 +65,8 @@ private:
         std::string name;
         std::optional<Transform> at;
         bool isRead = false; // that is, handed to the parent
+        std::uint64_t style = 0;
+        std::uint64_t context = 0;
     };
     struct UsesBetween { // one parent and one child
         std::vector<std::size_t> uses;
@@ -220,7 +223,7 @@ private:
                 return;
             }
             useOf_.Add(instance.number, uses_.size());
-            uses_.push_back({instance.number, parent, child, UseName(arguments), {}, false});
+            uses_.push_back({instance.number, parent, child, UseName(arguments), {}, false, 0, 0});
         };
         ForEach("NEXT_ASSEMBLY_USAGE_OCCURRENCE", add);
         for (const std::uint32_t place : file_.ComplexInstances()) {
@@ -235,15 +238,30 @@ private:
         return name.empty() ? StringOf(arguments[0]) : name;
     }
 
+    // Which uses look other than their product: mapped items with a style, and contexts of styles.
+    void ReadUseStyles() {
+        ForEach("PRESENTATION_STYLE_BY_CONTEXT", [this](const Instance&, const Arguments& arguments) {
+            contexts_.AddNew(ReferenceOf(arguments[1]));
+        });
+        if (file_.OfKeyword("MAPPED_ITEM").empty()) { return; }
+        for (const char* const keyword : {"STYLED_ITEM", "OVER_RIDING_STYLED_ITEM"}) {
+            ForEach(keyword, [this](const Instance&, const Arguments& arguments) {
+                const std::uint64_t item = ReferenceOf(arguments[2]);
+                if (KeywordOf(item) == "MAPPED_ITEM") { styledMaps_.AddNew(item); }
+            });
+        }
+    }
+
     void ReadUsePlacements() {
         ForEach("CONTEXT_DEPENDENT_SHAPE_REPRESENTATION",
-                [this](const Instance&, const Arguments& arguments) {
+                [this](const Instance& instance, const Arguments& arguments) {
                     const std::uint64_t relationship = ReferenceOf(arguments[0]);
                     const PlacedRepresentation* const placed = placed_.Find(relationship);
                     const std::uint64_t* const definition = definitionOf_.Find(ReferenceOf(arguments[1]));
                     const std::size_t* const use = definition != nullptr ? useOf_.Find(*definition) : nullptr;
                     if (placed == nullptr || use == nullptr) { return; }
                     usedRelationships_.AddNew(relationship);
+                    if (contexts_.Contains(instance.number)) { uses_[*use].context = instance.number; }
                     if (!uses_[*use].at) { uses_[*use].at = PlacementOf(*placed, uses_[*use]); }
                 });
     }
@@ -262,7 +280,8 @@ private:
 
     void TakeUse(Use* use) {
         use->isRead = true;
-        out_.products[use->parent].uses.push_back({use->child, use->at.value_or(Transform{}), use->name});
+        out_.products[use->parent].uses.push_back(
+            {use->child, use->at.value_or(Transform{}), use->name, use->style, use->context});
     }
 
     // ---- items
@@ -437,6 +456,7 @@ private:
             return AddLoss(product, item.item, "what it maps isn't in the file");
         }
         const std::size_t* const owner = owner_.Find(representation);
+        const std::uint64_t style = StyledMapOf(item);
         if (owner != nullptr && *owner != product) {
             // This mapped item gives the place that an occurrence lacks.
             if (UsesBetween* const between = usesBetween_.Find(PairKey(product, *owner))) {
@@ -444,20 +464,32 @@ private:
                     Use& use = uses_[between->uses[between->next++]];
                     if (use.isRead) { continue; }
                     use.at = item.at * at;
+                    use.style = style;
                     return TakeUse(&use);
                 }
                 return; // each has its place already
             }
-            out_.products[product].uses.push_back({*owner, item.at * at, ""});
+            out_.products[product].uses.push_back({*owner, item.at * at, "", style, 0});
             return;
         }
         if (owner == nullptr && IsMappedOften(representation)) {
             const std::size_t child = AddMappedProduct(representation);
-            out_.products[product].uses.push_back({child, item.at * at, ""});
+            out_.products[product].uses.push_back({child, item.at * at, "", style, 0});
             return;
         }
         if (way.size() > kMostLevels) { return AddLoss(product, item.item, "it is mapped too deeply"); }
         OpenRepresentation(representation, item.at * at, item.path, item.item, open);
+    }
+
+    // The innermost mapped item with a style on the way to an item, itself included; 0 for none.
+    std::uint64_t StyledMapOf(const OpenItem& item) {
+        if (styledMaps_.IsEmpty()) { return 0; }
+        if (styledMaps_.Contains(item.item)) { return item.item; }
+        const std::vector<std::uint64_t>& way = out_.paths[item.path];
+        const auto found = std::find_if(way.rbegin(), way.rend(), [this](std::uint64_t through) {
+            return styledMaps_.Contains(through);
+        });
+        return found != way.rend() ? *found : 0;
     }
 
     // Whether what is mapped becomes a product: a copy of its shape for each place could be a million.
@@ -713,6 +745,8 @@ private:
     std::size_t usesTaken_ = 0;
     LookUp<std::uint64_t, std::size_t> useOf_; // by occurrence
     LookUp<std::uint64_t, UsesBetween> usesBetween_;
+    LookUp<std::uint64_t, char> contexts_;       // of styles
+    LookUp<std::uint64_t, char> styledMaps_;     // mapped items
     std::map<std::string, std::size_t> undrawn_; // how many items of a keyword have no shape
     LookUp<std::uint64_t, char> used_;           // items that some product has
     bool mapsCounted_ = false;

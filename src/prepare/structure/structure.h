@@ -32,6 +32,11 @@ struct FileUse {
     std::size_t child = 0; // in the file's products
     Transform at;          // of the child in the parent, in millimetres
     std::string name;      // of the use, may be empty
+    // The styled item through which it came, whose style its shape has where that has none of its own; 0 for
+    // none.
+    std::uint64_t style = 0;
+    // The CONTEXT_DEPENDENT_SHAPE_REPRESENTATION in which items of its shape have other styles; 0 for none.
+    std::uint64_t context = 0;
 };
 
 struct FileProduct {

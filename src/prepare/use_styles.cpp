@@ -1,0 +1,86 @@
+#include "prepare/use_styles.h"
+
+#include "prepare/shape/styles.h"
+#include "text/look_up.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace tarnwick::prepare {
+
+namespace {
+
+// Items with their colours and transparencies.
+using Look = std::vector<std::pair<std::uint64_t, std::array<double, 4>>>;
+
+std::array<double, 4> NumbersOf(const SurfaceStyle& style) {
+    return {style.colour.red, style.colour.green, style.colour.blue, style.transparency};
+}
+
+bool HasStyle(const FileUse& use) {
+    return use.style != 0 || use.context != 0;
+}
+
+// The first of all entities that look alike.
+class SharedLooks {
+public:
+    explicit SharedLooks(const ExchangeFile& file) : styles_(file) {}
+
+    std::uint64_t OfStyle(std::uint64_t item) {
+        return Shared(item, &items_, [&] {
+            const SurfaceStyle* const style = styles_.Of(item);
+            return style != nullptr ? Look{{0, NumbersOf(*style)}} : Look{};
+        });
+    }
+    std::uint64_t OfContext(std::uint64_t context) {
+        return Shared(context, &contexts_, [&] {
+            Look look;
+            for (const auto& [item, style] : styles_.In(context)) {
+                look.emplace_back(item, NumbersOf(style));
+            }
+            return look;
+        });
+    }
+
+private:
+    struct Looks {
+        LookUp<std::uint64_t, std::uint64_t> known;
+        std::map<Look, std::uint64_t> first;
+    };
+    template <class MakeLook>
+    static std::uint64_t Shared(std::uint64_t number, Looks* looks, MakeLook makeLook) {
+        if (number == 0) { return 0; }
+        if (const std::uint64_t* const known = looks->known.Find(number)) { return *known; }
+        Look look = makeLook();
+        const std::uint64_t shared =
+            look.empty() ? 0 : looks->first.try_emplace(std::move(look), number).first->second;
+        looks->known.Add(number, shared);
+        return shared;
+    }
+
+    Styles styles_;
+    Looks items_;
+    Looks contexts_;
+};
+
+} // namespace
+
+void ShareUseStyles(const ExchangeFile& file, FileStructure* structure) {
+    const bool isAny =
+        std::any_of(structure->products.begin(), structure->products.end(), [](const FileProduct& product) {
+            return std::any_of(product.uses.begin(), product.uses.end(), HasStyle);
+        });
+    if (!isAny) { return; }
+    SharedLooks looks(file);
+    for (FileProduct& product : structure->products) {
+        for (FileUse& use : product.uses) {
+            use.style = looks.OfStyle(use.style);
+            use.context = looks.OfContext(use.context);
+        }
+    }
+}
+
+} // namespace tarnwick::prepare
