@@ -13,6 +13,9 @@ namespace tarnwick::prepare {
 
 namespace {
 
+// Each look may cost a copy of a shape.
+constexpr std::size_t kMostLooks = 1000;
+
 // Items with their colours and transparencies.
 using Look = std::vector<std::pair<std::uint64_t, std::array<double, 4>>>;
 
@@ -35,6 +38,8 @@ public:
             return style != nullptr ? Look{{0, NumbersOf(*style)}} : Look{};
         });
     }
+    // Whether some look has no number, since there were too many.
+    bool IsOneLost() const { return isOneLost_; }
     std::uint64_t OfContext(std::uint64_t context) {
         return Shared(context, &contexts_, [&] {
             Look look;
@@ -51,12 +56,19 @@ private:
         std::map<Look, std::uint64_t> first;
     };
     template <class MakeLook>
-    static std::uint64_t Shared(std::uint64_t number, Looks* looks, MakeLook makeLook) {
+    std::uint64_t Shared(std::uint64_t number, Looks* looks, MakeLook makeLook) {
         if (number == 0) { return 0; }
         if (const std::uint64_t* const known = looks->known.Find(number)) { return *known; }
-        Look look = makeLook();
-        const std::uint64_t shared =
-            look.empty() ? 0 : looks->first.try_emplace(std::move(look), number).first->second;
+        const Look look = makeLook();
+        std::uint64_t shared = 0;
+        if (const auto first = looks->first.find(look); first != looks->first.end()) {
+            shared = first->second;
+        } else if (looks->first.size() == kMostLooks) {
+            isOneLost_ = true;
+        } else if (!look.empty()) {
+            shared = number;
+            looks->first.emplace(look, number);
+        }
         looks->known.Add(number, shared);
         return shared;
     }
@@ -64,6 +76,7 @@ private:
     Styles styles_;
     Looks items_;
     Looks contexts_;
+    bool isOneLost_ = false;
 };
 
 } // namespace
@@ -80,6 +93,10 @@ void ShareUseStyles(const ExchangeFile& file, FileStructure* structure) {
             use.style = looks.OfStyle(use.style);
             use.context = looks.OfContext(use.context);
         }
+    }
+    if (looks.IsOneLost()) {
+        structure->losses.push_back(
+            {"", 0, "more uses have colours of their own than can be kept apart", false});
     }
 }
 

@@ -286,6 +286,26 @@ TEST(Structure, AMappedItemColoursWhatHasNoColourOfItsOwn) {
     }
 }
 
+TEST(Structure, OfThousandsOfColoursOfUsesTheFirstAreKept) {
+    ExchangeText text;
+    const std::string context = text.Context();
+    const std::string origin = text.Axes("(0.,0.,0.)");
+    const std::string inner = text.Shape(text.Product("part"), text.Triangle(), context);
+    const std::string map = text.Add("REPRESENTATION_MAP(" + origin + "," + inner + ")");
+    std::string maps;
+    for (int i = 0; i < 1010; ++i) {
+        const std::string item = text.Add("MAPPED_ITEM(''," + map + "," + origin + ")");
+        text.Styled(item, "0." + std::to_string(1000 + i) + ",0.,0.");
+        maps += (maps.empty() ? "" : ",") + item;
+    }
+    text.Shape(text.Product("top"), maps, context);
+    const TempFolder folder;
+    const PreparedScene scene = PrepareText(folder, text.Text());
+    EXPECT_EQ(scene.result.parts, 1001u);
+    EXPECT_EQ(scene.result.placedParts, 1010u);
+    EXPECT_THAT(scene.Losses(), ElementsAre(HasSubstr("than can be kept apart")));
+}
+
 TEST(Structure, AStyleInTheContextOfAUseColoursThatUseAlone) {
     Pair pair;
     const std::string near = pair.text.Axes("(0.,0.,0.)");
