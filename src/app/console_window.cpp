@@ -1,6 +1,7 @@
 #include "app/console_window.h"
 #include "app/eye_text.h"
 #include "platform/console.h"
+#include "platform/within_memory.h"
 
 #include <QFontDatabase>
 #include <QScreen>
@@ -8,6 +9,7 @@
 #include <QTextCursor>
 
 #include <algorithm>
+#include <utility>
 
 namespace tarnwick {
 
@@ -60,6 +62,10 @@ void ConsoleWindow::ShowBeside(QWidget* window) {
 
 void ConsoleWindow::Take(std::string_view text) {
     const std::lock_guard guard(lock_);
+    if (!WithinMemory([&] { Keep(text); })) { hasLost_ = true; }
+}
+
+void ConsoleWindow::Keep(std::string_view text) {
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
         if (lines_.empty() || lines_.back().ends_with('\n')) { lines_.emplace_back(); }
@@ -69,22 +75,30 @@ void ConsoleWindow::Take(std::string_view text) {
     // A load prints without the window being served: what it would drop anyway isn't kept until then.
     while (lines_.size() > static_cast<std::size_t>(kLinesKept)) { lines_.pop_front(); }
     if (!flushIsComing_) {
-        flushIsComing_ = true;
-        QMetaObject::invokeMethod(
+        flushIsComing_ = QMetaObject::invokeMethod(
             this, [this] { Flush(); }, Qt::QueuedConnection);
     }
 }
 
 void ConsoleWindow::Flush() {
+    if (WithinMemory([this] { ShowKept(); })) { return; }
+    const std::lock_guard guard(lock_);
+    hasLost_ = true;
+}
+
+void ConsoleWindow::ShowKept() {
     std::deque<std::string> lines;
+    bool hasLost = false;
     {
         const std::lock_guard guard(lock_);
-        lines.swap(lines_);
         flushIsComing_ = false;
+        lines.swap(lines_);
+        hasLost = std::exchange(hasLost_, false);
     }
     const bool follows = verticalScrollBar()->value() == verticalScrollBar()->maximum();
     QString text;
     for (const std::string& line : lines) { text += EyeText(line); }
+    if (hasLost) { text += "<E> Lines are missing here, for want of memory\n"; }
     QTextCursor end(document());
     end.movePosition(QTextCursor::End);
     end.insertText(text);

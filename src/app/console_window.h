@@ -25,11 +25,15 @@ public:
     void Flush();
 
 private:
+    // What is printed; where there is no memory for it, that is told at the next chance.
     void Take(std::string_view text);
+    void Keep(std::string_view text);
+    void ShowKept();
 
     std::mutex lock_;
     std::deque<std::string> lines_; // not yet in the window; the last one may go on
     bool flushIsComing_ = false;
+    bool hasLost_ = false; // some lines, for want of memory
 };
 
 } // namespace tarnwick

@@ -288,13 +288,12 @@ private:
         TextMemory memory;
         TextFile file = OpenStpxFile(path);
         if (archive_ != nullptr) {
-            const char* problem = nullptr;
-            file.text = archive_->ReadMember(path.c_str(), memory, &file.size, &problem);
+            file.text = archive_->ReadMember(path.c_str(), memory, &file.size, &file.problem);
         } else if (ReadTextFile(&file, &memory) != TextFileResult::kRead) {
             file.text = nullptr;
         }
         if (file.text == nullptr) {
-            out_.unread.push_back({path, product});
+            (file.problem == kNeedsMemory ? out_.tooLarge : out_.unread).push_back({path, product});
             return;
         }
         const auto number = static_cast<std::int32_t>(out_.paths.size());

@@ -18,11 +18,12 @@ struct DocumentFile {
 
 // What STEP XML documents say, read as the load reads them but for the texts on which it stands still.
 struct CheckedDocuments {
-    std::vector<std::string> paths;   // of the documents that could be opened; the first is the root
-    std::vector<Finding> findings;    // `file` is the place among the paths
-    std::vector<DocumentFile> unread; // documents that could not be opened
-    std::vector<DocumentFile> parts;  // P21 files, each once
-    std::int64_t placedParts = 0;     // uses of products with a part file, multiplied through
+    std::vector<std::string> paths;     // of the documents that could be opened; the first is the root
+    std::vector<Finding> findings;      // `file` is the place among the paths
+    std::vector<DocumentFile> unread;   // documents that could not be opened
+    std::vector<DocumentFile> tooLarge; // likewise, for want of memory
+    std::vector<DocumentFile> parts;    // P21 files, each once
+    std::int64_t placedParts = 0;       // uses of products with a part file, multiplied through
 };
 
 // `archive` is null for files. `rootName` may be null.

@@ -222,6 +222,9 @@ void CheckXml(CheckReport* report, const char* rootName, ZipArchive* archive, co
     for (const DocumentFile& file : documents.unread) {
         AddUnread(report, file.path, file.product, "can't be opened");
     }
+    for (const DocumentFile& file : documents.tooLarge) {
+        AddUnread(report, file.path, file.product, kNeedsMemory);
+    }
     ReaderWorkspace workspace;
     for (const DocumentFile& part : documents.parts) {
         std::optional<StepModel> model;
@@ -264,7 +267,8 @@ void CheckArchive(CheckReport* report, const char* rootName) {
         AddUnread(report, path, "",
                   archive.Failure() == ENOMEM ? kNeedsMemory : "can't be opened as an archive");
     } else if (ini == nullptr) {
-        AddUnread(report, path, "", "has no member stpa.ini that can be read");
+        AddUnread(report, path, "",
+                  problem == kNeedsMemory ? kNeedsMemory : "has no member stpa.ini that can be read");
     } else if (ParseStpaIni(ini, &root, &isStpx) != 0) {
         AddUnread(report, path, "", "names no root in its member stpa.ini");
     } else if (isStpx != 1) {
@@ -307,6 +311,17 @@ void CheckByKind(CheckReport* report, const char* rootName) {
         for (const UnreadName& file : report->outcome.unread) {
             AddUnread(report, file.path, file.product, file.reason);
         }
+    }
+}
+
+// What the load found no memory for, where the check found it.
+void AddWantOfMemory(CheckReport* report) {
+    const bool isTold = std::any_of(report->findings.begin(), report->findings.end(), [](const Finding& f) {
+        return f.text.find(kNeedsMemory) != std::string::npos;
+    });
+    if (isTold) { return; }
+    for (const UnreadName& file : report->outcome.unread) {
+        if (file.reason == kNeedsMemory) { AddUnread(report, file.path, file.product, file.reason); }
     }
 }
 
@@ -363,6 +378,7 @@ CheckReport CheckWith(const std::string& path, const char* rootName, LoadOutcome
     report.outcome = std::move(outcome);
     CheckByKind(&report, rootName);
     CountParts(&report);
+    AddWantOfMemory(&report);
     AddOutcome(&report);
     AddCommand(&report);
     std::stable_sort(report.findings.begin(), report.findings.end(), [](const Finding& a, const Finding& b) {

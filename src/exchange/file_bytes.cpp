@@ -19,7 +19,6 @@ namespace tarnwick {
 namespace {
 
 constexpr const char* kNoMemory = "there is not enough memory for it";
-constexpr const char* kNoArchive = "the archive can't be read";
 
 std::string TextOf(const XXH128_hash_t& hash) {
     std::array<char, 40> text{};
@@ -81,11 +80,14 @@ bool IsZip(std::string_view text) {
     return text.starts_with("PK\x03\x04");
 }
 
+constexpr int kZlibOrGzip = 15 + 32; // told apart by their first bytes
+constexpr int kBare = -15;           // a stream of neither, as in archives
+
 // A stream that is damaged or cut gives what came before.
-FileBytes Inflate(std::string_view packed, std::size_t most) {
+FileBytes Inflate(std::string_view packed, int kind, std::size_t most) {
     FileBytes bytes;
     z_stream stream{};
-    if (inflateInit2(&stream, 15 + 32) != Z_OK) { // tells gzip from zlib
+    if (inflateInit2(&stream, kind) != Z_OK) {
         bytes.error = kNoMemory;
         return bytes;
     }
@@ -109,6 +111,11 @@ FileBytes Inflate(std::string_view packed, std::size_t most) {
         const unsigned offered = stream.avail_out;
         state = inflate(&stream, Z_NO_FLUSH);
         out.Take(offered - stream.avail_out);
+        if (state == Z_MEM_ERROR) {
+            bytes.error = kNoMemory;
+            inflateEnd(&stream);
+            return bytes;
+        }
         const char* const behind = reinterpret_cast<const char*>(stream.next_in);
         left -= static_cast<std::size_t>(behind - next);
         next = behind;
@@ -125,20 +132,30 @@ bool EndsWithAny(std::string name, std::initializer_list<const char*> ends) {
     return std::any_of(ends.begin(), ends.end(), [&](const char* end) { return name.ends_with(end); });
 }
 
-class ZipReader {
-public:
-    explicit ZipReader(const std::string& path) : zip_(unzOpen64(path.c_str())) {}
+// Where a member of an archive stands in it, as it is packed.
+struct PackedMember {
+    std::uint64_t begin = 0;
+    std::uint64_t size = 0;
+    bool isStored = false;
+};
 
-    // Calls take(name) with each member in turn, until it says to stop. False where the directory is damaged.
+class ZipDirectory {
+public:
+    explicit ZipDirectory(const std::string& path) {
+        errno = 0;
+        zip_.reset(unzOpen64(path.c_str()));
+    }
+
+    // Calls take(name) with each member in turn, until it says to stop. False where the directory can't be
+    // read.
     template <class Take>
     bool ForEachMember(Take take) {
         if (zip_ == nullptr) { return false; }
         std::array<char, 1024> name{};
         int state = unzGoToFirstFile(zip_.get());
         for (; state == UNZ_OK; state = unzGoToNextFile(zip_.get())) {
-            unz_file_info64 info{};
-            if (unzGetCurrentFileInfo64(zip_.get(), &info, name.data(), name.size() - 1, nullptr, 0, nullptr,
-                                        0) != UNZ_OK) {
+            if (unzGetCurrentFileInfo64(zip_.get(), nullptr, name.data(), name.size() - 1, nullptr, 0,
+                                        nullptr, 0) != UNZ_OK) {
                 return false;
             }
             if (take(std::string_view(name.data()))) { return true; }
@@ -146,32 +163,16 @@ public:
         return state == UNZ_END_OF_LIST_OF_FILE;
     }
 
-    FileBytes Read(const std::string& member, std::size_t most) {
-        FileBytes bytes;
-        bytes.member = member;
-        if (zip_ == nullptr || unzLocateFile(zip_.get(), member.c_str(), 1) != UNZ_OK ||
-            unzOpenCurrentFile(zip_.get()) != UNZ_OK) {
-            bytes.error = kNoArchive;
-            return bytes;
+    bool Find(const std::string& name, PackedMember* member) {
+        unz_file_info64 info{};
+        int method = 0;
+        if (zip_ == nullptr || unzLocateFile(zip_.get(), name.c_str(), 1) != UNZ_OK ||
+            unzGetCurrentFileInfo64(zip_.get(), &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK ||
+            unzOpenCurrentFile2(zip_.get(), &method, nullptr, 1) != UNZ_OK) {
+            return false;
         }
-        GrowingBytes out(most);
-        for (;;) {
-            std::size_t room = 0;
-            char* const target = out.Room(1 << 16, &room);
-            if (target == nullptr) {
-                bytes.error = kNoMemory;
-                return bytes;
-            }
-            const int got = unzReadCurrentFile(zip_.get(), target,
-                                               static_cast<unsigned>(std::min<std::size_t>(room, 1 << 24)));
-            if (got <= 0) {
-                if (got < 0) { bytes.error = "its member in the archive is damaged"; }
-                break;
-            }
-            out.Take(static_cast<std::size_t>(got));
-        }
-        out.MoveTo(&bytes);
-        return bytes;
+        *member = {unzGetCurrentFileZStreamPos64(zip_.get()), info.compressed_size, method == 0};
+        return true;
     }
 
 private:
@@ -181,23 +182,55 @@ private:
     std::unique_ptr<void, Close> zip_;
 };
 
+// Why an archive can't be read, after a call of ZipDirectory that failed.
+const char* ArchiveError() {
+    return errno == ENOMEM ? kNoMemory : "the archive can't be read";
+}
+
+FileBytes Unpack(std::string_view packed, bool isStored, std::size_t most) {
+    FileBytes bytes;
+    if (!isStored) {
+        bytes = Inflate(packed, kBare, most);
+        if (bytes.IsRead() && !bytes.error.empty()) { bytes.error = "its member in the archive is damaged"; }
+        return bytes;
+    }
+    GrowingBytes out(most);
+    std::size_t room = 0;
+    char* const target = out.Room(packed.size() + 1, &room);
+    if (target == nullptr || room < packed.size()) {
+        bytes.error = kNoMemory;
+        return bytes;
+    }
+    if (!packed.empty()) { std::memcpy(target, packed.data(), packed.size()); }
+    out.Take(packed.size());
+    out.MoveTo(&bytes);
+    return bytes;
+}
+
 bool IsStepName(std::string_view name) {
     return EndsWithAny(std::string(name),
                        {".stp", ".step", ".p21", ".stpx", ".xml", ".stpnc", ".stpz", ".stpxz", ".stp.gz"});
 }
 
-// The first member that has a name of a STEP file, or else the first of all.
-FileBytes ReadFirstMember(const std::string& path, std::size_t most) {
-    ZipReader zip(path);
+// The first member that has a name of a STEP file, or else the first of all. `archive` is the whole file.
+FileBytes ReadFirstMember(const std::string& path, std::string_view archive, std::size_t most) {
+    ZipDirectory zip(path);
     std::string first;
-    zip.ForEachMember([&first](std::string_view name) {
+    const bool isListed = zip.ForEachMember([&first](std::string_view name) {
         const bool isStep = IsStepName(name);
         if (isStep || (first.empty() && !name.ends_with('/'))) { first = name; }
         return isStep;
     });
     FileBytes bytes;
-    bytes.error = kNoArchive;
-    return first.empty() ? std::move(bytes) : zip.Read(first, most);
+    PackedMember member;
+    if (!isListed || first.empty() || !zip.Find(first, &member)) {
+        bytes.error = ArchiveError();
+        return bytes;
+    }
+    const std::uint64_t begin = std::min<std::uint64_t>(member.begin, archive.size());
+    bytes = Unpack(archive.substr(begin, member.size), member.isStored, most);
+    bytes.member = std::move(first);
+    return bytes;
 }
 
 } // namespace
@@ -229,37 +262,56 @@ FileBytes ReadFileBytes(const std::string& path, std::size_t most) {
     bytes.digest = TextOf(XXH3_128bits(bytes.data.get(), bytes.size));
     const bool isZip = IsZip(bytes.Text());
     if (!isZip && !IsGzip(bytes.Text()) && !IsZlib(bytes.Text())) { return bytes; }
-    FileBytes unpacked = isZip ? ReadFirstMember(path, most) : Inflate(bytes.Text(), most - size);
+    FileBytes unpacked =
+        isZip ? ReadFirstMember(path, bytes.Text(), most) : Inflate(bytes.Text(), kZlibOrGzip, most - size);
     unpacked.digest = std::move(bytes.digest);
     return unpacked;
 }
 
-std::vector<std::string> StepMembersOf(const std::string& path) {
+StepMembers StepMembersOf(const std::string& path) {
+    StepMembers members;
     std::array<char, 4> start{};
     int error = 0;
     {
         const OpenedFile file(path.c_str());
         if (!file.IsOpen() || file.ReadAt(0, start.data(), start.size(), &error) < start.size() ||
             !IsZip({start.data(), start.size()})) {
-            return {};
+            return members;
         }
     }
-    std::vector<std::string> members;
-    ZipReader(path).ForEachMember([&members](std::string_view name) {
-        if (IsStepName(name)) { members.emplace_back(name); }
+    const bool isListed = ZipDirectory(path).ForEachMember([&members](std::string_view name) {
+        if (IsStepName(name)) { members.names.emplace_back(name); }
         return false;
     });
+    if (!isListed) { members.error = ArchiveError(); }
     return members;
 }
 
 FileBytes ReadMemberBytes(const std::string& archive, const std::string& member, std::size_t most) {
-    FileBytes bytes = ZipReader(archive).Read(member, most);
+    FileBytes bytes;
+    PackedMember place;
+    if (!ZipDirectory(archive).Find(member, &place)) {
+        bytes.error = ArchiveError();
+        return bytes;
+    }
+    const OpenedFile file(archive.c_str());
+    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(place.size, file.Size()));
+    const std::unique_ptr<char[]> packed(size <= most ? new (std::nothrow) char[size + kBytesPadding]
+                                                      : nullptr);
+    if (packed == nullptr) {
+        bytes.error = kNoMemory;
+        return bytes;
+    }
+    int error = 0;
+    const std::size_t got = file.ReadAt(place.begin, packed.get(), size, &error);
+    bytes = Unpack({packed.get(), got}, place.isStored, most);
+    if (error != 0) { bytes.error = std::strerror(error); }
     if (!bytes.IsRead()) { return bytes; }
     std::string digest = TextOf(XXH3_128bits(bytes.data.get(), bytes.size));
     if (IsGzip(bytes.Text()) || IsZlib(bytes.Text())) {
-        bytes = Inflate(bytes.Text(), most - std::min(most, bytes.size));
-        bytes.member = member;
+        bytes = Inflate(bytes.Text(), kZlibOrGzip, most - std::min(most, bytes.size));
     }
+    bytes.member = member;
     bytes.digest = std::move(digest);
     return bytes;
 }

@@ -29,9 +29,13 @@ struct FileBytes {
 // more than `most` bytes come out. Any thread.
 FileBytes ReadFileBytes(const std::string& path, std::size_t most);
 
-// The members of a ZIP archive that have a name of a STEP file, in its order; empty for any other file. Any
-// thread.
-std::vector<std::string> StepMembersOf(const std::string& path);
+// The members of a ZIP archive that have a name of a STEP file, in its order; none for any other file.
+struct StepMembers {
+    std::vector<std::string> names;
+    std::string error; // why there may be more, empty otherwise
+};
+// Any thread.
+StepMembers StepMembersOf(const std::string& path);
 
 // Reads a member of a ZIP archive whole; one that is a gzip or zlib stream is inflated. Any thread.
 FileBytes ReadMemberBytes(const std::string& archive, const std::string& member, std::size_t most);

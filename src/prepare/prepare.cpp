@@ -1,6 +1,7 @@
 #include "prepare/prepare.h"
 
 #include "platform/memory_left.h"
+#include "platform/within_memory.h"
 #include "prepare/elements/finite_elements.h"
 #include "prepare/part_file.h"
 #include "prepare/prepare_record.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -28,6 +30,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kLongestStem = 80;
+constexpr const char* kNoMemory = "there is not enough memory for it";
 
 std::string Lower(std::string text) {
     for (char& c : text) { c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
@@ -99,8 +102,8 @@ class SourceTexts {
 public:
     explicit SourceTexts(Whole* whole) : whole_(*whole), places_(whole->files.size()) {}
 
-    // Null where the file can't be read again, or is another one by now.
-    std::shared_ptr<const ExchangeFile> Get(std::size_t place) {
+    // Null where the file can't be read again, for which there may be an error, or is another one by now.
+    std::shared_ptr<const ExchangeFile> Get(std::size_t place, std::string* error) {
         WholeFileEntry& entry = whole_.files[place];
         // The top is kept as it was read.
         if (entry.source != nullptr) { return {std::shared_ptr<void>(), entry.source->file.get()}; }
@@ -113,7 +116,10 @@ public:
         const auto most = static_cast<std::size_t>(MemoryLeft());
         text->bytes = entry.member.empty() ? ReadFileBytes(entry.path, most)
                                            : ReadMemberBytes(entry.path, entry.member, most);
-        if (!text->bytes.IsRead() || text->bytes.digest != entry.digest) { return nullptr; }
+        if (!text->bytes.IsRead() || text->bytes.digest != entry.digest) {
+            if (!text->bytes.error.empty()) { *error = "its file can't be read again: " + text->bytes.error; }
+            return nullptr;
+        }
         text->file = std::make_unique<ExchangeFile>(text->bytes.Text());
         places_[place].text = text;
         return {text, text->file.get()};
@@ -143,7 +149,7 @@ public:
         const auto begin = std::chrono::steady_clock::now();
         try {
             Work();
-        } catch (const std::bad_alloc&) { result_.error = "there is not enough memory for it"; }
+        } catch (const std::bad_alloc&) { result_.error = kNoMemory; }
         result_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
         return std::move(result_);
     }
@@ -154,7 +160,14 @@ private:
         std::string file;      // from the folder on, as it is written
         std::string reference; // as the top file names it
         PartResult result;
-        std::string error;
+        std::string error = kNoMemory; // until something else comes of it
+    };
+    static constexpr std::size_t kNoPlace = static_cast<std::size_t>(-1);
+    // What a worker has open.
+    struct OpenSource {
+        std::size_t place = kNoPlace; // of the file
+        std::shared_ptr<const ExchangeFile> file;
+        std::optional<Styles> styles;
     };
 
     bool IsCancelled() const { return cancel_ != nullptr && *cancel_; }
@@ -245,51 +258,56 @@ private:
         const std::size_t processors = std::max(1u, std::thread::hardware_concurrency());
         const std::size_t workers = std::min(options_.jobs > 0 ? options_.jobs : processors, jobs_.size());
         std::vector<std::thread> threads;
-        for (std::size_t i = 1; i < workers; ++i) {
-            threads.emplace_back([this] { RunWorker(); });
-        }
+        threads.reserve(workers);
+        try {
+            while (threads.size() + 1 < workers) {
+                threads.emplace_back([this] { RunWorker(); });
+            }
+        } catch (const std::exception&) {} // no room for a further one; fewer do it as well
         RunWorker();
         for (std::thread& thread : threads) { thread.join(); }
         texts_ = nullptr;
     }
 
-    // What one thread does.
+    // What one thread does. For want of memory it ends, or leaves a part as it is.
     void RunWorker() {
-        std::optional<Mesher> mesher;
-        if (!options_.meshProgram.empty()) {
-            MesherOptions meshing;
-            meshing.program = options_.meshProgram;
-            meshing.deflection = options_.deflection;
-            meshing.angle = options_.angle;
-            meshing.timeLimit = options_.timeLimit;
-            meshing.memoryLimit = static_cast<std::size_t>(MemoryLeft());
-            mesher.emplace(meshing, cancel_);
+        WithinMemory([this] {
+            std::optional<Mesher> mesher;
+            if (!options_.meshProgram.empty()) {
+                MesherOptions meshing;
+                meshing.program = options_.meshProgram;
+                meshing.deflection = options_.deflection;
+                meshing.angle = options_.angle;
+                meshing.timeLimit = options_.timeLimit;
+                meshing.memoryLimit = static_cast<std::size_t>(MemoryLeft());
+                mesher.emplace(meshing, cancel_);
+            }
+            OpenSource source;
+            for (;;) {
+                const std::size_t next = nextJob_++;
+                if (next >= jobs_.size() || IsCancelled()) { return; }
+                WithinMemory([&] { RunNext(&jobs_[next], &source, mesher ? &*mesher : nullptr); });
+                ++done_;
+                Tell();
+            }
+        });
+    }
+
+    void RunNext(Job* job, OpenSource* source, Mesher* mesher) {
+        const std::size_t place = whole_.products[job->product].file;
+        if (place != source->place) {
+            std::string error = "its file changed or went away meanwhile";
+            source->place = kNoPlace;
+            source->styles.reset();
+            source->file = texts_->Get(place, &error);
+            if (source->file == nullptr) {
+                job->error = std::move(error);
+                return;
+            }
+            source->styles.emplace(*source->file);
+            source->place = place;
         }
-        std::shared_ptr<const ExchangeFile> file;
-        std::optional<Styles> styles;
-        std::size_t open = static_cast<std::size_t>(-1); // the place of the file
-        for (;;) {
-            const std::size_t next = nextJob_++;
-            if (next >= jobs_.size() || IsCancelled()) { return; }
-            Job& job = jobs_[next];
-            try {
-                const std::size_t place = whole_.products[job.product].file;
-                if (place != open) {
-                    styles.reset();
-                    file = texts_->Get(place);
-                    open = place;
-                    if (file != nullptr) { styles.emplace(*file); }
-                }
-                if (file == nullptr) {
-                    job.error = "its file changed or went away meanwhile";
-                } else {
-                    RunJob(&job, {*file, whole_.files[place].structure, *styles},
-                           mesher ? &*mesher : nullptr);
-                }
-            } catch (const std::bad_alloc&) { job.error = "there is not enough memory for it"; }
-            ++done_;
-            Tell();
-        }
+        RunJob(job, {*source->file, whole_.files[place].structure, *source->styles}, mesher);
     }
 
     void RunJob(Job* job, const PartSource& source, Mesher* mesher) {
@@ -305,10 +323,12 @@ private:
                                     sink.get());
         }
         // Nothing to show, or not all of it: what was written so far goes.
-        if (job->result.triangles == 0 || job->result.isCancelled) { return; }
-        if (!sink->Close()) {
-            job->error = "its file can't be written: " + sink->Error();
+        const bool isKept = job->result.triangles > 0 && !job->result.isCancelled;
+        if (isKept && !sink->Close()) {
             job->result.triangles = 0;
+            job->error = "its file can't be written: " + sink->Error();
+        } else {
+            job->error.clear();
         }
     }
 
@@ -400,7 +420,7 @@ private:
     void Tell() {
         if (!tell_) { return; }
         const std::lock_guard lock(tellMutex_);
-        tell_(done_, jobs_.size());
+        WithinMemory([this] { tell_(done_, jobs_.size()); });
     }
 
     const PrepareOptions& options_;

@@ -79,7 +79,8 @@ std::unique_ptr<LoadedSource> LoadSource(const std::string& path, const std::str
     const auto room = static_cast<std::size_t>(
         std::min<std::uint64_t>(MemoryLeft(), std::numeric_limits<std::size_t>::max() / 2));
     source->bytes = member.empty() ? ReadFileBytes(path, room) : ReadMemberBytes(path, member, room);
-    if (!source->bytes.IsRead()) {
+    const bool isEmpty = !source->bytes.IsRead() || source->bytes.size == 0;
+    if (isEmpty && !source->bytes.error.empty()) {
         source->error = source->bytes.error;
         return source;
     }

@@ -64,7 +64,9 @@ public:
 private:
     // The file, or all of the archive that it is.
     std::vector<std::size_t> OpenTops(const std::string& path) {
-        std::vector<std::string> members = StepMembersOf(path);
+        StepMembers archive = StepMembersOf(path);
+        if (!archive.error.empty()) { whole_.losses.push_back({"", 0, archive.error}); }
+        std::vector<std::string> members = std::move(archive.names);
         members_.insert(members.begin(), members.end());
         if (members.empty()) { members.emplace_back(); } // no archive, or none with names of STEP files
         std::vector<std::size_t> tops;

@@ -62,13 +62,13 @@ TEST(FileBytes, OfEachMemberOfAZipArchiveAreToBeHad) {
     ASSERT_TRUE(zip.Add("sub/b.stpz", true, [](ByteSink* sink) { sink->Write(Zlib(LongText())); }));
     ASSERT_TRUE(zip.Add("c.txt", false, [](ByteSink* sink) { sink->Write("c"); }));
     ASSERT_TRUE(zip.Close());
-    EXPECT_EQ(StepMembersOf(path), (std::vector<std::string>{"a.stp", "sub/b.stpz"}));
+    EXPECT_EQ(StepMembersOf(path).names, (std::vector<std::string>{"a.stp", "sub/b.stpz"}));
     EXPECT_EQ(ReadMemberBytes(path, "a.stp", kMost).Text(), LongText());
     EXPECT_EQ(ReadMemberBytes(path, "sub/b.stpz", kMost).Text(), LongText());
     EXPECT_EQ(ReadMemberBytes(path, "absent.stp", kMost).error, "the archive can't be read");
     EXPECT_EQ(ReadMemberBytes(path, "a.stp", 100).error, "there is not enough memory for it");
-    EXPECT_TRUE(StepMembersOf(folder.Write("plain.stp", LongText())).empty());
-    EXPECT_TRUE(StepMembersOf(folder.Path("absent")).empty());
+    EXPECT_TRUE(StepMembersOf(folder.Write("plain.stp", LongText())).names.empty());
+    EXPECT_TRUE(StepMembersOf(folder.Path("absent")).names.empty());
 }
 
 TEST(FileBytes, ACutStreamGivesWhatCameBeforeAndAnError) {

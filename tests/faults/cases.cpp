@@ -1,5 +1,8 @@
 #include "faults/cases.h"
 
+#include "mesher/solid_text.h"
+
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -126,6 +129,100 @@ Input OverMaking(const Programs& programs) {
     return input;
 }
 
+constexpr int kMillisecondsWithKernel = 20000;
+
+// Writes a text with an exact cube and a cone, each a part of an assembly.
+void WriteExact(const std::filesystem::path& path) {
+    test::SolidText solids(20);
+    std::string parts;
+    std::uint64_t next = 2000;
+    for (const std::uint64_t solid : {solids.AddCube(10), solids.AddCone(test::AngleUnit::kRadian)}) {
+        const auto number = [&](std::uint64_t i) { return "#" + std::to_string(next + i); };
+        const std::string name = "'part " + std::to_string(solid) + "'";
+        parts += number(0) + "=PRODUCT(" + name + "," + name + ",'',());\n";
+        parts += number(1) + "=PRODUCT_DEFINITION_FORMATION('',''," + number(0) + ");\n";
+        parts += number(2) + "=PRODUCT_DEFINITION('',''," + number(1) + ",$);\n";
+        parts += number(3) + "=PRODUCT_DEFINITION_SHAPE('',''," + number(2) + ");\n";
+        parts += number(4) + "=SHAPE_REPRESENTATION('',(#" + std::to_string(solid) + "),#10);\n";
+        parts += number(5) + "=SHAPE_DEFINITION_REPRESENTATION(" + number(3) + "," + number(4) + ");\n";
+        next += 10;
+    }
+    std::ofstream(path) << "ISO-10303-21;\nHEADER;\nFILE_SCHEMA(('AUTOMOTIVE_DESIGN'));\nENDSEC;\nDATA;\n"
+                        << test::ContextText() << solids.Text() << parts << "ENDSEC;\nEND-ISO-10303-21;\n";
+}
+
+// Everything anew, and with what was prepared before in its place.
+Input OverPreparing(const Programs& programs, const std::filesystem::path& folder) {
+    Input input{"tarnwick-prepare", {}};
+    const auto add = [&](const char* name, const char* jobs) -> Case& {
+        const std::string path = (folder / name / name).string();
+        input.cases.push_back({.name = std::string("prepare ") + name,
+                               .program = programs.prepare,
+                               .arguments = {path, "-o", "%o/out", "--json", "%o/report.json", "--jobs", jobs,
+                                             "--time-limit", "2"},
+                               .tellsOnOutput = true,
+                               .writesText = true,
+                               .milliseconds = kMillisecondsWithKernel});
+        return input.cases.back();
+    };
+    for (const char* const name : {"part.stp", "part.stpz", "mesh.stp", "document.stpx", "archive.stpa"}) {
+        add(name, "1");
+    }
+    add("assembly.stp", "2");
+    add("assembly.stpz", "1").arguments.push_back("--compress");
+    Case& again = add("assembly.stp", "1");
+    again.name += " again";
+    again.before = folder / "prepared";
+    std::filesystem::create_directories(again.before);
+    Run(programs.prepare, {again.arguments[0], "-o", (again.before / "out").string(), "--time-limit", "2"});
+    if (!programs.mesh.empty()) { add("exact.stp", "2"); }
+    return input;
+}
+
+Input OverMeshing(const Programs& programs, const std::filesystem::path& folder) {
+    Input input{"tarnwick-mesh", {}};
+    const std::string path = (folder / "exact.stp" / "exact.stp").string();
+    input.cases.push_back({.name = "mesh exact.stp",
+                           .program = programs.prepare,
+                           .arguments = {path, "-o", "%o/out", "--jobs", "1", "--time-limit", "2"},
+                           .tellsOnOutput = true,
+                           .writesText = true,
+                           .other = programs.mesh,
+                           .milliseconds = kMillisecondsWithKernel});
+    return input;
+}
+
+// Without a display. What the viewer takes is asked of a further process.
+Input OverOpening(const Programs& programs, const std::filesystem::path& folder) {
+    Input input{"tarnwick-open", {}};
+    for (const char* const name : {"part.stp", "assembly.stpz", "exact.stp", "archive.stpa", "broken.stp"}) {
+        if (programs.mesh.empty() && name == std::string("exact.stp")) { continue; }
+        const std::string path = (folder / name / name).string();
+        for (const bool isOther : {false, true}) {
+            input.cases.push_back({.name = std::string(isOther ? "open, asking, " : "open ") + name,
+                                   .program = programs.open,
+                                   .arguments = {path},
+                                   .tellsOnOutput = true,
+                                   .writesText = true,
+                                   .other = isOther ? programs.open : "",
+                                   .milliseconds = kMillisecondsWithKernel});
+        }
+    }
+    return input;
+}
+
+Input OverPictures(const Programs& programs, const std::filesystem::path& folder) {
+    Input input{"tarnwick-picture", {}};
+    for (const char* const name : {"part.stp", "assembly.stp", "summary.stpj", "broken.stp"}) {
+        const std::string path = (folder / name / name).string();
+        input.cases.push_back({.name = std::string("picture ") + name,
+                               .program = programs.picture,
+                               .arguments = {path, "-o", "%o/shot.png", "--size", "64x48"},
+                               .preloaded = programs.silentGl});
+    }
+    return input;
+}
+
 } // namespace
 
 std::vector<Input> MakeInputs(const Programs& programs, const std::filesystem::path& folder) {
@@ -143,14 +240,27 @@ std::vector<Input> MakeInputs(const Programs& programs, const std::filesystem::p
         std::filesystem::create_directories(folder / name);
         std::ofstream(folder / name / name) << "no such file\n";
     }
+    std::filesystem::create_directories(folder / "exact.stp");
+    WriteExact(folder / "exact.stp" / "exact.stp");
     inputs.push_back(OverLists(programs, folder));
     inputs.push_back(OverMaking(programs));
+    inputs.push_back(OverPreparing(programs, folder));
+    if (!programs.mesh.empty()) { inputs.push_back(OverMeshing(programs, folder)); }
+    if (!programs.open.empty()) { inputs.push_back(OverOpening(programs, folder)); }
+    if (!programs.picture.empty()) { inputs.push_back(OverPictures(programs, folder)); }
     if (!programs.snapshot.empty()) {
         const std::string part = (folder / "part.stp" / "part.stp").string();
         inputs.push_back({"snapshot", {{"snapshot", programs.snapshot, {part, "%o/shot.bmp"}}}});
         inputs.back().cases[0].tellsOnOutput = true; // a file that can't be written is told there
     }
     return inputs;
+}
+
+std::vector<std::string> FilesOfAllKinds(const std::filesystem::path& folder) {
+    std::vector<std::string> files;
+    for (const Sample& sample : Samples()) { files.push_back((folder / sample.name / sample.name).string()); }
+    std::rotate(files.begin(), files.begin() + 1, files.end());
+    return files;
 }
 
 } // namespace tarnwick::faults

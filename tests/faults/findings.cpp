@@ -91,12 +91,16 @@ std::string Joined(const std::vector<std::string>& stack, std::size_t most, cons
     return text;
 }
 
+const std::string& FailingProgram(const Case& one) {
+    return one.other.empty() ? one.program : one.other;
+}
+
 } // namespace
 
 const char* NameOf(Fault fault) {
-    constexpr const char* names[] = {"none",        "memory", "arena",  "open",   "read",
-                                     "short-read",  "status", "seek",   "map",    "write",
-                                     "short-write", "close",  "thread", "rename", "mkdir"};
+    constexpr const char* names[] = {"none",   "memory",  "arena",  "open",  "read",        "short-read",
+                                     "status", "seek",    "map",    "write", "short-write", "close",
+                                     "thread", "process", "rename", "mkdir"};
     return names[static_cast<int>(fault)];
 }
 
@@ -115,7 +119,7 @@ std::vector<std::uintptr_t> OwnFrames(const Frames& frames, std::uintptr_t base)
 std::string FindingsText(const std::vector<Finding>& findings) {
     std::map<std::string, std::set<std::uintptr_t>> addresses;
     for (const Finding& finding : findings) {
-        std::set<std::uintptr_t>& own = addresses[finding.one.program];
+        std::set<std::uintptr_t>& own = addresses[FailingProgram(finding.one)];
         own.insert(finding.faultFrames.begin(), finding.faultFrames.end());
         own.insert(finding.crashFrames.begin(), finding.crashFrames.end());
     }
@@ -128,7 +132,7 @@ std::string FindingsText(const std::vector<Finding>& findings) {
     };
     std::map<std::string, Group> groups;
     for (const Finding& finding : findings) {
-        const FrameNames& own = names[finding.one.program];
+        const FrameNames& own = names[FailingProgram(finding.one)];
         const std::vector<std::string> crash = Stack(finding.crashFrames, own);
         const std::vector<std::string> fault = Stack(finding.faultFrames, own);
         const std::vector<std::string>& telling = crash.empty() ? fault : crash;

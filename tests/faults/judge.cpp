@@ -1,5 +1,7 @@
 #include "faults/judge.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 
 namespace tarnwick::faults {
@@ -23,15 +25,40 @@ std::map<std::string, std::string> ShownFiles(const Ending& ending) {
     return files;
 }
 
+// What was prepared from what: without it the next run prepares again, and no more.
+bool IsRecord(const std::string& name) {
+    return name.ends_with("/prepared.txt");
+}
+
+std::map<std::string, std::string> WithoutRecords(std::map<std::string, std::string> files) {
+    std::erase_if(files, [](const auto& file) { return IsRecord(file.first); });
+    return files;
+}
+
+std::string Inflated(const std::string& packed) {
+    std::string text(1000 * packed.size(), '\0');
+    uLongf size = text.size();
+    const int state = uncompress(reinterpret_cast<Bytef*>(text.data()), &size,
+                                 reinterpret_cast<const Bytef*>(packed.data()), packed.size());
+    text.resize(state == Z_OK ? size : 0);
+    return text;
+}
+
+bool IsWholeText(const std::string& name, const std::string& text) {
+    if (name.ends_with(".stpz")) { return IsWholeText(name.substr(0, name.size() - 1), Inflated(text)); }
+    if (name.ends_with(".json")) { return text.ends_with("}\n") || text.ends_with("]\n"); }
+    return text.ends_with(name.ends_with(".stp") ? "END-ISO-10303-21;\n" : "\n");
+}
+
 bool IsHalfWritten(const Case& one, const Undisturbed& undisturbed,
                    const std::map<std::string, std::string>& files) {
     return std::any_of(files.begin(), files.end(), [&](const auto& file) {
         const auto& [name, text] = file;
         const auto whole = undisturbed.files.find(name);
-        if (whole == undisturbed.files.end()) { return true; }
-        if (text == whole->second) { return false; }
-        // A report of a smaller scene is another text, but a whole one.
-        return !one.writesText || !text.ends_with("}\n");
+        if (whole == undisturbed.files.end() && !IsRecord(name)) { return true; }
+        if (whole != undisturbed.files.end() && text == whole->second) { return false; }
+        // What is written of a smaller scene is another text, but a whole one.
+        return !one.writesText || !IsWholeText(name, text);
     });
 }
 
@@ -43,6 +70,14 @@ bool WantsWordMemory(Fault fault) {
     return fault == Fault::kMemory || fault == Fault::kArena || fault == Fault::kMap;
 }
 
+std::string FirstNew(const std::string& text, const std::string& before) {
+    const std::vector<std::string> known = LinesOf(before);
+    for (const std::string& line : LinesOf(text)) {
+        if (std::find(known.begin(), known.end(), line) == known.end()) { return line; }
+    }
+    return {};
+}
+
 // Whether the fault is told; `line` is the first line that it brought.
 Verdict Telling(const Case& one, const Undisturbed& undisturbed, const Ending& ending, const Plan& plan,
                 std::string* line) {
@@ -52,6 +87,7 @@ Verdict Telling(const Case& one, const Undisturbed& undisturbed, const Ending& e
         if (line->empty()) { *line = error; }
         memory = memory || SaysMemory(error);
     }
+    if (one.tellsOnOutput && line->empty()) { *line = FirstNew(ending.output, undisturbed.output); }
     if (memory) { return Verdict::kTold; }
     if (line->empty() && !one.tellsOnOutput) { return Verdict::kSilent; }
     if (line->empty() && ending.output == undisturbed.output) { return Verdict::kSilent; }
@@ -118,7 +154,7 @@ Verdict Judge(const Case& one, const Undisturbed& undisturbed, const Ending& end
     const std::map<std::string, std::string> files = ShownFiles(ending);
     if (IsHalfWritten(one, undisturbed, files)) { return Verdict::kHalfWritten; }
     const bool same = ending.status == undisturbed.status && ShownOutput(one, ending) == undisturbed.output &&
-                      files == undisturbed.files;
+                      WithoutRecords(files) == WithoutRecords(undisturbed.files);
     const Verdict verdict = same ? Verdict::kSame : Telling(one, undisturbed, ending, plan, line);
     const bool leaks =
         plan.ended != 0 && (plan.blocks > undisturbed.blocks || plan.pageBytes > undisturbed.pageBytes);

@@ -15,12 +15,15 @@
 #include <fstream>
 #include <iterator>
 #include <mutex>
+#include <sstream>
 #include <thread>
 
 namespace tarnwick::faults {
 namespace {
 
 constexpr int kWarmUps = 4;
+constexpr const char* kViewer = "viewer";
+constexpr int kViewerMilliseconds = 600000; // for all loads of a file
 
 struct Options {
     std::string only;               // a piece of the names of cases
@@ -56,6 +59,19 @@ public:
         PrintRows(input.name);
     }
 
+    // The dialog's loads, which are many in one process.
+    void RunViewer(const std::string& viewer, const std::vector<std::string>& files) {
+        for (const std::string& file : files) {
+            const Case one{.name = "viewer " + std::filesystem::path(file).filename().string(),
+                           .program = viewer,
+                           .arguments = {"1", std::to_string(options_.most), "0", files.back(), file},
+                           .milliseconds = kViewerMilliseconds};
+            if (one.name.find(options_.only) == std::string::npos || !IsWanted(Fault::kMemory)) { continue; }
+            for (const bool allLater : {false, true}) { RunViewerLoads(one, allLater); }
+        }
+        PrintRows(kViewer);
+    }
+
     // The table, and the findings; true when there is none that isn't known.
     bool Report() const;
 
@@ -68,13 +84,73 @@ private:
             const Fault fault = static_cast<Fault>(number);
             if (arenas != (fault == Fault::kArena)) { continue; }
             if (fault == Fault::kThread && !hasThreads) { continue; }
-            const auto& kinds = options_.kinds;
-            if (!kinds.empty() && std::find(kinds.begin(), kinds.end(), NameOf(fault)) == kinds.end()) {
-                continue;
-            }
-            faults.push_back(fault);
+            if (IsWanted(fault)) { faults.push_back(fault); }
         }
         return faults;
+    }
+    bool IsWanted(Fault fault) const {
+        const auto& kinds = options_.kinds;
+        return kinds.empty() || std::find(kinds.begin(), kinds.end(), NameOf(fault)) != kinds.end();
+    }
+
+    void RunViewerLoads(Case one, bool allLater) {
+        one.arguments[2] = allLater ? "1" : "0";
+        for (std::int64_t from = 1;;) {
+            one.arguments[0] = std::to_string(from);
+            const Ending ending = first_.Run(one, Fault::kMemory, 0, false);
+            const Plan& plan = first_.LastPlan();
+            bool isEnd = false;
+            for (const std::string& line : LinesOf(ending.output)) {
+                isEnd = line == "end";
+                if (!isEnd) { TakeViewerLine(one, allLater, line, plan.programBase); }
+            }
+            if (isEnd) { return; }
+            if (plan.crashedInToolkit != 0 && plan.at >= from) {
+                ++endsInToolkit_;
+                from = plan.at + 1;
+                continue;
+            }
+            const Verdict verdict = ending.hangs         ? Verdict::kHang
+                                    : ending.signal != 0 ? Verdict::kSignal
+                                                         : Verdict::kStatus;
+            ++tallies_[{kViewer, Fault::kMemory}].count[static_cast<std::size_t>(verdict)];
+            findings_.push_back({verdict, Fault::kMemory, allLater, plan.at, kViewer, one, ending.signal,
+                                 ending.status, "", OwnFrames(plan.fault0, plan.programBase),
+                                 OwnFrames(plan.crash, plan.programBase)});
+            if (plan.at < from) { return; } // not by a fault: it would end so again
+            from = plan.at + 1;
+        }
+    }
+
+    // What the program tells of one load.
+    void TakeViewerLine(const Case& one, bool allLater, const std::string& line, std::uintptr_t base) {
+        const std::size_t tab = std::min(line.find('\t'), line.size());
+        std::istringstream words(line.substr(0, tab));
+        std::int64_t at = 0;
+        int verdict = 0;
+        Frames frames{};
+        std::uintptr_t address = 0;
+        words >> at >> verdict >> std::hex;
+        while (frames.count < kMostFrames && words >> address) {
+            frames.address[frames.count++] = reinterpret_cast<void*>(address);
+        }
+        const std::string told = line.substr(std::min(tab + 1, line.size()));
+        ++tallies_[{kViewer, Fault::kMemory}].count[static_cast<std::size_t>(verdict)];
+        if (!IsGood(static_cast<Verdict>(verdict))) {
+            findings_.push_back({static_cast<Verdict>(verdict),
+                                 Fault::kMemory,
+                                 allLater,
+                                 at,
+                                 kViewer,
+                                 one,
+                                 0,
+                                 0,
+                                 told,
+                                 OwnFrames(frames, base),
+                                 {}});
+        } else if (!told.empty()) {
+            ++messages_["memory: " + WithoutNames(told)];
+        }
     }
 
     Undisturbed RunUndisturbed(const Case& one) {
@@ -140,6 +216,7 @@ private:
     std::map<std::pair<std::string, Fault>, Tally> tallies_;
     std::map<std::string, int> messages_;
     std::vector<Finding> findings_;
+    int endsInToolkit_ = 0;
 };
 
 void PrintRow(const std::string& name, const char* fault, const Tally& tally) {
@@ -194,6 +271,10 @@ bool Campaign::Report() const {
     }
     for (const auto& [fault, tally] : sums) { PrintRow("all", NameOf(fault), tally); }
     PrintRow("all", "all", all);
+    if (endsInToolkit_ > 0) {
+        std::printf("besides, %d loads of the viewer ended in the toolkit, which can't do without memory\n",
+                    endsInToolkit_);
+    }
     std::vector<Finding> fresh;
     std::copy_if(findings_.begin(), findings_.end(), std::back_inserter(fresh),
                  [this](const Finding& finding) { return !IsKnown(finding); });
@@ -224,12 +305,20 @@ int RunAll(const Options& options) {
                             .loadList = TARNWICK_LOAD_LIST,
                             .arenaLoad = TARNWICK_ARENA_LOAD,
                             .arenaList = TARNWICK_ARENA_LIST,
-                            .snapshot = TARNWICK_SNAPSHOT};
+                            .snapshot = TARNWICK_SNAPSHOT,
+                            .prepare = TARNWICK_PREPARE,
+                            .mesh = TARNWICK_MESH,
+                            .open = TARNWICK_OPEN,
+                            .picture = TARNWICK_PICTURE,
+                            .silentGl = TARNWICK_SILENT_GL};
     bool good = false;
     {
         Campaign campaign(options, folder);
         PrintHead();
         for (const Input& input : MakeInputs(programs, folder)) { campaign.Run(input); }
+        if (*TARNWICK_FAULTS_VIEWER != '\0') {
+            campaign.RunViewer(TARNWICK_FAULTS_VIEWER, FilesOfAllKinds(folder));
+        }
         good = campaign.Report();
     }
     std::filesystem::remove_all(folder);

@@ -24,6 +24,7 @@ enum class Fault : std::int32_t {
     kShortWrite,
     kClose,
     kThread,
+    kProcess,
     kRename,
     kMakeFolder,
 };
@@ -40,7 +41,10 @@ struct Plan {
     Fault fault;
     std::int64_t at;       // number of the call that fails, from 1; 0 for none
     std::int32_t allLater; // whether all calls after it fail too
-    // Set by the library. Calls count from the start of the program's own code, its static initialisers
+    std::int32_t ofOthers; // whether they are those of the programs that the program starts
+    // Set by the library.
+    std::atomic<std::int32_t> taken; // by the program
+    // Calls count from the start of the program's own code, its static initialisers
     // included: what comes before is the system's.
     std::atomic<std::int64_t> calls;
     std::atomic<std::int32_t> failed;    // calls
@@ -50,6 +54,9 @@ struct Plan {
     std::uintptr_t programBase;
     Frames fault0; // where the first call failed
     Frames crash;  // where the program was ended by a signal
+    // Whether these were in the code of Qt.
+    std::int32_t failedInToolkit;
+    std::int32_t crashedInToolkit;
 };
 
 } // namespace tarnwick::faults

@@ -8,18 +8,23 @@
 #include <link.h>
 #include <malloc.h>
 #include <pthread.h>
+#include <spawn.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 namespace tarnwick::faults {
 namespace {
 
-Plan* plan = nullptr;
+Plan* own = nullptr;  // of the program that the driver started
+Plan* plan = nullptr; // of the one that is to fail
 bool active = false;
 // Set while the library itself or a thread's start allocates: the one isn't the program's, the other's blocks
 // are kept by the system for the next thread.
@@ -77,10 +82,24 @@ void NoteFrames(Frames* frames) {
     busy = false;
 }
 
+// Whether the innermost frame is the toolkit's that is neither of the C library nor of the compiler's.
+bool IsInToolkit(const Frames& frames) {
+    for (int i = 0; i < frames.count; ++i) {
+        Dl_info place;
+        const char* const file = dladdr(frames.address[i], &place) != 0 ? place.dli_fname : "";
+        if (std::strstr(file, "/libQt6") != nullptr) { return true; }
+        if (reinterpret_cast<std::uintptr_t>(place.dli_fbase) == plan->programBase) { return false; }
+    }
+    return false;
+}
+
 bool IsTurn() {
     const std::int64_t number = plan->calls.fetch_add(1, std::memory_order_relaxed) + 1;
     const bool fails = number == plan->at || (plan->allLater != 0 && plan->at > 0 && number > plan->at);
-    if (fails && plan->failed.fetch_add(1, std::memory_order_relaxed) == 0) { NoteFrames(&plan->fault0); }
+    if (fails && plan->failed.fetch_add(1, std::memory_order_relaxed) == 0) {
+        NoteFrames(&plan->fault0);
+        plan->failedInToolkit = IsInToolkit(plan->fault0) ? 1 : 0;
+    }
     return fails;
 }
 
@@ -94,9 +113,11 @@ bool FailsAllocation() {
 
 // A child that was forked ends without giving back, and its memory ends with it: what it holds isn't counted.
 bool isForked = false;
+// Nor what a program holds that was started by the one whose plan it is.
+bool isOther = false;
 
 void AddTo(std::atomic<std::int64_t>* held, std::int64_t change) {
-    if (!isForked) { held->fetch_add(change, std::memory_order_relaxed); }
+    if (!isForked && !isOther) { held->fetch_add(change, std::memory_order_relaxed); }
 }
 
 // Blocks that aren't counted: few, and looked for when a block is freed.
@@ -135,13 +156,15 @@ std::int64_t WholePages(std::size_t bytes) {
 
 void OnCrash(int number) {
     NoteFrames(&plan->crash);
+    plan->crashedInToolkit = IsInToolkit(plan->crash) ? 1 : 0;
     std::signal(number, SIG_DFL);
     std::raise(number);
 }
 
 bool IsOfTheSystem(Fault fault) {
-    return fault != Fault::kNone && fault != Fault::kMemory && fault != Fault::kArena &&
-           fault != Fault::kThread;
+    constexpr Fault kOthers[] = {Fault::kNone, Fault::kMemory, Fault::kArena, Fault::kThread,
+                                 Fault::kProcess};
+    return std::find(std::begin(kOthers), std::end(kOthers), fault) == std::end(kOthers);
 }
 
 void Start() {
@@ -149,7 +172,12 @@ void Start() {
     if (file == nullptr) { return; }
     void* const record = mmap(nullptr, sizeof(Plan), PROT_READ | PROT_WRITE, MAP_SHARED, std::atoi(file), 0);
     if (record == MAP_FAILED) { std::abort(); }
-    plan = static_cast<Plan*>(record);
+    auto* const found = static_cast<Plan*>(record);
+    const bool isFirst = found->taken.exchange(1) == 0;
+    if (isFirst) { own = found; }
+    if (isFirst == (found->ofOthers != 0)) { return; }
+    plan = found;
+    isOther = !isFirst;
     void* warmUp[2];
     backtrace(warmUp, 2); // loads what it needs
     dl_iterate_phdr(
@@ -160,15 +188,38 @@ void Start() {
         nullptr);
     for (const int number : {SIGSEGV, SIGBUS, SIGABRT, SIGFPE, SIGILL}) { std::signal(number, OnCrash); }
     if (IsOfTheSystem(plan->fault)) { TrapSystemCalls(plan->fault, IsTurn); }
-    pthread_atfork(nullptr, nullptr, [] { isForked = true; });
     active = true; // what this library has allocated isn't the program's
 }
 
 // Behind the destructors of the program, since that is the last to be set up.
 [[gnu::destructor]] void End() {
-    if (plan == nullptr) { return; }
     active = false;
-    plan->ended = 1;
+    if (own != nullptr && !isForked) { own->ended = 1; }
+}
+
+// A thread on its way.
+struct ThreadBegin {
+    void* (*start)(void*);
+    void* argument;
+};
+
+void* RunThread(void* record) {
+    const ThreadBegin begin = *static_cast<ThreadBegin*>(record);
+    TheHeap()->free(record);
+    TrapThread();
+    void* const result = begin.start(begin.argument);
+    PassThread();
+    return result;
+}
+
+template <class Spawn, class... Arguments>
+int SpawnBy(Spawn* next, Arguments... arguments) {
+    if (!active) { return next(arguments...); }
+    if (plan->fault == Fault::kProcess && IsTurn()) { return EAGAIN; }
+    PassThread();
+    const int result = next(arguments...);
+    TrapThread();
+    return result;
 }
 
 } // namespace
@@ -242,10 +293,53 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
                    void* argument) {
     static auto* const next =
         Next<int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)>("pthread_create");
-    if (active && plan->fault == Fault::kThread && IsTurn()) { return EAGAIN; }
+    if (!active) { return next(thread, attributes, start, argument); }
+    if (plan->fault == Fault::kThread && IsTurn()) { return EAGAIN; }
+    auto* const begin = static_cast<ThreadBegin*>(TheHeap()->allocate(sizeof(ThreadBegin)));
+    *begin = {start, argument};
     uncounted = true;
-    const int result = next(thread, attributes, start, argument);
+    PassThread();
+    const int result = next(thread, attributes, RunThread, begin);
+    TrapThread();
     uncounted = false;
+    if (result != 0) { TheHeap()->free(begin); }
+    return result;
+}
+
+pid_t fork() {
+    static auto* const next = Next<pid_t()>("fork");
+    if (!active) { return next(); }
+    if (plan->fault == Fault::kProcess && IsTurn()) {
+        errno = EAGAIN;
+        return -1;
+    }
+    PassThread();
+    const pid_t child = next();
+    isForked = isForked || child == 0;
+    TrapThread();
+    return child;
+}
+
+using Spawn = int(pid_t*, const char*, const posix_spawn_file_actions_t*, const posix_spawnattr_t*,
+                  char* const*, char* const*);
+
+int posix_spawn(pid_t* process, const char* path, const posix_spawn_file_actions_t* actions,
+                const posix_spawnattr_t* attributes, char* const* words, char* const* environment) {
+    return SpawnBy(Next<Spawn>("posix_spawn"), process, path, actions, attributes, words, environment);
+}
+
+int posix_spawnp(pid_t* process, const char* name, const posix_spawn_file_actions_t* actions,
+                 const posix_spawnattr_t* attributes, char* const* words, char* const* environment) {
+    return SpawnBy(Next<Spawn>("posix_spawnp"), process, name, actions, attributes, words, environment);
+}
+
+// Nobody learns when this finds no room, and nothing can be done about it: the destructor doesn't run then.
+int __cxa_atexit(void (*destroy)(void*), void* object, void* module) {
+    static auto* const next = Next<int(void (*)(void*), void*, void*)>("__cxa_atexit");
+    const bool was = busy;
+    busy = true;
+    const int result = next(destroy, object, module);
+    busy = was;
     return result;
 }
 

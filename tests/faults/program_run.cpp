@@ -19,8 +19,7 @@ namespace tarnwick::faults {
 
 namespace {
 
-constexpr int kPlanNumber = 200;        // of the plan's file in the program
-constexpr int kMostMilliseconds = 3000; // for a run of some five
+constexpr int kPlanNumber = 200; // of the plan's file in the program
 
 [[noreturn]] void Stop(const char* what) {
     std::perror(what);
@@ -46,6 +45,16 @@ void BlotNumber(std::string* text, std::size_t* from) {
 } // namespace
 
 std::string WithoutTimes(std::string text) {
+    for (const std::string told : {" (was there already)", "\"unchanged\":true,", "\"unchanged\":false,"}) {
+        for (std::size_t at = 0; (at = text.find(told, at)) != std::string::npos;) {
+            text.erase(at, told.size());
+        }
+    }
+    for (const char* const behind : {" s -> ", ",\"cancelled\""}) {
+        for (std::size_t at = 0; (at = text.find(behind, at)) != std::string::npos; ++at) {
+            BlotNumber(&text, &at);
+        }
+    }
     for (std::size_t at = 0; (at = text.find("CPU tot:", at)) != std::string::npos;) {
         std::size_t end = text.find("s ", at);
         if (end == std::string::npos) { break; }
@@ -110,7 +119,11 @@ Ending Runner::Run(const Case& one, Fault fault, std::int64_t at, bool allLater)
     plan_->fault = fault;
     plan_->at = at;
     plan_->allLater = allLater ? 1 : 0;
+    plan_->ofOthers = one.other.empty() ? 0 : 1;
     ClearFolder();
+    if (!one.before.empty()) {
+        std::filesystem::copy(one.before, folder_, std::filesystem::copy_options::recursive);
+    }
     for (const int file : {outputFile_, errorFile_}) {
         if (ftruncate(file, 0) != 0 || lseek(file, 0, SEEK_SET) != 0) { Stop("ftruncate"); }
     }
@@ -121,9 +134,10 @@ Ending Runner::Run(const Case& one, Fault fault, std::int64_t at, bool allLater)
         words.push_back(std::move(word));
     }
     // Blocks that are freed are filled, so that nothing reads them unnoticed.
-    std::vector<std::string> settings{"LD_PRELOAD=" + preload_,
-                                      kPlanVariable + ("=" + std::to_string(kPlanNumber)), "LC_ALL=C",
-                                      "MALLOC_PERTURB_=165"};
+    std::vector<std::string> settings{
+        "LD_PRELOAD=" + preload_, kPlanVariable + ("=" + std::to_string(kPlanNumber)), "LC_ALL=C",
+        "MALLOC_PERTURB_=165", "XDG_CACHE_HOME=" + (folder_ / "cache").string()};
+    settings[0] += one.preloaded.empty() ? "" : ":" + one.preloaded;
     std::vector<char*> argv;
     for (std::string& word : words) { argv.push_back(word.data()); }
     argv.push_back(nullptr);
@@ -146,7 +160,7 @@ Ending Runner::Run(const Case& one, Fault fault, std::int64_t at, bool allLater)
     // The C library has no function for this in C++.
     pollfd end{static_cast<int>(syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
     if (end.fd < 0) { Stop("pidfd_open"); }
-    if (poll(&end, 1, kMostMilliseconds) == 0) {
+    if (poll(&end, 1, one.milliseconds) == 0) {
         ending.hangs = true;
         kill(child, SIGKILL);
     }
@@ -160,8 +174,8 @@ Ending Runner::Run(const Case& one, Fault fault, std::int64_t at, bool allLater)
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_)) {
         if (!entry.is_regular_file()) { continue; }
         std::ifstream file(entry.path(), std::ios::binary);
-        ending.files[entry.path().lexically_relative(folder_).string()] = {
-            std::istreambuf_iterator<char>(file), {}};
+        ending.files[entry.path().lexically_relative(folder_).string()] =
+            WithoutFolders({std::istreambuf_iterator<char>(file), {}});
     }
     return ending;
 }

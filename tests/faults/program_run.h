@@ -16,7 +16,11 @@ struct Case {
     std::vector<std::string> arguments; // "%o" in them is the folder of what is written
     bool isLog = false;         // standard output is a log, of which the line of the status text counts
     bool tellsOnOutput = false; // the report on standard output may be what says "memory"
-    bool writesText = false;    // what it writes is a JSON report
+    bool writesText = false;    // what it writes are texts that end with a line of their kind
+    std::string other = {};     // a program that it starts, whose are the faults; empty for its own
+    int milliseconds = 3000;    // for a run that takes a part of it
+    std::string preloaded = {}; // a library that takes the place of others
+    std::filesystem::path before = {}; // a folder that is in that of what is written when it starts
 };
 
 // How a program ended, and what it left.
@@ -29,7 +33,7 @@ struct Ending {
     std::map<std::string, std::string> files; // by name
 };
 
-// What a run is compared by: times are blotted out.
+// What a run is compared by: times are blotted out, and whether something was there already.
 std::string WithoutTimes(std::string text);
 // The lines of a text.
 std::vector<std::string> LinesOf(const std::string& text);

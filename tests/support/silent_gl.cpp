@@ -1,4 +1,5 @@
-// A graphics library that does nothing and needs no memory: a view of 64 by 48 pixels, all of one colour.
+// In place of the graphics library: calls that do nothing and need no memory. The view is one of 64 by 48
+// pixels, all of one colour.
 
 #include <GL/gl.h>
 #include <GL/glu.h>
@@ -9,12 +10,14 @@
 extern "C" {
 
 void glGetIntegerv(GLenum name, GLint* values) {
-    if (name != GL_VIEWPORT) {
+    constexpr GLint kViewport[4] = {0, 0, 64, 48};
+    if (name == GL_VIEWPORT) {
+        std::copy_n(kViewport, 4, values);
+    } else if (name == GL_MAX_VIEWPORT_DIMS) {
+        std::fill_n(values, 2, 16384);
+    } else {
         values[0] = GL_BACK;
-        return;
     }
-    const GLint viewport[4] = {0, 0, 64, 48};
-    std::copy_n(viewport, 4, values);
 }
 GLenum glGetError() {
     return GL_NO_ERROR;
@@ -25,8 +28,12 @@ const GLubyte* glGetString(GLenum) {
 void glGetFloatv(GLenum, GLfloat* values) {
     std::fill_n(values, 16, 0.0f);
 }
-void glReadPixels(GLint, GLint, GLsizei width, GLsizei height, GLenum, GLenum, void* pixels) {
-    std::fill_n(static_cast<unsigned char*>(pixels), static_cast<std::size_t>(3 * width * height),
+void glGetDoublev(GLenum, GLdouble* values) {
+    std::fill_n(values, 16, 0.0);
+}
+void glReadPixels(GLint, GLint, GLsizei width, GLsizei height, GLenum format, GLenum, void* pixels) {
+    const int channels = format == GL_RGBA ? 4 : 3;
+    std::fill_n(static_cast<unsigned char*>(pixels), static_cast<std::size_t>(channels * width * height),
                 static_cast<unsigned char>(99));
 }
 
@@ -37,6 +44,7 @@ void glClear(GLbitfield) {}
 void glClearColor(GLclampf, GLclampf, GLclampf, GLclampf) {}
 void glColor3f(GLfloat, GLfloat, GLfloat) {}
 void glColor4f(GLfloat, GLfloat, GLfloat, GLfloat) {}
+void glColor4fv(const GLfloat*) {}
 void glColorMaterial(GLenum, GLenum) {}
 void glColorPointer(GLint, GLenum, GLsizei, const void*) {}
 void glDisable(GLenum) {}
@@ -48,7 +56,9 @@ void glEnd() {}
 void glFinish() {}
 void glLightModeli(GLenum, GLint) {}
 void glLightfv(GLenum, GLenum, const GLfloat*) {}
+void glLineWidth(GLfloat) {}
 void glLoadIdentity() {}
+void glLoadMatrixd(const GLdouble*) {}
 void glMaterialfv(GLenum, GLenum, const GLfloat*) {}
 void glMatrixMode(GLenum) {}
 void glMultMatrixf(const GLfloat*) {}
