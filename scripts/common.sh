@@ -34,7 +34,8 @@ ensure_kernel() {
   ensure_packages "${kernel_packages[@]}" || say "there is no geometry kernel: exact shape is left out"
 }
 
-build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libminizip-dev libcli11-dev libxxhash-dev libpugixml-dev)
+build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libdeflate-dev libminizip-dev libcli11-dev libxxhash-dev
+  libpugixml-dev)
 # For tarnwick-mesh alone.
 kernel_packages=(libocct-data-exchange-dev libocct-ocaf-dev)
 # What only the viewer and its tests need.

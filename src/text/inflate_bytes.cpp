@@ -5,9 +5,83 @@
 
 #include <zlib.h>
 
+#ifdef TARNWICK_HAS_LIBDEFLATE
+#include <libdeflate.h>
+#endif
+
 #include <algorithm>
+#include <memory>
 
 namespace tarnwick {
+
+namespace {
+
+constexpr std::uint32_t kStep = 0x40000; // of input, and of output, in one call of zlib
+
+void SayInflated(std::size_t total, unsigned steps) {
+    OutputPrint("total uncompress size = %u, in %u step\n", static_cast<unsigned>(total), steps);
+}
+
+#ifdef TARNWICK_HAS_LIBDEFLATE
+
+struct FreeDecompressor {
+    void operator()(libdeflate_decompressor* d) const { libdeflate_free_decompressor(d); }
+};
+
+bool IsGzip(const unsigned char* data, std::uint32_t size) {
+    return size >= 2 && data[0] == 0x1F && data[1] == 0x8B;
+}
+
+// libdeflate passes over the checksum of a gzip head, with which zlib may refuse the stream.
+bool HasHeadChecksum(const unsigned char* data, std::uint32_t size) {
+    constexpr unsigned char kHeadChecksum = 2;
+    return IsGzip(data, size) && size >= 4 && (data[3] & kHeadChecksum) != 0;
+}
+
+// Whether text stands in a stream as it is, which the bytes of compressed text never look like.
+bool HoldsPlainText(const unsigned char* data, std::uint32_t size) {
+    constexpr std::uint32_t kSample = 32;
+    constexpr std::uint32_t kBetweenSamples = 0x4000;
+    const auto isPlain = [](unsigned char c) { return (c >= ' ' && c <= '~') || c == '\n' || c == '\r'; };
+    for (std::uint32_t at = 0; at + kSample <= size; at += kBetweenSamples) {
+        if (std::all_of(data + at, data + at + kSample, isPlain)) { return true; }
+    }
+    return false;
+}
+
+// Whether each call of zlib would have filled its output: it does while the input of one step, or less, makes
+// at least the output of one. Not sure where the text, or a part of it, is hardly compressed.
+bool FillsSteps(const unsigned char* data, std::uint32_t size, std::size_t total) {
+    return size <= kStep || (total / 2 >= size && !HoldsPlainText(data, size));
+}
+
+// The same outcome in one go, at twice the speed; nothing where the stream isn't whole and sound, or zlib may
+// see it or count its steps differently.
+std::optional<std::size_t> InflateWhole(const unsigned char* data, std::uint32_t size, char* out,
+                                        std::size_t room) {
+    if (HasHeadChecksum(data, size)) { return std::nullopt; }
+    const std::unique_ptr<libdeflate_decompressor, FreeDecompressor> libdeflate(
+        libdeflate_alloc_decompressor());
+    if (libdeflate == nullptr) { return std::nullopt; }
+    std::size_t total = 0;
+    std::size_t taken = 0;
+    const auto inflateAll =
+        IsGzip(data, size) ? libdeflate_gzip_decompress_ex : libdeflate_zlib_decompress_ex;
+    const libdeflate_result result = inflateAll(libdeflate.get(), data, size, out, room, &taken, &total);
+    if (result != LIBDEFLATE_SUCCESS || !FillsSteps(data, size, total)) { return std::nullopt; }
+    SayInflated(total, static_cast<unsigned>(std::max<std::size_t>(1, (total + kStep - 1) / kStep)));
+    return total;
+}
+
+#else
+
+std::optional<std::size_t> InflateWhole(const unsigned char*, std::uint32_t, char*, std::size_t) {
+    return std::nullopt;
+}
+
+#endif
+
+} // namespace
 
 std::size_t InflatedRoom(std::uint64_t size) {
     const std::uint64_t room = (size + size / 16) * 20 + 272384;
@@ -16,7 +90,13 @@ std::size_t InflatedRoom(std::uint64_t size) {
 
 std::optional<std::size_t> InflateBytes(const unsigned char* data, std::uint32_t size, char* out,
                                         std::size_t room, bool isMember) {
-    constexpr std::uint32_t kStep = 0x40000;
+    // Nothing would tell of a damaged member, which libdeflate may see differently.
+    const std::optional<std::size_t> whole = isMember ? std::nullopt : InflateWhole(data, size, out, room);
+    return whole ? whole : InflateInSteps(data, size, out, room, isMember);
+}
+
+std::optional<std::size_t> InflateInSteps(const unsigned char* data, std::uint32_t size, char* out,
+                                          std::size_t room, bool isMember) {
     constexpr int kDetectHeader = 47; // zlib's largest window, and either header
     z_stream stream{};
     if (inflateInit2(&stream, kDetectHeader) != Z_OK) { return std::nullopt; }
@@ -37,7 +117,7 @@ std::optional<std::size_t> InflateBytes(const unsigned char* data, std::uint32_t
     const std::size_t total = stream.total_out;
     inflateEnd(&stream);
     if (result == Z_MEM_ERROR) { return std::nullopt; }
-    OutputPrint("total uncompress size = %u, in %u step\n", static_cast<unsigned>(total), steps);
+    SayInflated(total, steps);
     return total;
 }
 

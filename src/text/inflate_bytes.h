@@ -18,4 +18,9 @@ std::size_t InflatedRoom(std::uint64_t size);
 std::optional<std::size_t> InflateBytes(const unsigned char* data, std::uint32_t size, char* out,
                                         std::size_t room, bool isMember = false);
 
+// The same by zlib alone, which defines the outcome. InflateBytes takes what is faster where the outcome is
+// the same.
+std::optional<std::size_t> InflateInSteps(const unsigned char* data, std::uint32_t size, char* out,
+                                          std::size_t room, bool isMember);
+
 } // namespace tarnwick
