@@ -51,6 +51,9 @@ int PartReader::ReadPart() {
     if (!FindRawMaterial(&isRawMaterial, &makeFromCount, &shapeDefinitionCount)) {
         return GiveUp("a product category runs past the end of the file");
     }
+    if (Helpers* const helpers = model.HelpersForIt()) {
+        ahead_.Read(model, scratch.itemIds, *helpers, arena, &scratch.face);
+    }
     for (const std::int32_t id : scratch.itemIds) {
         const P42Ent* const item = model.Find(id);
         if (item == nullptr) {
@@ -170,14 +173,22 @@ bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactCon
     return true;
 }
 
+int PartReader::ReadFaceInTurn(const P42Ent* entity, StepFaceB** face) {
+    *face = arena.New<StepFaceB>();
+    if (*face == nullptr) { return GiveUpForMemory(); }
+    FaceProblem problem;
+    const int result = TraiteFace(*face, entity, model, arena, &scratch.face, &problem);
+    return result != 0 && problem.reason != nullptr ? GiveUpFace(entity, problem) : result;
+}
+
 int PartReader::ReadFace(const P42Ent* entity, const FaceContainer* container) {
-    StepFaceB* const face = arena.New<StepFaceB>();
-    if (face == nullptr) { return GiveUpForMemory(); }
+    StepFaceB* face = ahead_.Take(entity);
+    if (face == nullptr) {
+        const int result = ReadFaceInTurn(entity, &face);
+        if (result != 0) { return result; }
+    }
     face->colour[0] = face->colour[1] = face->colour[2] = 0.3f;
     face->colour[3] = 1.0f;
-    FaceProblem problem;
-    const int result = TraiteFace(face, entity, model, arena, &scratch.face, &problem);
-    if (result != 0) { return problem.reason != nullptr ? GiveUpFace(entity, problem) : result; }
     if (container != nullptr) {
         face->containerId = container->containerId;
         face->exactContainerId = container->exactContainerId;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "geometry/faces_ahead.h"
 #include "geometry/triangulated_face.h"
 #include "p21/step_model.h"
 #include "platform/arena.h"
@@ -76,6 +77,7 @@ private:
     int ReadContainer(const P42Ent* entity);
     bool ReadContainerItems(const P42Ent* entity, std::int32_t* exactContainerId);
     int ReadFace(const P42Ent* entity, const FaceContainer* container);
+    int ReadFaceInTurn(const P42Ent* entity, StepFaceB** face);
     bool HandOver();
     void SayMissing(std::int32_t id);
     int GiveUp(const char* reason);
@@ -83,6 +85,7 @@ private:
     int GiveUpUnlessMemory(const char* reason);
     int GiveUpFace(const P42Ent* entity, const FaceProblem& problem);
 
+    FacesAhead ahead_;
     bool missingSaid_ = false; // one line for each part is enough
 };
 

@@ -20,12 +20,15 @@ namespace tarnwick {
 namespace {
 
 constexpr const char* kPastEnd = "runs past the end of the file";
+constexpr const char* kOutOfTurn = "must be read in its turn"; // said to nobody
 
 // A walk in the line of an entity. A move that finds no target fails it, as what the reader of a list meets
 // may.
 struct FaceWalk : TextWalk {
-    FaceWalk(const StepModel& walked, const P42Ent* entity)
-        : TextWalk(walked.WalkFrom(entity)), model(walked), line(at) {}
+    // With `ahead` the walk keeps to the line and writes, says and ends nothing: what would, fails it.
+    FaceWalk(const StepModel& walked, const P42Ent* entity, bool ahead)
+        : TextWalk(ahead ? walked.WalkInLine(entity) : walked.WalkFrom(entity)), model(walked), line(at),
+          isAhead(ahead) {}
 
     bool Failed() const { return overrun; }
     // Why it failed.
@@ -42,15 +45,19 @@ struct FaceWalk : TextWalk {
     }
     bool AtLineEnd() const { return *at == '\n' || *at == '\0'; }
 
-    // Ends a list at the end of the line: back to the start of the line, which becomes a NUL.
-    void BreakOff() {
+    // Ends a list at the end of the line, with a word on standard output or null: back to the start of the
+    // line, which becomes a NUL.
+    void BreakOff(const char* word) {
+        if (isAhead) { return Fail(kOutOfTurn); }
         brokeAt = at;
         at = line;
         model.Overwrite(line, '\0');
+        if (word != nullptr) { OutputPrint("%s", word); }
     }
 
     const StepModel& model;
     const char* line; // its "#"
+    const bool isAhead;
     const char* brokeAt = nullptr;
     const char* problem = nullptr;
 };
@@ -143,8 +150,7 @@ bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
         walk->at = p;
         if (*p == ')') { return true; }
         if (*p != '(') {
-            walk->BreakOff();
-            OutputPrint("%s", endOfFile);
+            walk->BreakOff(endOfFile);
             return false;
         }
     }
@@ -172,9 +178,15 @@ bool ArgumentSuivant(FaceWalk* walk) {
         walk->SkipBlanks();
     }
     if (!walk->AtLineEnd()) { return true; }
-    walk->BreakOff();
-    OutputPrint("<E> StepFaceB::ArgumentSuivant: Fin de fichier\n");
+    walk->BreakOff("<E> StepFaceB::ArgumentSuivant: Fin de fichier\n");
     return false;
+}
+
+// Whether ReadDigits finds too many of them.
+bool EndTheProcess(const char* digits) {
+    std::size_t count = 0;
+    while (count < kDigitRoom - 1 && real::IsDigit(digits[count])) { ++count; }
+    return count == kDigitRoom - 1;
 }
 
 // The entity number of a reference; 0 when no digits follow the "#", -1 when a "," or ")" comes before it.
@@ -184,6 +196,10 @@ std::int32_t LitReference(FaceWalk* walk) {
         ++walk->at;
     }
     walk->StepInLine();
+    if (walk->isAhead && EndTheProcess(walk->at)) {
+        walk->Fail(kOutOfTurn);
+        return 0;
+    }
     return ReadDigits(walk);
 }
 
@@ -216,13 +232,13 @@ std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
         walk->at = delimiter + 1;
         if (*delimiter == ')') { break; }
         if (walk->AtLineEnd()) {
-            walk->BreakOff();
+            walk->BreakOff(nullptr);
             return -1;
         }
     }
     if (*walk->at == ',') { ++walk->at; }
     if (walk->AtLineEnd()) {
-        walk->BreakOff();
+        walk->BreakOff(nullptr);
         return -1;
     }
     return count;
@@ -296,15 +312,26 @@ std::int32_t ReadPnmax(FaceWalk* walk) {
     while (walk->at < limit && !real::IsDigit(*walk->at)) { ++walk->at; }
     std::int64_t value = 0;
     for (const char* const start = walk->at; walk->at < limit && real::IsDigit(*walk->at); ++walk->at) {
-        if (static_cast<std::size_t>(walk->at - start) == kDigitRoom - 1) { FailFast(); }
+        if (static_cast<std::size_t>(walk->at - start) == kDigitRoom - 1) {
+            if (!walk->isAhead) { FailFast(); }
+            walk->Fail(kOutOfTurn);
+            return 0;
+        }
         value = value * 10 + (*walk->at - '0');
     }
     return static_cast<std::int32_t>(std::min<std::int64_t>(value, INT32_MAX));
 }
 
+// The list that the vertices of a face come from.
+struct PointSource {
+    const StepModel& model;
+    const P42Ent* list;
+    bool isAhead; // as of the walk in the face's own line
+};
+
 // A walk to the points of a COORDINATES_LIST, its third argument.
-FaceWalk WalkToPoints(const StepModel& model, const P42Ent* list) {
-    FaceWalk walk(model, list);
+FaceWalk WalkToPoints(const PointSource& source) {
+    FaceWalk walk(source.model, source.list, source.isAhead);
     walk.GoTo('(');
     walk.PassCommas(2);
     return walk;
@@ -312,11 +339,11 @@ FaceWalk WalkToPoints(const StepModel& model, const P42Ent* list) {
 
 // The vertices of a face without pnindex: all points of the list. A list that was read whole before is
 // copied. False when the walk fails.
-bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, Arena& arena,
-                   FaceScratch* scratch, const char** problem) {
+bool ReadAllPoints(StepFaceB* face, const PointSource& source, Arena& arena, FaceScratch* scratch,
+                   const char** problem) {
     const std::optional<CoordCache>& known = scratch->allPoints;
     TipArray<float> points(arena);
-    if (known && known->coordinatesId == list->id) {
+    if (known && known->coordinatesId == source.list->id) {
         const auto count = 3 * static_cast<std::size_t>(known->count);
         if (!points.Reserve(count)) {
             *problem = kNoMemoryForFace;
@@ -328,7 +355,7 @@ bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, 
         face->vertexCount = known->count;
         return true;
     }
-    FaceWalk walk = WalkToPoints(model, list);
+    FaceWalk walk = WalkToPoints(source);
     const bool whole = !walk.Failed() && TraiteCoords(&walk, &points);
     if (walk.Failed()) {
         points.Drop();
@@ -338,7 +365,7 @@ bool ReadAllPoints(StepFaceB* face, const StepModel& model, const P42Ent* list, 
     face->vertexCount = static_cast<std::int32_t>(points.Count() / 3);
     face->vertices = points.Close();
     // One that broke off says so each time it is read.
-    if (whole) { scratch->allPoints = CoordCache{list->id, face->vertexCount, face->vertices}; }
+    if (whole) { scratch->allPoints = CoordCache{source.list->id, face->vertexCount, face->vertices}; }
     return true;
 }
 
@@ -353,37 +380,39 @@ void KeepList(const FaceWalk& walk, bool isWhole, const ScratchArray<float>& poi
 }
 
 // Fills the cache from a list that it doesn't hold.
-bool FillCoordCache(FaceScratch* scratch, const StepModel& model, const P42Ent* list, const char** problem) {
+bool FillCoordCache(FaceScratch* scratch, const PointSource& source, const char** problem) {
     CoordCache& cache = scratch->coordCache;
-    if (scratch->allPoints && scratch->allPoints->coordinatesId == list->id) {
+    if (scratch->allPoints && scratch->allPoints->coordinatesId == source.list->id) {
         cache = *scratch->allPoints;
         return true;
     }
-    KnownList& known = scratch->knownLists[list->offset];
+    KnownList& known = scratch->knownLists[source.list->offset];
     if (known.isKept) {
         if (!known.isWhole) { OutputPrint("%s", kCoordsBrokeOff); }
-        cache = {list->id, static_cast<std::int32_t>(known.points.size() / 3), known.points.data()};
+        cache = {source.list->id, static_cast<std::int32_t>(known.points.size() / 3), known.points.data()};
         return true;
     }
     scratch->list.Clear();
-    FaceWalk walk = WalkToPoints(model, list);
+    FaceWalk walk = WalkToPoints(source);
     const bool isWhole = !walk.Failed() && TraiteCoords(&walk, &scratch->list);
     if (walk.Failed()) {
         cache = {};
         *problem = walk.Problem();
         return false;
     }
-    cache = {list->id, static_cast<std::int32_t>(scratch->list.Count() / 3), scratch->list.Data()};
+    cache = {source.list->id, static_cast<std::int32_t>(scratch->list.Count() / 3), scratch->list.Data()};
     if (known.wasRead) { KeepList(walk, isWhole, scratch->list, &known); }
     known.wasRead = true;
     return true;
 }
 
 // The vertices of a face with pnindex: the points at those places of the list. False when one is not there.
-bool TraiteIndexCoords(StepFaceB* face, const StepModel& model, const P42Ent* list, Arena& arena,
-                       FaceScratch* scratch, const char** problem) {
+bool TraiteIndexCoords(StepFaceB* face, const PointSource& source, Arena& arena, FaceScratch* scratch,
+                       const char** problem) {
     const CoordCache* const cache = &scratch->coordCache;
-    if (cache->coordinatesId != list->id && !FillCoordCache(scratch, model, list, problem)) { return false; }
+    if (cache->coordinatesId != source.list->id && !FillCoordCache(scratch, source, problem)) {
+        return false;
+    }
     const std::size_t count = static_cast<std::size_t>(face->pnindexCount);
     TipArray<float> vertices(arena);
     if (!vertices.Reserve(3 * count)) {
@@ -509,26 +538,34 @@ bool ReadArguments(FaceWalk* walk, std::int32_t code, Arena& arena, FaceScratch*
            ReadTriangles(walk, code, arena, scratch, face);
 }
 
-} // namespace
+// The record that a face names as its points; null where there is none. It may be of any kind, but one that
+// other readers write to must be read in its turn.
+const P42Ent* FindPoints(const FaceWalk& walk, std::int32_t id) {
+    if (!walk.isAhead) { return walk.model.Find(id); }
+    P42Ent* found = nullptr;
+    const bool isHere = walk.model.FindNear(id, &found);
+    return isHere && found != nullptr && found->code == code::kCoordinatesList ? found : nullptr;
+}
 
-int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& arena, FaceScratch* scratch,
-               FaceProblem* problem) {
+// TraiteFace by a walk at the start of the face's line.
+int ReadFace(StepFaceB* face, const P42Ent* entity, FaceWalk* walk, Arena& arena, FaceScratch* scratch,
+             FaceProblem* problem) {
     face->faceId = entity->id;
-    FaceWalk walk(model, entity);
     std::int32_t coordinatesId = 0;
     float oneNormal[3] = {};
-    if (!ReadArguments(&walk, entity->code, arena, scratch, face, &coordinatesId, oneNormal)) {
-        problem->reason = walk.Failed() ? walk.Problem() : nullptr;
+    if (!ReadArguments(walk, entity->code, arena, scratch, face, &coordinatesId, oneNormal)) {
+        problem->reason = walk->Failed() ? walk->Problem() : nullptr;
         return -1;
     }
-    const P42Ent* const list = model.Find(coordinatesId);
+    const P42Ent* const list = FindPoints(*walk, coordinatesId);
     if (list == nullptr) {
         problem->reason = "has no COORDINATES_LIST";
         return -1;
     }
+    const PointSource source{walk->model, list, walk->isAhead};
     const bool read = face->pnindexCount != 0
-                          ? TraiteIndexCoords(face, model, list, arena, scratch, &problem->reason)
-                          : ReadAllPoints(face, model, list, arena, scratch, &problem->reason);
+                          ? TraiteIndexCoords(face, source, arena, scratch, &problem->reason)
+                          : ReadAllPoints(face, source, arena, scratch, &problem->reason);
     if (!read) { return -1; }
     if (face->vertexCount == 0) {
         problem->reason = "has no vertices";
@@ -540,6 +577,21 @@ int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& a
         return -1;
     }
     return face->vertexCount < face->normalCount ? 1 : 0;
+}
+
+} // namespace
+
+int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& arena, FaceScratch* scratch,
+               FaceProblem* problem) {
+    FaceWalk walk(model, entity, false);
+    return ReadFace(face, entity, &walk, arena, scratch, problem);
+}
+
+bool ReadFaceAhead(StepFaceB* face, const P42Ent* entity, const StepModel& model, Arena& arena,
+                   FaceScratch* scratch) {
+    FaceWalk walk(model, entity, true);
+    FaceProblem problem;
+    return ReadFace(face, entity, &walk, arena, scratch, &problem) == 0;
 }
 
 } // namespace tarnwick

@@ -73,4 +73,12 @@ struct FaceProblem {
 int TraiteFace(StepFaceB* face, const P42Ent* entity, StepModel& model, Arena& arena, FaceScratch* scratch,
                FaceProblem* problem);
 
+// Reads a face before its turn: the same as TraiteFace, which then returns 0 and says nothing, for a face
+// whose line, with that of its list, is all that its outcome depends on. False for any other: it must be read
+// in its turn, and what is in `face` and `arena` is worth nothing. Nothing is written to the text, so several
+// threads may read faces of one model ahead, each with an arena and a scratch of its own. May throw for
+// memory.
+bool ReadFaceAhead(StepFaceB* face, const P42Ent* entity, const StepModel& model, Arena& arena,
+                   FaceScratch* scratch);
+
 } // namespace tarnwick

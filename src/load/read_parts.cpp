@@ -12,22 +12,21 @@ namespace {
 
 class PartLoop {
 public:
-    PartLoop(PartQueue& queue, PartFiles& files, std::int32_t firstPlace, const LoadProgress& progress,
-             LoadedScene& loaded)
-        : queue_(queue), files_(files), firstPlace_(firstPlace), progress_(progress), loaded_(loaded) {}
+    PartLoop(PartQueue& queue, PartFiles& files, bool useThreads, std::int32_t firstPlace,
+             const LoadProgress& progress, LoadedScene& loaded)
+        : queue_(queue), files_(files), useThreads_(useThreads), firstPlace_(firstPlace), progress_(progress),
+          loaded_(loaded) {}
 
     // The loop of one thread.
     void Run(bool isLoadThread) {
         PartThread thread;
         thread.isLoadThread = isLoadThread;
-        PartQueue::Entry entry;
-        std::int32_t place = 0;
-        while (queue_.Claim(&place, &entry)) {
-            const bool enough = WithinMemory([&] { ReadEntry(thread, place, entry); });
-            queue_.Settle(place);
-            if (!enough) { GiveUp(place, *entry.product); } // the others may still do
-            if (isLoadThread) { ShowProgress(); }
-        }
+        if (useThreads_) { thread.workspace.helpers = &helpers_; }
+        do {
+            helpers_.Begin();
+            ReadEntries(thread);
+            helpers_.End();
+        } while (HelpOthers(isLoadThread));
         loaded_.scene->HandOver(std::move(thread.arena));
     }
 
@@ -40,6 +39,30 @@ public:
     std::int32_t PartsRead() const { return partsRead_; }
 
 private:
+    void ReadEntries(PartThread& thread) {
+        PartQueue::Entry entry;
+        std::int32_t place = 0;
+        while (queue_.Claim(&place, &entry)) {
+            const bool enough = WithinMemory([&] { ReadEntry(thread, place, entry); });
+            queue_.Settle(place);
+            if (!enough) { GiveUp(place, *entry.product); } // the others may still do
+            if (thread.isLoadThread) { ShowProgress(); }
+        }
+    }
+
+    // Takes part in the reading of a large file that another thread has. False when there is none any more.
+    bool HelpOthers(bool isLoadThread) {
+        constexpr int kBetweenProgress = 10; // milliseconds
+        if (!useThreads_ || helpers_.Count() == 0) { return false; }
+        for (;;) {
+            const IdleHelpers::Outcome outcome = helpers_.Help(isLoadThread ? kBetweenProgress : 0);
+            if (isLoadThread) { ShowProgress(); }
+            if (outcome != IdleHelpers::Outcome::kTimeOver) {
+                return outcome == IdleHelpers::Outcome::kHelped;
+            }
+        }
+    }
+
     void ReadEntry(PartThread& thread, std::int32_t place, const PartQueue::Entry& entry) {
         std::optional<StepModel> model;
         const char* const problem = files_.Open(thread, *entry.product, place, &model);
@@ -71,8 +94,10 @@ private:
 
     PartQueue& queue_;
     PartFiles& files_;
+    const bool useThreads_;
     const std::int32_t firstPlace_;
     const LoadProgress& progress_;
+    IdleHelpers helpers_;
     std::mutex lock_; // guards what follows
     LoadedScene& loaded_;
     std::int32_t partsRead_ = 0;
@@ -82,7 +107,7 @@ private:
 
 std::int32_t ReadParts(PartQueue& queue, PartFiles& files, bool useThreads, std::int32_t firstPlace,
                        const LoadProgress& progress, LoadedScene& loaded) {
-    PartLoop loop(queue, files, firstPlace, progress, loaded);
+    PartLoop loop(queue, files, useThreads, firstPlace, progress, loaded);
     RunWithWorkers(
         useThreads, [&loop](bool isLoadThread) { loop.Run(isLoadThread); }, [&loop] { loop.ShowProgress(); });
     SortUnread(&loaded.unreadFiles);

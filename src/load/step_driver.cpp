@@ -124,7 +124,9 @@ int TraiteSTEPFile(LoadSession& session, const char* path, bool useThreads) {
     LoadedScene& loaded = session.loaded;
     loaded.Clear();
     session.useThreads = useThreads;
+    StartedHelpers helpers;
     ReaderWorkspace workspace;
+    if (useThreads) { workspace.helpers = &helpers; }
     StepModel model(workspace, path);
     const int result = model.Read();
     if (result != StepModel::kRead) {

@@ -109,15 +109,24 @@ std::int32_t MapP42Ent::Contains(const P42Ent* record) {
     return bucketCount_ == 0 ? 0 : buckets_[BucketOf(record->id, bits_, mask_)].Contains(record);
 }
 
-P42Ent* MapP42Ent::Find(std::int32_t id) {
-    if (bucketCount_ == 0) { return nullptr; }
+bool MapP42Ent::FindNear(std::int32_t id, P42Ent** found) const {
+    *found = nullptr;
+    if (bucketCount_ == 0) { return true; }
     int steps = 0;
     for (const P42Node* node = buckets_[BucketOf(id, bits_, mask_)].Head(); node != nullptr;
          node = node->next) {
-        if (node->record->id == id) { return node->record; }
-        if (++steps == kLongBucket) { return FindFar(id); }
+        if (node->record->id == id) {
+            *found = node->record;
+            return true;
+        }
+        if (++steps == kLongBucket) { return false; }
     }
-    return nullptr;
+    return true;
+}
+
+P42Ent* MapP42Ent::Find(std::int32_t id) {
+    P42Ent* found = nullptr;
+    return FindNear(id, &found) ? found : FindFar(id);
 }
 
 P42Ent* MapP42Ent::FindFar(std::int32_t id) {

@@ -134,6 +134,10 @@ public:
 
     std::int32_t BucketCount() const { return bucketCount_; }
 
+    // Find for several threads at a time, while none calls anything else. False where that one would have to
+    // go far, which it prepares for.
+    bool FindNear(std::int32_t id, P42Ent** found) const;
+
 private:
     void MakeBuckets(std::int32_t upTo);
     P42Ent* FindFar(std::int32_t id);

@@ -6,7 +6,7 @@ namespace tarnwick {
 
 int StepModel::ReadFile() {
     TextFile file{.path = std::move(fileName), .compression = compression};
-    const TextFileResult result = ReadTextFile(&file, &workspace_.memory);
+    const TextFileResult result = ReadTextFile(&file, &workspace_.memory, workspace_.helpers);
     fileName = std::move(file.path);
     compression = file.compression;
     TakeText(file);

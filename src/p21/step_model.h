@@ -3,9 +3,11 @@
 #include "p21/p42_ent.h"
 #include "p21/text_walk.h"
 #include "platform/arena.h"
+#include "platform/helpers.h"
 #include "text/text_file.h"
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,6 +21,7 @@ namespace tarnwick {
 struct ReaderWorkspace {
     TextMemory memory;
     Arena index;
+    Helpers* helpers = nullptr; // who may take part in the reading of a large file; null for nobody
 };
 
 // One opened ISO 10303-21 file: its whole text in one block, a record for each entity line, and a few ids and
@@ -55,13 +58,27 @@ struct StepModel {
 
     // The record of an entity number, or null.
     P42Ent* Find(std::int32_t id) const { return entityMap->Find(id); }
+    // The same for several threads at a time; see MapP42Ent::FindNear.
+    bool FindNear(std::int32_t id, P42Ent** found) const { return entityMap->FindNear(id, found); }
     // Memory for what readers need for as long as the model lives.
     Arena* IndexArena() const { return &workspace_.index; }
+    // Who may take part in the reading of this file; null for nobody, and for one that isn't worth it.
+    Helpers* HelpersForIt() const {
+        Helpers* const helpers = workspace_.helpers;
+        return helpers != nullptr && helpers->AreFor(static_cast<std::size_t>(textEnd - text)) ? helpers
+                                                                                               : nullptr;
+    }
     // A walk from the "#" of an entity's line.
     TextWalk WalkFrom(const P42Ent* entity) const {
         return {text + entity->offset, textEnd, false, far_.get()};
     }
-    // The same by the entity's number; false, with the walk as it was, for one that isn't there.
+    // The same, as if the text ended with the line. Several threads may walk so at a time.
+    TextWalk WalkInLine(const P42Ent* entity) const {
+        const char* const line = text + entity->offset;
+        const void* const lineEnd = std::memchr(line, '\n', static_cast<std::size_t>(textEnd - line));
+        return {line, lineEnd != nullptr ? static_cast<const char*>(lineEnd) : textEnd};
+    }
+    // A walk from the "#" by the entity's number; false, with the walk as it was, for one that isn't there.
     bool OpenLine(std::int32_t id, TextWalk* walk) const {
         const P42Ent* const entity = Find(id);
         if (entity == nullptr) { return false; }

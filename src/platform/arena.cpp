@@ -114,6 +114,22 @@ void Arena::Free() {
     nextChunk_ = 0;
 }
 
+void Arena::GoBack(const Place& place) {
+    for (std::size_t i = place.chunks; i < chunks_.size(); ++i) { FreeChunk(chunks_[i]); }
+    chunks_.resize(place.chunks);
+    next_ = place.next;
+    limit_ = place.limit;
+    if (next_ != limit_) { ASAN_POISON_MEMORY_REGION(next_, static_cast<std::size_t>(limit_ - next_)); }
+}
+
+bool Arena::TakeOver(Arena* other) {
+    if (!WithinMemory([&] { chunks_.reserve(chunks_.size() + other->chunks_.size()); })) { return false; }
+    chunks_.insert(chunks_.end(), other->chunks_.begin(), other->chunks_.end());
+    other->chunks_.clear();
+    other->Free();
+    return true;
+}
+
 std::size_t Arena::Held() const {
     std::size_t bytes = 0;
     for (const Chunk& chunk : chunks_) { bytes += chunk.bytes; }

@@ -38,6 +38,20 @@ public:
     // Gives all memory back.
     void Free();
 
+    // Where the arena stands, and back to there: what was allocated since is forgotten, and chunks that were
+    // added since are given back. Between the two the arena is neither reset nor takes over another.
+    struct Place {
+        char* next;
+        char* limit;
+        std::size_t chunks;
+    };
+    Place Here() const { return {next_, limit_, chunks_.size()}; }
+    void GoBack(const Place& place);
+
+    // Takes over the memory of another arena, which is empty then. False, with both as they were, when memory
+    // for the note of it runs out.
+    bool TakeOver(Arena* other);
+
     // Bytes of the chunks held.
     std::size_t Held() const;
 

@@ -7,7 +7,11 @@
 #include "text/one_line.h"
 #include "text/opened_file.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cstring>
+#include <functional>
+#include <mutex>
 #include <optional>
 
 namespace tarnwick {
@@ -61,8 +65,38 @@ bool Open(TextFile* file, std::optional<OpenedFile>* opened) {
     return true;
 }
 
+// ReadAt for a whole file, by several threads where that is worth it: most of the time goes into fresh pages.
+std::size_t ReadWhole(const OpenedFile& opened, char* bytes, std::size_t wanted, Helpers* helpers,
+                      int* error) {
+    if (helpers == nullptr || !helpers->AreFor(wanted)) { return opened.ReadAt(0, bytes, wanted, error); }
+    constexpr std::size_t kPiece = std::size_t{2} << 20; // a huge page
+    struct Ending {
+        std::size_t size;
+        int error;
+    };
+    std::atomic<std::size_t> next = 0;
+    std::mutex lock;
+    Ending first{wanted, 0}; // where the file ends for its readers
+    const auto readPieces = [&](bool) {
+        for (;;) {
+            const std::size_t start = next.fetch_add(kPiece);
+            if (start >= wanted) { return; }
+            const std::size_t size = std::min(kPiece, wanted - start);
+            Ending ending{};
+            ending.size = start + opened.ReadAt(start, bytes + start, size, &ending.error);
+            if (ending.size == start + size && ending.error == 0) { continue; }
+            const std::lock_guard guard(lock);
+            if (ending.size < first.size) { first = ending; }
+        }
+    };
+    helpers->Run(std::ref(readPieces)); // a reference, which needs no memory
+    *error = first.error;
+    return first.size;
+}
+
 // The bytes of the file in `block`, zeros after them; null, and told, when they can't be had.
-char* ReadBytes(TextFile& file, const OpenedFile& opened, TextBlock& block, std::size_t* size) {
+char* ReadBytes(TextFile& file, const OpenedFile& opened, TextBlock& block, Helpers* helpers,
+                std::size_t* size) {
     if (opened.Size() > kLargestText) {
         ConsolePrint("<E> %s: files of 2 GiB and more can't be read\n", OneLine(file.path).Text());
         return nullptr;
@@ -75,7 +109,7 @@ char* ReadBytes(TextFile& file, const OpenedFile& opened, TextBlock& block, std:
         return nullptr;
     }
     int error = 0;
-    *size = opened.ReadAt(0, bytes, wanted, &error);
+    *size = ReadWhole(opened, bytes, wanted, helpers, &error);
     if (error != 0) {
         file.problem = kCantBeRead;
         TellSystem(file, error);
@@ -87,13 +121,14 @@ char* ReadBytes(TextFile& file, const OpenedFile& opened, TextBlock& block, std:
 
 } // namespace
 
-TextFileResult ReadTextFile(TextFile* file, TextMemory* memory) {
+TextFileResult ReadTextFile(TextFile* file, TextMemory* memory, Helpers* helpers) {
     const double start = ClockSeconds();
     std::optional<OpenedFile> opened;
     if (!Open(file, &opened)) { return TextFileResult::kNotOpened; }
     const bool isPlain = file->compression == TextFile::kPlain;
     std::size_t size = 0;
-    char* const bytes = ReadBytes(*file, *opened, isPlain ? memory->text : memory->compressed, &size);
+    char* const bytes =
+        ReadBytes(*file, *opened, isPlain ? memory->text : memory->compressed, helpers, &size);
     if (bytes == nullptr) { return TextFileResult::kNotOpened; }
     opened.reset();
     file->readSeconds += ClockSeconds() - start;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/helpers.h"
 #include "platform/text_block.h"
 
 #include <cstddef>
@@ -35,8 +36,8 @@ enum class TextFileResult { kRead, kNotOpened, kNoRoom };
 // Reads the file, inflating what its name says is compressed, under its name or else under that of its
 // compressed or plain twin. kNotOpened when there is no such file, it is too large, the system can't open or
 // read it, or memory for its bytes runs out; kNoRoom when there is no room to inflate them. All but the first
-// are told on the console.
-TextFileResult ReadTextFile(TextFile* file, TextMemory* memory);
+// are told on the console. `helpers`, who take part in the reading of a large file, may be null.
+TextFileResult ReadTextFile(TextFile* file, TextMemory* memory, Helpers* helpers = nullptr);
 
 // Inflates a zlib or gzip stream into the text block; see InflateBytes for `isMember`. False, and told on the
 // console under the file's path, when there is no room or no memory for what may come out.

@@ -13,8 +13,9 @@ std::string FaceLine(int id) {
     return "#" + std::to_string(id) + "=TRIANGULATED_FACE('',#10,4,$,$,$,((1,2,3)));";
 }
 
-PartFile::PartFile(std::string_view bytes, std::string_view name, ProductNode* product)
+PartFile::PartFile(std::string_view bytes, std::string_view name, ProductNode* product, Helpers* helpers)
     : model(workspace, folder.Write(name, bytes)) {
+    workspace.helpers = helpers;
     LogCapture log;
     if (model.Read() != StepModel::kRead) { std::abort(); }
     log.TakeOutput();

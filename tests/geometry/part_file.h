@@ -13,7 +13,7 @@ namespace tarnwick::test {
 // A part that was written to a file and read by a PartReader, with what the reading printed.
 struct PartFile {
     explicit PartFile(std::string_view bytes, std::string_view name = "part.stp",
-                      ProductNode* product = nullptr);
+                      ProductNode* product = nullptr, Helpers* helpers = nullptr);
 
     const StepFaceB& Face(std::size_t index) const { return *scratch.faces.at(index); }
     // The face of a number; it must have been read.

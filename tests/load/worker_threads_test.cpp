@@ -4,9 +4,11 @@
 #include "load/generated_assembly.h"
 #include "load/step_driver.h"
 #include "load/unread_files.h"
+#include "platform/helpers.h"
 #include "support/assembly_text.h"
 #include "support/capture.h"
 #include "support/loaded_file.h"
+#include "support/p21_text.h"
 #include "support/temp_folder.h"
 
 #include <pthread.h>
@@ -151,6 +153,52 @@ TEST(WorkerThreads, GiveTheSameReportTwoHundredTimes) {
     const std::string alone = ReportOf(path, 0);
     ASSERT_NE(alone.find("part9"), std::string::npos);
     for (int round = 0; round < 200; ++round) { ASSERT_EQ(ReportOf(path, 1), alone) << "round " << round; }
+}
+
+// A part of so many plates, each a face in a shell of its own, and about 60 characters for each triangle.
+std::string ManyPlates(int plates, int triangles) {
+    std::vector<std::string> lines;
+    std::string items;
+    for (int i = 0; i < plates; ++i) {
+        const std::string number = std::to_string(1000 + 10 * i);
+        const std::string list = "#" + std::to_string(1001 + 10 * i);
+        const std::string face = "#" + std::to_string(1002 + 10 * i);
+        std::string points;
+        std::string indices;
+        for (int k = 0; k < triangles; ++k) {
+            const std::string x = std::to_string(k * 7919 % 1000) + '.' + std::to_string(i);
+            points += (k > 0 ? ",(" : "(") + x + ",1.25,0.5),(" + x + ",-2.5,1.),(3.,4.,5.)";
+            const int first = 3 * k + 1;
+            indices += (k > 0 ? ",(" : "(") + std::to_string(first) + "," + std::to_string(first + 1) + "," +
+                       std::to_string(first + 2) + ")";
+        }
+        lines.push_back(list + "=COORDINATES_LIST(''," + std::to_string(3 * triangles) + ",(" + points +
+                        "));");
+        lines.push_back(face + "=TRIANGULATED_FACE(''," + list + "," + std::to_string(3 * triangles) +
+                        ",$,$,$,(" + indices + "));");
+        lines.push_back("#" + number + "=TESSELLATED_SHELL('',(" + face + "),$);");
+        items += (i > 0 ? ",#" : "#") + number;
+    }
+    return PartText("(" + items + ")", lines);
+}
+
+TEST(WorkerThreads, TakePartInTheReadingOfALargeFile) {
+    const std::string large = ManyPlates(300, 300);
+    ASSERT_GT(large.size(), Helpers::kLeastBytes);
+    const TempFolder folder;
+    AssemblyText text;
+    const int top = text.Product("top");
+    for (const std::string name : {"small", "large"}) {
+        const int part = text.Product(name);
+        text.Use(top, part);
+        text.File(part, name + ".stp");
+    }
+    folder.Write("small.stp", PlateText(1));
+    folder.Write("large.stp", large);
+    for (const std::string& path : {folder.Write("top.stp", text.Text()), folder.Path("large.stp")}) {
+        const std::string alone = ReportOf(path, 0);
+        for (int round = 0; round < 5; ++round) { ASSERT_TRUE(ReportOf(path, 1) == alone) << path; }
+    }
 }
 
 TEST(WorkerThreads, TakeUpWhatASubAssemblyAddsWhileTheyRun) {

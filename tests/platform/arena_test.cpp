@@ -138,6 +138,49 @@ TEST(TipArray, GivesItsRoomBackWhenDropped) {
     EXPECT_EQ(after, before + 8);
 }
 
+TEST(Arena, GoesBackToAPlace) {
+    Arena arena;
+    std::int32_t* const kept = arena.New<std::int32_t>(100);
+    kept[99] = 7;
+    const Arena::Place place = arena.Here();
+    const std::size_t held = arena.Held();
+    std::int32_t* const dropped = arena.New<std::int32_t>();
+    for (int i = 0; i < 10; ++i) { ASSERT_NE(arena.Allocate(std::size_t{1} << 20), nullptr); }
+    arena.GoBack(place);
+    EXPECT_EQ(arena.Held(), held);
+    EXPECT_EQ(arena.New<std::int32_t>(), dropped);
+    EXPECT_EQ(kept[99], 7);
+}
+
+TEST(Arena, GoesBackToItsBeginning) {
+    Arena arena;
+    const Arena::Place place = arena.Here();
+    ASSERT_NE(arena.Allocate(8), nullptr);
+    arena.GoBack(place);
+    EXPECT_EQ(arena.Held(), 0u);
+    EXPECT_NE(arena.Allocate(8), nullptr);
+}
+
+TEST(Arena, TakesOverTheRecordsOfAnother) {
+    Arena arena;
+    std::int32_t* const own = arena.New<std::int32_t>();
+    std::int32_t* taken = nullptr;
+    {
+        Arena other;
+        taken = other.New<std::int32_t>();
+        *taken = 5;
+        ASSERT_NE(other.Allocate(std::size_t{5} << 20), nullptr);
+        const std::size_t held = arena.Held() + other.Held();
+        ASSERT_TRUE(arena.TakeOver(&other));
+        EXPECT_EQ(arena.Held(), held);
+        EXPECT_EQ(other.Held(), 0u);
+        EXPECT_NE(other.Allocate(8), nullptr) << "it begins afresh";
+    }
+    EXPECT_EQ(*taken, 5);
+    EXPECT_EQ(reinterpret_cast<char*>(arena.New<std::int32_t>()) - reinterpret_cast<char*>(own), 8)
+        << "it goes on where it was";
+}
+
 TEST(TipArray, MayStayEmpty) {
     Arena arena;
     TipArray<float> array(arena);

@@ -57,6 +57,22 @@ struct TextRead {
     std::string problem;
 };
 
+TEST(ReadTextFile, GivesTheSameBytesToSeveralThreads) {
+    std::string text;
+    for (int i = 0; text.size() < (std::size_t{9} << 20) + 77; ++i) { text += std::to_string(i) + '\n'; }
+    const TempFolder folder;
+    const std::string path = folder.Write("large.stp", text);
+    for (const int count : {1, 3}) {
+        StartedHelpers helpers(count);
+        TextMemory memory;
+        TextFile file{.path = path};
+        ASSERT_EQ(ReadTextFile(&file, &memory, &helpers), TextFileResult::kRead);
+        EXPECT_TRUE(std::string(file.text, file.size) == text);
+        EXPECT_EQ(std::string(file.text + file.size, TextBlock::kPadding),
+                  std::string(TextBlock::kPadding, '\0'));
+    }
+}
+
 TEST(OpenedFileTest, ToldWhyTheSystemDoesNotOpenIt) {
     const TempFolder folder;
     const std::string path = folder.Write("a.stp", "x");

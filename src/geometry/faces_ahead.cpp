@@ -1,0 +1,140 @@
+#include "geometry/faces_ahead.h"
+
+#include "p21/keyword_codes.h"
+#include "platform/within_memory.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <functional>
+
+namespace tarnwick {
+
+namespace {
+
+// The number of the list that a face names, where it stands near the start of the line; 0 elsewhere. It only
+// tells which faces belong together.
+std::int32_t PeekListId(const StepModel& model, const P42Ent* face) {
+    constexpr std::ptrdiff_t kNear = 100;
+    const char* const line = model.text + face->offset;
+    TextWalk walk{line, line + std::min(kNear, model.textEnd - line)};
+    walk.GoTo('(');
+    walk.PassCommas(1);
+    walk.GoTo('#');
+    walk.Step();
+    return walk.overrun ? 0 : StringToInteger(walk.at);
+}
+
+bool IsFace(const P42Ent* entity) {
+    return entity->code == code::kTriangulatedFace || entity->code == code::kComplexTriangulatedFace;
+}
+
+} // namespace
+
+bool FacesAhead::Read(const StepModel& model, const std::vector<std::int32_t>& itemIds, Helpers& helpers,
+                      Arena& arena, FaceScratch* scratch) {
+    const Arena::Place place = arena.Here();
+    bool read = false;
+    WithinMemory([&] {
+        read = Plan(model, itemIds) && groups_.size() > 1 && ReadGroups(model, helpers, arena, scratch);
+    });
+    scratch->Reset();
+    if (read) { return true; }
+    arena.GoBack(place);
+    Forget();
+    return false;
+}
+
+StepFaceB* FacesAhead::Take(const P42Ent* entity) {
+    return taken_ < entities_.size() && entities_[taken_] == entity ? faces_[taken_++] : nullptr;
+}
+
+// Which faces there are, without a word on those that aren't. False when a list runs past its line.
+bool FacesAhead::Plan(const StepModel& model, const std::vector<std::int32_t>& itemIds) {
+    for (const std::int32_t id : itemIds) {
+        const P42Ent* const item = model.Find(id);
+        if (item == nullptr) { continue; }
+        if (item->code == code::kTessellatedSolid || item->code == code::kTessellatedShell) {
+            if (!PlanContainer(model, item)) { return false; }
+        } else if (item->code == code::kComplexTriangulatedSurfaceSet) {
+            PlanFace(model, item);
+        }
+    }
+    faces_.resize(entities_.size());
+    return true;
+}
+
+// The reader of a container writes where it looks for the link, and that must be in the container's own line.
+bool FacesAhead::PlanContainer(const StepModel& model, const P42Ent* container) {
+    TextWalk walk = model.WalkInLine(container);
+    walk.GoTo('(');
+    walk.PassCommas(1);
+    ids_.clear();
+    ParseIdList(&walk, &ids_);
+    walk.PassCommas(1);
+    if (walk.overrun || walk.Next<'#', ')', '$'>(walk.at) == walk.end) { return false; }
+    for (const std::int32_t id : ids_) {
+        const P42Ent* const face = model.Find(id);
+        if (face != nullptr && IsFace(face)) { PlanFace(model, face); }
+    }
+    return true;
+}
+
+void FacesAhead::PlanFace(const StepModel& model, const P42Ent* face) {
+    const std::int32_t listId = PeekListId(model, face);
+    if (groups_.empty() || listId == 0 || groups_.back().listId != listId) {
+        groups_.push_back({entities_.size(), listId});
+    }
+    entities_.push_back(face);
+}
+
+bool FacesAhead::ReadGroups(const StepModel& model, Helpers& helpers, Arena& arena, FaceScratch* scratch) {
+    // A few neighbours at a time, and some hundred times for each thread, so that all end at about one time.
+    const std::size_t atATime = std::clamp<std::size_t>(groups_.size() / 1000, 1, 64);
+    std::array<Arena, Helpers::kMost> arenas;
+    std::atomic<std::size_t> joined = 0;
+    std::atomic<std::size_t> next = 0;
+    std::atomic<bool> failed = false;
+    const auto readSome = [&](Arena& ownArena, FaceScratch* ownScratch) {
+        while (!failed) {
+            const std::size_t first = next.fetch_add(atATime);
+            if (first >= groups_.size()) { return; }
+            const std::size_t last = std::min(first + atATime, groups_.size());
+            for (std::size_t group = first; group < last && !failed; ++group) {
+                if (!ReadGroup(group, model, ownArena, ownScratch)) { failed = true; }
+            }
+        }
+    };
+    const auto readMine = [&](bool isOwn) {
+        const bool enough = WithinMemory([&] {
+            if (isOwn) { return readSome(arena, scratch); }
+            FaceScratch ownScratch;
+            readSome(arenas[joined++], &ownScratch);
+        });
+        if (!enough) { failed = true; }
+    };
+    helpers.Run(std::ref(readMine)); // a reference, which needs no memory
+    bool read = !failed;
+    for (std::size_t i = 0; i < joined && read; ++i) { read = arena.TakeOver(&arenas[i]); }
+    return read;
+}
+
+bool FacesAhead::ReadGroup(std::size_t group, const StepModel& model, Arena& arena, FaceScratch* scratch) {
+    const std::size_t last = group + 1 < groups_.size() ? groups_[group + 1].first : entities_.size();
+    for (std::size_t i = groups_[group].first; i < last; ++i) {
+        faces_[i] = arena.New<StepFaceB>();
+        if (faces_[i] == nullptr || !ReadFaceAhead(faces_[i], entities_[i], model, arena, scratch)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void FacesAhead::Forget() {
+    entities_.clear();
+    faces_.clear();
+    groups_.clear();
+    taken_ = 0;
+}
+
+} // namespace tarnwick

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+
+namespace tarnwick {
+
+// Threads that take part in the work of another one while they have none of their own.
+class Helpers {
+public:
+    // Called with true on the thread whose work it is. It throws nothing.
+    using Work = std::function<void(bool isOwn)>;
+
+    static constexpr int kMost = 5;
+    // The bytes of a file from which on help with it pays.
+    static constexpr std::size_t kLeastBytes = std::size_t{4} << 20;
+
+    virtual ~Helpers() = default;
+
+    // How many may take part beside the thread whose work it is.
+    int Count() const { return count_; }
+    // Whether they are worth calling for a file of so many bytes.
+    bool AreFor(std::size_t bytes) const { return count_ > 0 && bytes >= leastBytes_; }
+
+    // Calls `work` on the calling thread, and until that call returns on each helper that is free; returns
+    // when all calls have. None of them may count on another to be there.
+    virtual void Run(const Work& work) = 0;
+
+    // As many as there are cores for beside the calling thread, kMost at most.
+    static int FreeCores();
+
+protected:
+    Helpers(int count, std::size_t leastBytes) : count_(count), leastBytes_(leastBytes) {}
+
+private:
+    const int count_;
+    const std::size_t leastBytes_;
+};
+
+// Helpers that are started for each piece of work; those that the system refuses are done without.
+class StartedHelpers final : public Helpers {
+public:
+    explicit StartedHelpers(int count = FreeCores(), std::size_t leastBytes = kLeastBytes)
+        : Helpers(count, leastBytes) {}
+
+    void Run(const Work& work) override;
+};
+
+// Helpers that are the threads of one loop, once they have nothing left to do. Any thread may call what is
+// below.
+class IdleHelpers final : public Helpers {
+public:
+    explicit IdleHelpers(int count = FreeCores(), std::size_t leastBytes = kLeastBytes)
+        : Helpers(count, leastBytes) {}
+
+    void Run(const Work& work) override;
+
+    // A thread of the loop begins, or ends, a stretch of its own work.
+    void Begin();
+    void End();
+
+    // What became of waiting.
+    enum class Outcome { kHelped, kNobodyBusy, kTimeOver };
+
+    // Called on a thread between End and Begin: takes part in what another one offers, as soon as it does;
+    // waits no longer than `milliseconds`, without an end for 0, nor when nobody is busy any more.
+    Outcome Help(int milliseconds);
+
+private:
+    // Work that can be joined, on the stack of the thread whose work it is.
+    struct Offer {
+        const Work* work;
+        int joined = 0; // helpers that came
+        int inside = 0; // those of them that haven't left
+        Offer* next = nullptr;
+    };
+
+    Offer* Open();
+    void Close(const Offer* offer);
+
+    std::mutex lock_; // guards what follows
+    std::condition_variable changed_;
+    Offer* offers_ = nullptr; // those that can still be joined
+    int busy_ = 0;
+};
+
+} // namespace tarnwick
