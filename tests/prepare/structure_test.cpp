@@ -327,6 +327,17 @@ TEST(Structure, AStyleInTheContextOfAUseColoursThatUseAlone) {
     EXPECT_THAT(scene.products, ElementsAre("top", "part", "part (2)"));
 }
 
+// The "(" leads the reader on to the end of what is there.
+TEST(Structure, AComplexStyleWhoseListHasNoEndIsNoStyle) {
+    ExchangeText text;
+    const std::string context = text.Context();
+    const std::string face = text.Triangle();
+    text.Shape(text.Product("part"), face, context);
+    text.Add("(REPRESENTATION_ITEM('')STYLED_ITEM((#1,(((,((" + face + ")OVER_RIDING_STYLED_ITEM($))");
+    const TempFolder folder;
+    EXPECT_THAT(PrepareText(folder, text.Text()).Corners(), ElementsAre(kTriangle));
+}
+
 TEST(Structure, TransparencyBecomesTheOpacityThatTheViewerReads) {
     ExchangeText text;
     const std::string context = text.Context();

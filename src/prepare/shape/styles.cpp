@@ -46,8 +46,10 @@ Styles::Styles(const ExchangeFile& file) : file_(file) {
         // The name is in another record.
         std::string arguments = "'',";
         arguments += record.arguments;
+        const std::size_t size = arguments.size();
         arguments.append(kBytesPadding, ' ');
-        Add(arguments, FindRecord(text, "OVER_RIDING_STYLED_ITEM").IsFound());
+        Add(std::string_view(arguments).substr(0, size),
+            FindRecord(text, "OVER_RIDING_STYLED_ITEM").IsFound());
     }
 }
 
