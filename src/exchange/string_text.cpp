@@ -1,9 +1,9 @@
 #include "exchange/string_text.h"
 
-#include <array>
+#include "exchange/pages_8859.h"
+
 #include <charconv>
 #include <cstdint>
-#include <iconv.h>
 
 namespace tarnwick {
 
@@ -60,22 +60,8 @@ bool IsUtf8(std::string_view text) {
 // A character of one of the pages of ISO 8859, which \P names by a letter from A for 8859-1 on.
 void AppendOfPage(char page, unsigned char c, std::string* out) {
     if (page == 'A') { return AppendUtf8(c, out); }
-    std::string from = "ISO-8859-";
-    from += std::to_string(page - 'A' + 1);
-    const iconv_t converter = iconv_open("UTF-8", from.c_str());
-    if (converter == reinterpret_cast<iconv_t>(-1)) { return AppendUtf8(c, out); }
-    char in = static_cast<char>(c);
-    char* source = &in;
-    std::size_t sourceLeft = 1;
-    std::array<char, 8> result{};
-    char* target = result.data();
-    std::size_t targetLeft = result.size();
-    if (iconv(converter, &source, &sourceLeft, &target, &targetLeft) == static_cast<std::size_t>(-1)) {
-        AppendUtf8(c, out);
-    } else {
-        out->append(result.data(), target);
-    }
-    iconv_close(converter);
+    const std::uint32_t there = c >= 0xA0 ? kPages8859[page - 'B'][c - 0xA0] : c;
+    AppendUtf8(there != 0 ? there : c, out);
 }
 
 // Reads the directives of one string.
