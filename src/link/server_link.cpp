@@ -38,8 +38,8 @@ void TellFailure(const std::exception& failure) {
 
 web::json::value JsonText(const std::string& text) {
     // Whatever bytes a path has, what goes out is valid UTF-8, or the service would drop the connection.
-    std::wstring wide = WideFromNarrow(text);
-    for (wchar_t& character : wide) {
+    std::u32string wide = WideFromNarrow(text);
+    for (char32_t& character : wide) {
         if (character >= 0xDC80 && character <= 0xDCFF) { character -= 0xDC00; }
     }
     return web::json::value::string(utility::conversions::to_string_t(NarrowFromWide(wide)));

@@ -28,25 +28,25 @@ std::size_t Decode(const unsigned char* p, std::size_t left, std::uint32_t* code
 
 } // namespace
 
-std::wstring WideFromNarrow(std::string_view text) {
-    std::wstring wide;
+std::u32string WideFromNarrow(std::string_view text) {
+    std::u32string wide;
     wide.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
         std::uint32_t code = 0;
         const auto* const p = reinterpret_cast<const unsigned char*>(text.data()) + i;
         const std::size_t length = Decode(p, text.size() - i, &code);
         if (length == 0) { code = kEscape + p[0]; }
-        wide.push_back(static_cast<wchar_t>(code));
+        wide.push_back(static_cast<char32_t>(code));
         i += length == 0 ? 1 : length;
     }
     return wide;
 }
 
-std::string NarrowFromWide(std::wstring_view text) {
+std::string NarrowFromWide(std::u32string_view text) {
     std::string narrow;
     narrow.reserve(text.size());
     const auto put = [&narrow](std::uint32_t byte) { narrow.push_back(static_cast<char>(byte)); };
-    for (const wchar_t character : text) {
+    for (const char32_t character : text) {
         const auto code = static_cast<std::uint32_t>(character);
         if (code < 0x80) {
             put(code);

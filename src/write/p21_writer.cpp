@@ -34,7 +34,7 @@ void AppendCharacter(std::uint32_t code, std::string* out) {
 
 std::string EncodeString(std::string_view utf8) {
     std::string out = "'";
-    for (const wchar_t character : WideFromNarrow(utf8)) {
+    for (const char32_t character : WideFromNarrow(utf8)) {
         AppendCharacter(static_cast<std::uint32_t>(character), &out);
     }
     return out += '\'';

@@ -8,10 +8,10 @@ namespace tarnwick::test {
 namespace {
 
 TEST(WideText, IsUtf8InNarrowForm) {
-    EXPECT_EQ(WideFromNarrow("a.stp"), L"a.stp");
-    EXPECT_EQ(WideFromNarrow("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"), L"\u00E9\u20AC\U0001F600");
-    EXPECT_EQ(NarrowFromWide(L"\u00E9\u20AC\U0001F600"), "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
-    EXPECT_EQ(NarrowFromWide(L""), "");
+    EXPECT_EQ(WideFromNarrow("a.stp"), U"a.stp");
+    EXPECT_EQ(WideFromNarrow("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"), U"\u00E9\u20AC\U0001F600");
+    EXPECT_EQ(NarrowFromWide(U"\u00E9\u20AC\U0001F600"), "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
+    EXPECT_EQ(NarrowFromWide(U""), "");
 }
 
 TEST(WideText, BringsEveryPathBackByteForByte) {
