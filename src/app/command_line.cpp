@@ -20,7 +20,7 @@ constexpr const char* kHelp = "Usage: tarnwick [--resident] [FILE [PRODUCT]]\n"
                               "Left button: turn, and click to select. Right button: zoom. Middle button: "
                               "pan. P: snapshot. Escape: close.\n";
 
-bool IsSet(const char* variable) {
+[[maybe_unused]] bool IsSet(const char* variable) {
     const char* const value = std::getenv(variable);
     return value != nullptr && *value != '\0';
 }

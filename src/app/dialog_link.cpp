@@ -1,17 +1,16 @@
 #include "app/dialog_link.h"
-#include "app/child_program.h"
 #include "app/eye_text.h"
 #include "app/step_viewer_dlg.h"
+#include "app/system_names.h"
+#include "platform/child_program.h"
+#include "platform/files.h"
 
 #include <QClipboard>
 #include <QDir>
-#include <QFile>
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QStandardPaths>
 #include <QThread>
-
-#include <sys/stat.h>
 
 #include <chrono>
 #include <thread>
@@ -129,9 +128,9 @@ bool DialogLink::RunProgram(const std::vector<std::string>& command) {
 void DialogLink::StartProgram(const std::vector<std::string>& names,
                               const std::vector<std::string>& arguments) {
     for (const std::string& name : names) {
-        const QString program = QStandardPaths::findExecutable(EyeText(name));
-        if (program.isEmpty()) { continue; }
-        std::vector<std::string> command{QFile::encodeName(program).toStdString()};
+        const std::string program = FindApplication(name);
+        if (program.empty()) { continue; }
+        std::vector<std::string> command{program};
         command.insert(command.end(), arguments.begin(), arguments.end());
         StartDetached(command);
         return;
@@ -141,10 +140,10 @@ void DialogLink::StartProgram(const std::vector<std::string>& names,
 std::string DialogLink::DownloadFolder() {
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
     QDir().mkpath(cache);
-    std::string folder = QFile::encodeName(cache).toStdString();
+    std::string folder = PathBytes(cache);
     for (const char* const name : {"/tarnwick", "/downloads"}) {
         folder += name;
-        mkdir(folder.c_str(), 0700); // fails where it exists, and the download where it can't be made
+        MakePrivateFolder(folder); // where that fails, the download does, too
     }
     return folder;
 }

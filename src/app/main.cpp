@@ -3,6 +3,7 @@
 #include "app/command_line.h"
 #include "app/tarnwick_app.h"
 #include "platform/out_of_memory.h"
+#include "platform/program_start.h"
 #include "platform/within_memory.h"
 
 #include <QApplication>
@@ -48,6 +49,11 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     int status = 1;
-    if (!WithinMemory([&] { status = Run(argc, argv); })) { std::fputs(kOutOfMemory, stderr); }
+    if (!WithinMemory([&] {
+            const ProgramStart start(argc, argv);
+            status = Run(start.count, start.words);
+        })) {
+        std::fputs(kOutOfMemory, stderr);
+    }
     return status;
 }

@@ -1,17 +1,16 @@
 #include "app/snapshot_folder.h"
+#include "app/system_names.h"
+#include "platform/files.h"
 
 #include <QDir>
-#include <QFile>
-
-#include <sys/stat.h>
 
 namespace tarnwick {
 
 std::string SnapshotFolder() {
-    std::string folder = QFile::encodeName(QDir::homePath()).toStdString();
+    std::string folder = PathBytes(QDir::homePath());
     for (const char* const name : {"/Pictures", "/Tarnwick"}) {
         folder += name;
-        mkdir(folder.c_str(), 0700); // fails where it exists, and the snapshot says so where it can't be made
+        MakePrivateFolder(folder); // where that fails, the snapshot says so
     }
     return folder;
 }

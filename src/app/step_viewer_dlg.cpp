@@ -3,6 +3,7 @@
 #include "app/eye_text.h"
 #include "app/server_port.h"
 #include "app/snapshot_folder.h"
+#include "app/system_names.h"
 #include "app/title_text.h"
 #include "formats/prepare_hint.h"
 #include "load/arguments.h"
@@ -41,7 +42,7 @@ Control* Place(Control* control, const char* number, const QRect& place) {
 }
 
 std::string Bytes(const QString& path) {
-    return QFile::encodeName(path).toStdString();
+    return PathBytes(path);
 }
 
 } // namespace

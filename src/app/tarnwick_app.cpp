@@ -5,11 +5,10 @@
 #include "app/step_viewer_dlg.h"
 #include "formats/load_commands.h"
 #include "load/arguments.h"
+#include "platform/standard_streams.h"
 
 #include <QApplication>
 #include <QIcon>
-
-#include <unistd.h>
 
 namespace tarnwick {
 
@@ -29,7 +28,7 @@ int CTarnwickApp::InitInstance() {
     QApplication::setQuitOnLastWindowClosed(
         false); // the program ends with the dialog, whether the console is open or not
     std::optional<ConsoleWindow> console;
-    if (isatty(STDERR_FILENO) == 0) { console.emplace(); }
+    if (!IsErrorTerminal()) { console.emplace(); }
 
     STEPViewerDlg dialog(kLoadCommands);
     DialogLink link(dialog);

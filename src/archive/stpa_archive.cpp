@@ -1,10 +1,10 @@
 #include "archive/stpa_archive.h"
 
-#include "archive/zip_input.h"
 #include "platform/console.h"
 #include "platform/within_memory.h"
 #include "text/inflate_bytes.h"
 #include "text/one_line.h"
+#include "text/zip_input.h"
 
 #include <minizip/unzip.h>
 

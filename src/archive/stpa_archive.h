@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/opened_file.h"
 #include "text/look_up.h"
-#include "text/opened_file.h"
 #include "xml/document_archive.h"
 
 #include <cstddef>

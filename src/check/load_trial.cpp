@@ -1,14 +1,11 @@
 #include "check/load_trial.h"
 
+#include "platform/forked_work.h"
 #include "text/one_line.h"
 
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <string>
 #include <string_view>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace tarnwick {
 
@@ -44,11 +41,8 @@ LoadOutcome OutcomeOf(const LoadedScene& loaded) {
     return outcome;
 }
 
-[[noreturn]] void LoadAndTell(LoadDispatch& dispatch, const std::string& path, const char* rootName,
-                              bool useThreads, FileKind kind, int toParent) {
-    const int nowhere = fileno(std::tmpfile());
-    dup2(toParent, STDERR_FILENO);
-    dup2(nowhere, STDOUT_FILENO);
+void LoadAndTell(LoadDispatch& dispatch, const std::string& path, const char* rootName, bool useThreads,
+                 FileKind kind) {
     const LoadCommands& commands = dispatch.commands;
     if (FileKindOf(path) != FileKind::kUnknown) {
         LoadFile(dispatch, path.c_str(), rootName, useThreads);
@@ -67,8 +61,6 @@ LoadOutcome OutcomeOf(const LoadedScene& loaded) {
     told.append(std::to_string(outcome.visible)).append(" ").append(std::to_string(outcome.parts));
     told.append("\n");
     std::fwrite(told.data(), 1, told.size(), stderr);
-    std::fflush(stderr);
-    _exit(0);
 }
 
 void TakeLine(std::string_view line, LoadOutcome* outcome) {
@@ -103,35 +95,20 @@ void TakeLine(std::string_view line, LoadOutcome* outcome) {
 LoadOutcome TryLoad(LoadDispatch& dispatch, const std::string& path, const char* rootName, bool useThreads,
                     FileKind kind) {
     LoadOutcome outcome;
-    int ends[2];
-    if (pipe(ends) != 0) { return outcome; }
-    std::fflush(nullptr);
-    const pid_t child = fork();
-    if (child == 0) {
-        close(ends[0]);
-        LoadAndTell(dispatch, path, rootName, useThreads, kind, ends[1]);
-    }
-    close(ends[1]);
-    std::FILE* const stream = child > 0 ? fdopen(ends[0], "r") : nullptr;
-    if (stream == nullptr) {
-        close(ends[0]);
-    } else {
-        std::string line;
-        int c = EOF;
-        // What stands still writes nothing more, and its end of the pipe stays open.
-        while (outcome.end != LoadOutcome::End::kStands && (c = std::getc(stream)) != EOF) {
-            if (c != '\n') {
-                if (line.size() < kLongestLine) { line.push_back(static_cast<char>(c)); }
-                continue;
-            }
-            TakeLine(line, &outcome);
-            line.clear();
+    ForkedWork load([&] { LoadAndTell(dispatch, path, rootName, useThreads, kind); });
+    if (!load.IsThere()) { return outcome; }
+    std::string line;
+    int c = EOF;
+    // What stands still writes nothing more, and its end of the pipe stays open.
+    while (outcome.end != LoadOutcome::End::kStands && (c = load.Next()) != EOF) {
+        if (c != '\n') {
+            if (line.size() < kLongestLine) { line.push_back(static_cast<char>(c)); }
+            continue;
         }
-        std::fclose(stream);
+        TakeLine(line, &outcome);
+        line.clear();
     }
-    if (child <= 0) { return outcome; }
-    if (outcome.end == LoadOutcome::End::kStands) { kill(child, SIGKILL); }
-    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {}
+    load.End(outcome.end == LoadOutcome::End::kStands);
     if (outcome.end == LoadOutcome::End::kUnknown) { outcome.end = LoadOutcome::End::kEnded; }
     return outcome;
 }

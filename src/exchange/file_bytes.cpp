@@ -1,6 +1,8 @@
 #include "exchange/file_bytes.h"
 
-#include "text/opened_file.h"
+#include "platform/files.h"
+#include "platform/opened_file.h"
+#include "text/zip_input.h"
 
 #include <minizip/unzip.h>
 #include <xxhash.h>
@@ -141,9 +143,10 @@ struct PackedMember {
 
 class ZipDirectory {
 public:
-    explicit ZipDirectory(const std::string& path) {
+    explicit ZipDirectory(const std::string& path) : file_(path.c_str()), input_(file_) {
         errno = 0;
-        zip_.reset(unzOpen64(path.c_str()));
+        zlib_filefunc64_def functions = input_.Functions();
+        if (file_.IsOpen()) { zip_.reset(unzOpen2_64("", &functions)); }
     }
 
     // Calls take(name) with each member in turn, until it says to stop. False where the directory can't be
@@ -179,6 +182,8 @@ private:
     struct Close {
         void operator()(void* zip) const { unzClose(zip); }
     };
+    const OpenedFile file_;
+    ZipInput input_;
     std::unique_ptr<void, Close> zip_;
 };
 
@@ -280,7 +285,7 @@ StepMembers StepMembersOf(const std::string& path) {
         }
     }
     const bool isListed = ZipDirectory(path).ForEachMember([&members](std::string_view name) {
-        if (IsStepName(name)) { members.names.emplace_back(name); }
+        if (IsStepName(name) && CanNameFile(name)) { members.names.emplace_back(name); }
         return false;
     });
     if (!isListed) { members.error = ArchiveError(); }

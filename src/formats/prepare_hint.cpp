@@ -2,8 +2,8 @@
 
 #include "load/file_kind.h"
 #include "load/unread_files.h"
+#include "platform/opened_file.h"
 #include "text/one_line.h"
-#include "text/opened_file.h"
 
 #include <zlib.h>
 

@@ -2,6 +2,7 @@
 #include "link/message_queue.h"
 #include "link/server_messages.h"
 #include "platform/console.h"
+#include "platform/environment.h"
 #include "text/one_line.h"
 #include "text/or_null.h"
 #include "text/wide_text.h"
@@ -9,7 +10,6 @@
 #include <cpprest/json.h>
 #include <cpprest/ws_client.h>
 
-#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
@@ -27,8 +27,8 @@ using web::websockets::client::websocket_outgoing_message;
 constexpr const char* kViewerFolder = TARNWICK_BASE_FOLDER "/Velquist/viewer";
 
 std::string EnvironmentOr(const char* name, const char* otherwise) {
-    const char* const value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : otherwise;
+    const std::string value = EnvironmentText(name).value_or("");
+    return !value.empty() ? value : otherwise;
 }
 
 void TellFailure(const std::exception& failure) {

@@ -2,11 +2,9 @@
 
 #include "link/server_messages.h"
 #include "platform/console.h"
+#include "platform/files.h"
 #include "text/one_line.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstring>
 
 namespace tarnwick {
@@ -25,9 +23,10 @@ void GiveUp(const char* reason) {
 // What a download has left that broke off would be taken for the file, and so would what one before it left.
 // False, and told, when it can't be removed.
 bool Remove(const std::string& path) {
-    if (unlink(path.c_str()) == 0 || errno == ENOENT) { return true; }
+    const int error = RemoveFile(path);
+    if (error == 0) { return true; }
     ConsolePrint("<E> Download: %s is not whole and can't be removed: %s\n", OneLine(path).Text(),
-                 std::strerror(errno));
+                 std::strerror(error));
     return false;
 }
 

@@ -2,24 +2,12 @@
 
 #include "platform/clock.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <csignal>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <string_view>
 #include <vector>
-
-extern char** environ;
 
 namespace tarnwick {
 
@@ -35,19 +23,17 @@ constexpr int kStatusOutOfMemory = 3;
 class Conversation {
 public:
     // No message is longer than `most` bytes.
-    Conversation(int socket, std::string request, std::uint64_t most)
-        : socket_(socket), request_(std::move(request)), most_(most),
+    Conversation(ServiceProcess& process, std::string request, std::uint64_t most)
+        : process_(process), request_(std::move(request)), most_(most),
           chunk_(std::make_unique<char[]>(kChunk)) {}
 
     // Sends and receives what is possible within so many milliseconds. False where the other side is gone.
     bool Go(int milliseconds) {
-        pollfd wait{socket_, POLLIN, 0};
-        if (sent_ < request_.size()) { wait.events |= POLLOUT; }
-        const int ready = poll(&wait, 1, milliseconds);
-        if (ready < 0) { return errno == EINTR; }
+        ServiceProcess::Ready ready;
+        if (!process_.Wait(milliseconds, sent_ < request_.size(), &ready)) { return false; }
         // A program that takes no more may still have said something.
-        if ((wait.revents & POLLOUT) != 0 && !Send()) { sent_ = request_.size(); }
-        return (wait.revents & (POLLIN | POLLHUP | POLLERR)) == 0 || Receive();
+        if (ready.toWrite && !Send()) { sent_ = request_.size(); }
+        return !ready.toRead || Receive();
     }
 
     // Whether a whole message is here; `head` and `bytes` are its then, until Drop. `isSound` is false where
@@ -67,20 +53,15 @@ public:
     }
 
 private:
-    bool Send() {
-        const ssize_t sent = send(socket_, request_.data() + sent_, request_.size() - sent_, MSG_NOSIGNAL);
-        if (sent < 0) { return errno == EINTR || errno == EAGAIN; }
-        sent_ += static_cast<std::size_t>(sent);
-        return true;
-    }
+    bool Send() { return process_.Send(request_.data() + sent_, request_.size() - sent_, &sent_); }
     bool Receive() {
-        const ssize_t got = recv(socket_, chunk_.get(), kChunk, 0);
-        if (got < 0) { return errno == EINTR || errno == EAGAIN; }
-        received_.append(chunk_.get(), static_cast<std::size_t>(got));
-        return got > 0;
+        std::size_t got = 0;
+        const bool goesOn = process_.Receive(chunk_.get(), kChunk, &got);
+        received_.append(chunk_.get(), got);
+        return goesOn;
     }
 
-    const int socket_;
+    ServiceProcess& process_;
     const std::string request_;
     const std::uint64_t most_;
     std::size_t sent_ = 0;
@@ -93,84 +74,37 @@ int SliceUntil(double limit, double now) {
     return static_cast<int>(std::clamp(std::ceil((limit - now) * 1000), 1.0, double{kCancelSlice}));
 }
 
-std::string WordsOfStatus(int status) {
-    if (WIFSIGNALED(status)) {
-        return "the geometry kernel crashed (signal " + std::to_string(WTERMSIG(status)) + ")";
+std::string WordsOf(const ProcessEnd& end) {
+    const std::string number = std::to_string(end.number);
+    if (end.kind == ProcessEnd::Kind::kSignal) {
+        return "the geometry kernel crashed (signal " + number + ")";
     }
     // The status with which the system's loader ends a program whose libraries are missing.
-    if (WEXITSTATUS(status) == 127) { return "the geometry kernel's libraries aren't installed"; }
-    return "the geometry kernel ended (status " + std::to_string(WEXITSTATUS(status)) + ")";
+    if (end.number == 127) { return "the geometry kernel's libraries aren't installed"; }
+    return "the geometry kernel ended (status " + number + ")";
 }
 
 } // namespace
 
 bool MeshProcess::Start(std::string* words) {
-    int sockets[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) {
-        *words = std::string("no connection to the geometry kernel: ") + std::strerror(errno);
-        return false;
-    }
-    fcntl(sockets[0], F_SETFL, O_NONBLOCK);
     std::vector<std::string> command{program_};
     if (memoryLimit_ > 0) {
         command.push_back("--memory");
         command.push_back(std::to_string(std::max<std::size_t>(memoryLimit_ >> 20, 1)));
     }
-    std::vector<char*> arguments;
-    for (std::string& word : command) { arguments.push_back(word.data()); }
-    arguments.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawnattr_t attributes;
-    int error = posix_spawn_file_actions_init(&actions);
-    if (error == 0) {
-        error = posix_spawnattr_init(&attributes);
-        if (error == 0) {
-            // The thread that starts it may have blocked or ignored signals.
-            sigset_t none;
-            sigemptyset(&none);
-            sigset_t pipes = none;
-            sigaddset(&pipes, SIGPIPE);
-            posix_spawnattr_setsigmask(&attributes, &none);
-            posix_spawnattr_setsigdefault(&attributes, &pipes);
-            posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-            posix_spawn_file_actions_adddup2(&actions, sockets[1], STDIN_FILENO);
-            posix_spawn_file_actions_adddup2(&actions, sockets[1], STDOUT_FILENO);
-            posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-            error =
-                posix_spawn(&process_, program_.c_str(), &actions, &attributes, arguments.data(), environ);
-            posix_spawnattr_destroy(&attributes);
-        }
-        posix_spawn_file_actions_destroy(&actions);
+    std::string why;
+    const ServiceProcess::Start start = process_.Run(command, &why);
+    if (start == ServiceProcess::Start::kNoConnection) {
+        *words = "no connection to the geometry kernel: " + why;
+    } else if (start == ServiceProcess::Start::kNotStarted) {
+        *words = program_ + " can't be started: " + why;
     }
-    close(sockets[1]);
-    socket_ = sockets[0];
-    if (error != 0) {
-        process_ = 0;
-        End();
-        *words = program_ + " can't be started: " + std::strerror(error);
-        return false;
-    }
-    return true;
-}
-
-int MeshProcess::End() {
-    int status = 0;
-    if (process_ != 0) {
-        kill(process_, SIGKILL);
-        while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {}
-        process_ = 0;
-    }
-    if (socket_ >= 0) {
-        close(socket_);
-        socket_ = -1;
-    }
-    return status;
+    return start == ServiceProcess::Start::kRuns;
 }
 
 MeshOutcome MeshProcess::Ask(const MeshRequest& request,
                              const std::function<double(const MeshProgress&)>& limit) {
-    const bool wasThere = process_ != 0;
+    const bool wasThere = process_.IsRunning();
     MeshOutcome outcome = AskOnce(request, limit);
     // It may have ended long before the request; others can end a process too.
     if (wasThere && outcome.end == MeshEnd::kCrash && !outcome.hasBegun) { return AskOnce(request, limit); }
@@ -180,13 +114,13 @@ MeshOutcome MeshProcess::Ask(const MeshRequest& request,
 MeshOutcome MeshProcess::AskOnce(const MeshRequest& request,
                                  const std::function<double(const MeshProgress&)>& limit) {
     MeshOutcome outcome;
-    if (process_ == 0 && !Start(&outcome.words)) { return outcome; }
+    if (!process_.IsRunning() && !Start(&outcome.words)) { return outcome; }
     // The process can't have made a message that is larger than its memory.
     const std::uint64_t most = memoryLimit_ > 0 ? memoryLimit_ : std::numeric_limits<std::uint64_t>::max();
-    Conversation conversation(socket_, EncodeMesh(request), most);
+    Conversation conversation(process_, EncodeMesh(request), most);
     double giveUp = limit(outcome.progress);
     const auto end = [&](MeshEnd how, std::string words) {
-        End();
+        process_.End();
         outcome.end = how;
         outcome.words = std::move(words);
     };
@@ -224,15 +158,10 @@ MeshOutcome MeshProcess::AskOnce(const MeshRequest& request,
         if (!isThere) { break; }
     }
     // Gone already, or about to be: it closed its end.
-    int status = 0;
-    const double patience = ClockSeconds() + 1;
-    pid_t ended = 0;
-    while ((ended = waitpid(process_, &status, WNOHANG)) == 0 && ClockSeconds() < patience) { usleep(1000); }
-    if (ended > 0) { process_ = 0; }
-    if (ended == 0) { status = End(); }
-    const bool isOutOfMemory = WIFEXITED(status) && WEXITSTATUS(status) == kStatusOutOfMemory;
+    const ProcessEnd ended = process_.EndAfter(1);
+    const bool isOutOfMemory = ended.kind == ProcessEnd::Kind::kExit && ended.number == kStatusOutOfMemory;
     end(isOutOfMemory ? MeshEnd::kOutOfMemory : MeshEnd::kCrash,
-        isOutOfMemory ? "the geometry kernel ran out of memory" : WordsOfStatus(status));
+        isOutOfMemory ? "the geometry kernel ran out of memory" : WordsOf(ended));
     return outcome;
 }
 

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "mesher/mesh_format.h"
+#include "platform/service_process.h"
 
 #include <atomic>
 #include <cstddef>
 #include <functional>
 #include <string>
-
-#include <sys/types.h>
 
 namespace tarnwick {
 
@@ -38,7 +37,6 @@ public:
         : program_(std::move(program)), memoryLimit_(memoryLimit), cancel_(cancel) {}
     MeshProcess(const MeshProcess&) = delete;
     MeshProcess& operator=(const MeshProcess&) = delete;
-    ~MeshProcess() { End(); }
 
     // Waits for the answer. `limit` is called with each progress, first with one of kReading, and returns
     // when to give up, by ClockSeconds. Unless it answered, the process is gone afterwards.
@@ -47,15 +45,12 @@ public:
 private:
     MeshOutcome AskOnce(const MeshRequest& request, const std::function<double(const MeshProgress&)>& limit);
     bool Start(std::string* words);
-    // Kills the process where there is one, and waits for that; its status for waitpid's macros.
-    int End();
     bool IsCancelled() const { return cancel_ != nullptr && cancel_->load(std::memory_order_relaxed); }
 
     const std::string program_;
     const std::size_t memoryLimit_; // bytes
     const std::atomic<bool>* const cancel_;
-    pid_t process_ = 0; // 0 when there is none
-    int socket_ = -1;   // its standard input and output
+    ServiceProcess process_;
 };
 
 } // namespace tarnwick

@@ -4,13 +4,10 @@
 #include "mesher/kernel_text.h"
 #include "platform/clock.h"
 #include "platform/paths.h"
+#include "platform/programs.h"
 #include "text/look_up.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <climits>
-#include <cstdlib>
 #include <iterator>
 #include <string_view>
 
@@ -371,10 +368,6 @@ private:
     Bodies all_; // that the kernel may be asked for
 };
 
-bool IsProgram(const std::string& path) {
-    return access(path.c_str(), X_OK) == 0;
-}
-
 } // namespace
 
 Mesher::Mesher(MesherOptions options, const std::atomic<bool>* cancel)
@@ -387,27 +380,14 @@ MeshResult Mesher::Mesh(const ExchangeFile& file, std::span<const std::uint64_t>
 
 std::string FindMeshProgram() {
     constexpr std::string_view kName = "tarnwick-mesh";
-    char own[PATH_MAX];
-    const ssize_t length = readlink("/proc/self/exe", own, sizeof own);
-    if (length > 0) {
-        const std::string folder = FolderOf({own, static_cast<std::size_t>(length)});
+    const std::string own = OwnProgram();
+    if (!own.empty()) {
         for (const char* const inside : {"", "../libexec/", "../lib/tarnwick/"}) {
-            std::string path = folder + inside;
-            path += kName;
-            if (IsProgram(path)) { return path; }
+            const std::string path = ProgramIn(FolderOf(own) + inside, kName);
+            if (!path.empty()) { return path; }
         }
     }
-    const char* const variable = std::getenv("PATH");
-    std::string_view rest = variable != nullptr ? variable : "";
-    while (!rest.empty()) {
-        const std::size_t colon = std::min(rest.find(':'), rest.size());
-        std::string path(rest.substr(0, colon));
-        path += path.empty() || path.back() == '/' ? "" : "/";
-        path += kName;
-        if (colon > 0 && IsProgram(path)) { return path; }
-        rest.remove_prefix(std::min(colon + 1, rest.size()));
-    }
-    return {};
+    return FindProgram(kName);
 }
 
 } // namespace tarnwick

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/printf_format.h"
+
 #include <cstddef>
 
 // The two log channels of the system, both without time stamps. Any thread may write; one call comes out
@@ -8,10 +10,10 @@ namespace tarnwick {
 
 // Load progress, errors ("<E>"), warnings ("<W>"), thread ends, picks: standard error, and every sink set
 // below.
-[[gnu::format(printf, 1, 2)]] void ConsolePrint(const char* format, ...);
+TARNWICK_PRINTF(1, 2) void ConsolePrint(const char* format, ...);
 
 // Scan and inflate counters, messages of the face reader: standard output.
-[[gnu::format(printf, 1, 2)]] void OutputPrint(const char* format, ...);
+TARNWICK_PRINTF(1, 2) void OutputPrint(const char* format, ...);
 
 // What receives a copy of each text of the console channel (the console window). `text` is not terminated; it
 // is called under the channel's lock, so it must not print.

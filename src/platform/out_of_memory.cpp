@@ -1,10 +1,10 @@
 #include "platform/out_of_memory.h"
 
+#include "platform/standard_streams.h"
+
 #include <cxxabi.h>
-#include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <new>
 #include <typeinfo>
 
@@ -14,7 +14,7 @@ void EndOutOfMemory(const char* line) {
     // The exception itself can't be thrown again: that takes memory.
     const std::type_info* const type = abi::__cxa_current_exception_type();
     if (type == nullptr || *type != typeid(std::bad_alloc)) { std::abort(); }
-    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line, std::strlen(line));
+    WriteToError(line);
     std::_Exit(1);
 }
 

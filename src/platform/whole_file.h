@@ -39,7 +39,7 @@ private:
 
     char path_[kPathRoom];
     char neighbour_[kPathRoom]; // empty when the file is written in place
-    int file_ = -1;
+    std::intptr_t file_ = -1;   // the system's own number of it
     int error_ = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "prepare/prepare.h"
 
+#include "platform/files.h"
 #include "platform/memory_left.h"
 #include "platform/within_memory.h"
 #include "prepare/elements/finite_elements.h"
@@ -174,8 +175,7 @@ private:
     std::string RecordPath() const { return options_.folder + "/" + partsFolder_ + "/prepared.txt"; }
 
     void Work() {
-        std::error_code error;
-        if (fs::equivalent(result_.input, result_.output, error)) {
+        if (AreSameFile(result_.input, result_.output)) {
             result_.error = "the outcome would take the place of the file; choose another folder";
             return;
         }
@@ -186,9 +186,9 @@ private:
             return;
         }
         result_.losses = std::move(whole_.losses);
-        fs::create_directories(options_.folder + "/" + partsFolder_, error);
-        if (error) {
-            result_.error = "its folder can't be made: " + error.message();
+        std::string why;
+        if (!MakeFolders(options_.folder + "/" + partsFolder_, &why)) {
+            result_.error = "its folder can't be made: " + why;
             return;
         }
         PlanJobs();
@@ -203,7 +203,7 @@ private:
     bool TakeEarlier() {
         std::optional<PrepareRecord> record = ReadRecord(RecordPath());
         if (!record || record->options != OptionsLine(options_) || record->inputs.empty() ||
-            !IsSameFile(record->inputs[0].first, result_.input) || !Holds(*record, options_.folder)) {
+            !AreSameFile(record->inputs[0].first, result_.input) || !Holds(*record, options_.folder)) {
             return false;
         }
         record->result.input = std::move(result_.input);
@@ -211,10 +211,6 @@ private:
         result_ = std::move(record->result);
         result_.isUnchanged = true;
         return true;
-    }
-    static bool IsSameFile(const std::string& a, const std::string& b) {
-        std::error_code error;
-        return fs::equivalent(a, b, error);
     }
 
     // One for each product with shape, those of one file after the other.
@@ -394,17 +390,14 @@ private:
     void Record(const std::vector<std::string>& files) {
         PrepareRecord record;
         record.options = OptionsLine(options_);
-        std::error_code error;
         const std::string& top = whole_.files[0].path;
         const bool isArchive = !whole_.files[0].member.empty();
-        if (isArchive) { record.inputs.emplace_back(fs::absolute(top, error).string(), DigestOfFile(top)); }
+        if (isArchive) { record.inputs.emplace_back(AbsolutePath(top), DigestOfFile(top)); }
         for (const WholeFileEntry& file : whole_.files) {
             if (!file.member.empty()) { continue; } // the archive stands for them
-            record.inputs.emplace_back(fs::absolute(file.path, error).string(), file.digest);
+            record.inputs.emplace_back(AbsolutePath(file.path), file.digest);
         }
-        for (const std::string& path : whole_.missed) {
-            record.inputs.emplace_back(fs::absolute(path, error).string(), "");
-        }
+        for (const std::string& path : whole_.missed) { record.inputs.emplace_back(AbsolutePath(path), ""); }
         const auto add = [&](const std::string& path) {
             record.outputs.emplace_back(path, DigestOfFile(options_.folder + "/" + path));
         };

@@ -1,5 +1,6 @@
 #include "prepare/source_files.h"
 
+#include "platform/files.h"
 #include "platform/memory_left.h"
 #include "prepare/structure/p21_structure.h"
 #include "prepare/xml/xml_structure.h"
@@ -19,11 +20,6 @@ bool IsXml(std::string_view text) {
     if (text.starts_with("\xEF\xBB\xBF")) { text.remove_prefix(3); }
     const std::size_t first = text.find_first_not_of(" \t\r\n");
     return first != std::string_view::npos && text[first] == '<';
-}
-
-bool IsFile(const fs::path& path) {
-    std::error_code error;
-    return fs::is_regular_file(path, error);
 }
 
 // What of the text itself can't be understood; whatever stood there is lost.
@@ -54,19 +50,19 @@ std::string FindAmong(const std::string& folder, const std::vector<std::string>&
         // No drive, no scheme, no root.
         if (name.size() > 1 && name[1] == ':') { name.erase(0, 2); }
         name.erase(0, std::min(name.find_first_not_of('/'), name.size()));
-        if (name.empty() || name.find('\0') != std::string::npos) { continue; }
+        if (name.empty() || !CanNameFile(name)) { continue; }
         candidates.push_back(fs::path(folder) / name);
         candidates.push_back(fs::path(folder) / fs::path(name).filename());
     }
     for (const fs::path& path : candidates) {
-        if (isThere(path)) { return path.string(); }
+        if (isThere(path)) { return path.generic_string(); }
     }
     *isOther = true;
     for (const fs::path& path : candidates) {
         for (const char* const ending : kEndings) {
             fs::path other = path;
             other.replace_extension(ending);
-            if (isThere(other)) { return other.string(); }
+            if (isThere(other)) { return other.generic_string(); }
         }
     }
     return {};
@@ -103,15 +99,16 @@ std::unique_ptr<LoadedSource> LoadSource(const std::string& path, const std::str
 }
 
 std::string FindSource(const std::string& folder, const std::vector<std::string>& names, bool* isOther) {
-    return FindAmong(folder, names, IsFile, isOther);
+    const auto isFile = [](const fs::path& path) { return IsRegularFile(path.generic_string()); };
+    return FindAmong(folder, names, isFile, isOther);
 }
 
 std::string FindMember(const std::unordered_set<std::string>& members, const std::string& folder,
                        const std::vector<std::string>& names, bool* isOther) {
     const auto isMember = [&members](const fs::path& path) {
-        return members.contains(path.lexically_normal().string());
+        return members.contains(path.lexically_normal().generic_string());
     };
-    return fs::path(FindAmong(folder, names, isMember, isOther)).lexically_normal().string();
+    return fs::path(FindAmong(folder, names, isMember, isOther)).lexically_normal().generic_string();
 }
 
 } // namespace tarnwick::prepare

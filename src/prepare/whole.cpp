@@ -1,5 +1,6 @@
 #include "prepare/whole.h"
 
+#include "platform/files.h"
 #include "prepare/structure/shape_kinds.h"
 #include "prepare/use_styles.h"
 #include "text/look_up.h"
@@ -33,12 +34,6 @@ struct Node {
     std::vector<std::string> files;
     std::size_t origin = kNone; // the root of the file that describes it
 };
-
-std::string KeyOf(const std::string& path) {
-    std::error_code error;
-    const fs::path real = fs::weakly_canonical(path, error);
-    return error ? path : real.string();
-}
 
 class WholeReader {
 public:
@@ -100,7 +95,7 @@ private:
 
     // The place of the file, or of the member of the archive that it is; kNone where it can't be read.
     std::size_t Open(const std::string& path, const std::string& member) {
-        const std::string key = KeyOf(path) + "\n" + member;
+        const std::string key = RealPath(path) + "\n" + member;
         const auto [known, isNew] = places_.emplace(key, kNone);
         if (!isNew) { return known->second; }
         std::unique_ptr<LoadedSource> source = LoadSource(path, member);

@@ -3,11 +3,11 @@
 #include "p21/text_walk.h"
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "platform/opened_file.h"
 #include "platform/text_block.h"
 #include "product/draw_list.h"
 #include "summary/select_depth.h"
 #include "text/one_line.h"
-#include "text/opened_file.h"
 #include "text/parse_real.h"
 #include "text/text_find.h"
 

@@ -1,13 +1,11 @@
 #include "text/scan_reals.h"
 
+#include "platform/scan_real.h"
 #include "text/parse_real.h"
 #include "text/text_find.h"
 
 #include <charconv>
-#include <clocale>
 #include <cstdint>
-#include <cstdio>
-#include <locale.h>
 #include <string>
 
 namespace tarnwick {
@@ -28,29 +26,11 @@ bool IsSpace(char c) {
 
 using real::IsDigit;
 
-// A locale in which a real has a point, whatever the program's own says.
-locale_t PlainLocale() {
-    static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
-    return locale;
-}
-
 // The library's own reading of one number, for all unusual shapes. Returns the characters read, 0 for none.
-int ReadSlowly(const char* p, const char* end, double* value) {
+template <class T>
+int ReadSlowly(const char* p, const char* end, T* value) {
     const std::string copy(p, end);
-    const locale_t former = uselocale(PlainLocale());
-    int used = 0;
-    const int read = std::sscanf(copy.c_str(), "%lf%n", value, &used);
-    uselocale(former);
-    return read == 1 ? used : 0;
-}
-
-int ReadSlowly(const char* p, const char* end, float* value) {
-    const std::string copy(p, end);
-    const locale_t former = uselocale(PlainLocale());
-    int used = 0;
-    const int read = std::sscanf(copy.c_str(), "%f%n", value, &used);
-    uselocale(former);
-    return read == 1 ? used : 0;
+    return ScanReal(copy.c_str(), value);
 }
 
 // Takes a run of digits, eight at a time. What exceeds the mantissa is lost.

@@ -2,10 +2,10 @@
 
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "platform/opened_file.h"
 #include "platform/within_memory.h"
 #include "text/inflate_bytes.h"
 #include "text/one_line.h"
-#include "text/opened_file.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,6 +1,6 @@
 // Programs that run beside the viewer.
 
-#include "app/child_program.h"
+#include "platform/child_program.h"
 #include "support/temp_folder.h"
 
 #include <gmock/gmock.h>

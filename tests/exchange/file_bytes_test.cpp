@@ -15,10 +15,11 @@ namespace {
 constexpr std::size_t kMost = std::size_t{1} << 30;
 
 std::string Zlib(const std::string& text) {
-    uLongf size = compressBound(text.size());
+    const auto length = static_cast<uLong>(text.size());
+    uLongf size = compressBound(length);
     std::string packed(size, '\0');
     compress(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(text.data()),
-             text.size());
+             length);
     packed.resize(size);
     return packed;
 }

@@ -1,6 +1,7 @@
 // The memory that is left, told by folders that look like those of the system.
 
 #include "platform/memory_left.h"
+#include "platform/memory_sources.h"
 #include "platform/pages.h"
 #include "support/sanitized.h"
 #include "support/temp_folder.h"

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 
 namespace tarnwick::test {
 
@@ -12,9 +13,10 @@ TempFolder::TempFolder() {
     std::error_code ignored;
     const bool inMemory = std::filesystem::is_directory("/dev/shm", ignored);
     const std::filesystem::path above = inMemory ? "/dev/shm" : std::filesystem::temp_directory_path();
-    path_ =
-        (above / ("tarnwick-test-" + std::string(6, 'X'))).string(); // mkdtemp puts something else for these
-    if (mkdtemp(path_.data()) == nullptr) { std::abort(); }
+    std::random_device random;
+    do {
+        path_ = (above / ("tarnwick-test-" + std::to_string(random()))).generic_string();
+    } while (!std::filesystem::create_directory(path_));
 }
 
 TempFolder::~TempFolder() {

@@ -1,6 +1,6 @@
 // What the system denies a file.
 
-#include "text/opened_file.h"
+#include "platform/opened_file.h"
 
 #include "support/capture.h"
 #include "support/temp_folder.h"

@@ -1,8 +1,9 @@
 #include "text/scan_reals.h"
 
+#include "platform/scan_real.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
 #include <random>
 #include <string>
@@ -10,16 +11,18 @@
 namespace tarnwick {
 namespace {
 
-// The library's own reading of up to nine numbers.
-int Plain(const std::string& text, double* v) {
-    const int read = std::sscanf(text.c_str(), "%lf %lf %lf %lf %lf %lf %lf %lf %lf", v, v + 1, v + 2, v + 3,
-                                 v + 4, v + 5, v + 6, v + 7, v + 8);
-    return read < 0 ? 0 : read;
-}
-int Plain(const std::string& text, float* v) {
-    const int read = std::sscanf(text.c_str(), "%f %f %f %f %f %f %f %f %f", v, v + 1, v + 2, v + 3, v + 4,
-                                 v + 5, v + 6, v + 7, v + 8);
-    return read < 0 ? 0 : read;
+// The library's own reading of up to nine numbers, one after the other; where it rounds twice, by the rules
+// that stand in for it.
+template <class T>
+int Plain(const std::string& text, T* values) {
+    const char* p = text.c_str();
+    for (int i = 0; i < 9; ++i) {
+        p += std::strspn(p, " \t\n\v\f\r");
+        const int used = ScanReal(p, values + i);
+        if (used == 0) { return i; }
+        p += used;
+    }
+    return 9;
 }
 
 template <class T>

@@ -6,6 +6,7 @@
 #include "load/no_controls.h"
 #include "platform/console.h"
 #include "platform/flush_output.h"
+#include "platform/standard_streams.h"
 #include "platform/whole_file.h"
 #include "platform/within_memory.h"
 #include "report/report.h"
@@ -18,7 +19,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 
 namespace tarnwick::tools {
 
@@ -113,9 +113,7 @@ void SayWhatHelps(const SceneView& view, bool loaded, const std::string& path) {
 // Whether standard output is a terminal whose user hasn't asked for no colours.
 bool HasColours() {
     const char* const refused = std::getenv("NO_COLOR");
-    const char* const terminal = std::getenv("TERM");
-    return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0') && terminal != nullptr &&
-           std::strcmp(terminal, "dumb") != 0;
+    return (refused == nullptr || *refused == '\0') && IsColourTerminal();
 }
 
 } // namespace

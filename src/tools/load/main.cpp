@@ -1,6 +1,7 @@
 // tarnwick-load: the load of the viewer without a window.
 
 #include "platform/out_of_memory.h"
+#include "platform/program_start.h"
 #include "platform/within_memory.h"
 #include "tools/load/load_program.h"
 #include "tools/load/options.h"
@@ -31,6 +32,11 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     int status = 1;
-    if (!tarnwick::WithinMemory([&] { status = Run(argc, argv); })) { std::fputs(kOutOfMemory, stderr); }
+    if (!tarnwick::WithinMemory([&] {
+            const tarnwick::ProgramStart start(argc, argv);
+            status = Run(start.count, start.words);
+        })) {
+        std::fputs(kOutOfMemory, stderr);
+    }
     return status;
 }

@@ -14,6 +14,7 @@ bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
                  "to standard "
                  "error.",
                  "tarnwick-load");
+    app.allow_windows_style_options(false); // a path may begin with "/"
     app.set_version_flag("--version", std::string("tarnwick-load ") + TARNWICK_VERSION);
     app.add_option("PATH", options->path, "the file to load")->required();
     app.add_option("PRODUCT", options->product, "name of the product to show (STEP XML and archives)");

@@ -57,6 +57,7 @@ int RunChosen(const std::vector<Kind>& kinds) {
 
 int RunCommandLine(int argc, char** argv) {
     CLI::App app("Writes sample models. The same options give the same bytes.", "tarnwick-make");
+    app.allow_windows_style_options(false); // a path may begin with "/"
     app.set_version_flag("--version", "tarnwick-make " TARNWICK_VERSION);
     app.require_subcommand(1);
     Options options;

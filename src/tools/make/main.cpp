@@ -2,6 +2,7 @@
 
 #include "platform/flush_output.h"
 #include "platform/out_of_memory.h"
+#include "platform/program_start.h"
 #include "platform/within_memory.h"
 #include "tools/make/command_line.h"
 
@@ -22,7 +23,10 @@ constexpr const char* kOutOfMemory = "tarnwick-make: it needs more memory than t
 
 int main(int argc, char** argv) {
     int status = 1;
-    if (!tarnwick::WithinMemory([&] { status = tarnwick::make::RunCommandLine(argc, argv); })) {
+    if (!tarnwick::WithinMemory([&] {
+            const tarnwick::ProgramStart start(argc, argv);
+            status = tarnwick::make::RunCommandLine(start.count, start.words);
+        })) {
         std::fputs(kOutOfMemory, stderr);
     }
     if (const int error = tarnwick::FlushOutput()) {

@@ -1,7 +1,7 @@
 #include "tools/open/open_file.h"
 
-#include "app/child_program.h"
 #include "load/file_kind.h"
+#include "platform/child_program.h"
 #include "prepare/shape_count.h"
 #include "tools/open/places.h"
 

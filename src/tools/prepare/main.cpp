@@ -1,7 +1,9 @@
 // tarnwick-prepare: brings STEP files of any kind into the form that the viewer shows.
 
 #include "mesher/mesher.h"
+#include "platform/interrupts.h"
 #include "platform/out_of_memory.h"
+#include "platform/program_start.h"
 #include "platform/whole_file.h"
 #include "platform/within_memory.h"
 #include "tools/prepare/options.h"
@@ -10,7 +12,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -28,14 +29,6 @@ std::atomic<bool> cancelled{false};
 // Before the library of the command line makes its own objects.
 [[gnu::constructor(101)]] void SetTerminate() {
     std::set_terminate([] { EndOutOfMemory(kOutOfMemory); });
-}
-
-void CancelOnSignals() {
-    struct sigaction action {};
-    action.sa_handler = [](int) { cancelled = true; };
-    action.sa_flags = static_cast<int>(SA_RESETHAND); // the second one ends the program
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
 }
 
 bool WriteJson(const std::string& json, const std::string& name) {
@@ -57,7 +50,7 @@ int Run(int argc, char** argv) {
     int status = 0;
     if (!tools::ReadOptions(argc, argv, &command, &status)) { return status; }
     command.options.meshProgram = FindMeshProgram();
-    CancelOnSignals();
+    OnFirstInterrupt([](int) { cancelled = true; });
     // Where standard output is for the report, what is for people goes beside it.
     std::FILE* const words = command.jsonFile == "-" ? stderr : stdout;
     std::vector<prepare::PrepareResult> results;
@@ -82,6 +75,11 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     int status = 1;
-    if (!WithinMemory([&] { status = Run(argc, argv); })) { std::fputs(kOutOfMemory, stderr); }
+    if (!WithinMemory([&] {
+            const ProgramStart start(argc, argv);
+            status = Run(start.count, start.words);
+        })) {
+        std::fputs(kOutOfMemory, stderr);
+    }
     return status;
 }

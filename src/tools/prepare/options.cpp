@@ -29,6 +29,7 @@ bool ReadOptions(int argc, char** argv, PrepareCommand* command, int* status) {
         "Brings STEP files of any kind into the form that the viewer shows: FOLDER/NAME.stp and, for an "
         "assembly, its parts in FOLDER/NAME.parts.",
         "tarnwick-prepare");
+    app.allow_windows_style_options(false); // a path may begin with "/"
     app.set_version_flag("--version", std::string("tarnwick-prepare ") + TARNWICK_VERSION);
     app.add_option("FILE", command->files, "STEP files: stp, step, p21, stpx, xml, plain or packed")
         ->required();

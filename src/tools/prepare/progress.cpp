@@ -1,6 +1,6 @@
 #include "tools/prepare/progress.h"
 
-#include <unistd.h>
+#include "platform/standard_streams.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -30,8 +30,8 @@ std::string Duration(double seconds) {
 }
 
 Progress::Progress(std::string name)
-    : name_(std::move(name)), isTerminal_(isatty(STDERR_FILENO) == 1),
-      begin_(std::chrono::steady_clock::now()), lastTold_(isTerminal_ ? -kBarPause : 0) {}
+    : name_(std::move(name)), isTerminal_(IsErrorTerminal()), begin_(std::chrono::steady_clock::now()),
+      lastTold_(isTerminal_ ? -kBarPause : 0) {}
 
 double Progress::Seconds() const {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin_).count();

@@ -18,6 +18,10 @@ constexpr int kMostNames = 100;
 // The system writes no more at once.
 constexpr std::size_t kLargestPiece = std::size_t{1} << 30;
 
+int Number(std::intptr_t file) {
+    return static_cast<int>(file);
+}
+
 } // namespace
 
 WholeFile::WholeFile(const char* path, Empty empty) : path_(), neighbour_() {
@@ -53,7 +57,7 @@ WholeFile::WholeFile(const char* path, Empty empty) : path_(), neighbour_() {
     if (file_ < 0) {
         Fail();
         neighbour_[0] = '\0';
-    } else if (exists && fchmod(file_, status.st_mode & 07777) != 0) {
+    } else if (exists && fchmod(Number(file_), status.st_mode & 07777) != 0) {
         Fail();
     }
 }
@@ -71,7 +75,7 @@ void WholeFile::Fail() {
 void WholeFile::Write(const void* bytes, std::size_t count) {
     const char* next = static_cast<const char*>(bytes);
     while (count > 0 && error_ == 0) {
-        const ssize_t written = write(file_, next, std::min(count, kLargestPiece));
+        const ssize_t written = write(Number(file_), next, std::min(count, kLargestPiece));
         if (written < 0) {
             if (errno != EINTR) { Fail(); }
             continue;
@@ -82,7 +86,7 @@ void WholeFile::Write(const void* bytes, std::size_t count) {
 }
 
 void WholeFile::GoTo(std::uint64_t offset) {
-    if (error_ == 0 && lseek(file_, static_cast<off_t>(offset), SEEK_SET) < 0) { Fail(); }
+    if (error_ == 0 && lseek(Number(file_), static_cast<off_t>(offset), SEEK_SET) < 0) { Fail(); }
 }
 
 int WholeFile::Close() {
@@ -90,10 +94,10 @@ int WholeFile::Close() {
     // Half a text in a linked file is worse than none.
     struct stat status;
     const bool inPlace = neighbour_[0] == '\0';
-    if (inPlace && error_ != 0 && fstat(file_, &status) == 0 && S_ISREG(status.st_mode)) {
-        if (ftruncate(file_, 0) != 0) { Fail(); }
+    if (inPlace && error_ != 0 && fstat(Number(file_), &status) == 0 && S_ISREG(status.st_mode)) {
+        if (ftruncate(Number(file_), 0) != 0) { Fail(); }
     }
-    if (close(file_) != 0) { Fail(); }
+    if (close(Number(file_)) != 0) { Fail(); }
     file_ = -1;
     if (inPlace) { return error_; }
     if (error_ == 0 && rename(neighbour_, path_) != 0) { Fail(); }

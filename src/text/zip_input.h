@@ -1,6 +1,6 @@
 #pragma once
 
-#include "text/opened_file.h"
+#include "platform/opened_file.h"
 
 #include <minizip/ioapi.h>
 

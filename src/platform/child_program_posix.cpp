@@ -1,4 +1,4 @@
-#include "app/child_program.h"
+#include "platform/child_program.h"
 
 #include "platform/console.h"
 
@@ -46,7 +46,9 @@ ChildProgram::ChildProgram(const std::vector<std::string>& command) {
     if (error == 0) {
         error = posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         if (error == 0) {
-            error = posix_spawnp(&process_, words[0], &actions, nullptr, words.data(), environ);
+            pid_t process = 0;
+            error = posix_spawnp(&process, words[0], &actions, nullptr, words.data(), environ);
+            process_ = process;
         }
         posix_spawn_file_actions_destroy(&actions);
     }
@@ -59,7 +61,7 @@ ChildProgram::ChildProgram(const std::vector<std::string>& command) {
 bool ChildProgram::IsRunning() {
     if (process_ == 0) { return false; }
     int status = 0;
-    const pid_t ended = WaitFor(process_, &status, WNOHANG);
+    const pid_t ended = WaitFor(static_cast<pid_t>(process_), &status, WNOHANG);
     if (ended == 0) { return true; }
     succeeded_ = ended == process_ && WIFEXITED(status) && WEXITSTATUS(status) == 0;
     process_ = 0;
@@ -68,8 +70,8 @@ bool ChildProgram::IsRunning() {
 
 void ChildProgram::Kill() {
     if (process_ == 0) { return; }
-    kill(process_, SIGKILL);
-    WaitFor(process_, nullptr, 0);
+    kill(static_cast<pid_t>(process_), SIGKILL);
+    WaitFor(static_cast<pid_t>(process_), nullptr, 0);
     process_ = 0;
 }
 

@@ -1,4 +1,5 @@
 #include "platform/memory_left.h"
+#include "platform/memory_sources.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -182,6 +183,10 @@ std::uint64_t ControlGroupsLeft(const MemorySources& sources) {
 std::uint64_t MemoryLeft(const MemorySources& sources) {
     return std::min(
         {MachineLeft(sources.processes), AddressSpaceLeft(sources.processes), ControlGroupsLeft(sources)});
+}
+
+std::uint64_t MemoryLeft() {
+    return MemoryLeft(MemorySources{});
 }
 
 } // namespace tarnwick

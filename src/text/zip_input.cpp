@@ -1,4 +1,4 @@
-#include "archive/zip_input.h"
+#include "text/zip_input.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace tarnwick {
 
@@ -25,7 +24,7 @@ public:
     void Kill();
 
 private:
-    pid_t process_ = 0; // 0 when there is none to wait for
+    std::intptr_t process_ = 0; // the system's own name of it; 0 when there is none to wait for
     bool succeeded_ = false;
 };
 

@@ -1,4 +1,4 @@
-#include "text/opened_file.h"
+#include "platform/opened_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -48,15 +48,16 @@ OpenedFile::OpenedFile(const char* path) {
 }
 
 OpenedFile::~OpenedFile() {
-    if (file_ >= 0) { close(file_); }
+    if (file_ >= 0) { close(static_cast<int>(file_)); }
 }
 
 std::size_t OpenedFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes, int* error) const {
+    const int file = static_cast<int>(file_);
     std::size_t done = 0;
     *error = 0;
     while (done < bytes) {
         const ssize_t got =
-            pread(file_, static_cast<char*>(buffer) + done, bytes - done, static_cast<off_t>(offset + done));
+            pread(file, static_cast<char*>(buffer) + done, bytes - done, static_cast<off_t>(offset + done));
         if (got < 0 && errno == EINTR) { continue; }
         if (got < 0) { *error = errno; }
         if (got <= 0) { break; }

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Files and folders by their names, which are UTF-8 where the system's own are UTF-16.
+namespace tarnwick {
+
+// Whether the system can have a file of that name below a folder.
+bool CanNameFile(std::string_view name);
+
+bool IsRegularFile(const std::string& path);
+
+// Whether both are there and the same file, by whatever names.
+bool AreSameFile(const std::string& a, const std::string& b);
+
+// The path from a root on; the path itself where the system doesn't tell.
+std::string AbsolutePath(const std::string& path);
+
+// The same for all names of one file: absolute, with links followed as far as there are files.
+std::string RealPath(const std::string& path);
+
+// Makes the folder and those above it that aren't there; false, and why in words, where that fails.
+bool MakeFolders(const std::string& path, std::string* why);
+
+// Makes one folder that only the user may look into, where there is none of that name.
+void MakePrivateFolder(const std::string& path);
+
+// Removes the file. Returns 0 when there is none of that name any more, else an errno.
+int RemoveFile(const std::string& path);
+
+} // namespace tarnwick

@@ -1,0 +1,51 @@
+#include "platform/forked_work.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+
+namespace tarnwick {
+
+namespace {
+
+[[noreturn]] void WorkAndEnd(const std::function<void()>& work, int toParent) {
+    const int nowhere = fileno(std::tmpfile());
+    dup2(toParent, STDERR_FILENO);
+    dup2(nowhere, STDOUT_FILENO);
+    work();
+    std::fflush(stderr);
+    _exit(0);
+}
+
+} // namespace
+
+ForkedWork::ForkedWork(const std::function<void()>& work) {
+    int ends[2];
+    if (pipe(ends) != 0) { return; }
+    std::fflush(nullptr);
+    process_ = fork();
+    if (process_ == 0) {
+        close(ends[0]);
+        WorkAndEnd(work, ends[1]);
+    }
+    close(ends[1]);
+    stream_ = process_ > 0 ? fdopen(ends[0], "r") : nullptr;
+    if (stream_ == nullptr) { close(ends[0]); }
+}
+
+ForkedWork::~ForkedWork() {
+    End(false);
+}
+
+void ForkedWork::End(bool kill) {
+    if (stream_ != nullptr) { std::fclose(stream_); }
+    stream_ = nullptr;
+    if (process_ <= 0) { return; }
+    if (kill) { ::kill(process_, SIGKILL); }
+    while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {}
+    process_ = 0;
+}
+
+} // namespace tarnwick

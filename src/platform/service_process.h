@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tarnwick {
+
+// How a process ended.
+struct ProcessEnd {
+    enum class Kind : std::uint8_t { kExit, kSignal };
+    Kind kind = Kind::kExit;
+    int number = 0; // the exit status, or the signal
+};
+
+// A program that talks with us over its standard input and output; what it writes to standard error is lost.
+// For one thread at a time.
+class ServiceProcess {
+public:
+    ServiceProcess() = default;
+    ServiceProcess(const ServiceProcess&) = delete;
+    ServiceProcess& operator=(const ServiceProcess&) = delete;
+    ~ServiceProcess() { End(); }
+
+    enum class Start : std::uint8_t { kRuns, kNoConnection, kNotStarted };
+    // Starts the program that the first word names, with the others as its arguments; *why says in words why
+    // it doesn't run. To be called while none runs.
+    Start Run(const std::vector<std::string>& command, std::string* why);
+    bool IsRunning() const { return process_ != 0; }
+
+    // Waits for so many milliseconds at most until there is something to read or, where that is asked for,
+    // room to write. False where the other side is gone.
+    struct Ready {
+        bool toRead = false;
+        bool toWrite = false;
+    };
+    bool Wait(int milliseconds, bool forRoom, Ready* ready);
+
+    // Sends what there is room for now and adds that to *sent; false where the other side takes no more.
+    bool Send(const char* bytes, std::size_t count, std::size_t* sent);
+    // Takes up to `room` bytes, and sets *got to how many there were; false where there will be no more.
+    bool Receive(char* bytes, std::size_t room, std::size_t* got);
+
+    // Ends the process where there is one, and waits for that.
+    ProcessEnd End();
+    // The same for one that has closed its side: it has so many seconds to end by itself.
+    ProcessEnd EndAfter(double seconds);
+
+private:
+    int process_ = 0; // 0 when there is none
+    int socket_ = -1; // its standard input and output
+};
+
+} // namespace tarnwick
