@@ -44,13 +44,15 @@ viewer_test_packages=(xvfb openbox xdotool wmctrl x11-utils libx11-dev locales x
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 test_packages=(nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev libfast-float-dev)
 
+# What builds for Windows, and runs that.
+windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64 dpkg-dev)
 package_packages=(dpkg-dev file)
 # What only the check of the package needs.
 package_check_packages=(lintian desktop-file-utils appstream libxml2-utils groff shared-mime-info libglib2.0-bin dbus-x11
   bash-completion tumbler bubblewrap python3-minimal)
 
 all_packages=("${build_packages[@]}" "${kernel_packages[@]}" "${viewer_packages[@]}" "${viewer_test_packages[@]}" "${fuzz_packages[@]}"
-  "${test_packages[@]}" "${package_packages[@]}" "${package_check_packages[@]}")
+  "${test_packages[@]}" "${windows_packages[@]}" "${package_packages[@]}" "${package_check_packages[@]}")
 
 # build PRESET [TARGET...]: configures if need be, and builds.
 build() {

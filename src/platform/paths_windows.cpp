@@ -1,0 +1,11 @@
+#include "platform/paths.h"
+
+namespace tarnwick {
+
+std::string FolderOf(std::string_view path) {
+    const std::size_t separator = path.find_last_of("/\\");
+    if (separator == std::string_view::npos || separator == 0) { return {}; }
+    return std::string(path.substr(0, separator + 1));
+}
+
+} // namespace tarnwick
