@@ -46,6 +46,8 @@ test_packages=(nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev lib
 
 # What builds for Windows, and runs that.
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64 dpkg-dev)
+# What only the package for Windows needs.
+windows_package_packages=(qt6-base-dev python3-minimal zip)
 package_packages=(dpkg-dev file)
 # What only the check of the package needs.
 package_check_packages=(lintian desktop-file-utils appstream libxml2-utils groff shared-mime-info libglib2.0-bin dbus-x11

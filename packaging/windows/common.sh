@@ -112,3 +112,21 @@ make_test_library() {
     touch "$windows_prefix/made/googletest"
   fi
 }
+
+# make_qt: what the viewer needs of Qt, its DLLs and plug-ins. Takes 17 minutes on two cores, once.
+make_qt() {
+  local source feature options=()
+  if ! made qt; then
+    source_of qt6-base
+    for feature in network sql dbus xml testlib printsupport concurrent tabletevent vulkan icu zstd glib \
+      system_{zlib,png,jpeg,freetype,harfbuzz,pcre2}; do
+      options+=("-DFEATURE_$feature=OFF")
+    done
+    make_with_cmake "$source" -DBUILD_SHARED_LIBS=ON -DQT_HOST_PATH=/usr \
+      -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF \
+      -DINPUT_opengl=desktop "${options[@]}"
+    mkdir -p "$windows_prefix/licences"
+    cp "$source"/LICENSES/{LGPL-3.0-only,GPL-3.0-only}.txt "$windows_prefix/licences"
+    touch "$windows_prefix/made/qt"
+  fi
+}
