@@ -37,7 +37,8 @@ public:
     };
     bool Wait(int milliseconds, bool forRoom, Ready* ready);
 
-    // Sends what there is room for now and adds that to *sent; false where the other side takes no more.
+    // Sends what there is room for now and adds that to *sent; false where the other side takes no more,
+    // which then gets no more.
     bool Send(const char* bytes, std::size_t count, std::size_t* sent);
     // Takes up to `room` bytes, and sets *got to how many there were; false where there will be no more.
     bool Receive(char* bytes, std::size_t room, std::size_t* got);

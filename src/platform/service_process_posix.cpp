@@ -87,7 +87,11 @@ bool ServiceProcess::Wait(int milliseconds, bool forRoom, Ready* ready) {
 
 bool ServiceProcess::Send(const char* bytes, std::size_t count, std::size_t* sent) {
     const ssize_t done = send(socket_, bytes, count, MSG_NOSIGNAL);
-    if (done < 0) { return errno == EINTR || errno == EAGAIN; }
+    if (done < 0) {
+        if (errno == EINTR || errno == EAGAIN) { return true; }
+        shutdown(socket_, SHUT_WR); // it must not wait for more
+        return false;
+    }
     *sent += static_cast<std::size_t>(done);
     return true;
 }
