@@ -16,6 +16,7 @@
 #include <Precision.hxx>
 #include <Standard_ErrorHandler.hxx>
 #include <Standard_Failure.hxx>
+#include <Standard_OutOfMemory.hxx>
 #include <STEPControl_ActorRead.hxx>
 #include <STEPControl_Reader.hxx>
 #include <StepData_GlobalFactors.hxx>
@@ -39,14 +40,18 @@
 #include <Transfer_TransientProcess.hxx>
 #include <TransferBRep.hxx>
 
+#include <cxxabi.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <exception>
 #include <istream>
 #include <new>
 #include <numbers>
 #include <streambuf>
+#include <typeinfo>
 #include <unordered_map>
 #include <vector>
 
@@ -72,6 +77,8 @@ std::string Caught(const Work& work) {
         work();
     } catch (const OSD_Signal&) {
         return "the geometry kernel crashed";
+    } catch (const Standard_OutOfMemory&) {
+        return "out of memory";
     } catch (const Standard_Failure& failure) {
         const char* const words = failure.GetMessageString();
         const std::string name = failure.DynamicType()->Name();
@@ -350,6 +357,13 @@ private:
 } // namespace
 
 void StartKernel() {
+    std::set_terminate([] {
+        const std::type_info* const type = abi::__cxa_current_exception_type();
+        const bool isMemory =
+            type != nullptr && (*type == typeid(std::bad_alloc) || *type == typeid(Standard_OutOfMemory));
+        if (isMemory) { std::_Exit(kStatusOutOfMemory); }
+        std::abort();
+    });
     Message::DefaultMessenger()->ChangePrinters().Clear();
     OSD::SetSignal(Standard_False);
 }

@@ -4,8 +4,12 @@
 
 namespace tarnwick::tools {
 
-// Sets up the kernel for this process: its messages go nowhere, and a signal in it becomes one of its
-// exceptions. Once, before anything else of the kernel.
+// Of the process, by which its client tells want of memory from other ends.
+inline constexpr int kStatusOutOfMemory = 3;
+
+// Sets up the kernel for this process: its messages go nowhere, a signal in it becomes one of its exceptions,
+// and want of memory where it may not throw ends it with that status. Once, before anything else of the
+// kernel.
 void StartKernel();
 
 // Who is told what the kernel begins, and gets the parts of an answer that comes in parts.

@@ -147,5 +147,5 @@ int main(int count, char** words) {
     // process.
     try {
         return tarnwick::tools::Run(count, words);
-    } catch (const std::exception&) { return 3; }
+    } catch (const std::exception&) { return tarnwick::tools::kStatusOutOfMemory; }
 }
