@@ -1,4 +1,5 @@
 #include "check/checked.h"
+#include "platform/within_memory.h"
 #include "support/json.h"
 
 namespace tarnwick::test {
@@ -36,6 +37,17 @@ TEST(CheckReports, DontPraiseAFileWhoseLoadWasNotTried) {
     const std::string text = CheckText(CheckedUntried(folder.Write("part.stp", GoodPart())));
     EXPECT_EQ(text, "No fault is found, but the load couldn't be tried\n\n"
                     "The load couldn't be tried: try it with tarnwick-load.\n");
+}
+
+TEST(CheckReports, TellOfMemoryThatOnlyTheLoadDidNotFind) {
+    const TempFolder folder;
+    LoadOutcome outcome;
+    outcome.end = LoadOutcome::End::kDone;
+    outcome.unread = {{"part.stp", "wheel", kNeedsMemory}, {"other.stp", "axle", "can't be opened"}};
+    const CheckReport report = CheckWith(folder.Write("part.stp", GoodPart()), nullptr, outcome);
+    ASSERT_EQ(report.findings.size(), 1u);
+    EXPECT_EQ(report.findings[0].kind, FindingKind::kUnread);
+    EXPECT_EQ(report.findings[0].text, "the file of product 'wheel' needs more memory than there is");
 }
 
 TEST(CheckReports, NameLineAndEntityOfAFinding) {
