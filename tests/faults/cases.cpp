@@ -195,19 +195,20 @@ Input OverMeshing(const Programs& programs, const std::filesystem::path& folder)
 // Without a display. What the viewer takes is asked of a further process.
 Input OverOpening(const Programs& programs, const std::filesystem::path& folder) {
     Input input{"tarnwick-open", {}};
-    for (const char* const name : {"part.stp", "assembly.stpz", "exact.stp", "archive.stpa", "broken.stp"}) {
-        if (programs.mesh.empty() && name == std::string("exact.stp")) { continue; }
-        const std::string path = (folder / name / name).string();
-        for (const bool isOther : {false, true}) {
-            input.cases.push_back({.name = std::string(isOther ? "open, asking, " : "open ") + name,
-                                   .program = programs.open,
-                                   .arguments = {path},
-                                   .tellsOnOutput = true,
-                                   .writesText = true,
-                                   .other = isOther ? programs.open : "",
-                                   .milliseconds = kMillisecondsWithKernel});
-        }
-    }
+    const auto add = [&](const char* name, const std::string& other) {
+        input.cases.push_back({.name = std::string(other.empty() ? "open " : "open, asking, ") + name,
+                               .program = programs.open,
+                               .arguments = {(folder / name / name).string()},
+                               .tellsOnOutput = true,
+                               .writesText = true,
+                               .other = other,
+                               .mayPrepare = true,
+                               .milliseconds = kMillisecondsWithKernel});
+    };
+    add("part.stp", "");
+    add("part.stp", programs.open);
+    add("exact.stp", "");
+    add("broken.stp", "");
     return input;
 }
 
@@ -217,7 +218,7 @@ Input OverPictures(const Programs& programs, const std::filesystem::path& folder
         const std::string path = (folder / name / name).string();
         input.cases.push_back({.name = std::string("picture ") + name,
                                .program = programs.picture,
-                               .arguments = {path, "-o", "%o/shot.png", "--size", "64x48"},
+                               .arguments = {path, "-o", "%o/shot.png", "--size", "64x48", "--no-fit"},
                                .preloaded = programs.silentGl});
     }
     return input;

@@ -55,7 +55,9 @@ bool IsHalfWritten(const Case& one, const Undisturbed& undisturbed,
     return std::any_of(files.begin(), files.end(), [&](const auto& file) {
         const auto& [name, text] = file;
         const auto whole = undisturbed.files.find(name);
-        if (whole == undisturbed.files.end() && !IsRecord(name)) { return true; }
+        const bool isKnown = whole != undisturbed.files.end() || IsRecord(name) ||
+                             (one.mayPrepare && std::filesystem::path(name).extension() == ".stp");
+        if (!isKnown) { return true; }
         if (whole != undisturbed.files.end() && text == whole->second) { return false; }
         // What is written of a smaller scene is another text, but a whole one.
         return !one.writesText || !IsWholeText(name, text);
@@ -153,9 +155,13 @@ Verdict Judge(const Case& one, const Undisturbed& undisturbed, const Ending& end
     if (ending.status > 2) { return Verdict::kStatus; }
     const std::map<std::string, std::string> files = ShownFiles(ending);
     if (IsHalfWritten(one, undisturbed, files)) { return Verdict::kHalfWritten; }
+    // What another program gave at a second try may be other triangles of the same shape.
     const bool same = ending.status == undisturbed.status && ShownOutput(one, ending) == undisturbed.output &&
-                      WithoutRecords(files) == WithoutRecords(undisturbed.files);
-    const Verdict verdict = same ? Verdict::kSame : Telling(one, undisturbed, ending, plan, line);
+                      (!one.other.empty() || WithoutRecords(files) == WithoutRecords(undisturbed.files));
+    const bool isPrepared = one.mayPrepare && ending.status == undisturbed.status && !files.empty() &&
+                            ending.errors.find("missing") == std::string::npos;
+    const Verdict verdict =
+        same || isPrepared ? Verdict::kSame : Telling(one, undisturbed, ending, plan, line);
     const bool leaks =
         plan.ended != 0 && (plan.blocks > undisturbed.blocks || plan.pageBytes > undisturbed.pageBytes);
     return IsGood(verdict) && leaks ? Verdict::kLeak : verdict;

@@ -18,6 +18,7 @@ struct Case {
     bool tellsOnOutput = false; // the report on standard output may be what says "memory"
     bool writesText = false;    // what it writes are texts that end with a line of their kind
     std::string other = {};     // a program that it starts, whose are the faults; empty for its own
+    bool mayPrepare = false;    // it may prepare what it doesn't get otherwise
     int milliseconds = 3000;    // for a run that takes a part of it
     std::string preloaded = {}; // a library that takes the place of others
     std::filesystem::path before = {}; // a folder that is in that of what is written when it starts
