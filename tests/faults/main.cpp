@@ -40,6 +40,8 @@ struct Tally {
 };
 
 void PrintHead();
+// Of the table of docs/robustness.md.
+void PrintSum(const char* fault, const Tally& tally);
 void PrintRow(const std::string& name, const char* fault, const Tally& tally);
 
 class Campaign {
@@ -248,6 +250,13 @@ bool Campaign::IsKnown(const Finding& finding) const {
     return false;
 }
 
+void PrintSum(const char* fault, const Tally& tally) {
+    std::array<std::int64_t, 3> sums{}; // the same, told, otherwise
+    for (std::size_t i = 0; i < kVerdicts; ++i) { sums[std::min<std::size_t>(i, 2)] += tally.count[i]; }
+    std::printf("| %s | %ld | %ld | %ld | %ld |\n", fault, static_cast<long>(sums[0] + sums[1] + sums[2]),
+                static_cast<long>(sums[0]), static_cast<long>(sums[1]), static_cast<long>(sums[2]));
+}
+
 void PrintHead() {
     std::printf("%-18s %-11s %7s %7s %7s %7s %7s %7s %7s %7s %7s %7s\n", "input", "fault", "runs", "same",
                 "told", "other", "silent", "signal", "status", "hang", "leak", "half");
@@ -269,8 +278,10 @@ bool Campaign::Report() const {
             all.count[i] += tally.count[i];
         }
     }
-    for (const auto& [fault, tally] : sums) { PrintRow("all", NameOf(fault), tally); }
-    PrintRow("all", "all", all);
+    std::puts("\n| every | runs | nothing changed | told | otherwise |\n|---|---|---|---|---|");
+    for (const auto& [fault, tally] : sums) { PrintSum(NameOf(fault), tally); }
+    PrintSum("all", all);
+    std::puts("");
     if (endsInToolkit_ > 0) {
         std::printf("besides, %d loads of the viewer ended in the toolkit, which can't do without memory\n",
                     endsInToolkit_);
