@@ -26,12 +26,15 @@ protected:
         for (std::size_t at = 0; (at = run.errors.find("<E>", at)) != std::string::npos; ++at) { ++count; }
         return count;
     }
+    // Of a program that the system found no room for, its libraries included.
+    static constexpr int kNotStarted = 127;
     // Every limit from one at which nothing can be loaded to one at which everything can.
     void LoadWithinAll(const std::string& path, bool isOneFile) {
         int loaded = 0;
         int givenUp = 0;
         for (int kilobytes = 11000; kilobytes < 120000; kilobytes += kilobytes / 16) {
             const ProgramRun run = RunWithin(kilobytes, path);
+            if (run.status == kNotStarted) { continue; }
             ASSERT_TRUE(run.status == 0 || run.status == 1) << kilobytes << ": " << run.status << run.errors;
             if (run.status == 0) {
                 ++loaded;
