@@ -3,7 +3,6 @@
 #include "platform/console.h"
 
 #include <algorithm>
-#include <new>
 
 namespace tarnwick {
 
@@ -24,7 +23,13 @@ std::int32_t ListP42Ent::Add(P42Ent* record) {
     P42Node* const node = arena_->New<P42Node>();
     if (node == nullptr) { return 0; }
     node->record = record;
-    return AddNode(node);
+    if (tail_ == nullptr) {
+        head_ = node;
+    } else {
+        tail_->next = node;
+    }
+    tail_ = node;
+    return ++count_;
 }
 
 std::int32_t ListP42Ent::Contains(const P42Ent* record) {
@@ -54,9 +59,9 @@ P42Ent* ListP42Ent::Next() {
 }
 
 MapP42Ent::MapP42Ent(Arena* arena, std::int32_t bits, BucketsOnDemand)
-    : arena_(arena), bits_(bits), bucketCount_(std::int32_t{1} << bits), mask_(bucketCount_ - 1) {
-    buckets_ = static_cast<ListP42Ent*>(
-        arena->Allocate(static_cast<std::size_t>(bucketCount_) * sizeof(ListP42Ent)));
+    : bits_(bits), bucketCount_(std::int32_t{1} << bits), mask_(bucketCount_ - 1) {
+    buckets_ =
+        static_cast<P42Ent**>(arena->Allocate(static_cast<std::size_t>(bucketCount_) * sizeof(P42Ent*)));
     if (buckets_ == nullptr) { bucketCount_ = 0; }
 }
 
@@ -65,63 +70,67 @@ MapP42Ent::MapP42Ent(Arena* arena, std::int32_t bits) : MapP42Ent(arena, bits, k
 }
 
 void MapP42Ent::MakeBuckets(std::int32_t upTo) {
-    for (; made_ < upTo; ++made_) { ::new (static_cast<void*>(buckets_ + made_)) ListP42Ent(arena_); }
+    std::fill(buckets_ + made_, buckets_ + upTo, nullptr);
+    made_ = upTo;
 }
 
-bool MapP42Ent::AddAll(P42Ent* const* records, std::int32_t count) {
+void MapP42Ent::AddAll(P42Ent* const* records, std::int32_t count) {
     constexpr std::int32_t kStretch = 256;
-    for (std::int32_t done = 0; done < count;) {
-        const std::int32_t here = std::min(count - done, kStretch);
-        P42Node* const nodes =
-            static_cast<P42Node*>(arena_->Allocate(static_cast<std::size_t>(here) * sizeof(P42Node)));
-        if (nodes == nullptr) { return false; }
-        for (std::int32_t i = 0; i < here; ++i) {
-            P42Ent* const record = records[done + i];
-            P42Node* const node = ::new (static_cast<void*>(nodes + i)) P42Node{record, nullptr};
-            const std::int32_t bucket = BucketOf(record->id, bits_, mask_);
-            if (bucket >= made_) { MakeBuckets(std::min(bucket + kStretch, bucketCount_)); }
-            buckets_[bucket].AddNode(node);
-        }
-        done += here;
+    for (std::int32_t i = 0; i < count; ++i) {
+        const std::int32_t bucket = BucketOf(records[i]->id, bits_, mask_);
+        if (bucket >= made_) { MakeBuckets(std::min(bucket + kStretch, bucketCount_)); }
+        Append(records[i]);
     }
     count_ += count;
     far_ = {};
-    return true;
 }
 
 void MapP42Ent::Clear() {
-    for (std::int32_t i = 0; i < bucketCount_; ++i) { buckets_[i].Clear(); }
+    std::fill_n(buckets_, bucketCount_, nullptr);
     count_ = 0;
+    cursor_ = nullptr;
     cursorBucket_ = 0;
     far_ = {};
 }
 
 std::int32_t MapP42Ent::Add(P42Ent* record) {
-    const std::int32_t inBucket = buckets_[BucketOf(record->id, bits_, mask_)].Add(record);
-    if (inBucket > 0) {
-        ++count_;
-        if (!far_.IsEmpty()) { far_.Add(record->id, record); }
+    Append(record);
+    ++count_;
+    if (!far_.IsEmpty()) { far_.Add(record->id, record); }
+    return CountOf(BucketOf(record->id, bits_, mask_));
+}
+
+std::int32_t MapP42Ent::CountOf(std::int32_t bucket) const {
+    const P42Ent* const last = buckets_[bucket];
+    std::int32_t count = 0;
+    for (const P42Ent* record = last; record != nullptr;
+         record = record->next != last ? record->next : nullptr) {
+        ++count;
     }
-    return inBucket;
+    return count;
 }
 
 std::int32_t MapP42Ent::Contains(const P42Ent* record) {
-    return bucketCount_ == 0 ? 0 : buckets_[BucketOf(record->id, bits_, mask_)].Contains(record);
+    if (bucketCount_ == 0) { return 0; }
+    const P42Ent* const last = buckets_[BucketOf(record->id, bits_, mask_)];
+    const P42Ent* at = last;
+    while (at != nullptr && at != record) { at = at->next != last ? at->next : nullptr; }
+    return at != nullptr ? 1 : 0;
 }
 
 bool MapP42Ent::FindNear(std::int32_t id, P42Ent** found) const {
     *found = nullptr;
-    if (bucketCount_ == 0) { return true; }
+    P42Ent* const last = bucketCount_ > 0 ? buckets_[BucketOf(id, bits_, mask_)] : nullptr;
+    if (last == nullptr) { return true; }
     int steps = 0;
-    for (const P42Node* node = buckets_[BucketOf(id, bits_, mask_)].Head(); node != nullptr;
-         node = node->next) {
-        if (node->record->id == id) {
-            *found = node->record;
+    for (P42Ent* record = last->next;; record = record->next) {
+        if (record->id == id) {
+            *found = record;
             return true;
         }
+        if (record == last) { return true; }
         if (++steps == kLongBucket) { return false; }
     }
-    return true;
 }
 
 P42Ent* MapP42Ent::Find(std::int32_t id) {
@@ -133,44 +142,46 @@ P42Ent* MapP42Ent::FindFar(std::int32_t id) {
     if (far_.IsEmpty()) {
         far_.Reserve(static_cast<std::size_t>(count_));
         for (std::int32_t i = 0; i < bucketCount_; ++i) {
-            for (const P42Node* node = buckets_[i].Head(); node != nullptr; node = node->next) {
-                far_.Add(node->record->id, node->record);
-            }
+            P42Ent* const last = buckets_[i];
+            if (last == nullptr) { continue; }
+            P42Ent* record = last;
+            do {
+                record = record->next;
+                far_.Add(record->id, record);
+            } while (record != last);
         }
     }
     P42Ent* const* const found = far_.Find(id);
     return found != nullptr ? *found : nullptr;
 }
 
+// The first record in or behind a bucket, or null; sets the cursor.
+P42Ent* MapP42Ent::FirstFrom(std::int32_t bucket) {
+    cursor_ = nullptr;
+    while (bucket < bucketCount_ && buckets_[bucket] == nullptr) { ++bucket; }
+    if (bucket == bucketCount_) { return nullptr; }
+    cursorBucket_ = bucket;
+    cursor_ = buckets_[bucket]->next;
+    return cursor_;
+}
+
 P42Ent* MapP42Ent::First() {
-    if (count_ == 0) { return nullptr; }
-    for (std::int32_t i = 0; i < bucketCount_; ++i) {
-        if (buckets_[i].Count() > 0) {
-            cursorBucket_ = i;
-            return buckets_[i].First();
-        }
-    }
-    return nullptr;
+    return count_ > 0 ? FirstFrom(0) : nullptr;
 }
 
 P42Ent* MapP42Ent::Next() {
     if (count_ == 0) { return nullptr; }
-    if (P42Ent* const record = buckets_[cursorBucket_].Next()) { return record; }
-    for (std::int32_t i = cursorBucket_ + 1; i < bucketCount_; ++i) {
-        if (buckets_[i].Count() > 0) {
-            cursorBucket_ = i;
-            return buckets_[i].First();
-        }
-    }
-    return nullptr;
+    if (cursor_ == nullptr || cursor_ == buckets_[cursorBucket_]) { return FirstFrom(cursorBucket_ + 1); }
+    cursor_ = cursor_->next;
+    return cursor_;
 }
 
 void MapP42Ent::PrintStatistics() {
     std::int32_t least = count_;
     std::int32_t greatest = 0;
     for (std::int32_t i = 0; i < bucketCount_; ++i) {
-        least = std::min(least, buckets_[i].Count());
-        greatest = std::max(greatest, buckets_[i].Count());
+        least = std::min(least, CountOf(i));
+        greatest = std::max(greatest, CountOf(i));
     }
     const char* const rule = "------------------------------------------\n";
     OutputPrint("\n");

@@ -16,7 +16,7 @@ struct P42Ent {
     std::int32_t offset;    // bytes from the start of the text to the "#" of the line
     std::int32_t multiLine; // 1 when the first line of the entity doesn't end in ";"
     std::int32_t code;      // keyword code, see keyword_codes.h
-    void* arrays[3];        // null
+    P42Ent* next;           // in its bucket of the table; the last one leads to the first
 };
 
 // A collection of records: the whole table or a side list.
@@ -63,19 +63,6 @@ public:
     std::int32_t Count() const override { return count_; }
     void PrintStatistics() override {}
 
-    const P42Node* Head() const { return head_; }
-
-    // Appends a node that the caller made, for a table that makes all of its nodes at once.
-    std::int32_t AddNode(P42Node* node) {
-        if (tail_ == nullptr) {
-            head_ = node;
-        } else {
-            tail_->next = node;
-        }
-        tail_ = node;
-        return ++count_;
-    }
-
 private:
     P42Node* head_ = nullptr;
     P42Node* tail_ = nullptr;
@@ -105,8 +92,9 @@ inline std::int32_t HashBits(std::int32_t count) {
     return bits;
 }
 
-// All records of a file by entity number: a chained hash table of a fixed size. Iteration goes by bucket, and
-// within a bucket by insertion.
+// All records of a file by entity number: a chained hash table of a fixed size. A record is in no more than
+// one such table, since the chain goes through the records themselves. Iteration goes by bucket, and within a
+// bucket by insertion.
 class MapP42Ent final : public CollP42Ent {
 public:
     // A table of 2 to the power `bits` empty buckets, all in one block. Test `BucketCount()`: it is 0 when
@@ -119,8 +107,8 @@ public:
     struct BucketsOnDemand {};
     static constexpr BucketsOnDemand kBucketsOnDemand{};
     MapP42Ent(Arena* arena, std::int32_t bits, BucketsOnDemand);
-    // Adds `count` records in their order; false when memory runs out.
-    bool AddAll(P42Ent* const* records, std::int32_t count);
+    // Adds `count` records in their order.
+    void AddAll(P42Ent* const* records, std::int32_t count);
     void MakeAllBuckets() { MakeBuckets(bucketCount_); }
 
     void Clear() override;
@@ -140,15 +128,27 @@ public:
 
 private:
     void MakeBuckets(std::int32_t upTo);
+    void Append(P42Ent* record) {
+        P42Ent*& last = buckets_[BucketOf(record->id, bits_, mask_)];
+        if (last == nullptr) {
+            record->next = record;
+        } else {
+            record->next = last->next;
+            last->next = record;
+        }
+        last = record;
+    }
+    P42Ent* FirstFrom(std::int32_t bucket);
+    std::int32_t CountOf(std::int32_t bucket) const;
     P42Ent* FindFar(std::int32_t id);
 
     std::int32_t count_ = 0;
     // All records once more, made when a look-up has come too far in its bucket: numbers that a file doubles,
     // or that were chosen to meet in one bucket, would else make every look-up a walk over all of them.
     LookUp<std::int32_t, P42Ent*> far_;
-    ListP42Ent* buckets_ = nullptr;
-    Arena* arena_;
-    std::int32_t made_ = 0; // buckets
+    P42Ent** buckets_ = nullptr; // the last record of each, null for none
+    P42Ent* cursor_ = nullptr;   // in `cursorBucket_`
+    std::int32_t made_ = 0;      // buckets
     std::int32_t bits_;
     std::int32_t bucketCount_;
     std::int32_t mask_;

@@ -90,7 +90,7 @@ bool StepModel::BuildEntityMap() {
     std::int64_t room = 10000;
     for (int block = 0; left > 0; ++block, room *= 10) {
         const std::int32_t here = left < room ? left : static_cast<std::int32_t>(room);
-        if (!map_->AddAll(entityBlocks[block], here)) { return false; }
+        map_->AddAll(entityBlocks[block], here);
         left -= here;
     }
     map_->MakeAllBuckets();

@@ -25,9 +25,6 @@ TEST(ScanEntities, MakesOneRecordForEachLine) {
     EXPECT_EQ(first->code, 10);
     EXPECT_EQ(first->multiLine, 0);
     EXPECT_EQ(first->offset, static_cast<std::int32_t>(text.find("#1=")));
-    EXPECT_EQ(first->arrays[0], nullptr);
-    EXPECT_EQ(first->arrays[1], nullptr);
-    EXPECT_EQ(first->arrays[2], nullptr);
     const P42Ent* const second = file.model->EntityAt(1);
     EXPECT_EQ(second->code, 0);
     EXPECT_EQ(second->offset, static_cast<std::int32_t>(text.find("#2=")));
