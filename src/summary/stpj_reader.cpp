@@ -123,6 +123,18 @@ bool StpjText::ReadInteger(std::int32_t* value) {
     return true;
 }
 
+// One digit, as most numbers of a rotation are, and what leads to the next number: where the search for a
+// blank or "]" behind it would end. Null, and nothing done, for any other text.
+const char* TakeDigit(const char* p, double* value) {
+    const bool negative = *p == '-';
+    const char* const digit = p + negative;
+    if (!real::IsDigit(*digit)) { return nullptr; }
+    const char* const behind = digit[1] == ',' ? digit + 2 : digit + 1;
+    if (*behind != ' ' && *behind != ']') { return nullptr; }
+    *value = negative ? -static_cast<double>(*digit - '0') : static_cast<double>(*digit - '0');
+    return behind;
+}
+
 // The numbers of an array, separated by blanks. What the array lacks is read at its "]", as 0.
 bool StpjText::ReadNumbers(double* values, int count) {
     at_ = find::First<'['>(find::First<':'>(at_)) + 1;
@@ -130,11 +142,16 @@ bool StpjText::ReadNumbers(double* values, int count) {
     const char* p = at_;
     for (int i = 0; i < count; ++i) {
         while (*p == ' ') ++p;
-        const char* behind;
-        values[i] = ParseReal(p, &behind);
-        // A number ends at the next blank. A tab before it is no separator, but a blank after that tab is.
-        const char* const from = *p == '\t' ? p : behind;
-        p = *from == ' ' || *from == ']' ? from : find::First<' ', ']'>(from);
+        if (const char* const next = TakeDigit(p, values + i)) {
+            p = next;
+        } else {
+            const char* behind;
+            values[i] = ParseReal(p, &behind);
+            // A number ends at the next blank. A tab before it is no separator, but a blank after that tab
+            // is.
+            const char* const from = *p == '\t' ? p : behind;
+            p = *from == ' ' || *from == ']' ? from : find::First<' ', ']'>(from);
+        }
         if (p >= end_) {
             at_ = end_;
             return false;
@@ -316,7 +333,11 @@ void StpjText::ReadOccurrencesTable() {
         givenUp_ = kNoMemory;
         return;
     }
+    // Room for as many as it says, if there are characters for them: growing would take fresh pages twice.
+    constexpr std::ptrdiff_t kShortOccurrence = 64;
     std::vector<StpjOccurrence*> occurrences;
+    occurrences.reserve(
+        static_cast<std::size_t>(std::min<std::ptrdiff_t>(claimed, (end_ - at_) / kShortOccurrence)));
     do {
         StpjOccurrence* const occurrence = arena_.New<StpjOccurrence>();
         if (occurrence == nullptr || !ReadOccurrence(occurrence)) {

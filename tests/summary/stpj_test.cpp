@@ -12,6 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -143,6 +145,28 @@ TEST(Stpj, ReadsNumbersThatBlanksSeparate) {
         << "the blank behind a tab ends a number";
     EXPECT_EQ(BoxOf("\n 1 2 3 4 5 6"), (std::vector<float>{0, 1, 2, 3, 4, 5}));
     EXPECT_EQ(BoxOf("1.5e1 -2.5 +3 4. .5 x6"), (std::vector<float>{15, -2.5, 3, 4, 0.5, 0}));
+}
+
+TEST(Stpj, ReadsADigitAsItReadsTheSameNumberWithAPoint) {
+    std::mt19937 random(7);
+    const std::vector<std::string> separators = {", ", " ", "  ", ",", ",\t", "\t ", " ,", "\n", ",, ", "] "};
+    for (int round = 0; round < 400; ++round) {
+        std::string digits;
+        std::string reals;
+        for (unsigned count = random() % 9; count > 0; --count) {
+            const std::string number = (random() % 3 == 0   ? "-"
+                                        : random() % 9 == 0 ? "+"
+                                                            : "") +
+                                       std::to_string(random() % 10);
+            const std::string& separator =
+                random() % 3 == 0 ? separators[random() % separators.size()] : separators[0];
+            digits += number + separator;
+            reals += number + "." + separator;
+        }
+        const std::vector<float> expected = BoxOf(reals);
+        const std::vector<float> read = BoxOf(digits);
+        EXPECT_EQ(std::memcmp(read.data(), expected.data(), 6 * sizeof(float)), 0) << digits;
+    }
 }
 
 TEST(Stpj, CarriesNameAndNumberOverToAProductWithoutThemButNotTheBox) {
