@@ -117,6 +117,7 @@ bool StpjText::ReadInteger(std::int32_t* value) {
         }
         *value = static_cast<std::int32_t>(
             std::min<std::int64_t>(number, std::numeric_limits<std::int32_t>::max()));
+        at_ = p; // nothing that is searched for was passed
     } else {
         *value = StringToInteger(p);
     }
@@ -178,6 +179,11 @@ bool StpjText::ReadString(std::size_t room, std::string_view* value) {
 // Moves on to the end of the current value and to the quote of the next key. False at the object's "}", which
 // is then passed, and at the end of the text.
 bool StpjText::NextKey() {
+    const char* const usual = at_ + (*at_ == ']' ? 1 : 0);
+    if (usual[0] == ',' && usual[1] == ' ' && usual[2] == '"') {
+        at_ = usual + 3;
+        return !Ended();
+    }
     at_ = find::First<',', '}'>(at_);
     if (Ended()) { return false; }
     if (*at_ == '}') {

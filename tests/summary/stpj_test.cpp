@@ -153,7 +153,7 @@ TEST(Stpj, ReadsADigitAsItReadsTheSameNumberWithAPoint) {
     for (int round = 0; round < 400; ++round) {
         std::string digits;
         std::string reals;
-        for (unsigned count = random() % 9; count > 0; --count) {
+        for (auto count = random() % 9; count > 0; --count) {
             const std::string number = (random() % 3 == 0   ? "-"
                                         : random() % 9 == 0 ? "+"
                                                             : "") +
