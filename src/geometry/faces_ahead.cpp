@@ -108,14 +108,16 @@ bool FacesAhead::ReadGroups(const StepModel& model, Helpers& helpers, Arena& are
     const auto readMine = [&](bool isOwn) {
         const bool enough = WithinMemory([&] {
             if (isOwn) { return readSome(arena, scratch); }
+            const std::size_t place = joined++;
+            if (place >= arenas.size()) { return; }
             FaceScratch ownScratch;
-            readSome(arenas[joined++], &ownScratch);
+            readSome(arenas[place], &ownScratch);
         });
         if (!enough) { failed = true; }
     };
     helpers.Run(std::ref(readMine)); // a reference, which needs no memory
     bool read = !failed;
-    for (std::size_t i = 0; i < joined && read; ++i) { read = arena.TakeOver(&arenas[i]); }
+    for (std::size_t i = 0; i < arenas.size() && read; ++i) { read = arena.TakeOver(&arenas[i]); }
     return read;
 }
 

@@ -33,7 +33,7 @@ int Helpers::FreeCores() {
 
 void StartedHelpers::Run(const Work& work) {
     std::array<std::jthread, kMost> threads;
-    for (int i = 0; i < Count(); ++i) {
+    for (int i = 0; i < std::min(Count(), kMost); ++i) {
         try {
             threads[static_cast<std::size_t>(i)] = std::jthread([&work] { work(false); });
         } catch (const std::system_error&) { break; } catch (const std::bad_alloc&) {
