@@ -323,6 +323,7 @@ void AddWantOfMemory(CheckReport* report) {
     for (const UnreadName& file : report->outcome.unread) {
         if (file.reason == kNeedsMemory) { AddUnread(report, file.path, file.product, file.reason); }
     }
+    if (report->outcome.lacksMemory) { AddUnread(report, report->path, "", kNeedsMemory); }
 }
 
 // What the load says and no finding tells, and what shows nothing without any.

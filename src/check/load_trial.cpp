@@ -1,6 +1,7 @@
 #include "check/load_trial.h"
 
 #include "platform/forked_work.h"
+#include "platform/within_memory.h"
 #include "text/one_line.h"
 
 #include <cstdio>
@@ -16,6 +17,7 @@ constexpr std::size_t kLongestLine = 20000; // the rest is cut off
 // No line of a load begins so.
 constexpr std::string_view kOutcome = "\x01outcome ";
 constexpr std::string_view kUnread = "\x01unread ";
+constexpr std::string_view kNoMemory = "\x01memory";
 constexpr char kBetween = '\x02'; // the fields of such a line
 
 void AddItem(const DrawItem& item, LoadOutcome* outcome) {
@@ -82,6 +84,9 @@ void TakeLine(std::string_view line, LoadOutcome* outcome) {
         outcome->unread.push_back({std::string(fields.substr(0, first)),
                                    std::string(fields.substr(first + 1, second - first - 1)),
                                    std::string(fields.substr(second + 1))});
+    } else if (line == kNoMemory) {
+        outcome->end = LoadOutcome::End::kDone;
+        outcome->lacksMemory = true;
     } else if (line.starts_with("<E> ")) {
         if (line.find(": reading stands still, ") != std::string_view::npos) {
             outcome->end = LoadOutcome::End::kStands;
@@ -90,23 +95,36 @@ void TakeLine(std::string_view line, LoadOutcome* outcome) {
     }
 }
 
+// Takes what the load tells, to its end or until it stands still: it writes nothing more then, and its end of
+// the pipe stays open.
+void Hear(ForkedWork* load, LoadOutcome* outcome) {
+    std::string line;
+    int c = EOF;
+    while (outcome->end != LoadOutcome::End::kStands && (c = load->Next()) != EOF) {
+        if (c != '\n') {
+            if (line.size() < kLongestLine) { line.push_back(static_cast<char>(c)); }
+            continue;
+        }
+        TakeLine(line, outcome);
+        line.clear();
+    }
+}
+
 } // namespace
 
 LoadOutcome TryLoad(LoadDispatch& dispatch, const std::string& path, const char* rootName, bool useThreads,
                     FileKind kind) {
     LoadOutcome outcome;
-    ForkedWork load([&] { LoadAndTell(dispatch, path, rootName, useThreads, kind); });
+    ForkedWork load([&] {
+        if (WithinMemory([&] { LoadAndTell(dispatch, path, rootName, useThreads, kind); })) { return; }
+        std::fprintf(stderr, "\n%s\n", kNoMemory.data());
+    });
     if (!load.IsThere()) { return outcome; }
-    std::string line;
-    int c = EOF;
-    // What stands still writes nothing more, and its end of the pipe stays open.
-    while (outcome.end != LoadOutcome::End::kStands && (c = load.Next()) != EOF) {
-        if (c != '\n') {
-            if (line.size() < kLongestLine) { line.push_back(static_cast<char>(c)); }
-            continue;
-        }
-        TakeLine(line, &outcome);
-        line.clear();
+    if (!WithinMemory([&] { Hear(&load, &outcome); })) {
+        load.End(true);
+        outcome.end = LoadOutcome::End::kUnknown;
+        outcome.lacksMemory = true;
+        return outcome;
     }
     load.End(outcome.end == LoadOutcome::End::kStands);
     if (outcome.end == LoadOutcome::End::kUnknown) { outcome.end = LoadOutcome::End::kEnded; }

@@ -28,6 +28,7 @@ struct LoadOutcome {
     std::int64_t triangles = 0; // that are drawn, over all placed parts
     std::int64_t visible = 0;   // of them, those whose opacity isn't 0
     std::int64_t parts = 0;     // placed parts with triangles
+    bool lacksMemory = false;   // some of it can't be told, for want of memory
     std::vector<UnreadName> unread;
     std::vector<std::string>
         errors; // lines of the console that begin with "<E>", without that, the first 100

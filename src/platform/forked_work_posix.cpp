@@ -1,5 +1,6 @@
 #include "platform/forked_work.h"
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,7 +12,7 @@ namespace tarnwick {
 namespace {
 
 [[noreturn]] void WorkAndEnd(const std::function<void()>& work, int toParent) {
-    const int nowhere = fileno(std::tmpfile());
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     dup2(toParent, STDERR_FILENO);
     dup2(nowhere, STDOUT_FILENO);
     work();
