@@ -1,12 +1,9 @@
 #include "app/title_text.h"
+#include "platform/paths.h"
 
 namespace tarnwick {
 
 namespace {
-
-std::string FileName(const std::string& path) {
-    return path.substr(path.rfind('/') + 1);
-}
 
 // Whether all that would be drawn fails the alpha test, which drops what is at or below 0.01. Some
 // systems write that into every face of a file.
@@ -41,16 +38,16 @@ const char* OwnUnreadReason(const SceneView& view) {
 }
 
 std::string TitleText(const std::string& path, const SceneView& view) {
-    return path.empty() ? "Tarnwick" : FileName(path) + " - Tarnwick" + Absence(view);
+    return path.empty() ? "Tarnwick" : NameOf(path) + " - Tarnwick" + Absence(view);
 }
 
 std::string ProgressTitle(const std::string& path, std::int32_t filesRead, std::int32_t filesKnown) {
-    return FileName(path) + " - Tarnwick: reading file " + std::to_string(filesRead) + " of " +
+    return NameOf(path) + " - Tarnwick: reading file " + std::to_string(filesRead) + " of " +
            std::to_string(filesKnown);
 }
 
 std::string RefusedTitle(const std::string& titleBefore, const std::string& refusedPath) {
-    return titleBefore + " (" + FileName(refusedPath) + " is not a kind of file that can be shown)";
+    return titleBefore + " (" + NameOf(refusedPath) + " is not a kind of file that can be shown)";
 }
 
 } // namespace tarnwick

@@ -9,4 +9,7 @@ namespace tarnwick {
 // looked at; empty without one.
 std::string FolderOf(std::string_view path);
 
+// What follows the last separator: all of the path without one.
+std::string NameOf(std::string_view path);
+
 } // namespace tarnwick

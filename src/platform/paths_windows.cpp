@@ -8,4 +8,8 @@ std::string FolderOf(std::string_view path) {
     return std::string(path.substr(0, separator + 1));
 }
 
+std::string NameOf(std::string_view path) {
+    return std::string(path.substr(path.find_last_of("/\\") + 1));
+}
+
 } // namespace tarnwick

@@ -2,6 +2,7 @@
 
 #include "render/snapshot.h"
 #include "platform/console.h"
+#include "platform/paths.h"
 #include "platform/whole_file.h"
 #include "render/opengl_control.h"
 #include "text/one_line.h"
@@ -56,7 +57,7 @@ bool AllZero(const unsigned char* bytes, std::size_t count) {
 } // namespace
 
 std::string SnapshotPath(const std::string& folder, const std::string& loadedPath) {
-    std::string name = loadedPath.substr(loadedPath.rfind('/') + 1); // all of it without a separator
+    std::string name = NameOf(loadedPath);
     if (name.empty()) { name = "toto.bmp"; }
     const std::size_t dot = name.rfind('.');
     return folder + '/' + name.substr(0, dot) + ".bmp";

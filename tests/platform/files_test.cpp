@@ -2,6 +2,7 @@
 
 #include "platform/files.h"
 #include "platform/opened_file.h"
+#include "platform/paths.h"
 #include "platform/whole_file.h"
 #include "support/temp_folder.h"
 
@@ -62,6 +63,13 @@ TEST(FilesTest, AreTheSameByWhateverPath) {
     EXPECT_EQ(RealPath(path), RealPath(around));
     EXPECT_FALSE(AreSameFile(path, other));
     EXPECT_FALSE(AreSameFile(folder.Path("c.stp"), folder.Path("c.stp")));
+}
+
+TEST(FilesTest, HaveTheNameBehindTheLastSeparator) {
+    EXPECT_EQ(NameOf("/m/part.stp"), "part.stp");
+    EXPECT_EQ(NameOf("/part.stp"), "part.stp");
+    EXPECT_EQ(NameOf("part.stp"), "part.stp");
+    EXPECT_EQ(NameOf("m/"), "");
 }
 
 TEST(FilesTest, ThatAreNotThereNeedNoRemoving) {

@@ -2,6 +2,7 @@
 
 #include "platform/files.h"
 #include "platform/opened_file.h"
+#include "platform/paths.h"
 #include "platform/whole_file.h"
 #include "support/temp_folder.h"
 
@@ -51,6 +52,12 @@ TEST(WindowsNamesTest, MustBeUtf8) {
     EXPECT_FALSE(OpenedFile("Pr\xFC"
                             "fung.stp")
                      .IsOpen());
+}
+
+TEST(WindowsNamesTest, ArePartedByEitherSeparator) {
+    EXPECT_EQ(FolderOf("C:\\m/n\\a.stp"), "C:\\m/n\\");
+    EXPECT_EQ(NameOf("C:\\m/n\\a.stp"), "a.stp");
+    EXPECT_EQ(NameOf("C:\\m\\n/a.stp"), "a.stp");
 }
 
 TEST(WindowsNamesTest, MayHaveEitherSeparatorAndTheLeadOfLongPaths) {
