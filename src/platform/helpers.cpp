@@ -1,8 +1,6 @@
 #include "platform/helpers.h"
 
-#ifdef __linux__
-#include <sched.h>
-#endif
+#include "platform/cores.h"
 
 #include <algorithm>
 #include <array>
@@ -14,21 +12,8 @@
 
 namespace tarnwick {
 
-namespace {
-
-// The cores that this process may use, which may be fewer than there are.
-int Cores() {
-#ifdef __linux__
-    cpu_set_t cores;
-    if (sched_getaffinity(0, sizeof cores, &cores) == 0) { return CPU_COUNT(&cores); }
-#endif
-    return static_cast<int>(std::thread::hardware_concurrency());
-}
-
-} // namespace
-
 int Helpers::FreeCores() {
-    return std::clamp(Cores() - 1, 0, kMost);
+    return std::clamp(UsableCores() - 1, 0, kMost);
 }
 
 void StartedHelpers::Run(const Work& work) {
