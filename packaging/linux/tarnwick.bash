@@ -46,7 +46,7 @@ _tarnwick_picture() {
     -o | --output) compopt -o default && COMPREPLY=() && return ;;
   esac
   case ${COMP_WORDS[COMP_CWORD]} in
-    -*) _tarnwick_words "--output --size --view --rotate --turntable --wireframe --depth --background --samples --fit --no-fit --pick --time-limit --size-limit --help --version" ;;
+    -*) _tarnwick_words "--output --size --view --rotate --turntable --wireframe --depth --background --samples --fit --no-fit --pick --prepare --time-limit --size-limit --help --version" ;;
     *) _tarnwick_files ;;
   esac
 }
@@ -81,7 +81,7 @@ _tarnwick_make() {
 
 _tarnwick_open() {
   case ${COMP_WORDS[COMP_CWORD]} in
-    -*) _tarnwick_words "--help --version" ;;
+    -*) _tarnwick_words "--path --help --version" ;;
     *) _tarnwick_files any ;;
   esac
 }

@@ -198,6 +198,26 @@ TEST_F(PictureProgram, SendsAFileWithNothingToShowToThePreparation) {
                "tarnwick-prepare");
 }
 
+TEST_F(PictureProgram, PreparesFirstWhatTheViewerShowsNothingOf) {
+#ifndef TARNWICK_HAS_OPEN
+    GTEST_SKIP() << "built without tarnwick-open";
+#endif
+    const std::vector<std::string> environment = {"XDG_CACHE_HOME=" + folder_.Path("cache")};
+    const std::string other = folder_.Write("gear.step", ReadWholeFile(gear_));
+    const ProgramRun run = Run({other, "--prepare", "-o", "-"}, environment);
+    ASSERT_EQ(run.status, 0) << run.errors;
+    EXPECT_THAT(run.errors, IsEmpty());
+    EXPECT_EQ(PictureOfBytes(run.output).pixels, Draw({gear_}).pixels);
+    EXPECT_TRUE(std::filesystem::exists(folder_.Path("cache/tarnwick/prepared")));
+    // What is shown by itself isn't prepared.
+    const ProgramRun plain = Run({gear_, "--prepare", "-o", "-"}, {"XDG_CACHE_HOME=" + folder_.Path("b")});
+    EXPECT_EQ(plain.status, 0) << plain.errors;
+    EXPECT_FALSE(std::filesystem::exists(folder_.Path("b")));
+    ExpectNone(Run({folder_.Write("x.step", "ISO-10303-21;"), "--prepare", "-o", folder_.Path("a.png")},
+                   environment),
+               1, "x.step: nothing of it could be prepared; tarnwick-open tells why");
+}
+
 TEST_F(PictureProgram, WritesNothingOfAFileThatCannotBeRead) {
     ExpectNone(Run({"/nonexistent.stp", "-o", folder_.Path("a.png")}), 1, "/nonexistent.stp can't be opened");
     ExpectNone(Run({folder_.Write("x.stp", "no such file"), "-o", folder_.Path("a.png")}), 1, "x.stp");

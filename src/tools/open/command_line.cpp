@@ -17,6 +17,7 @@ constexpr const char* kHelp =
     "the user's cache; where there is no display, the path of what came goes to standard output.\n"
     "\n"
     "  FILE             stp, step, p21, stpx, xml, plain or packed, stpa or stpj\n"
+    "  --path           open no window: write the path of what the viewer shows to standard output\n"
     "  --shows N FILE   end with 0 where the viewer by itself shows N triangles of FILE or more, else with "
     "1\n"
     "  --help           print this text and exit\n"
@@ -55,6 +56,8 @@ bool ReadOptions(int argc, const char* const* argv, OpenCommand* command, int* s
         }
         if (hasOptions && word == "--") {
             hasOptions = false;
+        } else if (hasOptions && word == "--path") {
+            command->isPathAsked = true;
         } else if (hasOptions && word == "--shows") {
             isRight = isRight && ++i < words.size() && ReadCount(words[i], command);
         } else if (hasOptions && word.size() > 1 && word[0] == '-') {

@@ -8,6 +8,7 @@ namespace tarnwick::tools {
 
 struct OpenCommand {
     std::string file;
+    bool isPathAsked = false; // instead of the viewer
     // For a program that asks whether the viewer shows at least so many triangles of the file by itself.
     std::optional<std::size_t> shows;
 };

@@ -77,7 +77,7 @@ int RunOpen(int argc, char** argv) {
     options.folder = PreparedFolder(command.file);
     options.meshProgram = FindMeshProgram();
     CancelOnSignals();
-    if (!HasDisplay()) { return OpenInWords(command.file, options, &cancelled); }
+    if (command.isPathAsked || !HasDisplay()) { return OpenInWords(command.file, options, &cancelled); }
     const std::string path = OpenInWindow(argc, argv);
     return path.empty() ? 1 : BecomeViewer(path);
 }

@@ -1,12 +1,12 @@
 #include "tools/open/places.h"
 
 #include "platform/paths.h"
+#include "platform/programs.h"
 
 #include <QCryptographicHash>
 
 #include <unistd.h>
 
-#include <climits>
 #include <cstdlib>
 #include <filesystem>
 
@@ -38,13 +38,8 @@ std::string PreparedFolder(const std::string& file) {
 }
 
 std::string OwnProgram(const std::string& name) {
-    char own[PATH_MAX];
-    const ssize_t length = readlink("/proc/self/exe", own, sizeof own);
-    if (length > 0) {
-        std::string path = FolderOf({own, static_cast<std::size_t>(length)}) + name;
-        if (access(path.c_str(), X_OK) == 0) { return path; }
-    }
-    return name;
+    std::string beside = ProgramIn(FolderOf(tarnwick::OwnProgram()), name);
+    return beside.empty() ? name : beside;
 }
 
 void RemoveUnfinished(const std::string& folder) {

@@ -189,6 +189,8 @@ bool ReadOptions(int argc, char** argv, PictureOptions* options, int* status) {
                  "fill the picture with what is drawn; --no-fit: as the viewer frames it");
     add("--pick", "X,Y", "click there first, in pixels from the left and from the top, and tell what is hit",
         [options](const std::string& text) { return ReadPick(text, &options->pick); });
+    app.add_flag("--prepare", options->prepare,
+                 "any STEP file: what the viewer shows nothing of is prepared by tarnwick-open first");
     app.add_option("--time-limit", options->timeLimit, "give up after that time")
         ->type_name("SECONDS")
         ->check(CLI::Range(0.01, 1e6));

@@ -24,6 +24,7 @@ struct PictureOptions {
     int samples = 4;                                         // for each pixel, a square number
     bool fit = true;
     std::optional<WindowPoint> pick; // what is clicked at before the picture is taken
+    bool prepare = false;            // what the viewer shows nothing of goes through tarnwick-open first
     double timeLimit = 0;            // seconds; 0 for none
     double sizeLimit = 0;            // of the file, in megabytes; 0 for none
 };

@@ -8,6 +8,7 @@
 #include "platform/sanitizers.h"
 #include "text/one_line.h"
 #include "tools/picture/png_file.h"
+#include "tools/picture/prepared_path.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,6 +28,8 @@ namespace tarnwick::tools {
 namespace {
 
 constexpr double kBytesOfMegabyte = 1e6;
+// Of the time limit, what drawing may take after the preparing of a file.
+constexpr double kForDrawing = 0.2;
 
 void Say(const std::string& text) {
     std::fprintf(stderr, "tarnwick-picture: %s\n", OnOneLine(text).c_str());
@@ -64,18 +67,39 @@ void SayNothing(const PictureOptions& options, const SceneView& view) {
         " has nothing that the viewer shows: tarnwick-prepare brings any STEP file into its form");
 }
 
-bool LoadInto(OpenGLControl& view, const PictureOptions& options) {
+// Whether the file is of a kind that is loaded.
+bool Load(OpenGLControl& view, const PictureOptions& options, const std::string& path) {
     NoControls controls;
     LoadDispatch dispatch{view, controls, kLoadCommands};
     const char* const rootName = options.product ? options.product->c_str() : nullptr;
-    if (!LoadFile(dispatch, options.path.c_str(), rootName, true)) {
+    if (!LoadFile(dispatch, path.c_str(), rootName, true)) { return false; }
+    if (options.depth) {
+        ChangeDepth(dispatch, std::clamp(*options.depth, 0, std::max(view.loaded.maxDepth, 0)));
+    }
+    return true;
+}
+
+bool LoadPrepared(OpenGLControl& view, const PictureOptions& options) {
+    std::string why;
+    const std::string path = PreparedPath(options.path, options.timeLimit * (1 - kForDrawing), &why);
+    if (path.empty()) {
+        Say(options.path + ": " + why);
+        return false;
+    }
+    const bool isShown = Load(view, options, path) && view.loaded.drawnTriangles > 0;
+    SayUnread(view);
+    if (!isShown) { SayNothing(options, view); }
+    return isShown;
+}
+
+bool LoadInto(OpenGLControl& view, const PictureOptions& options) {
+    const bool isLoaded = Load(view, options, options.path);
+    if (options.prepare && view.loaded.drawnTriangles < 1) { return LoadPrepared(view, options); }
+    if (!isLoaded) {
         Say(options.path +
             " isn't of a kind that the viewer shows, by its extension: tarnwick-prepare brings any "
             "STEP file into its form");
         return false;
-    }
-    if (options.depth) {
-        ChangeDepth(dispatch, std::clamp(*options.depth, 0, std::max(view.loaded.maxDepth, 0)));
     }
     SayUnread(view);
     if (view.loaded.drawnTriangles < 1) {

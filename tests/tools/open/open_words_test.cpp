@@ -104,6 +104,13 @@ TEST_F(OpenWords, SaysWhyThereIsNothing) {
     EXPECT_EQ(text.output, "");
 }
 
+TEST_F(OpenWords, AreAskedForWhereThereIsADisplay) {
+    const std::string path = std::string(TARNWICK_SAMPLES) + "/gear.stp";
+    const ProgramRun run = RunProgram(TARNWICK_OPEN, {"--path", path}, {"DISPLAY=:nowhere"});
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.output, path + "\n");
+}
+
 TEST_F(OpenWords, Returns2ForAWrongCommandLine) {
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {}, {""}, {"a", "b"}, {"--no-such-option", "a"}, {"--shows"}, {"--shows", "many", "a"}}) {
