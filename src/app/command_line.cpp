@@ -1,8 +1,7 @@
 #include "app/command_line.h"
+#include "platform/environment.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <string_view>
 
 namespace tarnwick {
 
@@ -20,11 +19,6 @@ constexpr const char* kHelp = "Usage: tarnwick [--resident] [FILE [PRODUCT]]\n"
                               "Left button: turn, and click to select. Right button: zoom. Middle button: "
                               "pan. P: snapshot. Escape: close.\n";
 
-[[maybe_unused]] bool IsSet(const char* variable) {
-    const char* const value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
-}
-
 } // namespace
 
 std::optional<int> AnswerAtOnce(int argc, const char* const* argv) {
@@ -38,12 +32,10 @@ std::optional<int> AnswerAtOnce(int argc, const char* const* argv) {
             return 0;
         }
     }
-#ifdef __linux__
-    if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY") && !IsSet("QT_QPA_PLATFORM")) {
+    if (!HasDisplay()) {
         std::fputs("tarnwick: there is no display to open a window on; tarnwick-load needs none\n", stderr);
         return 1;
     }
-#endif
     return std::nullopt;
 }
 
@@ -52,9 +44,8 @@ std::vector<std::string> ArgumentsOf(int argc, const char* const* argv) {
 }
 
 bool TakeResident(std::vector<std::string>* arguments) {
-    const char* const variable = std::getenv("TARNWICK_RESIDENT");
-    return std::erase(*arguments, "--resident") > 0 ||
-           (variable != nullptr && std::string_view(variable) == "1");
+    const bool isOrdered = EnvironmentText("TARNWICK_RESIDENT") == "1";
+    return std::erase(*arguments, "--resident") > 0 || isOrdered;
 }
 
 } // namespace tarnwick

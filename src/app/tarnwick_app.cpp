@@ -5,6 +5,7 @@
 #include "app/step_viewer_dlg.h"
 #include "formats/load_commands.h"
 #include "load/arguments.h"
+#include "platform/environment.h"
 #include "platform/standard_streams.h"
 
 #include <QApplication>
@@ -15,10 +16,7 @@ namespace tarnwick {
 void CTarnwickApp::PrepareToolkit() {
     // Otherwise the buttons beside the drawing area become windows of the X server, too.
     QApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
-#ifdef __linux__
-    // Under Wayland no buffer that is on the screen can be read, which a snapshot needs.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) { qputenv("QT_QPA_PLATFORM", "xcb"); }
-#endif
+    ChooseWindowSystem();
 }
 
 int CTarnwickApp::InitInstance() {

@@ -9,4 +9,11 @@ namespace tarnwick {
 // isn't set.
 std::optional<std::string> EnvironmentText(const char* name);
 
+// Whether a window can be opened, as far as the environment tells.
+bool HasDisplay();
+
+// Chooses the window system that the toolkit is to use, unless the user has. To be called before the toolkit
+// starts, while there is no other thread.
+void ChooseWindowSystem();
+
 } // namespace tarnwick

@@ -15,4 +15,10 @@ std::optional<std::string> EnvironmentText(const char* name) {
     return Utf8Of(value);
 }
 
+bool HasDisplay() {
+    return true;
+}
+
+void ChooseWindowSystem() {}
+
 } // namespace tarnwick

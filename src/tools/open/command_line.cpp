@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <string_view>
 #include <vector>
 
@@ -29,11 +28,6 @@ bool ReadCount(std::string_view word, OpenCommand* command) {
     if (error != std::errc{} || end != word.data() + word.size()) { return false; }
     command->shows = count;
     return true;
-}
-
-bool IsSet(const char* variable) {
-    const char* const value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
 }
 
 } // namespace
@@ -71,10 +65,6 @@ bool ReadOptions(int argc, const char* const* argv, OpenCommand* command, int* s
     std::fputs("tarnwick-open: it takes the path of one file; --help tells more\n", stderr);
     *status = 2;
     return false;
-}
-
-bool HasDisplay() {
-    return IsSet("DISPLAY") || IsSet("WAYLAND_DISPLAY") || IsSet("QT_QPA_PLATFORM");
 }
 
 } // namespace tarnwick::tools

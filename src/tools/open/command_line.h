@@ -17,7 +17,4 @@ struct OpenCommand {
 // 0 after --help and --version, 2 after a wrong command line, which it has explained on standard error.
 bool ReadOptions(int argc, const char* const* argv, OpenCommand* command, int* status);
 
-// Whether a window can be opened, as far as the environment tells.
-bool HasDisplay();
-
 } // namespace tarnwick::tools

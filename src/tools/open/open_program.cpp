@@ -1,6 +1,7 @@
 #include "tools/open/open_program.h"
 
 #include "mesher/mesher.h"
+#include "platform/environment.h"
 #include "tools/open/command_line.h"
 #include "tools/open/open_window.h"
 #include "tools/open/open_words.h"
