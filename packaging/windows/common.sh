@@ -6,6 +6,9 @@ windows_prefix=$windows_cache/prefix
 windows_toolchain=$PWD/packaging/windows/mingw.cmake
 export TARNWICK_WINDOWS_PREFIX=$windows_prefix
 
+# The exit status of a script that can't fetch a source.
+windows_unfetched=77
+
 # source_of PACKAGE: fetches and unpacks Debian's source, and sets `source` to its folder. The machine's own list of packages
 # stays as it is.
 source_of() {
@@ -17,10 +20,10 @@ source_of() {
     echo 'deb-src http://deb.debian.org/debian bookworm main' >"$apt/sources.list"
     local options=(-qq -o "Dir::Etc::SourceList=$apt/sources.list" -o Dir::Etc::SourceParts=- -o "Dir::State::Lists=$apt/lists"
       -o "Dir::Cache=$apt" -o APT::Sandbox::User=root)
-    [ -n "${windows_lists:-}" ] || apt-get "${options[@]}" update
+    [ -n "${windows_lists:-}" ] || apt-get "${options[@]}" update || exit "$windows_unfetched"
     windows_lists=fetched
-    (cd "$place" && apt-get "${options[@]}" source --download-only "$1" && mkdir unpacked &&
-      tar -x --strip-components=1 -C unpacked -f "$(ls -- *.orig.tar.*)")
+    (cd "$place" && apt-get "${options[@]}" source --download-only "$1") || exit "$windows_unfetched"
+    (cd "$place" && mkdir unpacked && tar -x --strip-components=1 -C unpacked -f "$(ls -- *.orig.tar.*)")
     touch "$place/done"
   fi
   source=$place/unpacked
