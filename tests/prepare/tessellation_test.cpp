@@ -166,8 +166,23 @@ TEST(Tessellation, SetsThatHoldEachOtherCometoAnEnd) {
     text.Add("TESSELLATED_GEOMETRIC_SET('',(#3))");
     const TempFolder folder;
     const PreparedScene scene = PrepareText(folder, PartOf(&text, "#3"));
+    EXPECT_EQ(scene.triangles.size(), 1u);
+    EXPECT_THAT(scene.Losses(), ElementsAre("part: it is a set that holds itself"));
+}
+
+// 8 to the power of 12 ways to the face.
+TEST(Tessellation, SetsThatListOneAnotherAgainAndAgainComeToAnEnd) {
+    ExchangeText text;
+    std::string item = text.Triangle();
+    for (int level = 0; level < 12; ++level) {
+        std::string list = item;
+        for (int i = 1; i < 8; ++i) { list += "," + item; }
+        item = text.Add("TESSELLATED_GEOMETRIC_SET('',(" + list + "))");
+    }
+    const TempFolder folder;
+    const PreparedScene scene = PrepareText(folder, PartOf(&text, item));
     EXPECT_GE(scene.triangles.size(), 1u);
-    EXPECT_THAT(scene.Losses(), ElementsAre("part: sets hold each other too deeply"));
+    EXPECT_THAT(scene.Losses(), ElementsAre("part: sets in it list the same faces too often"));
 }
 
 TEST(Tessellation, AnnotationsAreNoShape) {

@@ -15,7 +15,8 @@ namespace tarnwick::prepare {
 
 namespace {
 
-constexpr std::size_t kMostItems = 100'000'000; // in one body; sets that hold each other have no end
+// In one body, for each instance of the file: sets may list the same items again at every level.
+constexpr std::size_t kMostTimes = 16;
 
 // ---- which faces an item has
 
@@ -25,8 +26,9 @@ public:
 
     SourceBody Run(std::uint64_t item) {
         body_.entity = item;
-        open_.push_back({item, {}, 0});
-        for (std::size_t i = 0; i < kMostItems && !open_.empty(); ++i) {
+        open_.push_back({item, {}, 0, kNone});
+        const std::size_t most = kMostTimes * (file_.Instances().size() + 1);
+        for (std::size_t i = 0; i < most && !open_.empty(); ++i) {
             const Open next = open_.back();
             open_.pop_back();
             const Instance* const instance = file_.Find(next.item);
@@ -38,15 +40,22 @@ public:
                 Simple(*instance, next);
             }
         }
+        if (!open_.empty()) { tell_(item, "sets in it list the same faces too often"); }
         return std::move(body_);
     }
 
 private:
     static constexpr int kMostLevels = 16; // of sets in sets
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
     struct Open {
         std::uint64_t item = 0;
         Transform at;
         int level = 0;
+        std::size_t holder = kNone; // in holders_
+    };
+    struct Holder {
+        std::uint64_t item = 0;
+        std::size_t above = kNone; // its own holder
     };
 
     void Simple(const Instance& instance, const Open& open) {
@@ -133,15 +142,22 @@ private:
     }
     void OpenItems(std::string_view list, const Open& open) {
         if (open.level == kMostLevels) { return tell_(open.item, "sets hold each other too deeply"); }
+        for (std::size_t i = open.holder; i != kNone; i = holders_[i].above) {
+            if (holders_[i].item == open.item) { return tell_(open.item, "it is a set that holds itself"); }
+        }
+        holders_.push_back({open.item, open.holder});
         std::vector<std::uint64_t> items;
         AppendReferences(list, &items);
-        for (std::size_t i = items.size(); i-- > 0;) { open_.push_back({items[i], open.at, open.level + 1}); }
+        for (std::size_t i = items.size(); i-- > 0;) {
+            open_.push_back({items[i], open.at, open.level + 1, holders_.size() - 1});
+        }
     }
 
     const ExchangeFile& file_;
     const TellLoss& tell_;
     SourceBody body_;
     std::vector<Open> open_;
+    std::vector<Holder> holders_; // those that were opened
 };
 
 // ---- triangles of strips, fans and curved triangles; indices from 1 with 0 for what is none
