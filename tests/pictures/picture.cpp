@@ -26,7 +26,10 @@ Picture ReadPicture(const std::string& path) {
 
 ProgramRun RunPicture(const std::vector<std::string>& arguments,
                       const std::vector<std::string>& environment) {
-    std::vector<std::string> all{"LIBGL_ALWAYS_SOFTWARE=true", "GALLIUM_DRIVER=llvmpipe"};
+    // The search for leaks at the end of a process breaks down now and then on the driver's threads. The
+    // tests of the window that is drawn search in the same code.
+    std::vector<std::string> all{"LIBGL_ALWAYS_SOFTWARE=true", "GALLIUM_DRIVER=llvmpipe",
+                                 "LSAN_OPTIONS=detect_leaks=0"};
     all.insert(all.end(), environment.begin(), environment.end());
     return RunProgram(TARNWICK_PICTURE, arguments, all);
 }
