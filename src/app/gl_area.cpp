@@ -38,7 +38,7 @@ bool GlArea::CreateContext() {
     format.setProfile(QSurfaceFormat::CompatibilityProfile);
     format.setSwapBehavior(QSurfaceFormat::DoubleBuffer);
     format.setDepthBufferSize(16);
-    format.setStencilBufferSize(8); // nothing offers the 16 that one would like
+    format.setStencilBufferSize(8); // no driver offers 16
     format.setSwapInterval(0);
     winId();
     QWindow* const window = windowHandle();

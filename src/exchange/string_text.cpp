@@ -29,7 +29,7 @@ void AppendUtf8(std::uint32_t c, std::string* out) {
     }
 }
 
-// How many bytes the UTF-8 character at the begin of the text has; 0 where it is none.
+// How many bytes the UTF-8 character at the start of the text has; 0 when there is none.
 std::size_t Utf8Length(std::string_view text) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned first = byte(0);

@@ -77,7 +77,7 @@ inline const char* SkipInList(const char* p, const char* end) {
 inline const char* SkipList(const char* p, const char* end) {
     int depth = 1;
 #ifdef __SSE2__
-    // Long lists are parentheses and numbers; sixteen characters at a time tell the former.
+    // Long lists are parentheses and numbers; the parentheses are searched sixteen characters at a time.
     while (p < end) {
         const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
         const auto maskOf = [block](char c) {

@@ -19,7 +19,7 @@ namespace tarnwick {
 
 namespace {
 
-// What stays of the load before.
+// What stays of the previous load.
 struct Remainder {
     PartRecords partRecords;
     bool numbersStay; // after a failed load: counts, times and box; else the view is as before its first load

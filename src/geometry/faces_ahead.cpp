@@ -49,7 +49,7 @@ StepFaceB* FacesAhead::Take(const P42Ent* entity) {
     return taken_ < entities_.size() && entities_[taken_] == entity ? faces_[taken_++] : nullptr;
 }
 
-// Which faces there are, without a word on those that aren't. False when a list runs past its line.
+// Finds the faces, and says nothing of those that don't exist. False when a list runs past its line.
 bool FacesAhead::Plan(const StepModel& model, const std::vector<std::int32_t>& itemIds) {
     for (const std::int32_t id : itemIds) {
         const P42Ent* const item = model.Find(id);
@@ -89,7 +89,8 @@ void FacesAhead::PlanFace(const StepModel& model, const P42Ent* face) {
 }
 
 bool FacesAhead::ReadGroups(const StepModel& model, Helpers& helpers, Arena& arena, FaceScratch* scratch) {
-    // A few neighbours at a time, and some hundred times for each thread, so that all end at about one time.
+    // Threads take a few neighbours at a time, some hundred times each, so that all end at about the same
+    // time.
     const std::size_t atATime = std::clamp<std::size_t>(groups_.size() / 1000, 1, 64);
     std::array<Arena, Helpers::kMost> arenas;
     std::atomic<std::size_t> joined = 0;

@@ -16,7 +16,7 @@ namespace {
 constexpr int kStopped = 1; // at a bad line; what was read is kept
 constexpr int kGivenUp = 2; // the file, whose lines lead nowhere, or for which memory runs out
 
-// After a number of attributes of an entity's line.
+// A walk in an entity's line past some of its attributes.
 TextWalk WalkAfter(const StepModel& model, const P42Ent* entity, int attributes) {
     TextWalk walk = model.WalkFrom(entity);
     walk.Enter();

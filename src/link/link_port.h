@@ -24,7 +24,7 @@ public:
     // Runs a program, the first element, with the others as its arguments, and waits until it ends; closing
     // the dialog ends it. No shell sees any of the texts. Whether it ended with status 0.
     virtual bool RunProgram(const std::vector<std::string>& command) = 0;
-    // Starts the first program of the names that the machine has, and doesn't wait.
+    // Starts the first of the named programs that the machine has, and doesn't wait for it.
     virtual void StartProgram(const std::vector<std::string>& names,
                               const std::vector<std::string>& arguments) = 0;
     // Where downloads go, made for the user alone when it is missing; without a separator at its end.

@@ -9,7 +9,8 @@ bool MessageQueue::Push(std::string text) {
     const std::lock_guard<std::mutex> hold(lock_);
     const std::size_t bytes = BytesOf(text);
     if (stopped_ || bytes > kMostBytes - bytes_) { return false; }
-    // First what may fail: a text without a thread would wait for ever, and its bytes stay counted.
+    // What may fail comes first: without a thread the text would wait for ever, and its bytes would stay
+    // counted.
     if (!thread_.joinable()) {
         thread_ = std::thread([this] { Run(); });
     }

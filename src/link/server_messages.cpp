@@ -20,8 +20,8 @@ void GiveUp(const char* reason) {
     ConsolePrint("<E> Message of the server: %s\n", reason);
 }
 
-// What a download has left that broke off would be taken for the file, and so would what one before it left.
-// False, and told, when it can't be removed.
+// Removes what an earlier or a broken download left, which would be taken for the file. False, with a line on
+// the console, when it can't be removed.
 bool Remove(const std::string& path) {
     const int error = RemoveFile(path);
     if (error == 0) { return true; }

@@ -45,7 +45,7 @@ private:
         while (queue_.Claim(&place, &entry)) {
             const bool enough = WithinMemory([&] { ReadEntry(thread, place, entry); });
             queue_.Settle(place);
-            if (!enough) { GiveUp(place, *entry.product); } // the others may still do
+            if (!enough) { GiveUp(place, *entry.product); } // other parts may still fit
             if (thread.isLoadThread) { ShowProgress(); }
         }
     }

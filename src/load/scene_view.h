@@ -6,19 +6,19 @@
 
 namespace tarnwick {
 
-// What is shown, and from where. The drawing window is built on it; a program without a window uses it alone.
-// Only the thread that runs a load command, and between loads the one that draws, touches it.
+// What is shown, and from which eye point. The drawing window is built on it; a program without a window uses
+// it alone. Only the thread that runs a load command, and between loads the one that draws, touches it.
 struct SceneView {
     SceneView() = default;
     SceneView(const SceneView&) = delete;
     SceneView& operator=(const SceneView&) = delete;
     virtual ~SceneView() = default;
 
-    // Draws one frame and sets `framesPerSecond`. Does nothing where there is no window.
+    // Draws one frame and sets `framesPerSecond`. Does nothing without a window.
     virtual void Redraw() {}
     // Gives back what the graphics library keeps of the scene. Every load asks for it first.
     virtual void DeleteDisplayList() {}
-    // Tells people how far a load of many files has come. Called on the thread of the load, now and then.
+    // Shows the user how far a load of many files has come. Called on the thread of the load, now and then.
     virtual void ShowProgress(std::int32_t /*filesRead*/, std::int32_t /*filesKnown*/) {}
 
     LoadedScene loaded; // by the last load

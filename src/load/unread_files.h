@@ -11,7 +11,7 @@ namespace tarnwick {
 class PartReader;
 struct StepModel;
 
-// A file that a load wanted and could not read, for the people who wonder what is absent.
+// A file that a load wanted and could not read, to tell the user what is missing.
 struct UnreadFile {
     std::int32_t place;      // in the order in which the load wanted them
     std::string path;        // as it was tried first

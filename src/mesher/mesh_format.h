@@ -16,7 +16,7 @@ namespace tarnwick {
 
 // Of one face. Points are in the length unit of the bodies' context.
 struct MeshFace {
-    std::uint64_t entity = 0; // of the face in the text; 0 where nobody knows
+    std::uint64_t entity = 0; // of the face in the text; 0 when it isn't known
     std::vector<Vec3> points;
     std::vector<Vec3> normals;       // one for each point, or none; of unit length, pointing outwards
     std::vector<Triangle> triangles; // of points, from 0; counter-clockwise seen from outside

@@ -31,7 +31,7 @@ public:
     bool Go(int milliseconds) {
         ServiceProcess::Ready ready;
         if (!process_.Wait(milliseconds, sent_ < request_.size(), &ready)) { return false; }
-        // A program that takes no more may still have said something.
+        // A program that has stopped reading may still have written something.
         if (ready.toWrite && !Send()) { sent_ = request_.size(); }
         return !ready.toRead || Receive();
     }
@@ -106,7 +106,7 @@ MeshOutcome MeshProcess::Ask(const MeshRequest& request,
                              const std::function<double(const MeshProgress&)>& limit) {
     const bool wasThere = process_.IsRunning();
     MeshOutcome outcome = AskOnce(request, limit);
-    // It may have ended long before the request; others can end a process too.
+    // The process may have ended long before the request: anyone may end it.
     if (wasThere && outcome.end == MeshEnd::kCrash && !outcome.hasBegun) { return AskOnce(request, limit); }
     return outcome;
 }

@@ -20,18 +20,18 @@ constexpr double kCoarserAngle = 40;
 // Of numbers of faces in one message.
 constexpr std::size_t kMostNamed = 5;
 constexpr std::size_t kFacesAtATime = 64;
-// So often in a row may the program end before it tells of any progress; it can't be made to work then.
+// After so many ends in a row without any progress the program is taken for broken.
 constexpr int kMostSilentEnds = 2;
 
-// Of the time that is left when something begins, so much may go by before it is given up.
+// The share of the time left that a step may take before it is given up.
 constexpr double kShareOfOne = 0.5;     // making the shape of a body alone
 constexpr double kShareOfEach = 0.2;    // that of a body among others, or triangulating it by itself
 constexpr double kShareOfAll = 0.7;     // making all shapes
 constexpr double kShareOfMeshing = 0.4; // triangulating all
 constexpr double kShareOfFace = 0.1;    // a face among others, when nothing else has helped
 
-// What takes so much longer to triangulate than to make, and so many seconds, has a face that another
-// algorithm may do at once.
+// A body that takes this much longer to triangulate than to make, and this many seconds, has a face that
+// another algorithm may do at once.
 constexpr double kHastyRatio = 5;
 constexpr double kHastySeconds = 4;
 
@@ -293,7 +293,7 @@ private:
         for (PendingBody* const body : bodies) {
             if (body->isMade || (last_.body != 0 && body->mesh.entity != last_.body)) { continue; }
             body->AddReason(outcome.words);
-            // The kernel would do the same again.
+            // A second attempt would end the same way.
             body->isRefused = last_.body != 0 && outcome.progress.stage == MeshStage::kTransfer;
         }
     }

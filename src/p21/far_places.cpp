@@ -27,7 +27,7 @@ const char* FindCommaIn(const char* from, const char* to, std::int64_t* depth) {
 
 } // namespace
 
-// `findIn` looks for one and the same from a place to another.
+// `findIn` searches one stretch of the text for it.
 template <class FindIn>
 const char* FarPlaces::FindBy(BlocksWith* with, const char* from, FindIn findIn) {
     if (from >= end_) { return nullptr; }

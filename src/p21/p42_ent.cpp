@@ -155,7 +155,7 @@ P42Ent* MapP42Ent::FindFar(std::int32_t id) {
     return found != nullptr ? *found : nullptr;
 }
 
-// The first record in or behind a bucket, or null; sets the cursor.
+// The first record in a bucket or one after it, or null; sets the cursor.
 P42Ent* MapP42Ent::FirstFrom(std::int32_t bucket) {
     cursor_ = nullptr;
     while (bucket < bucketCount_ && buckets_[bucket] == nullptr) { ++bucket; }

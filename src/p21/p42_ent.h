@@ -122,8 +122,8 @@ public:
 
     std::int32_t BucketCount() const { return bucketCount_; }
 
-    // Find for several threads at a time, while none calls anything else. False where that one would have to
-    // go far, which it prepares for.
+    // Find for several threads at a time, while none calls anything else. False where a look-up would go far
+    // and first has to prepare for that.
     bool FindNear(std::int32_t id, P42Ent** found) const;
 
 private:

@@ -62,7 +62,8 @@ struct StepModel {
     bool FindNear(std::int32_t id, P42Ent** found) const { return entityMap->FindNear(id, found); }
     // Memory for what readers need for as long as the model lives.
     Arena* IndexArena() const { return &workspace_.index; }
-    // Who may take part in the reading of this file; null for nobody, and for one that isn't worth it.
+    // The threads that may help to read this file; null when there are none, or the file is too small for
+    // help.
     Helpers* HelpersForIt() const {
         Helpers* const helpers = workspace_.helpers;
         return helpers != nullptr && helpers->AreFor(static_cast<std::size_t>(textEnd - text)) ? helpers

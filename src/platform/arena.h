@@ -38,8 +38,8 @@ public:
     // Gives all memory back.
     void Free();
 
-    // Where the arena stands, and back to there: what was allocated since is forgotten, and chunks that were
-    // added since are given back. Between the two the arena is neither reset nor takes over another.
+    // A mark in the arena, and the way back to it: what was allocated since is forgotten, and chunks added
+    // since are given back. In between, don't reset the arena or let it take over another.
     struct Place {
         char* next;
         char* limit;

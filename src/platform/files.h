@@ -11,10 +11,10 @@ bool CanNameFile(std::string_view name);
 
 bool IsRegularFile(const std::string& path);
 
-// Whether both are there and the same file, by whatever names.
+// Whether both exist and are the same file, whatever their names.
 bool AreSameFile(const std::string& a, const std::string& b);
 
-// The path from a root on; the path itself where the system doesn't tell.
+// The absolute path; the path as it is where the system can't tell.
 std::string AbsolutePath(const std::string& path);
 
 // The same for all names of one file: absolute, with links followed as far as there are files.

@@ -16,7 +16,7 @@ struct CloseFile {
 };
 using FileHandle = std::unique_ptr<void, CloseFile>;
 
-// A handle to tell by, of a file or a folder; null where there is none.
+// A handle that identifies a file or a folder; null when there is none.
 FileHandle Look(const std::string& path) {
     const SystemPath name(path.c_str());
     if (!name.IsUsable()) { return nullptr; }
@@ -26,7 +26,7 @@ FileHandle Look(const std::string& path) {
     return FileHandle(file != INVALID_HANDLE_VALUE ? file : nullptr);
 }
 
-// As users know it, without the lead of long paths.
+// The path as users know it, without the prefix of long paths.
 std::string Shown(std::wstring_view path) {
     if (path.starts_with(L"\\\\?\\UNC\\")) { return "\\\\" + Utf8Of(path.substr(8)); }
     return Utf8Of(path.starts_with(L"\\\\?\\") ? path.substr(4) : path);

@@ -2,8 +2,8 @@
 
 namespace tarnwick {
 
-// Hands what stands in the buffer of standard output to the system, which only then says whether it takes it.
-// Returns 0, or the errno of what was lost, now or before.
+// Writes out the buffer of standard output: only then does the system say whether it takes the bytes. Returns
+// 0, or the errno of what was lost, now or earlier.
 int FlushOutput();
 
 } // namespace tarnwick

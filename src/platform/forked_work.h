@@ -5,12 +5,12 @@
 
 namespace tarnwick {
 
-// Work that a copy of this process does, so that whatever ends it or keeps it for ever does us no harm. Its
-// standard error comes to us, its standard output goes nowhere. To be started while there is no other thread.
+// Runs work in a forked copy of this process, so that a crash or a hang there does us no harm. We read its
+// standard error; its standard output is discarded. Start it while there is no other thread.
 class ForkedWork {
 public:
-    // Has the copy do `work` and then end, without the ends of static objects. Where no copy can be made,
-    // there is nothing to read.
+    // The copy runs `work` and exits without destroying static objects. If no copy can be made, there is
+    // nothing to read.
     explicit ForkedWork(const std::function<void()>& work);
     ForkedWork(const ForkedWork&) = delete;
     ForkedWork& operator=(const ForkedWork&) = delete;
@@ -20,7 +20,7 @@ public:
     bool IsThere() const { return process_ > 0; }
     // The next character of its standard error, or EOF when it has ended or closed that.
     int Next() { return stream_ != nullptr ? std::getc(stream_) : EOF; }
-    // Ends it if need be and waits until it has.
+    // Waits for the copy to end; with `kill` ends it first.
     void End(bool kill);
 
 private:

@@ -72,14 +72,14 @@ IdleHelpers::Outcome IdleHelpers::Help(int milliseconds) {
     return Outcome::kHelped;
 }
 
-// Work with room for one more.
+// Work that one more helper can join; null for none.
 IdleHelpers::Offer* IdleHelpers::Open() {
     Offer* offer = offers_;
     while (offer != nullptr && offer->joined >= Count()) { offer = offer->next; }
     return offer;
 }
 
-// Nobody joins any more.
+// From now on nobody can join the offer.
 void IdleHelpers::Close(const Offer* offer) {
     for (Offer** link = &offers_; *link != nullptr; link = &(*link)->next) {
         if (*link == offer) {

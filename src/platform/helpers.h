@@ -25,7 +25,7 @@ public:
     bool AreFor(std::size_t bytes) const { return count_ > 0 && bytes >= leastBytes_; }
 
     // Calls `work` on the calling thread, and until that call returns on each helper that is free; returns
-    // when all calls have. None of them may count on another to be there.
+    // when all calls have. No call may rely on another one.
     virtual void Run(const Work& work) = 0;
 
     // As many as there are cores for beside the calling thread, kMost at most.
@@ -39,7 +39,8 @@ private:
     const std::size_t leastBytes_;
 };
 
-// Helpers that are started for each piece of work; those that the system refuses are done without.
+// Helpers that are started for each piece of work; if the system refuses to start some, the work goes on
+// without them.
 class StartedHelpers final : public Helpers {
 public:
     explicit StartedHelpers(int count = FreeCores(), std::size_t leastBytes = kLeastBytes)
@@ -61,7 +62,7 @@ public:
     void Begin();
     void End();
 
-    // What became of waiting.
+    // How the wait ended.
     enum class Outcome { kHelped, kNobodyBusy, kTimeOver };
 
     // Called on a thread between End and Begin: takes part in what another one offers, as soon as it does;

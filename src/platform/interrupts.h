@@ -2,8 +2,8 @@
 
 namespace tarnwick {
 
-// Has the first wish of a user or the system that the program end (Ctrl-C, SIGTERM) call `handler` instead;
-// the second one ends it. `handler` may only set atomic variables: it runs in the midst of anything.
+// Calls `handler` at the first Ctrl-C or SIGTERM, which then doesn't end the program; the second one does.
+// `handler` may only set atomic variables: it runs in the midst of anything.
 void OnFirstInterrupt(void (*handler)(int));
 
 } // namespace tarnwick

@@ -6,7 +6,7 @@ namespace tarnwick {
 
 // The bytes that this process can still take and fill: the least of what the machine and every limit of the
 // process leave, each less a part in 32 for others. What can be dropped for it (copies of files) counts as
-// free. As good as endless where nothing tells. Needs no memory itself.
+// free. A very large number where nothing sets a limit. Needs no memory itself.
 std::uint64_t MemoryLeft();
 
 } // namespace tarnwick

@@ -10,7 +10,7 @@ namespace tarnwick {
 
 namespace {
 
-// Whether open failed for what the path is, and not for want of something.
+// Whether open failed because of what the path is, and not because the system lacks something.
 bool IsOfThePath(int error) {
     switch (error) {
     case ENOENT:
@@ -30,7 +30,7 @@ bool IsOfThePath(int error) {
 } // namespace
 
 OpenedFile::OpenedFile(const char* path) {
-    // Opening a pipe would else wait for its other end.
+    // Otherwise opening a pipe would wait for its other end.
     const int file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status;
     if (file < 0) {

@@ -15,7 +15,7 @@ HANDLE HandleOf(std::intptr_t file) {
     return reinterpret_cast<HANDLE>(file);
 }
 
-// Whether it can't be opened for what the path is, and not for want of something.
+// Whether opening failed because of what the path is, and not because the system lacks something.
 bool IsOfThePath(int error) {
     return error == ENOENT || error == ENOTDIR || error == EACCES || error == ENAMETOOLONG;
 }
@@ -28,7 +28,7 @@ OpenedFile::OpenedFile(const char* path) {
         errno = ENOENT;
         return;
     }
-    // As elsewhere, others may write, rename and remove it meanwhile.
+    // As on other systems, others may write, rename and remove the file meanwhile.
     HANDLE const file =
         CreateFileW(name.Text(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -11,7 +11,7 @@
 namespace tarnwick {
 
 void EndOutOfMemory(const char* line) {
-    // The exception itself can't be thrown again: that takes memory.
+    // The exception can't be rethrown to look at it: that takes memory.
     const std::type_info* const type = abi::__cxa_current_exception_type();
     if (type == nullptr || *type != typeid(std::bad_alloc)) { std::abort(); }
     WriteToError(line);

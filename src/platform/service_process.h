@@ -43,7 +43,7 @@ public:
     // Takes up to `room` bytes, and sets *got to how many there were; false where there will be no more.
     bool Receive(char* bytes, std::size_t room, std::size_t* got);
 
-    // Ends the process where there is one, and waits for that.
+    // Ends the process, if there is one, and waits for its end.
     ProcessEnd End();
     // The same for one that has closed its side: it has so many seconds to end by itself.
     ProcessEnd EndAfter(double seconds);

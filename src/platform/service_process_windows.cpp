@@ -1,4 +1,4 @@
-// No program of this kind is there for this system yet.
+// There is no program of this kind for this system yet.
 
 #include "platform/service_process.h"
 

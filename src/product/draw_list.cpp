@@ -13,14 +13,14 @@ namespace tarnwick {
 namespace {
 
 constexpr std::int32_t kFirstCapacity = 100;
-// Beyond this a list is no assembly any more but a few lines that multiply each other without end. A list
-// that has come to the lesser number has all that are still to come counted before it goes on.
+// A list that is longer than this isn't an assembly but a few lines that multiply each other without end.
+// When a list reaches the smaller number, all that is still to come is counted before it goes on.
 constexpr std::int64_t kMostItems = std::int64_t{1} << 24;
 constexpr std::int64_t kManyItems = std::int64_t{1} << 20;
 
 constexpr int kBoxTriangles = 12;
 
-// A number of triangles as it is shown; one that goes on beyond that is told.
+// A number of triangles as it is shown; the console says when there are more.
 std::int32_t Limited(std::int64_t count) {
     constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
     if (count <= kMost) { return static_cast<std::int32_t>(count); }

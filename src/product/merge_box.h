@@ -4,7 +4,7 @@
 
 namespace tarnwick {
 
-// Widens `box` by `other`, or takes it over when `box` holds nothing yet. Both are six limits in the order of
+// Widens `box` by `other`; sets it to `other` when it holds nothing yet. Both are six limits in the order of
 // ProductNode::box.
 inline void MergeBox(bool isFirst, const float other[6], float box[6]) {
     if (isFirst) {

@@ -47,7 +47,7 @@ public:
         const std::lock_guard guard(lock_);
         return entries_.capacity();
     }
-    // How many entries there are, and how many of them are claimed, at this moment.
+    // How many entries there are now, and how many of them are claimed.
     struct Counts {
         std::int32_t all;
         std::int32_t claimed;

@@ -8,7 +8,8 @@ namespace tarnwick {
 
 namespace {
 
-// True when all `count` indices are below `limit`. Without a way out, so that it runs eight at a time.
+// True when all `count` indices are below `limit`. The loop has no early exit, so that it takes eight indices
+// at a time.
 bool AllBelow(const std::uint32_t* indices, std::size_t count, std::uint32_t limit) {
     std::uint32_t highest = 0;
     for (std::size_t i = 0; i < count; ++i) { highest = std::max(highest, indices[i]); }

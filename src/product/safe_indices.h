@@ -9,8 +9,8 @@
 namespace tarnwick {
 
 // What is drawn in place of arrays that would make the graphics library read past their end: a file may name
-// vertices that it doesn't have, and give a face fewer normals than vertices. Found out once for each scene;
-// for a sound one nothing is kept.
+// vertices that it doesn't have, and give a face fewer normals than vertices. Every scene is checked once; a
+// sound one needs nothing here.
 class SafeIndices {
 public:
     struct Mesh {

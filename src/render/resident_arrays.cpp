@@ -19,7 +19,7 @@ std::size_t CountOf(std::int32_t count) {
     return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-// As the graphics library takes a place in a bound buffer.
+// An offset in a bound buffer, in the form that the graphics library takes.
 const void* AsAddress(std::size_t offset) {
     return reinterpret_cast<const void*>(offset);
 }
@@ -72,7 +72,7 @@ void ResidentArrays::Store(WindowPort& window, const DrawList* drawList, const D
         return;
     }
     room_ = limit;
-    // As a frame does: the first that is there.
+    // Like a frame, takes the first that exists.
     if (drawList != nullptr) {
         AddItems(*drawList, safe);
     } else if (resultMesh != nullptr) {

@@ -24,7 +24,7 @@ public:
     };
 
     ResidentArrays();
-    ~ResidentArrays(); // keeps what Drop wasn't called for: the context may be gone
+    ~ResidentArrays(); // doesn't free buffers that Drop wasn't called for: the context may be gone
     ResidentArrays(const ResidentArrays&) = delete;
     ResidentArrays& operator=(const ResidentArrays&) = delete;
 

@@ -32,7 +32,8 @@ public:
     void Integer(std::int64_t number);
     // Reads back to the same f32: 9 significant digits. What is not finite becomes a string.
     void Float(float number);
-    // All values of a row, with the commas between them. A number takes no look at the room left.
+    // All values of a row, with the commas between them. Numbers are written without a check of the room
+    // left.
     void Floats(const float* values, std::size_t count);
     void Integers(const std::int32_t* values, std::size_t count);
     void Integers(const std::uint32_t* values, std::size_t count);

@@ -31,7 +31,7 @@ constexpr std::size_t kFileNameRoom = 584;
 
 constexpr const char* kNoMemory = "no memory";
 
-// What a product leaves for the next one, which takes over what it doesn't give itself.
+// The values of a product, which the next one keeps where it gives none of its own.
 struct ProductValues {
     std::string_view name;
     std::int32_t index = 0;

@@ -38,7 +38,7 @@ bool HasHeadChecksum(const unsigned char* data, std::uint32_t size) {
     return IsGzip(data, size) && size >= 4 && (data[3] & kHeadChecksum) != 0;
 }
 
-// Whether text stands in a stream as it is, which the bytes of compressed text never look like.
+// Whether a stream holds text uncompressed; compressed text never looks like that.
 bool HoldsPlainText(const unsigned char* data, std::uint32_t size) {
     constexpr std::uint32_t kSample = 32;
     constexpr std::uint32_t kBetweenSamples = 0x4000;
@@ -90,7 +90,7 @@ std::size_t InflatedRoom(std::uint64_t size) {
 
 std::optional<std::size_t> InflateBytes(const unsigned char* data, std::uint32_t size, char* out,
                                         std::size_t room, bool isMember) {
-    // Nothing would tell of a damaged member, which libdeflate may see differently.
+    // A damaged member isn't told by anything, and libdeflate may make something else of it.
     const std::optional<std::size_t> whole = isMember ? std::nullopt : InflateWhole(data, size, out, room);
     return whole ? whole : InflateInSteps(data, size, out, room, isMember);
 }

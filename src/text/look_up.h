@@ -77,7 +77,7 @@ class LookUp {
     static_assert(std::integral<Key> || std::same_as<Key, std::string_view>);
 
 public:
-    // Room for as many entries, where that is known or guessed.
+    // Makes room for so many entries, known or guessed.
     void Reserve(std::size_t entries) { entries_.reserve(entries); }
 
     // Appends an entry. It gets its slot when a key is looked for: the slots of many entries are filled
@@ -91,7 +91,7 @@ public:
         return true;
     }
 
-    // The value of the first entry with this key, or null. Where it stands until the next Add.
+    // The value of the first entry with this key, or null. Valid until the next Add.
     Value* Find(Key key) {
         const Kept wanted(key, secret_);
         PlaceAll();

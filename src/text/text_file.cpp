@@ -40,7 +40,7 @@ bool TakeTwin(std::string* path, std::int32_t* compression) {
 constexpr const char* kCantBeOpened = "can't be opened";
 constexpr const char* kCantBeRead = "can't be read";
 
-// Says what the system has against the file.
+// Says why the system refuses the file.
 void TellSystem(const TextFile& file, int error) {
     ConsolePrint("<E> %s: it %s: %s\n", OneLine(file.path).Text(), file.problem, std::strerror(error));
 }
@@ -56,7 +56,7 @@ bool Open(TextFile* file, std::optional<OpenedFile>* opened) {
     if (!TakeTwin(&file->path, &compression)) { return false; }
     opened->emplace(file->path.c_str());
     if (!(*opened)->IsOpen()) {
-        // Without the system neither name can be opened, and once is enough to say so.
+        // What the system lacks for one name it lacks for both; one line says so.
         if (failure == 0 && (failure = (*opened)->Failure()) != 0) { TellSystem(*file, failure); }
         return false;
     }

@@ -10,8 +10,8 @@
 
 namespace tarnwick {
 
-// How the library reads an archive: out of a file that is open already, through a block of its own. What the
-// library opens itself it loses where it finds no memory for it.
+// How the library reads an archive: out of a file that is open already, through a block of its own. A file
+// that the library opens itself leaks when the library runs out of memory.
 class ZipInput {
 public:
     // The file must outlive it.

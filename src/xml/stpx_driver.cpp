@@ -60,7 +60,8 @@ bool ReadDocument(StpxSession& session, TextMemory& memory, std::string path, st
     return false;
 }
 
-// Finds the documents that lead to themselves. Reading one again may add to the table again, without end.
+// Finds documents that lead back to themselves. Each further reading of one may add to the table again,
+// without end.
 class DocumentCycles {
 public:
     // Notes that the entries up to `count` that no document has claimed yet were added by the one at `place`;
@@ -82,7 +83,7 @@ public:
     }
 
 private:
-    static constexpr std::int32_t kMostRepeats = 100; // those that come to an end do so within a few
+    static constexpr std::int32_t kMostRepeats = 100; // chains that end do so within a few
 
     std::vector<std::int32_t> addedBy_;
     LookUp<std::string_view, bool> names_;

@@ -7,8 +7,8 @@ namespace tarnwick {
 // Reads the STEP XML document `path`, the documents that it leads to one after the other, and then all their
 // parts, and places the parts. With the session's `zip` set, `path` and all other names are members of that
 // archive. `rootName`, the name of a child of the root to show in its place, may be null. With `boxMode` not
-// 0 only the boxes that the document gives are read. With `threads` the parts are read on six threads.
-// Returns 0, whatever becomes of the files; see the session's `gaveUp`.
+// 0 only the boxes that the document gives are read. With `threads` the parts are read on six threads. Always
+// returns 0; the session's `gaveUp` tells whether the root document could be read.
 int TraiteSTEPXFileNewMT(StpxSession& session, const char* path, const char* rootName, int boxMode,
                          bool threads);
 
