@@ -4,14 +4,23 @@
 
 #include <algorithm>
 #include <charconv>
+#include <string>
 
 namespace tarnwick {
 
 namespace {
 
+bool IsLetter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
 bool IsWord(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '!' || c == '-';
+    return IsLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '!' || c == '-';
+}
+
+// Whether a keyword of a text is this one, which is in capitals; some exporters write small letters.
+bool IsKeyword(std::string_view text, std::string_view capitals) {
+    return std::equal(text.begin(), text.end(), capitals.begin(), capitals.end(),
+                      [](char a, char b) { return a == b || (a >= 'a' && a <= 'z' && a - 'a' + 'A' == b); });
 }
 
 std::string_view Between(const char* begin, const char* end) {
@@ -42,10 +51,7 @@ std::string_view WithoutPlus(std::string_view number) {
 
 // What a typed parameter holds, or the argument itself.
 std::string_view Untyped(std::string_view argument) {
-    if (argument.empty() ||
-        !((argument[0] >= 'A' && argument[0] <= 'Z') || (argument[0] >= 'a' && argument[0] <= 'z'))) {
-        return argument;
-    }
+    if (argument.empty() || !IsLetter(argument[0])) { return argument; }
     ArgumentCursor cursor(RecordOf(argument).arguments);
     std::string_view value;
     return cursor.Next(&value) ? value : std::string_view{};
@@ -76,7 +82,7 @@ Record FindRecord(std::string_view text, std::string_view keyword) {
     if (p < end && *p == '(') { ++p; }
     for (;;) {
         const Record record = TakeRecord(&p, end);
-        if (!record.IsFound() || record.keyword == keyword) { return record; }
+        if (!record.IsFound() || IsKeyword(record.keyword, keyword)) { return record; }
     }
 }
 
@@ -164,12 +170,30 @@ void AppendReferences(std::string_view text, std::vector<std::uint64_t>* referen
     }
 }
 
+bool ReadReal(std::string_view text, double* value) {
+    text = WithoutPlus(text);
+    if (text.empty() || IsLetter(text[text[0] == '-' && text.size() > 1])) {
+        return false;
+    } // "inf" and the like
+    const char* const end = text.data() + text.size();
+    double read = 0;
+    auto [behind, error] = std::from_chars(text.data(), end, read);
+    if (error == std::errc() && behind < end && (*behind == 'D' || *behind == 'd')) {
+        std::string copy(text);
+        copy[static_cast<std::size_t>(behind - text.data())] = 'E';
+        const char* const last = copy.data() + copy.size();
+        const auto [stop, problem] = std::from_chars(copy.data(), last, read);
+        if (problem != std::errc() || stop != last) { return false; }
+    } else if (error != std::errc() || behind != end) {
+        return false;
+    }
+    *value = read;
+    return true;
+}
+
 std::optional<double> RealOf(std::string_view argument) {
-    argument = WithoutPlus(Untyped(argument));
     double value = 0;
-    const auto [behind, error] = std::from_chars(argument.data(), argument.data() + argument.size(), value);
-    if (error != std::errc() || behind == argument.data()) { return std::nullopt; }
-    return value;
+    return ReadReal(Untyped(argument), &value) ? std::optional(value) : std::nullopt;
 }
 
 std::optional<std::int64_t> IntegerOf(std::string_view argument) {

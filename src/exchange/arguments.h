@@ -62,7 +62,11 @@ bool IsList(std::string_view argument);
 std::uint64_t ReferenceOf(std::string_view argument);
 // All that a text refers to, at any depth, in its order.
 void AppendReferences(std::string_view text, std::vector<std::uint64_t>* references);
-// A number, also as a typed parameter: "LENGTH_MEASURE(25.4)". The nearest f64.
+// A text that is a number from end to end; the nearest f64. Beside the form of the standard those that some
+// exporters write: a plus sign, no digit on one side of the point, no point, and an exponent by "e", "D" or
+// "d". False for any other text and for one that no f64 holds; *value is then left as it was.
+bool ReadReal(std::string_view text, double* value);
+// The same of an argument, also as a typed parameter: "LENGTH_MEASURE(25.4)".
 std::optional<double> RealOf(std::string_view argument);
 std::optional<std::int64_t> IntegerOf(std::string_view argument);
 // Three numbers in a list, "(1.,0.,0.)"; two have a third of 0.

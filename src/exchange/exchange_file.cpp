@@ -1,6 +1,7 @@
 #include "exchange/exchange_file.h"
 
 #include "exchange/text_skip.h"
+#include "exchange/token_cursor.h"
 #include "text/look_up.h"
 
 #include <algorithm>
@@ -152,15 +153,25 @@ private:
         return p < digits && p > start && p[-1] == '#' ? p - 1 : nullptr;
     }
 
+    // Whether a keyword begins or ends the file or a section of it.
+    static bool IsStructure(std::string_view keyword) {
+        constexpr std::string_view kStructure[] = {"ISO-10303-21", "HEADER",    "DATA",   "ANCHOR",
+                                                   "REFERENCE",    "SIGNATURE", "ENDSEC", "END-ISO-10303-21"};
+        return std::find(std::begin(kStructure), std::end(kStructure), keyword) != std::end(kStructure);
+    }
+
     const char* Statement(const char* p) {
         if (*p == '#') { return InstanceStatement(p); }
         if (*p == ';') { return p + 1; }
+        const char* const behind = std::find_if_not(p, end_, IsKeywordCharacter);
+        const std::string_view keyword(p, static_cast<std::size_t>(behind - p));
+        if (hasEnd_ && !IsStructure(keyword)) {
+            Note(p, "text after END-ISO-10303-21;");
+            return AfterRubbish(p, end_);
+        }
         const char* const end = FindEnd(p, false);
         std::string_view statement(p, static_cast<std::size_t>(end - p));
         while (!statement.empty() && IsExchangeBlank(statement.back())) { statement.remove_suffix(1); }
-        const std::size_t length = static_cast<std::size_t>(
-            std::find_if_not(statement.begin(), statement.end(), IsKeywordCharacter) - statement.begin());
-        const std::string_view keyword = statement.substr(0, length);
         if (keyword == "HEADER") {
             section_ = Section::kHeader;
         } else if (keyword == "DATA") {
@@ -259,8 +270,7 @@ private:
         const std::string_view keyword(p, static_cast<std::size_t>(behind - p));
         if (const std::uint32_t* const known = places_.Find(keyword)) { return *known; }
         if (keyword.empty()) { Note(p, "an instance has no keyword", true); }
-        std::string capitals(keyword);
-        for (char& c : capitals) { c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+        const std::string capitals = InCapitals(keyword);
         if (capitals != keyword) {
             Note(p, "a keyword has small letters");
             names_.push_back(capitals);

@@ -14,8 +14,23 @@ namespace tarnwick {
 
 namespace {
 
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 bool IsHex(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
+    return IsDigit(c) || (c >= 'A' && c <= 'F');
+}
+
+// What is wrong with the form of a real; null for nothing.
+const char* RealFault(std::string_view text) {
+    const std::size_t letter = text.find_first_of("eDdE");
+    if (letter != std::string_view::npos && text[letter] == 'e') { return "an exponent has a small e"; }
+    if (letter != std::string_view::npos && text[letter] != 'E') {
+        return "an exponent has another letter than E";
+    }
+    const std::size_t point = text.find('.');
+    if (point == std::string_view::npos) { return "a real has no point"; }
+    return point == 0 || !IsDigit(text[point - 1]) ? "a real has no digit before its point" : nullptr;
 }
 
 // What is wrong with the inside of a string; null for nothing.
@@ -250,9 +265,7 @@ private:
             references_.push_back(token_.text);
             break;
         case TokenKind::kReal:
-            if (token_.text.find('e') != std::string_view::npos) {
-                Note(token_.text, "an exponent has a small e");
-            }
+            if (const char* const fault = RealFault(token_.text)) { Note(token_.text, fault); }
             break;
         case TokenKind::kString:
             if (const char* const fault = StringFault(token_.text)) { Note(token_.text, fault); }

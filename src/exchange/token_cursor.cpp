@@ -17,6 +17,9 @@ bool IsLetter(char c) {
 bool IsWord(char c) {
     return IsLetter(c) || IsDigit(c) || c == '-';
 }
+bool IsExponentLetter(char c) {
+    return c == 'E' || c == 'e' || c == 'D' || c == 'd';
+}
 
 } // namespace
 
@@ -26,20 +29,23 @@ Token TokenCursor::Closed(TokenKind kind, char close) {
 }
 
 Token TokenCursor::Number() {
-    const char* q = p_;
-    if (*q == '+' || *q == '-') { ++q; }
-    if (q == end_ || !IsDigit(*q)) { return Take(TokenKind::kBad, p_ + 1); }
-    q = std::find_if_not(q, end_, IsDigit);
-    if (q == end_ || *q != '.') { return Take(TokenKind::kInteger, q); }
-    q = std::find_if_not(q + 1, end_, IsDigit);
-    if (q < end_ && (*q == 'E' || *q == 'e')) {
-        const char* digits = q + 1;
-        if (digits < end_ && (*digits == '+' || *digits == '-')) { ++digits; }
-        const char* const behind = std::find_if_not(digits, end_, IsDigit);
-        if (behind == digits) { return Take(TokenKind::kBad, behind); }
-        q = behind;
+    const char* const digits = p_ + (*p_ == '+' || *p_ == '-');
+    const char* q = std::find_if_not(digits, end_, IsDigit);
+    bool hasDigits = q > digits;
+    const bool hasPoint = q < end_ && *q == '.';
+    if (hasPoint) {
+        const char* const fraction = q + 1;
+        q = std::find_if_not(fraction, end_, IsDigit);
+        hasDigits = hasDigits || q > fraction;
     }
-    return Take(TokenKind::kReal, q);
+    if (!hasDigits) { return Take(TokenKind::kBad, p_ + 1); }
+    if (q == end_ || !IsExponentLetter(*q)) {
+        return Take(hasPoint ? TokenKind::kReal : TokenKind::kInteger, q);
+    }
+    const char* exponent = q + 1;
+    if (exponent < end_ && (*exponent == '+' || *exponent == '-')) { ++exponent; }
+    const char* const behind = std::find_if_not(exponent, end_, IsDigit);
+    return Take(behind > exponent ? TokenKind::kReal : TokenKind::kBad, behind);
 }
 
 Token TokenCursor::Enumeration() {
@@ -71,7 +77,7 @@ Token TokenCursor::Next() {
     case '<':
         return Closed(TokenKind::kResource, '>');
     case '.':
-        return Enumeration();
+        return p_ + 1 < end_ && IsDigit(p_[1]) ? Number() : Enumeration();
     case '\'': {
         const char* const behind = SkipString(p_, end_);
         const bool isClosed = behind > p_ + 1 && behind[-1] == '\'';
@@ -90,6 +96,12 @@ Token TokenCursor::Next() {
         if (IsDigit(*p_) || *p_ == '+' || *p_ == '-') { return Number(); }
         return Take(TokenKind::kBad, p_ + 1);
     }
+}
+
+std::string InCapitals(std::string_view keyword) {
+    std::string capitals(keyword);
+    for (char& c : capitals) { c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+    return capitals;
 }
 
 } // namespace tarnwick

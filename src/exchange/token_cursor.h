@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace tarnwick {
@@ -17,7 +18,7 @@ enum class TokenKind : std::uint8_t {
     kReference,   // #12
     kValue,       // @12, an instance that is a value
     kInteger,     // -12
-    kReal,        // 1.5E-3
+    kReal,        // 1.5E-3; also .5, 1E5 and 1.5d-3, see ReadReal
     kString,      // 'text', with its quotes
     kEnumeration, // .T.
     kBinary,      // "0F", with its quotes
@@ -53,5 +54,8 @@ private:
     const char* p_;
     const char* end_;
 };
+
+// A keyword in capitals, which some exporters write in small letters.
+std::string InCapitals(std::string_view keyword);
 
 } // namespace tarnwick

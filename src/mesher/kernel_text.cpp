@@ -91,6 +91,22 @@ void AppendNumber(std::uint64_t number, std::string* out) {
     out->append(digits, end);
 }
 
+// A real in the form of the standard: the kernel takes "1.5e3" for another number.
+void AppendStandardReal(std::string_view text, std::string* out) {
+    const std::size_t letter = text.find_first_of("EeDd");
+    std::string_view number = text.substr(0, letter);
+    if (number[0] == '-' || number[0] == '+') {
+        if (number[0] == '-') { *out += '-'; }
+        number.remove_prefix(1);
+    }
+    if (number.starts_with('.')) { *out += '0'; }
+    *out += number;
+    if (number.find('.') == std::string_view::npos) { *out += '.'; }
+    if (letter == std::string_view::npos) { return; }
+    *out += 'E';
+    *out += text.substr(letter + 1);
+}
+
 // The roles of a file's instances; those of its keywords are found once.
 class Roles {
 public:
@@ -118,7 +134,7 @@ private:
             if (token.kind == TokenKind::kOpen) { ++depth; }
             if (token.kind == TokenKind::kClose) { --depth; }
             if (token.kind != TokenKind::kKeyword || depth != 1) { continue; }
-            const Role role = RoleOfKeyword(token.text);
+            const Role role = RoleOfKeyword(InCapitals(token.text));
             whole.isGeometry = whole.isGeometry && role.isGeometry;
             whole.isFace = whole.isFace || role.isFace;
             whole.isSurface = whole.isSurface || role.isSurface;
@@ -206,6 +222,12 @@ private:
             case TokenKind::kValue:
             case TokenKind::kResource:
                 out_ += '$';
+                break;
+            case TokenKind::kReal:
+                AppendStandardReal(token.text, &out_);
+                break;
+            case TokenKind::kKeyword:
+                out_ += InCapitals(token.text);
                 break;
             case TokenKind::kBad:
                 break;

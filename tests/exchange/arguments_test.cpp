@@ -77,6 +77,22 @@ TEST(Values, AreReadOrAbsent) {
     EXPECT_TRUE(IsOmitted("$") && IsOmitted("*") && IsOmitted(""));
 }
 
+TEST(Values, OfAllExportersAreReadAndOthersNotInPart) {
+    for (const std::string_view text :
+         {"1500.", "1500", "1.5E3", "1.5e+3", "1.5D3", "1.5d+03", "+1.5D3", ".15D4"}) {
+        EXPECT_EQ(RealOf(text), 1500.0) << text;
+    }
+    for (const std::string_view text : {"", "+", "-", "1.5x", "1.5.2", "1.D", "1.E5.", "D3", "inf", "-inf",
+                                        "nan", "-nan", "1.D999", "0x10"}) {
+        EXPECT_EQ(RealOf(text), std::nullopt) << text;
+    }
+}
+
+TEST(Records, AreFoundByKeywordsInSmallLettersToo) {
+    EXPECT_EQ(FindRecord(Padded("(a(1)b_c(2))").Text(), "B_C").arguments, "2");
+    EXPECT_FALSE(FindRecord(Padded("(a(1)b_c(2))").Text(), "B").IsFound());
+}
+
 TEST(References, AreFoundAtAnyDepthButNotInStringsAndComments) {
     const Padded text("A('#1',(#2,(#3)),B(#4)/* #5 */,\"#6\",#7)");
     std::vector<std::uint64_t> references;

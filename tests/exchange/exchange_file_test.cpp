@@ -136,6 +136,15 @@ TEST(ExchangeFile, RubbishBetweenInstancesIsToldWithItsPlace) {
     EXPECT_THAT(DeviationsOf(text), ElementsAre("9:3 neither an instance nor a section"));
 }
 
+TEST(ExchangeFile, TextAfterTheEndCostsNothing) {
+    const Padded padded(FileOf("#1=A();\n") + "the mail's signature\n");
+    const ExchangeFile file(padded.Text());
+    ASSERT_EQ(file.Deviations().size(), 1u);
+    EXPECT_EQ(file.Deviations()[0].what, "text after END-ISO-10303-21;");
+    EXPECT_FALSE(file.Deviations()[0].isLoss);
+    EXPECT_EQ(file.Instances().size(), 1u);
+}
+
 TEST(ExchangeFile, TellsOfWhatIsNoExchangeFile) {
     const Padded text("<?xml version=\"1.0\"?><a/>");
     EXPECT_FALSE(ExchangeFile(text.Text()).IsExchangeFile());

@@ -43,6 +43,9 @@ TEST(StrictCheck, TellsEachDeviationWithLineAndColumn) {
     EXPECT_THAT(FaultsOf(FileOf("#1=A();\n#1=B();")), ElementsAre("9:1 the number #1 stands twice"));
     EXPECT_THAT(FaultsOf(FileOf("#1=a();")), ElementsAre("8:4 a keyword has small letters"));
     EXPECT_THAT(FaultsOf(FileOf("#1=A(1.e5);")), ElementsAre("8:6 an exponent has a small e"));
+    EXPECT_THAT(FaultsOf(FileOf("#1=A(1.D5);")), ElementsAre("8:6 an exponent has another letter than E"));
+    EXPECT_THAT(FaultsOf(FileOf("#1=A(1E5);")), ElementsAre("8:6 a real has no point"));
+    EXPECT_THAT(FaultsOf(FileOf("#1=A(-.5);")), ElementsAre("8:6 a real has no digit before its point"));
     EXPECT_THAT(FaultsOf(FileOf("#1=A('\\Q');")),
                 ElementsAre("8:6 a string has a backslash that begins no directive"));
     EXPECT_THAT(FaultsOf(FileOf("#0=A();")), ElementsAre("8:1 the number of an instance is from 1 on"));

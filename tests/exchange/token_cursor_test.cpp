@@ -40,8 +40,17 @@ TEST(TokenCursor, TellsEveryKindOfToken) {
                             Pair(TokenKind::kSemicolon, ";"), Pair(TokenKind::kKeyword, "!USER")));
 }
 
+TEST(TokenCursor, TakesTheRealsOfAllExporters) {
+    for (const std::string text : {"1.", "-.5", ".5E3", "1E5", "1.5e-3", "1.5D+03", "2d1"}) {
+        EXPECT_THAT(TokensOf(text + ",$"),
+                    ElementsAre(Pair(TokenKind::kReal, text), Pair(TokenKind::kComma, ","),
+                                Pair(TokenKind::kOmitted, "$")));
+    }
+}
+
 TEST(TokenCursor, WhatIsNoTokenIsBad) {
-    for (const std::string_view text : {"'open", "\"open", "<open", "#", "@x", "-", ".T", "?", "1.E"}) {
+    for (const std::string_view text :
+         {"'open", "\"open", "<open", "#", "@x", "-", ".T", "?", "1.E", "-.", "1D"}) {
         EXPECT_EQ(TokensOf(text).front().first, TokenKind::kBad) << text;
     }
 }

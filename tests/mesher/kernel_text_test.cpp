@@ -57,6 +57,12 @@ TEST(KernelText, HoldsTheBodyAndItsContextAndNothingElse) {
     EXPECT_THAT(text, HasSubstr("LENGTH_MEASURE(1.E-5),#1,'distance_accuracy_value','')"));
 }
 
+TEST(KernelText, HasNumbersAndKeywordsAsTheStandardHasThem) {
+    const std::string text =
+        KernelTextOf(ContextText() + "#100=(bounded_surface()point('',(1.5e3,-.5,+1D-2)));", {100});
+    EXPECT_THAT(text, HasSubstr("#100=(BOUNDED_SURFACE()POINT('',(1.5E3,-0.5,1.E-2)));"));
+}
+
 TEST(KernelText, HasNoNames) {
     SolidText solids(100);
     const std::uint64_t cube = solids.AddCube(1);

@@ -1,5 +1,6 @@
 #include "prepare/shape/list_text.h"
 
+#include "exchange/arguments.h"
 #include "exchange/text_skip.h"
 #include "write/real_text.h"
 
@@ -37,8 +38,8 @@ public:
     std::string_view NumberText() {
         if (p_ < end_ && (IsExchangeBlank(*p_) || *p_ == '/')) { p_ = SkipBlanks(p_, end_); }
         const char* const begin = p_;
-        while (p_ < end_ &&
-               (IsDigit(*p_) || *p_ == '.' || *p_ == '-' || *p_ == '+' || *p_ == 'E' || *p_ == 'e')) {
+        while (p_ < end_ && (IsDigit(*p_) || *p_ == '.' || *p_ == '-' || *p_ == '+' || *p_ == 'E' ||
+                             *p_ == 'e' || *p_ == 'D' || *p_ == 'd')) {
             ++p_;
         }
         return {begin, static_cast<std::size_t>(p_ - begin)};
@@ -63,10 +64,7 @@ private:
 };
 
 bool ReadNumber(std::string_view text, double* value) {
-    if (text.starts_with('+')) { text.remove_prefix(1); }
-    const char* const end = text.data() + text.size();
-    const auto [behind, error] = std::from_chars(text.data(), end, *value);
-    return error == std::errc() && behind == end && std::abs(*value) < kMostCoordinate;
+    return ReadReal(text, value) && std::abs(*value) < kMostCoordinate;
 }
 
 // A number as the viewer's readers take it: a point, and no exponent.
