@@ -17,6 +17,9 @@ namespace {
 namespace fs = std::filesystem;
 
 bool IsXml(std::string_view text) {
+    using namespace std::string_view_literals;
+    constexpr std::string_view kInUtf16[] = {"\xFF\xFE<\0"sv, "\xFE\xFF\0<"sv};
+    if (text.starts_with(kInUtf16[0]) || text.starts_with(kInUtf16[1])) { return true; }
     if (text.starts_with("\xEF\xBB\xBF")) { text.remove_prefix(3); }
     const std::size_t first = text.find_first_not_of(" \t\r\n");
     return first != std::string_view::npos && text[first] == '<';

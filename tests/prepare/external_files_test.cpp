@@ -80,6 +80,31 @@ TEST(ExternalFiles, OfADefinitionWithAssociatedDocumentsAreFollowed) {
     EXPECT_THAT(PrepareText(folder, text.Text()).Corners(), ElementsAre("0 0 0, 25.4 0 0, 0 25.4 0"));
 }
 
+// The text in UTF-16 with its mark, the lower byte of a character first or last.
+std::string InUtf16(std::string_view ascii, bool lowFirst) {
+    std::string text = lowFirst ? "\xFF\xFE" : "\xFE\xFF";
+    for (const char c : ascii) {
+        text += lowFirst ? c : '\0';
+        text += lowFirst ? '\0' : c;
+    }
+    return text;
+}
+
+TEST(ExternalFiles, OfAnXmlDocumentInAnyEncodingAreFollowed) {
+    const TempFolder folder;
+    folder.Write("wheel.stp", PartText());
+    const std::string document =
+        R"(<?xml version="1.0"?><Uos><DataContainer><Part uid="p"><Name><CharacterString>wheel</CharacterString></Name>)"
+        R"(<Versions><PartVersion uid="v"><Views><PartView uid="w"><DocumentAssignment><AssignedDocument uidRef="f"/>)"
+        R"(</DocumentAssignment></PartView></Views></PartVersion></Versions></Part>)"
+        R"(<File uid="f"><Id><Identifier id="wheel.stp"/></Id></File></DataContainer></Uos>)";
+    const std::vector<std::string> corners = PrepareText(folder, document).Corners();
+    EXPECT_EQ(corners.size(), 1u);
+    EXPECT_EQ(PrepareText(folder, "\xEF\xBB\xBF" + document).Corners(), corners);
+    EXPECT_EQ(PrepareText(folder, InUtf16(document, true)).Corners(), corners);
+    EXPECT_EQ(PrepareText(folder, InUtf16(document, false)).Corners(), corners);
+}
+
 TEST(ExternalFiles, ThatLieUnderAnotherEndingAreTakenAndNoted) {
     const TempFolder folder;
     folder.Write("wheel.stp", PartText());
