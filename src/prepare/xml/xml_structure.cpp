@@ -351,18 +351,20 @@ private:
 bool ReadXmlStructure(std::string_view text, FileStructure* structure, std::string* error) {
     pugi::xml_document document;
     const pugi::xml_parse_result result = document.load_buffer(text.data(), text.size());
+    std::string fault;
     if (!result) {
         const auto end = text.begin() + std::min<std::ptrdiff_t>(result.offset, std::ssize(text));
-        *error =
+        fault =
             "line " + std::to_string(1 + std::count(text.begin(), end, '\n')) + ": " + result.description();
-        return false;
     }
+    // A text that is cut or broken has given what stands before.
     XmlRecords records = CollectXml(document);
-    if (!records.hasData) {
-        *error = "it has no DataContainer";
+    if (!records.hasData || result.status == pugi::status_out_of_memory) {
+        *error = fault.empty() ? "it has no DataContainer" : fault;
         return false;
     }
     *structure = StructureMaker(std::move(records)).Make();
+    if (!fault.empty()) { structure->losses.push_back({"", 0, fault, true}); }
     return true;
 }
 
