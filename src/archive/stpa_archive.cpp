@@ -181,7 +181,7 @@ ZipArchive::Packed ZipArchive::ReadPacked(const char* name) {
         packed.oddity = kNoMember;
         return packed;
     }
-    packed.oddity = zip_ != nullptr ? GoTo(*entry, &info) : kNoRecord;
+    packed.oddity = GoTo(*entry, &info);
     if (packed.oddity != nullptr) { return packed; }
     const std::uint64_t room = std::min(info.compressedSize, file_->Size()) + 100;
     if (room > kLargestText) {
@@ -205,7 +205,7 @@ ZipArchive::Packed ZipArchive::ReadPacked(const char* name) {
 char* ZipArchive::ReadMember(const char* name, TextMemory& memory, std::size_t* size, const char** problem) {
     *size = 0;
     const ZipEntry* const entry = members_.Find(name);
-    if (entry == nullptr || zip_ == nullptr) {
+    if (entry == nullptr) {
         *problem = kNoMember;
         return nullptr;
     }

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <memory>
@@ -127,35 +128,49 @@ TEST(Stpa, CannotTakeEncryptedMembers) {
     EXPECT_EQ(root.view.loaded.unreadFiles[0].path, "main.stpx");
 }
 
-// Writes another compression method over that of a member, in its local header and in the directory.
-void SetMethod(const std::string& path, const std::string& name, char method) {
+// A field of a member's record in the directory, and of its local header: bytes in front of the name.
+struct RecordField {
+    std::size_t inDirectory;
+    std::size_t inLocalHeader;
+    std::size_t bytes;
+};
+constexpr RecordField kMethod{36, 22, 2};
+constexpr RecordField kCompressedSize{26, 12, 4};
+constexpr RecordField kUncompressedSize{22, 8, 4};
+
+// Writes another value over a field of a member, in both places.
+void SetField(const std::string& path, const std::string& name, const RecordField& field,
+              std::uint32_t value) {
     std::string bytes = ReadWholeFile(path);
+    const auto write = [&](std::size_t at) {
+        for (std::size_t i = 0; i < field.bytes; ++i) { bytes[at + i] = static_cast<char>(value >> 8 * i); }
+    };
     for (std::size_t at = bytes.find(name); at != std::string::npos; at = bytes.find(name, at + 1)) {
-        if (at >= 30 && bytes.compare(at - 30, 4, "PK\3\4") == 0) { bytes[at - 22] = method; }
-        if (at >= 46 && bytes.compare(at - 46, 4, "PK\1\2") == 0) { bytes[at - 36] = method; }
+        if (at >= 30 && bytes.compare(at - 30, 4, "PK\3\4") == 0) { write(at - field.inLocalHeader); }
+        if (at >= 46 && bytes.compare(at - 46, 4, "PK\1\2") == 0) { write(at - field.inDirectory); }
     }
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
 TEST(Stpa, CannotTakeMembersOfForeignMethods) {
-    for (const char method : {static_cast<char>(12), static_cast<char>(14), static_cast<char>(99)}) {
+    for (const std::uint32_t method : {12u, 14u, 99u}) {
         const TestFolder folder;
         std::vector<Member> members = Machine();
         members[0].method = 0; // bytes that are no deflate stream
         Loaded part(folder, members);
-        SetMethod(part.path, "parts/w.stp", method);
+        SetField(part.path, "parts/w.stp", kMethod, method);
         part.Load(1);
         EXPECT_EQ(part.view.loaded.drawnTriangles, 0);
         EXPECT_TRUE(part.Says("<E> Invalid P21 file\n"));
         ASSERT_EQ(part.view.loaded.unreadFiles.size(), 1u);
         Loaded root(folder, Machine());
-        SetMethod(root.path, "main.stpx", method);
+        SetField(root.path, "main.stpx", kMethod, method);
         root.Load(1);
         EXPECT_EQ(root.view.loaded.drawList, nullptr);
         ASSERT_EQ(root.view.loaded.unreadFiles.size(), 1u);
         EXPECT_EQ(root.view.loaded.unreadFiles[0].path, "main.stpx");
         Loaded ini(folder, Machine());
-        SetMethod(ini.path, "stpa.ini", method);
+        SetField(ini.path, "stpa.ini", kMethod, method);
         ini.Load(1);
         EXPECT_FALSE(ini.Says("<E>")) << "without its ini an archive is left in silence";
         EXPECT_EQ(ini.view.loaded.unreadFiles.size(), 1u);
@@ -166,7 +181,7 @@ TEST(Stpa, SaysOnStandardOutputThatAMemberHasNoBytes) {
     const TestFolder folder;
     std::vector<Member> members = Machine();
     Loaded loaded(folder, members);
-    SetMethod(loaded.path, "parts/w.stp", 14);
+    SetField(loaded.path, "parts/w.stp", kMethod, 14);
     loaded.Load(1);
     EXPECT_NE(loaded.output.find("error -103 with zipfile in unzGetBufferCurrentFile\n"), std::string::npos);
 }
@@ -336,6 +351,105 @@ TEST(ZipArchive, PutsTheHeadOfAGzipFileInFrontOfAMembersBytes) {
     EXPECT_EQ(std::memcmp(packed.data.get(), head, 10), 0);
     EXPECT_EQ(std::memcmp(packed.data.get() + 10, "some text", 9), 0);
     EXPECT_EQ(archive.ReadPacked("none").data, nullptr);
+}
+
+// What is said of a member that can't be read, as a document and as a part.
+struct Problems {
+    Problems(ZipArchive& archive, const char* name) {
+        TextMemory memory;
+        std::size_t size = 0;
+        EXPECT_EQ(archive.ReadMember(name, memory, &size, &document), nullptr);
+        const ZipArchive::Packed packed = archive.ReadPacked(name);
+        EXPECT_EQ(packed.data, nullptr);
+        part = packed.oddity;
+    }
+    const char* document = nullptr;
+    const char* part = nullptr;
+};
+
+TEST(ZipArchive, TakesNoMemberThatClaimsMoreCharactersThanATextMayHave) {
+    const TestFolder folder;
+    const std::string path = folder.Path("l.stpa");
+    WriteArchive(path, {{"m", "some text, some text, some text"}});
+    for (const std::uint32_t size : {0x7FFC0000u, 0xFFFFFFFEu}) {
+        SetField(path, "m", kUncompressedSize, size);
+        ZipArchive archive(path.c_str());
+        TextMemory memory;
+        std::size_t read = 0;
+        const char* problem = nullptr;
+        EXPECT_EQ(archive.ReadMember("m", memory, &read, &problem), nullptr);
+        EXPECT_STREQ(problem, "is too large");
+    }
+}
+
+TEST(ZipArchive, TakesNoMemberOfMoreBytesThanATextMayHave) {
+    const TestFolder folder;
+    const std::string path = folder.Path("l.stpa");
+    WriteArchive(path, {{"m", "some text, some text, some text"}});
+    SetField(path, "m", kCompressedSize, 0x80000000u);
+    // Behind as many bytes that aren't written, and so take no room on the disk.
+    const std::string bytes = ReadWholeFile(path);
+    std::ofstream file(path, std::ios::binary);
+    file.seekp(std::streamoff{0x80000000});
+    file << bytes << std::flush;
+    ZipArchive archive(path.c_str());
+    const Problems problems(archive, "m");
+    EXPECT_STREQ(problems.document, "is too large");
+    EXPECT_STREQ(problems.part, "is too large");
+}
+
+TEST(ZipArchive, TakesNoStoredDocumentThatHasMoreBytesThanCharacters) {
+    const TestFolder folder;
+    const std::string path = folder.Path("s.stpa");
+    const std::string content(100, 'c');
+    WriteArchive(path, {{"m", content, 0}, {"secret", content, 0, "password"}});
+    const auto problemOf = [&](const char* name) {
+        ZipArchive archive(path.c_str());
+        TextMemory memory;
+        std::size_t size = 0;
+        const char* problem = nullptr;
+        archive.ReadMember(name, memory, &size, &problem);
+        return std::string(problem != nullptr ? problem : "");
+    };
+    EXPECT_EQ(problemOf("secret"), "is encrypted");
+    SetField(path, "m", kUncompressedSize, 91);
+    EXPECT_EQ(problemOf("m"), "") << "nine more are taken";
+    SetField(path, "m", kUncompressedSize, 90);
+    EXPECT_EQ(problemOf("m"), "can't be read, it is stored with more bytes than it has");
+}
+
+TEST(ZipArchive, TakesNoMemberWhoseRecordWasOverwrittenMeanwhile) {
+    const TestFolder folder;
+    const std::string path = folder.Path("c.stpa");
+    const std::string large(100000, 'c'); // so that the directory is read again
+    WriteArchive(path, {{"large", large, 0}, {"m", "some text", 0}});
+    ZipArchive archive(path.c_str());
+    TextMemory memory;
+    std::size_t size = 0;
+    const char* problem = nullptr;
+    EXPECT_NE(archive.ReadMember("large", memory, &size, &problem), nullptr);
+    const std::size_t directory = ReadWholeFile(path).find("PK\1\2");
+    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(static_cast<std::streamoff>(directory));
+    file << std::string(150, '\0') << std::flush;
+    const Problems problems(archive, "m");
+    EXPECT_STREQ(problems.document, "can't be read, its record in the archive is damaged");
+    EXPECT_STREQ(problems.part, "can't be read, its record in the archive is damaged");
+}
+
+TEST(ZipArchive, TakesNoStoredDocumentWithADamagedLocalHeader) {
+    const TestFolder folder;
+    const std::string path = folder.Path("h.stpa");
+    WriteArchive(path, {{"m", "some text", 0}});
+    std::string bytes = ReadWholeFile(path);
+    bytes[0] = 'x';
+    folder.Write("h.stpa", bytes);
+    ZipArchive archive(path.c_str());
+    TextMemory memory;
+    std::size_t size = 0;
+    const char* problem = nullptr;
+    EXPECT_EQ(archive.ReadMember("m", memory, &size, &problem), nullptr);
+    EXPECT_STREQ(problem, "can't be read, its record in the archive is damaged");
 }
 
 // A load of an archive that has been damaged ends, and what it shows is sound.
