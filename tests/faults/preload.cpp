@@ -19,9 +19,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 namespace tarnwick::faults {
 namespace {
+
+using Main = int(int, char**, char**);
 
 Plan* own = nullptr;  // of the program that the driver started
 Plan* plan = nullptr; // of the one that is to fail
@@ -197,6 +200,19 @@ void Start() {
     if (own != nullptr && !isForked) { own->ended = 1; }
 }
 
+#ifdef TARNWICK_COUNTS_LINES
+Main* programMain = nullptr;
+
+// The program writes the counts of its lines when it has ended; nothing of that fails.
+int RunMain(int argc, char** argv, char** environment) {
+    std::atexit([] {
+        active = false;
+        PassThread();
+    });
+    return programMain(argc, argv, environment);
+}
+#endif
+
 // A thread on its way.
 struct ThreadBegin {
     void* (*start)(void*);
@@ -229,12 +245,14 @@ using namespace tarnwick::faults;
 
 extern "C" {
 
-using Main = int(int, char**, char**);
 using StartMain = int(Main*, int, char**, void (*)(), void (*)(), void (*)(), void*);
 
 int __libc_start_main(Main* main, int argc, char** argv, void (*init)(), void (*fini)(), void (*loaderEnd)(),
                       void* stackEnd) {
     Start();
+#ifdef TARNWICK_COUNTS_LINES
+    programMain = std::exchange(main, RunMain);
+#endif
     return Next<StartMain>("__libc_start_main")(main, argc, argv, init, fini, loaderEnd, stackEnd);
 }
 
