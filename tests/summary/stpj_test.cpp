@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <random>
 #include <string>
 #include <vector>
@@ -229,6 +230,19 @@ TEST(Stpj, HasNothingToShowWithoutAnyOccurrence) {
         EXPECT_EQ(loaded.console.Count("<E>"), 1) << text;
         EXPECT_EQ(loaded.result.unreadFiles.size(), 1u) << text;
     }
+}
+
+TEST(Stpj, GivesUpAFileOfMoreBytesThanATextMayHave) {
+    const TestFolder folder;
+    const std::string path = folder.Write("l.stpj", Summary({kBoxed}, {Row(0, 1)}));
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 31); // a hole: it takes no room
+    const ConsoleText console;
+    LoadedScene result = NewScene();
+    TraiteSTPJFile(result, path.c_str());
+    EXPECT_EQ(result.stpjFile, nullptr);
+    EXPECT_TRUE(console.Has("<E> " + path + ": its 2147483648 bytes are more than a summary may have\n"));
+    ASSERT_EQ(result.unreadFiles.size(), 1u);
+    EXPECT_STREQ(result.unreadFiles[0].reason, "is too large");
 }
 
 TEST(Stpj, ShowsNothingForAnOccurrenceOfAProductThatIsNotThere) {
