@@ -120,7 +120,7 @@ const char* FarPlaces::FindComma(const char* from, std::int64_t depth) {
         }
         depth += stretch.rise;
         ++i;
-        while (i % kFanOut == 0 && level + 1 < levels_.size()) {
+        while (i % kFanOut == 0) { // never at the top, which is one stretch
             i /= kFanOut;
             ++level;
         }

@@ -51,7 +51,7 @@ private:
     const char* End(std::size_t block) const {
         return end_ - Start(block) > kNear ? Start(block) + kNear : end_;
     }
-    std::size_t BlockCount() const { return text_ == end_ ? 0 : BlockOf(end_ - 1) + 1; }
+    std::size_t BlockCount() const { return BlockOf(end_ - 1) + 1; } // of a text that isn't empty
     template <class FindIn>
     const char* FindBy(BlocksWith* with, const char* from, FindIn findIn);
     Stretch StretchOf(std::size_t level, std::size_t place) const;

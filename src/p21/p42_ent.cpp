@@ -111,7 +111,6 @@ std::int32_t MapP42Ent::CountOf(std::int32_t bucket) const {
 }
 
 std::int32_t MapP42Ent::Contains(const P42Ent* record) {
-    if (bucketCount_ == 0) { return 0; }
     const P42Ent* const last = buckets_[BucketOf(record->id, bits_, mask_)];
     const P42Ent* at = last;
     while (at != nullptr && at != record) { at = at->next != last ? at->next : nullptr; }
@@ -120,7 +119,7 @@ std::int32_t MapP42Ent::Contains(const P42Ent* record) {
 
 bool MapP42Ent::FindNear(std::int32_t id, P42Ent** found) const {
     *found = nullptr;
-    P42Ent* const last = bucketCount_ > 0 ? buckets_[BucketOf(id, bits_, mask_)] : nullptr;
+    P42Ent* const last = buckets_[BucketOf(id, bits_, mask_)];
     if (last == nullptr) { return true; }
     int steps = 0;
     for (P42Ent* record = last->next;; record = record->next) {
@@ -190,7 +189,7 @@ void MapP42Ent::PrintStatistics() {
     OutputPrint("%s", rule);
     OutputPrint("Nombre de listes: %d\n", bucketCount_);
     OutputPrint("Min = %d\n", least);
-    OutputPrint("Moy = %d\n", bucketCount_ > 0 ? count_ / bucketCount_ : 0);
+    OutputPrint("Moy = %d\n", count_ / bucketCount_);
     OutputPrint("Max = %d\n", greatest);
     OutputPrint("%s", rule);
 }

@@ -98,7 +98,7 @@ inline std::int32_t HashBits(std::int32_t count) {
 class MapP42Ent final : public CollP42Ent {
 public:
     // A table of 2 to the power `bits` empty buckets, all in one block. Test `BucketCount()`: it is 0 when
-    // memory ran out.
+    // memory ran out, and nothing else may be done with the table then.
     MapP42Ent(Arena* arena, std::int32_t bits);
 
     // The same for a table that gets all of its records by AddAll: the buckets are made shortly before they

@@ -184,6 +184,27 @@ TEST(MapP42Ent, GivesBothOfTwoEqualNumbersButFindsTheFirst) {
     EXPECT_EQ(map.Contains(second), 1);
 }
 
+TEST(MapP42Ent, ContainsOnlyTheVeryRecordsThatWereAdded) {
+    Table table;
+    MapP42Ent map(&table.arena, 2);
+    std::vector<P42Ent*> added;
+    for (const std::int32_t id : {1, 4, 16, 2}) { // buckets 1, 1, 1, 2
+        added.push_back(table.Record(id));
+        map.Add(added.back());
+    }
+    for (const P42Ent* const record : added) { EXPECT_EQ(map.Contains(record), 1); }
+    for (const std::int32_t id : {1, 4, 16, 2, 3, 7}) { EXPECT_EQ(map.Contains(table.Record(id)), 0) << id; }
+}
+
+TEST(MapP42Ent, HasNoNextBehindItsLast) {
+    Table table;
+    MapP42Ent map(&table.arena, 2);
+    map.Add(table.Record(2));
+    EXPECT_EQ(map.First()->id, 2);
+    EXPECT_EQ(map.Next(), nullptr);
+    EXPECT_EQ(map.Next(), nullptr);
+}
+
 TEST(MapP42Ent, IteratesByBucketAndThenByInsertion) {
     Table table;
     MapP42Ent map(&table.arena, 3);
@@ -218,8 +239,10 @@ TEST(MapP42Ent, IsEmptyAfterClear) {
     Table table;
     MapP42Ent map(&table.arena, 2);
     map.Add(table.Record(1));
+    map.First();
     map.Clear();
     EXPECT_EQ(map.Count(), 0);
+    EXPECT_EQ(map.Next(), nullptr);
     EXPECT_EQ(map.First(), nullptr);
     EXPECT_EQ(map.Find(1), nullptr);
 }

@@ -213,6 +213,30 @@ TEST(Inflate, StopsAtTheEndOfItsBlock) {
     EXPECT_EQ(static_cast<std::size_t>(file.model->textEnd - file.model->text), room);
 }
 
+// Of as many packed bytes more may come out than a text may have.
+constexpr std::size_t kTooManyPacked = std::size_t{103} << 20;
+
+TEST(Inflate, RefusesAFileForWhichNoTextHasRoom) {
+    const TempFolder folder;
+    ASSERT_EQ(truncate(folder.Write("x.stpz", "").c_str(), kTooManyPacked), 0); // a hole: it takes no room
+    const ModelFile file(folder, "x.stpz");
+    EXPECT_EQ(file.result, StepModel::kNotP21);
+    const std::string bytes = std::to_string(kTooManyPacked + 1);
+    EXPECT_EQ(file.console,
+              "<E> " + folder.Path("x.stpz") + ": no room to inflate its " + bytes + " bytes\n");
+}
+
+TEST(Inflate, RefusesABlockForWhichNoTextHasRoom) {
+    ReaderWorkspace workspace;
+    StepModel model(workspace, std::make_unique<unsigned char[]>(kTooManyPacked), kTooManyPacked);
+    LogCapture log;
+    const int result = model.Read();
+    const std::string console = log.TakeConsole();
+    EXPECT_EQ(result, StepModel::kNotP21);
+    EXPECT_NE(console.find("no room to inflate its"), std::string::npos) << console;
+    EXPECT_EQ(model.text, nullptr);
+}
+
 TEST(Read, RefusesATextWithAnotherStart) {
     const std::string text = P21Text({});
     for (const std::string& bytes :

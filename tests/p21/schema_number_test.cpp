@@ -56,10 +56,14 @@ TEST(ApNumber, WantsTheParenthesisAtOnce) {
 }
 
 TEST(ApNumber, MakesAFileWithoutSchemaUnreadable) {
-    const ModelFile file("ISO-10303-21;\nHEADER;\nDATA;\n#1=X();\nENDSEC;\n");
-    EXPECT_NE(file.result, StepModel::kRead);
-    EXPECT_EQ(file.console.substr(0, 4), "<E> ");
-    EXPECT_NE(file.console.find("part.stp"), std::string::npos) << "it names the file";
+    for (const char* const text : {"ISO-10303-21;\nHEADER;\nDATA;\n#1=X();\nENDSEC;\n",
+                                   "ISO-10303-21;\nHEADER;\nFILE_SCHEMA(());\n#1=X();\n",
+                                   "ISO-10303-21;\nHEADER;\nFILE_SCHEMA(('x'));\n#1=X();\n"}) {
+        const ModelFile file(text);
+        EXPECT_NE(file.result, StepModel::kRead) << text;
+        EXPECT_EQ(file.console.substr(0, 4), "<E> ");
+        EXPECT_NE(file.console.find("part.stp"), std::string::npos) << "it names the file";
+    }
 }
 
 } // namespace

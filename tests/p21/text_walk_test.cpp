@@ -1,5 +1,7 @@
 #include "p21/text_walk.h"
 
+#include "p21/model_file.h"
+
 #include "platform/fail_fast.h"
 
 #include <gtest/gtest.h>
@@ -190,6 +192,16 @@ TEST(ReadQuotedDeathTest, EndsTheProcessAtItsLimit) {
 TEST(ReadQuoted, UnderstandsNoDoubledQuotes) {
     Walked walked("it''s'");
     EXPECT_EQ(ReadQuoted(&walked.walk, 300), "it");
+}
+
+TEST(WalkInLine, EndsWithTheLineOrElseWithTheText) {
+    const ModelFile file("ISO-10303-21;\nFILE_SCHEMA(('AP242'));\nDATA;\n#1=X(1);\n#2=X(22);");
+    const auto lineOf = [&](std::int32_t id) {
+        const TextWalk walk = file.model->WalkInLine(file.Find(id));
+        return std::string(walk.at, walk.end);
+    };
+    EXPECT_EQ(lineOf(1), "#1=X(1);");
+    EXPECT_EQ(lineOf(2), "#2=X(22);");
 }
 
 } // namespace
