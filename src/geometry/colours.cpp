@@ -51,11 +51,10 @@ void AddNamedRow(TextWalk* walk, std::int32_t id, std::vector<ColourEntry>* rows
     if (colour != nullptr) { rows->push_back({id, colour->red, colour->green, colour->blue, kUnused}); }
 }
 
-// One row for each colour of the file. A number that isn't there ends the table, not just its own row.
+// One row for each colour of the file. False when a line runs past the end of the text.
 bool ReadColourRows(PartReader& reader) {
     for (const std::int32_t id : reader.model.colourIds) {
         const P42Ent* const entity = reader.model.Find(id);
-        if (entity == nullptr) { break; }
         TextWalk walk = reader.model.WalkFrom(entity);
         if (entity->code == code::kColourRgb) {
             AddRgbRow(&walk, id, &reader.scratch.colours);

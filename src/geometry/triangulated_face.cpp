@@ -496,8 +496,7 @@ bool ReadPnindex(FaceWalk* walk, Arena& arena, StepFaceB* face) {
     face->pnindexCount = static_cast<std::int32_t>(pnindex.Count());
     face->pnindex = pnindex.Close();
     if (walk->Failed()) { return false; }
-    // Back to before the comma that the list's reader has passed.
-    if (face->pnindexCount != 0) { walk->at -= 2; }
+    walk->at -= 2; // to before the comma that the list's reader has passed
     return true;
 }
 

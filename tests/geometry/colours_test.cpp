@@ -159,6 +159,12 @@ TEST(Colours, WithAnUnknownNameDoNotEndTheTable) {
     EXPECT_EQ(FaceColour(scene), kBlueFace);
 }
 
+TEST(Colours, OfANumberThatSomethingElseHasFirstAreNone) {
+    Scene scene;
+    scene.Line("#59=X();").Line(kBlue).Fill(50, 59).Styled(50, 20);
+    EXPECT_EQ(FaceColour(scene), kDefaultColour);
+}
+
 TEST(Colours, AreReadLikeAllNumbers) {
     Scene scene;
     scene.Line("#59=COLOUR_RGB('', 1.E-9,\t-2.5 , 3x);").Fill(50, 59).Styled(50, 20);

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -197,6 +198,56 @@ TEST(FacesAhead, AreReadInTheirTurnWhereOneIsOdd) {
                   "((1,2,3)));",
                   kSolid},
                  "more normals than vertices");
+}
+
+TEST(FacesAhead, AreReadInTheirTurnWhereALookUpComesFar) {
+    constexpr std::int32_t kBits = 6; // of the table of 48 to 95 entities
+    constexpr std::int32_t kMask = (1 << kBits) - 1;
+    std::vector<std::string> lines;
+    for (std::int32_t id = 100; lines.size() < 70; ++id) {
+        if (BucketOf(id, kBits, kMask) == BucketOf(11, kBits, kMask)) {
+            lines.push_back("#" + std::to_string(id) + "=X();");
+        }
+    }
+    lines.insert(lines.end(), {kList, kFace, kSolid});
+    ExpectInTurn(lines, "a list behind others in its bucket");
+    std::rotate(lines.begin(), lines.end() - 3, lines.end());
+    EXPECT_TRUE(Ahead(lines).read);
+}
+
+// A part with so many faces, each with a list of its own.
+std::string WidePart(int faces, const std::string& last) {
+    std::vector<std::string> lines;
+    std::string ids;
+    for (int i = 0; i < faces; ++i) {
+        const std::string list = "#" + std::to_string(1000 + i);
+        const std::string face = "#" + std::to_string(1000 + faces + i);
+        ids += (i > 0 ? "," : "") + face;
+        lines.push_back(list + "=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(1.,1.,0.)));");
+        lines.push_back(face + "=TRIANGULATED_FACE(''," + list + ",3,$,$,$," +
+                        (i == faces - 1 ? last : "((1,2,3))") + ");");
+    }
+    lines.push_back("#20=TESSELLATED_SOLID('',(" + ids + "),$);");
+    return PartText("(#20)", lines);
+}
+
+TEST(FacesAhead, OfAWidePartAreThoseOfOneThread) {
+    EXPECT_TRUE(ExpectSame(WidePart(5000, "((3,2,1))")));
+    EXPECT_FALSE(ExpectSame(WidePart(5000, "((3,2,1),\n(1,2,3))"))) << "over two lines";
+}
+
+TEST(FacesAhead, AreReadByNoMoreHelpersThanThereMayBe) {
+    const PartFile alone(WidePart(100, "((3,2,1))"));
+    StartedHelpers helpers(2 * Helpers::kMost, 0);
+    Arena arena;
+    FaceScratch scratch;
+    FacesAhead ahead;
+    ASSERT_TRUE(ahead.Read(alone.model, alone.scratch.itemIds, helpers, arena, &scratch));
+    for (const std::int32_t id : alone.FaceIds()) {
+        const StepFaceB* const face = ahead.Take(alone.model.Find(id));
+        ASSERT_NE(face, nullptr);
+        EXPECT_EQ(face->triangleCount, 1);
+    }
 }
 
 TEST(FacesAhead, LeaveOnesThatShareAListToOneThread) {

@@ -139,6 +139,51 @@ TEST(LinkRawMaterial, LetsTheLastOfTwoLinksWin) {
     EXPECT_THAT(Names(material), ElementsAre("brass", "-")) << "in the order of the file, not of the numbers";
 }
 
+// A second material, brass, for the items of #176, and a third one, tin, for those of #76.
+Lines BrassAndTin(const std::string& items) {
+    return {"#171=PRODUCT('M2','brass','',());",
+            "#172=PRODUCT_DEFINITION_FORMATION('','',#171);",
+            "#173=PRODUCT_DEFINITION('','',#172,#9);",
+            "#174=MAKE_FROM_USAGE_OPTION('','','',#9,#173,$,1,'',$);",
+            "#175=PRODUCT_DEFINITION_SHAPE('','',#174);",
+            "#176=SHAPE_REPRESENTATION(''," + items + ",#9);",
+            "#177=SHAPE_DEFINITION_REPRESENTATION(#175,#176);",
+            "#271=PRODUCT('M3','tin','',());",
+            "#272=PRODUCT_DEFINITION_FORMATION('','',#271);",
+            "#273=PRODUCT_DEFINITION('','',#272,#9);",
+            "#274=MAKE_FROM_USAGE_OPTION('','','',#9,#273,$,1,'',$);",
+            "#275=PRODUCT_DEFINITION_SHAPE('','',#274);",
+            "#276=SHAPE_DEFINITION_REPRESENTATION(#275,#76);"};
+}
+
+TEST(LinkRawMaterial, LetsTheLastLinkWinWhicheverListIsReadLast) {
+    Material material;
+    material.representation = "#76=SHAPE_REPRESENTATION('',(#20,#21),#9);";
+    material.more = BrassAndTin("(#20,#21)");
+    EXPECT_THAT(Names(material), ElementsAre("tin", "tin"));
+}
+
+TEST(LinkRawMaterial, LetsTheLastLinkWinByEitherNumberOfASolid) {
+    Material material;
+    material.representation = "#76=SHAPE_REPRESENTATION('',(#20,#92),#9);";
+    material.more = BrassAndTin("(#91,#21)");
+    EXPECT_THAT(Names(material), ElementsAre("tin", "tin"));
+    material.more.resize(7); // without tin
+    EXPECT_THAT(Names(material), ElementsAre("brass", "brass"));
+}
+
+TEST(LinkRawMaterial, KeepsWhatWasNamedBeforeALineThatIsCutOff) {
+    Material material;
+    material.more = BrassAndTin("");
+    material.more.resize(7);
+    material.more.erase(material.more.begin() + 5);
+    material.more.push_back("#176=SHAPE_REPRESENTATION('',(#21");
+    const PartFile part(material.Text());
+    EXPECT_NE(part.console.find("a raw material's line runs past the end of the file\n"), std::string::npos);
+    EXPECT_STREQ(part.Container(0).materialName, "steel");
+    EXPECT_EQ(part.Container(1).materialName, nullptr);
+}
+
 TEST(LinkRawMaterial, TakesTheNameAndNotTheIdOfTheProduct) {
     Material material;
     material.product = "#71=PRODUCT( 'M1' , \n'bronze, cast','',());";

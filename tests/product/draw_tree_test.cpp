@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -144,6 +145,49 @@ TEST(DrawTree, GrowsALongListByTheStatedRule) {
     tree.Use(top, sub);
     Build(tree, top);
     EXPECT_EQ(top->drawList->capacity, 301);
+}
+
+constexpr std::int32_t kManyItems = (1 << 20) + 1; // at which the items to come are counted
+
+// A product whose list has so many times the same item.
+ProductNode* ManyItems(SceneTree& tree) {
+    ProductNode* const part = tree.Part("many", 1);
+    DrawList* const list = MakeDrawList(tree.arena, kManyItems);
+    std::fill_n(list->items, kManyItems, part->drawList->items[0]);
+    list->count = kManyItems;
+    part->drawList = list;
+    return part;
+}
+
+TEST(DrawTree, IsGivenUpBeforeItHasMoreItemsThanItMay) {
+    SceneTree tree;
+    ProductNode* const many = ManyItems(tree);
+    ProductNode* const top = tree.Product("top");
+    ProductNode* const sub = tree.Product("sub");
+    tree.Use(top, many);
+    tree.Use(top, sub);
+    tree.Use(top, sub);
+    for (int i = 0; i < 8; ++i) { tree.Use(sub, many); }
+    LogCapture log;
+    const int result = BuildDrawLists(tree.arena, top, "file.stp", nullptr);
+    const std::string console = log.TakeConsole();
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(console, "<E> file.stp: not all of its parts are placed, they are more than 16777216\n");
+    EXPECT_EQ(top->drawList->count, 0) << "nothing is placed for nothing";
+}
+
+TEST(DrawTree, PlacesManyItemsAsLongAsTheyAreNotTooMany) {
+    SceneTree tree;
+    ProductNode* const top = tree.Product("top");
+    ProductNode* const sub = tree.Product("sub");
+    tree.Use(top, ManyItems(tree));
+    tree.Use(top, sub);
+    tree.Use(top, tree.Product("without a description"))->child = nullptr;
+    tree.Use(sub, tree.Part("part", 1));
+    tree.Use(sub, top); // closes a cycle
+    EXPECT_EQ(Build(tree, top),
+              "<E> file.stp: product 'top' is part of itself; that use of it is left out\n");
+    EXPECT_EQ(top->drawList->count, kManyItems + 1);
 }
 
 TEST(DrawTree, IsThatOfThePlainForm) {

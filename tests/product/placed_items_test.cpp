@@ -76,6 +76,14 @@ TEST(AppendedItems, GrowAListOnlyWhenItIsFull) {
     EXPECT_EQ(empty.count, 1);
 }
 
+TEST(PlacedItems, AreNoMoreThanAListMayHave) {
+    SceneTree tree;
+    DrawList* const list = tree.List(100, 1);
+    EXPECT_FALSE(AppendPlacedItems(tree.arena, list, 1 << 24, nullptr, nullptr, nullptr));
+    EXPECT_EQ(list->count, 1);
+    EXPECT_EQ(list->capacity, 100);
+}
+
 TEST(PlacedItems, ShareMeshesAndNameThePart) {
     SceneTree tree;
     ProductNode* const part = tree.Part("part", 3);
