@@ -87,10 +87,10 @@ void ZipArchive::IndexArchive(const char* name) {
         unz_file_info64 info{};
         unz64_file_pos position{};
         if (!succeeds(
-                unzGetCurrentFileInfo64(zip_.get(), &info, buffer, sizeof buffer, nullptr, 0, nullptr, 0)) ||
-            !succeeds(unzGetFilePos64(zip_.get(), &position))) {
+                unzGetCurrentFileInfo64(zip_.get(), &info, buffer, sizeof buffer, nullptr, 0, nullptr, 0))) {
             break;
         }
+        unzGetFilePos64(zip_.get(), &position); // reads nothing
         if (info.size_filename >= kNameRoom) {
             ConsolePrint("<E> %s: a member's name has %zu characters or more, it is left out\n",
                          OneLine(name).Text(), kNameRoom);

@@ -83,8 +83,7 @@ public:
         RowsOfColour* const own = rowsOfColour_.Find(colourId);
         if (own == nullptr) { return kNoRow; }
         const std::uint64_t key = KeyOf(colourId, alpha);
-        const bool isNumber = alpha == alpha;
-        if (const std::int32_t* const known = isNumber ? usedByAlpha_.Find(key) : nullptr) {
+        if (const std::int32_t* const known = usedByAlpha_.Find(key)) {
             rows_[static_cast<std::size_t>(*known)].alpha =
                 alpha; // 0 and -0 are equal: that of the last stays
             return *known;
@@ -98,7 +97,7 @@ public:
         const std::int32_t place = own->places[own->used];
         rows_[static_cast<std::size_t>(place)].alpha = alpha;
         if (alpha != kUnused) { // a row with that alpha stays free
-            if (isNumber) { usedByAlpha_.Add(key, place); }
+            usedByAlpha_.Add(key, place);
             ++own->used;
         }
         return place;

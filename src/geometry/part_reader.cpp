@@ -224,7 +224,7 @@ bool PartReader::HandOver() {
     item->meshes = meshes;
     item->meshCount = static_cast<std::int32_t>(count);
     item->product = product;
-    if (!AppendItem(arena, list, item)) { return false; }
+    list->items[list->count++] = item;
     product->drawList = list;
     if (triangleTotal >= 1) {
         std::copy_n(box, 6, product->box);

@@ -42,7 +42,6 @@ std::string StatusText(const SceneView& view, bool withWords) {
     std::string text = withWords ? "Nb Triangles: " : "";
     text += std::to_string(view.loaded.drawnTriangles);
     text += "  CPU tot: ";
-    if (digits.size() < 5) { text.append(5 - digits.size(), ' '); }
     text += digits;
     text += "s ";
     return text;

@@ -54,8 +54,7 @@ int StepModel::Read() {
 int StepModel::ReadIndex() {
     const int opened = isFile_ ? ReadFile() : InflateData();
     if (opened != kRead) { return opened; }
-    if (text == nullptr ||
-        !std::string_view(text, static_cast<std::size_t>(textEnd - text)).starts_with(kStart)) {
+    if (!std::string_view(text, static_cast<std::size_t>(textEnd - text)).starts_with(kStart)) {
         ConsolePrint("<E> Invalid P21 file\n");
         return kNotP21;
     }

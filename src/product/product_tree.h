@@ -18,7 +18,7 @@ struct ProductArray {
     std::int32_t count = 0;
 
     void Allocate(std::int32_t newCapacity) {
-        std::unique_ptr<ProductNode*[]> larger(new ProductNode*[static_cast<std::size_t>(newCapacity)]());
+        auto larger = std::make_unique<ProductNode*[]>(static_cast<std::size_t>(newCapacity));
         for (std::int32_t i = 0; i < count; ++i) { larger[static_cast<std::size_t>(i)] = (*this)[i]; }
         items = std::move(larger);
         capacity = newCapacity;

@@ -30,6 +30,7 @@ constexpr std::size_t kNameRoom = 512;
 constexpr std::size_t kFileNameRoom = 584;
 
 constexpr const char* kNoMemory = "no memory";
+constexpr double kNoBox[6] = {};
 
 // The values of a product, which the next one keeps where it gives none of its own.
 struct ProductValues {
@@ -79,7 +80,7 @@ private:
     const char* const end_;
     StpjFile& file_;
     Arena& arena_;
-    double (*boxes_)[6] = nullptr; // of the products, widened, and one of zeros after them
+    double (*boxes_)[6] = nullptr; // of the products, widened
     const char* givenUp_ = nullptr;
     bool said_ = false;
     std::int32_t withoutProduct_ = 0;   // occurrences
@@ -259,7 +260,7 @@ void StpjText::ReadProductsTable() {
     const std::size_t count = products.size();
     if (count < static_cast<std::size_t>(claimed)) { Say("its table of products is shorter than it says"); }
     file_.products = arena_.New<ProductNode*>(count);
-    boxes_ = arena_.New<double[6]>(count + 1);
+    boxes_ = arena_.New<double[6]>(count);
     if (file_.products == nullptr || boxes_ == nullptr) {
         givenUp_ = kNoMemory;
         return;
@@ -292,7 +293,7 @@ bool StpjText::ReadOccurrence(StpjOccurrence* occurrence) {
         if (!read) { return false; }
     } while (NextKey());
     if (at_[-1] != '}') { return false; }
-    occurrence->box = boxes_[file_.productCount];
+    occurrence->box = kNoBox;
     if (occurrence->productIndex < 1) { return true; }
     // Also skips the character after the "}".
     if (at_ < end_) { ++at_; }
@@ -335,10 +336,6 @@ void StpjText::ReadOccurrencesTable() {
     if (!ReadInteger(&file_.maxDepth)) { return Say("its table of occurrences has no depth"); }
     at_ = find::First<'['>(at_);
     if (Ended() || claimed < 1) { return Say("its table of occurrences is empty"); }
-    if (boxes_ == nullptr && (boxes_ = arena_.New<double[6]>()) == nullptr) {
-        givenUp_ = kNoMemory;
-        return;
-    }
     // Room for as many as it says, if there are characters for them: growing would take fresh pages twice.
     constexpr std::ptrdiff_t kShortOccurrence = 64;
     std::vector<StpjOccurrence*> occurrences;

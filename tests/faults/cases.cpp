@@ -1,11 +1,14 @@
 #include "faults/cases.h"
 
 #include "mesher/solid_text.h"
+#include "support/p21_text.h"
+#include "write/zip_writer.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 
 namespace tarnwick::faults {
 
@@ -84,6 +87,31 @@ Input OverSample(const Programs& programs, const std::string& name, const std::s
     check.tellsOnOutput = true;
     input.cases.push_back(std::move(check));
     return input;
+}
+
+// A face of each form, and two that have all points of one list.
+void WriteFaces(const std::filesystem::path& path) {
+    std::string text = test::SmallPartText();
+    const std::string shell = "('',(#32),$);\n";
+    text.replace(text.find(shell), shell.size(),
+                 "('',(#32,#33),$);\n#33=TRIANGULATED_FACE('',#10,4,$,$,$,((1,2,3)));\n");
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+// An archive of members that are stored, with a directory of several blocks.
+void WriteStored(const std::filesystem::path& path, const std::filesystem::path& document) {
+    ZipWriter archive(path.string());
+    const auto add = [&](const std::string& name, const std::string& text) {
+        archive.Add(name, true, [&text](ByteSink* sink) { sink->Write(text); });
+    };
+    add("stpa.ini", "\"main.stpx\"");
+    std::ifstream file(document, std::ios::binary);
+    add("main.stpx", {std::istreambuf_iterator<char>(file), {}});
+    for (int i = 0; i < 300; ++i) { add("nothing of note/" + std::string(80, 'n') + std::to_string(i), "-"); }
+    if (!archive.Close()) {
+        std::fprintf(stderr, "%s\n", archive.Error().c_str());
+        std::exit(3);
+    }
 }
 
 // Loads one after the other, where a later one finds what an earlier one left.
@@ -237,6 +265,12 @@ std::vector<Input> MakeInputs(const Programs& programs, const std::filesystem::p
         Run(programs.make, words);
         inputs.push_back(OverSample(programs, sample.name, words.back()));
     }
+    const std::filesystem::path faces = folder / "faces.stp";
+    WriteFaces(faces);
+    inputs.push_back(OverSample(programs, "faces.stp", faces.string()));
+    const std::filesystem::path stored = folder / "stored.stpa";
+    WriteStored(stored, folder / "document.stpx" / "document.stpx");
+    inputs.push_back(OverSample(programs, "stored.stpa", stored.string()));
     for (const char* const name : {"broken.stp", "broken.stpx", "broken.stpa", "broken.stpj"}) {
         std::filesystem::create_directories(folder / name);
         std::ofstream(folder / name / name) << "no such file\n";

@@ -124,5 +124,25 @@ TEST(SurfaceSet, HasNoContainer) {
     EXPECT_EQ(part.reader->containerCount, 1);
 }
 
+// A solid without a third argument finds its link behind the first parenthesis that follows, and marks it.
+TEST(Container, LetsFacesReadAListAgainThatItHasMarked) {
+    const auto face = [](int id, int list) {
+        return "#" + std::to_string(id) + "=TRIANGULATED_FACE('',#" + std::to_string(list) +
+               ",4,$,$,(1,2),((1,2,1)));";
+    };
+    const PartFile part(
+        PartText("(#20,#21)",
+                 {"#20=TESSELLATED_SOLID('',(#30,#31,#32,#33,#34,#35),$);", "#21=TESSELLATED_SOLID('',(#36);",
+                  kSquare, "#11=COORDINATES_LIST('',2,((7.,7.,7.),(8.,8.,8.)));", face(30, 10), face(31, 11),
+                  face(32, 10), face(33, 11), face(34, 10), face(35, 11), face(36, 10)}));
+    EXPECT_EQ(part.result, 0);
+    const auto secondPoint = [&](int id) {
+        const float* const vertices = part.FaceOf(id).vertices;
+        return std::vector<float>(vertices + 3, vertices + 6);
+    };
+    for (const int id : {30, 32, 34}) { EXPECT_EQ(secondPoint(id), (std::vector<float>{1, 0, 0})) << id; }
+    EXPECT_EQ(secondPoint(36), (std::vector<float>{1, 1, 0})) << "the first two have grown together";
+}
+
 } // namespace
 } // namespace tarnwick::test

@@ -448,5 +448,24 @@ TEST(CoordCache, ReadsABrokenListAgainAfterAnother) {
     EXPECT_EQ(file.Read(13).output, kCoordsEnd);
 }
 
+TEST(CoordCache, SaysAgainThatAListIsBrokenThatItHasKept) {
+    FaceFile file({kBroken, kSquare, Indexed(11, 8), Indexed(12, 10)});
+    for (int turn = 0; turn < 4; ++turn) {
+        const FaceOutcome broken = file.Read(11);
+        EXPECT_EQ(broken.output, kCoordsEnd) << turn;
+        EXPECT_THAT(broken.vertices, ElementsAre(2, 2, 2, 1, 1, 1));
+        EXPECT_EQ(file.Read(12).output, "");
+    }
+}
+
+TEST(CoordCache, KeepsNoListThatLeavesItsLine) {
+    FaceFile file(
+        {"#8=COORDINATES_LIST('',2,((1.,1.,\n1.),(2.,2.,2.)));", kSquare, Indexed(11, 8), Indexed(12, 10)});
+    for (int turn = 0; turn < 4; ++turn) {
+        EXPECT_THAT(file.Read(11).vertices, ElementsAre(2, 2, 2, 1, 1, 0)) << turn;
+        EXPECT_EQ(file.Read(12).result, 0);
+    }
+}
+
 } // namespace
 } // namespace tarnwick::test

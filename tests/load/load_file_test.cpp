@@ -144,6 +144,25 @@ TEST_F(LoadFileTest, MayBeGivenItsOwnCurrentPath) {
     EXPECT_EQ(dispatch_.currentPath, "/some/rather/long/path/of/a/part.stp");
 }
 
+TEST_F(LoadFileTest, FollowsTheSliderToAnotherDepth) {
+    dispatch_.commands.selectDepth = [](SceneView& view, std::int32_t depth) {
+        view.loaded.drawnTriangles = 24;
+        Note("select " + std::to_string(depth));
+    };
+    view_.selectedIndex = 3;
+    view_.loadSeconds = 0.5;
+    std::vector<std::string> noted;
+    steps = &noted;
+    ChangeDepth(dispatch_, 2);
+    EXPECT_THAT(noted, ElementsAre("label 2", "update data", "select 2",
+                                   "status Nb Triangles: 24  CPU tot: 0.500s "));
+    EXPECT_EQ(view_.selectedIndex, -1) << "another box may stand there";
+    dispatch_.commands = {};
+    noted.clear();
+    ChangeDepth(dispatch_, 0);
+    EXPECT_THAT(noted, ElementsAre("label 0", "update data", "status Nb Triangles: 24  CPU tot: 0.500s "));
+}
+
 TEST_F(LoadFileTest, DoesNothingForAKindThatTheProgramDoesNotLoad) {
     dispatch_.commands = {};
     for (const char* const path : {"b.stp", "b.stpx", "b.stpj", "b.stpa"}) {

@@ -67,6 +67,7 @@ TEST(TraiteSTEPFile, FailsForAFileThatIsNotThere) {
     ASSERT_EQ(driven.session.loaded.unreadFiles.size(), 1u);
     EXPECT_EQ(driven.session.loaded.unreadFiles[0].path, "/nowhere/part.stp") << "as it was tried first";
     EXPECT_EQ(driven.session.loaded.unreadFiles[0].productName, "");
+    EXPECT_STREQ(driven.session.loaded.unreadFiles[0].reason, "can't be opened");
 }
 
 TEST(TraiteSTEPFile, FailsForAFileOfAnotherKind) {
@@ -74,7 +75,8 @@ TEST(TraiteSTEPFile, FailsForAFileOfAnotherKind) {
     const Driven driven(folder.Write("part.stp", "anything\n"), 0);
     EXPECT_EQ(driven.result, 1) << "and not 5";
     EXPECT_EQ(driven.console, "Start TraiteSTEPFile\n<E> Invalid P21 file\n");
-    EXPECT_EQ(driven.session.loaded.unreadFiles.size(), 1u);
+    ASSERT_EQ(driven.session.loaded.unreadFiles.size(), 1u);
+    EXPECT_STREQ(driven.session.loaded.unreadFiles[0].reason, "isn't taken for an ISO 10303-21 file");
 }
 
 TEST(TraiteSTEPFile, HasABoxOfZerosForAPartWithoutFaces) {

@@ -300,5 +300,16 @@ TEST(OccurrenceChain, ThatRunsPastTheEndOfTheTextGivesTheFileUp) {
     }
 }
 
+TEST(OccurrenceChain, TellsOnceOfALineThatRunsPastTheEndForParentAndChild) {
+    Chain chain;
+    chain.lines[Chain::kLeaf] = "PRODUCT_DEFINITION('','',#2,#90)";
+    const std::string text = chain.Without(Chain::kTopFormation);
+    StructureRun run;
+    EXPECT_NE(run.ReadTop(text.substr(0, text.find("ENDSEC;\nEND")) + "#2=PRODUCT_DEFINITION_FORMATION("), 0);
+    EXPECT_THAT(run.console, EndsWith("structure.stp: its structure is given up, #2 runs past the end of the "
+                                      "file\n"));
+    EXPECT_EQ(run.console.find('\n'), run.console.size() - 1);
+}
+
 } // namespace
 } // namespace tarnwick::test

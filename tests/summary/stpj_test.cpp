@@ -170,6 +170,13 @@ TEST(Stpj, ReadsADigitAsItReadsTheSameNumberWithAPoint) {
     }
 }
 
+TEST(Stpj, LimitsIntegersToThoseOf32Bits) {
+    Loaded loaded(
+        Summary({"{\"idx\": 2147483648, \"name\": \"a\"}", "{\"idx\": 99999999999999999999}"}, {Row(0, 1)}));
+    EXPECT_EQ(loaded.result.stpjFile->products[0]->definitionId, 2147483647);
+    EXPECT_EQ(loaded.result.stpjFile->products[1]->definitionId, 2147483647);
+}
+
 TEST(Stpj, CarriesNameAndNumberOverToAProductWithoutThemButNotTheBox) {
     Loaded loaded(Summary({kBoxed, "{\"x\": 1}"}, {Row(0, 2)}));
     const ProductNode& second = *loaded.result.stpjFile->products[1];
