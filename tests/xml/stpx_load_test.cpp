@@ -164,6 +164,67 @@ TEST(StpxLoad, StopsReadingADocumentThatLeadsToItselfWithoutEnd) {
     EXPECT_EQ(view.loaded.unreadFiles[0].path, "self.stpx");
 }
 
+TEST(StpxLoad, StopsReadingDocumentsThatLeadToEachOtherWithoutEnd) {
+    const TestFolder folder;
+    const auto leadingTo = [](const std::string& name) {
+        return Document(Part("a", Assigned("f")) + Part("b", "") + File("f", name));
+    };
+    folder.Write("x.stpx", leadingTo("y.stpx"));
+    folder.Write("y.stpx", leadingTo("x.stpx"));
+    const std::string path =
+        folder.Write("top.stpx", Document(Part("a", UsedAs("o1") + Assigned("f")) + File("f", "x.stpx") +
+                                          Part("c", UsedAs("o2") + Assigned("g")) + File("g", "y.stpx") +
+                                          Part("top", Use("o1") + Use("o2"))));
+    const ConsoleText console;
+    SceneView view;
+    LoadStpxFile(view, path.c_str(), nullptr, 1);
+    EXPECT_EQ(console.Count("it leads to itself without end"), 1);
+    EXPECT_EQ(view.loaded.unreadFiles.size(), 1u);
+}
+
+TEST(StpxLoad, ReadsADocumentAgainThatAnotherOneNames) {
+    const TestFolder folder;
+    folder.Write("a.stpx", Document(Part("a", "")));
+    folder.Write("b.stpx", Document(Part("c", Assigned("f")) + File("f", "a.stpx") + Part("b", "")));
+    const std::string path =
+        folder.Write("top.stpx", Document(Part("a", UsedAs("o1") + Assigned("f")) + File("f", "a.stpx") +
+                                          Part("b", UsedAs("o2") + Assigned("g")) + File("g", "b.stpx") +
+                                          Part("top", Use("o1") + Use("o2"))));
+    const ConsoleText console;
+    SceneView view;
+    LoadStpxFile(view, path.c_str(), nullptr, 1);
+    EXPECT_EQ(console.Count("<E>"), 0);
+    EXPECT_TRUE(console.Has("Number of external products : 3\n"));
+}
+
+TEST(StpxLoad, TakesARootForAnAssemblyUnlessItsFilesNameIsThatOfAPart) {
+    const TestFolder folder;
+    for (const char* const name : {"w", "w.p"}) {
+        folder.Write(name, PartFile("w"));
+        const std::string path = folder.Write("a.stpx", Document(Part("w", Assigned("f")) + File("f", name)));
+        const json report = LoadReport(path, nullptr, 1);
+        EXPECT_EQ(report["triangles"], 2) << name;
+        EXPECT_EQ(report["pickMode"], 2) << name;
+    }
+}
+
+TEST(StpxLoad, FindsANamedChildBehindAUseWithoutAProduct) {
+    const TestFolder folder;
+    folder.Write("w.stp", PartFile("w"));
+    const std::string path =
+        folder.Write("a.stpx", Document(Part("w", UsedAs("o") + Assigned("f")) + File("f", "w.stp") +
+                                        Part("top", Use("x") + Use("o", "1 0 0"))));
+    const ConsoleText console;
+    EXPECT_EQ(LoadReport(path, "w", 1)["products"][0]["name"], "w");
+}
+
+TEST(StpxLoad, FindsNoNamedChildWithoutARoot) {
+    const TestFolder folder;
+    const ConsoleText console;
+    EXPECT_EQ(LoadReport(folder.Write("a.stpx", Document("")), "w", 1)["triangles"], 0);
+    EXPECT_EQ(console.Count("<E>"), 1);
+}
+
 TEST(StpxLoad, SaysThatThereIsNoRootAndShowsAnEmptyScene) {
     const TestFolder folder;
     const std::string path = folder.Write("a.stpx", Document(Part("w", UsedAs("o"))));
