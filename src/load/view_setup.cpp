@@ -42,10 +42,8 @@ void KeepContainers(LoadedScene* loaded) {
     for (std::size_t i = 0; i < count; ++i) {
         records[i] = *loaded->containers[i];
         records[i].materialName = CopyText(*loaded->keptContainers, records[i].materialName);
-        records[i].materialComment = CopyText(*loaded->keptContainers, records[i].materialComment);
-        whole = whole &&
-                (loaded->containers[i]->materialName == nullptr || records[i].materialName != nullptr) &&
-                (loaded->containers[i]->materialComment == nullptr || records[i].materialComment != nullptr);
+        whole =
+            whole && (loaded->containers[i]->materialName == nullptr || records[i].materialName != nullptr);
         kept[i] = records + i;
     }
     if (!whole) { SayNotKept(); }

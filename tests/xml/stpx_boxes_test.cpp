@@ -35,8 +35,9 @@ std::vector<float> BoxOf(const ProductNode& product) {
 
 TEST(StpxBoxes, AreNotLookedAtWithoutBoxMode) {
     Tables tables;
-    const ReadDocument read(tables, Document(Part("a", BoxProperty("1", "2")) +
-                                             Context(Item("1", "0 0 0") + Item("2", "1 2 3"))));
+    const ReadDocument read(
+        tables, Document(Part("a", BoxProperty("1", "2") + CornerProperty("1") + CornerProperty("2")) +
+                         Context(Item("1", "0 0 0") + Item("2", "1 2 3"))));
     EXPECT_EQ(read.document.root->hasBox, 0);
 }
 
@@ -52,6 +53,25 @@ TEST(StpxBoxes, ComeFromTwoPointsFurtherDownInTheText) {
     EXPECT_EQ(read.Product("a")->hasBox, 1);
     EXPECT_EQ(BoxOf(*read.Product("a")), (std::vector<float>{-1, 1, -2, 2, -3, 3.5}));
     EXPECT_EQ(BoxOf(*read.Product("b")), (std::vector<float>{1, 4, 2, 5, 3, 6}));
+}
+
+TEST(StpxBoxes, ComeFromNoCentreThatIsCalledOtherwiseOrHasNoPoint) {
+    const auto centre = [](const std::string& content) {
+        return "<ShapeDependentProperty xsi:type=\"n0:CentreOfMass\">" + content +
+               "</ShapeDependentProperty>";
+    };
+    const std::string name = "<Id id=\"bounding box corner point\"/>";
+    const std::string other = "<Id id=\"centre of mass\"/>";
+    for (const std::string& first : {centre(other + "<CentrePoint uidRef=\"1\"/>"), centre(name),
+                                     centre(name + "<Point uidRef=\"1\"/>")}) {
+        Tables tables;
+        const ReadDocument read(tables,
+                                Document(Part("a", first + CornerProperty("2")) +
+                                         Context(Item("1", "0 0 0") + Item("2", "1 2 3"))),
+                                1);
+        EXPECT_EQ(read.problem, nullptr);
+        EXPECT_EQ(read.Product("a")->hasBox, 0) << "one corner alone: " << first;
+    }
 }
 
 TEST(StpxBoxes, FillTheirSlotsInTheOrderOfTheText) {
