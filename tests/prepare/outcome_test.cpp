@@ -40,7 +40,7 @@ std::string AssemblyText(const char* height = "1.") {
 std::vector<std::string> NamesIn(const std::string& folder) {
     std::vector<std::string> names;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.is_regular_file()) { names.push_back(fs::relative(entry.path(), folder).string()); }
+        if (entry.is_regular_file()) { names.push_back(fs::relative(entry.path(), folder).generic_string()); }
     }
     return names;
 }

@@ -80,7 +80,7 @@ TEST_F(LoadProgram, ReportsTheSameAfterManyLoads) {
 TEST_F(LoadProgram, ReportsNoCharacterBehindANulOfAName) {
     std::string text = P21Text({"#1=PRODUCT('ab_cd','','',());"});
     text[text.find("ab_cd") + 2] = '\0';
-    const ProgramRun run = Run({folder_.Write("nul.stp", text), "--json", "-"});
+    const ProgramRun run = Run({folder_.Write("cut.stp", text), "--json", "-"});
     const json report = ParseJson(run.output);
     EXPECT_EQ(report["rootName"], "ab");
     EXPECT_EQ(report["products"][0]["name"], "ab");
