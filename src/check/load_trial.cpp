@@ -119,7 +119,10 @@ LoadOutcome TryLoad(LoadDispatch& dispatch, const std::string& path, const char*
         if (WithinMemory([&] { LoadAndTell(dispatch, path, rootName, useThreads, kind); })) { return; }
         std::fprintf(stderr, "\n%s\n", kNoMemory.data());
     });
-    if (!load.IsThere()) { return outcome; }
+    if (!load.IsThere()) {
+        outcome.lacksMemory = load.LacksMemory();
+        return outcome;
+    }
     if (!WithinMemory([&] { Hear(&load, &outcome); })) {
         load.End(true);
         outcome.end = LoadOutcome::End::kUnknown;

@@ -18,6 +18,8 @@ public:
 
     // Whether there is a copy.
     bool IsThere() const { return process_ > 0; }
+    // Whether there is none for want of memory.
+    bool LacksMemory() const { return lacksMemory_; }
     // The next character of its standard error, or EOF when it has ended or closed that.
     int Next() { return stream_ != nullptr ? std::getc(stream_) : EOF; }
     // Waits for the copy to end; with `kill` ends it first.
@@ -26,6 +28,7 @@ public:
 private:
     std::FILE* stream_ = nullptr;
     int process_ = 0; // 0 when there is none to wait for
+    bool lacksMemory_ = false;
 };
 
 } // namespace tarnwick

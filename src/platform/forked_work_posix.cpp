@@ -25,14 +25,18 @@ namespace {
 ForkedWork::ForkedWork(const std::function<void()>& work) {
     int ends[2];
     if (pipe(ends) != 0) { return; }
-    std::fflush(nullptr);
-    process_ = fork();
-    if (process_ == 0) {
+    // Before there is a copy: without it nobody would hear that one.
+    stream_ = fdopen(ends[0], "r");
+    if (stream_ != nullptr) {
+        std::fflush(nullptr);
+        process_ = fork();
+    }
+    if (stream_ != nullptr && process_ == 0) {
         close(ends[0]);
         WorkAndEnd(work, ends[1]);
     }
+    lacksMemory_ = process_ <= 0 && errno == ENOMEM;
     close(ends[1]);
-    stream_ = process_ > 0 ? fdopen(ends[0], "r") : nullptr;
     if (stream_ == nullptr) { close(ends[0]); }
 }
 
