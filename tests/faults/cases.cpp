@@ -98,16 +98,20 @@ void WriteFaces(const std::filesystem::path& path) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-// An archive of members that are stored, with a directory of several blocks.
-void WriteStored(const std::filesystem::path& path, const std::filesystem::path& document) {
+// An archive whose documents are stored, with a directory of several blocks, of the files in a folder.
+void WriteStored(const std::filesystem::path& path, const std::filesystem::path& folder) {
     ZipWriter archive(path.string());
-    const auto add = [&](const std::string& name, const std::string& text) {
-        archive.Add(name, true, [&text](ByteSink* sink) { sink->Write(text); });
+    const auto add = [&](const std::string& name, bool stored, const std::string& text) {
+        archive.Add(name, stored, [&text](ByteSink* sink) { sink->Write(text); });
     };
-    add("stpa.ini", "\"main.stpx\"");
-    std::ifstream file(document, std::ios::binary);
-    add("main.stpx", {std::istreambuf_iterator<char>(file), {}});
-    for (int i = 0; i < 300; ++i) { add("nothing of note/" + std::string(80, 'n') + std::to_string(i), "-"); }
+    add("stpa.ini", true, "\"document.stpx\"");
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        if (!entry.is_regular_file()) { continue; }
+        std::ifstream file(entry.path(), std::ios::binary);
+        add(entry.path().lexically_relative(folder).string(), entry.path().extension() == ".stpx",
+            {std::istreambuf_iterator<char>(file), {}});
+    }
+    for (int i = 0; i < 300; ++i) { add("nothing/" + std::string(80, 'n') + std::to_string(i), true, "-"); }
     if (!archive.Close()) {
         std::fprintf(stderr, "%s\n", archive.Error().c_str());
         std::exit(3);
@@ -269,7 +273,7 @@ std::vector<Input> MakeInputs(const Programs& programs, const std::filesystem::p
     WriteFaces(faces);
     inputs.push_back(OverSample(programs, "faces.stp", faces.string()));
     const std::filesystem::path stored = folder / "stored.stpa";
-    WriteStored(stored, folder / "document.stpx" / "document.stpx");
+    WriteStored(stored, folder / "document.stpx");
     inputs.push_back(OverSample(programs, "stored.stpa", stored.string()));
     for (const char* const name : {"broken.stp", "broken.stpx", "broken.stpa", "broken.stpj"}) {
         std::filesystem::create_directories(folder / name);
