@@ -301,7 +301,8 @@ private:
         const string_view text(file.text, file.size);
         prepare::FileStructure truth;
         std::string error;
-        const bool isWellFormed = prepare::ReadXmlStructure(text, &truth, &error);
+        const bool isWellFormed = prepare::ReadXmlStructure(text, &truth, &error) && error.empty();
+        if (!isWellFormed) { truth = {}; }
         const std::size_t stops = MarkStops(file.text, file.size);
         StpxDocument document;
         document.text = file.text;

@@ -12,4 +12,12 @@ std::string NameOf(std::string_view path) {
     return std::string(path.substr(path.rfind('/') + 1));
 }
 
+std::filesystem::path PathOf(std::string_view text) {
+    return text;
+}
+
+std::string TextOf(const std::filesystem::path& path) {
+    return path.generic_string();
+}
+
 } // namespace tarnwick

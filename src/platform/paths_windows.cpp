@@ -1,5 +1,7 @@
 #include "platform/paths.h"
 
+#include "platform/system_path_windows.h"
+
 namespace tarnwick {
 
 std::string FolderOf(std::string_view path) {
@@ -10,6 +12,14 @@ std::string FolderOf(std::string_view path) {
 
 std::string NameOf(std::string_view path) {
     return std::string(path.substr(path.find_last_of("/\\") + 1));
+}
+
+std::filesystem::path PathOf(std::string_view text) {
+    return Utf16Of(text);
+}
+
+std::string TextOf(const std::filesystem::path& path) {
+    return Utf8Of(path.generic_wstring());
 }
 
 } // namespace tarnwick

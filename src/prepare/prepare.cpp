@@ -2,6 +2,7 @@
 
 #include "platform/files.h"
 #include "platform/memory_left.h"
+#include "platform/paths.h"
 #include "platform/within_memory.h"
 #include "prepare/elements/finite_elements.h"
 #include "prepare/part_file.h"
@@ -14,7 +15,6 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -28,8 +28,6 @@ namespace tarnwick::prepare {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr std::size_t kLongestStem = 80;
 constexpr const char* kNoMemory = "there is not enough memory for it";
 
@@ -39,7 +37,7 @@ std::string Lower(std::string text) {
 }
 
 std::string StemOf(const std::string& input) {
-    std::string name = fs::path(input).filename().string();
+    std::string name = NameOf(input);
     for (bool isCut = true; isCut;) {
         isCut = false;
         const std::string lower = Lower(name);

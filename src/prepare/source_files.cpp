@@ -2,6 +2,7 @@
 
 #include "platform/files.h"
 #include "platform/memory_left.h"
+#include "platform/paths.h"
 #include "prepare/structure/p21_structure.h"
 #include "prepare/xml/xml_structure.h"
 
@@ -54,18 +55,18 @@ std::string FindAmong(const std::string& folder, const std::vector<std::string>&
         if (name.size() > 1 && name[1] == ':') { name.erase(0, 2); }
         name.erase(0, std::min(name.find_first_not_of('/'), name.size()));
         if (name.empty() || !CanNameFile(name)) { continue; }
-        candidates.push_back(fs::path(folder) / name);
-        candidates.push_back(fs::path(folder) / fs::path(name).filename());
+        candidates.push_back(PathOf(folder) / PathOf(name));
+        candidates.push_back(PathOf(folder) / PathOf(name).filename());
     }
     for (const fs::path& path : candidates) {
-        if (isThere(path)) { return path.generic_string(); }
+        if (isThere(path)) { return TextOf(path); }
     }
     *isOther = true;
     for (const fs::path& path : candidates) {
         for (const char* const ending : kEndings) {
             fs::path other = path;
             other.replace_extension(ending);
-            if (isThere(other)) { return other.generic_string(); }
+            if (isThere(other)) { return TextOf(other); }
         }
     }
     return {};
@@ -85,7 +86,12 @@ std::unique_ptr<LoadedSource> LoadSource(const std::string& path, const std::str
     }
     const std::string_view text = source->bytes.Text();
     if (IsXml(text)) {
-        if (!ReadXmlStructure(text, &source->structure, &source->error)) { return source; }
+        std::string error;
+        if (!ReadXmlStructure(text, &source->structure, &error)) {
+            source->error = error;
+            return source;
+        }
+        if (!error.empty()) { source->structure.losses.push_back({"", 0, error, true}); }
     } else {
         source->file = std::make_unique<ExchangeFile>(text);
         if (!source->file->IsExchangeFile() && source->file->Instances().empty()) {
@@ -102,16 +108,16 @@ std::unique_ptr<LoadedSource> LoadSource(const std::string& path, const std::str
 }
 
 std::string FindSource(const std::string& folder, const std::vector<std::string>& names, bool* isOther) {
-    const auto isFile = [](const fs::path& path) { return IsRegularFile(path.generic_string()); };
+    const auto isFile = [](const fs::path& path) { return IsRegularFile(TextOf(path)); };
     return FindAmong(folder, names, isFile, isOther);
 }
 
 std::string FindMember(const std::unordered_set<std::string>& members, const std::string& folder,
                        const std::vector<std::string>& names, bool* isOther) {
     const auto isMember = [&members](const fs::path& path) {
-        return members.contains(path.lexically_normal().generic_string());
+        return members.contains(TextOf(path.lexically_normal()));
     };
-    return fs::path(FindAmong(folder, names, isMember, isOther)).lexically_normal().generic_string();
+    return TextOf(PathOf(FindAmong(folder, names, isMember, isOther)).lexically_normal());
 }
 
 } // namespace tarnwick::prepare

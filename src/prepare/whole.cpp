@@ -1,6 +1,7 @@
 #include "prepare/whole.h"
 
 #include "platform/files.h"
+#include "platform/paths.h"
 #include "prepare/structure/shape_kinds.h"
 #include "prepare/use_styles.h"
 #include "text/look_up.h"
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <map>
 #include <set>
 #include <unordered_set>
@@ -17,8 +17,6 @@
 namespace tarnwick::prepare {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 constexpr std::size_t kLongestName = 200;
@@ -87,7 +85,7 @@ private:
         whole_.unit = whole_.files[tops[0]].structure.unit;
         if (tops.size() == 1) { return RootOf(tops[0]); }
         Node node;
-        node.id = fs::path(path).stem().string();
+        node.id = TextOf(PathOf(path).stem());
         for (const std::size_t top : tops) { node.uses.push_back({RootOf(top), {}, ""}); }
         nodes_.push_back(std::move(node));
         return nodes_.size() - 1;
@@ -140,7 +138,7 @@ private:
         } else {
             Node node;
             const WholeFileEntry& entry = whole_.files[file];
-            node.id = fs::path(entry.member.empty() ? entry.path : entry.member).stem().string();
+            node.id = TextOf(PathOf(entry.member.empty() ? entry.path : entry.member).stem());
             node.file = file;
             for (const std::size_t child : roots) { node.uses.push_back({child, {}, ""}); }
             root = nodes_.size();
@@ -154,7 +152,7 @@ private:
     std::size_t FollowMember(std::size_t place) {
         const WholeFileEntry& entry = whole_.files[nodes_[place].file];
         if (entry.member.empty()) { return kNone; }
-        const std::string folder = fs::path(entry.member).parent_path().string();
+        const std::string folder = TextOf(PathOf(entry.member).parent_path());
         bool isOther = false;
         const std::string member = FindMember(members_, folder, nodes_[place].files, &isOther);
         // Those of the archive are open, but for the ones that can't be read.
@@ -163,7 +161,7 @@ private:
 
     std::size_t FollowFile(std::size_t place, bool hasOwn) {
         const std::vector<std::string> names = nodes_[place].files;
-        const std::string folder = fs::path(whole_.files[nodes_[place].file].path).parent_path().string();
+        const std::string folder = TextOf(PathOf(whole_.files[nodes_[place].file].path).parent_path());
         bool isOther = false;
         const std::string path = FindSource(folder, names, &isOther);
         if (path.empty() || isOther) { whole_.missed.push_back(folder + "/" + names[0]); }

@@ -103,6 +103,9 @@ TEST(ExternalFiles, OfAnXmlDocumentInAnyEncodingAreFollowed) {
     EXPECT_EQ(PrepareText(folder, "\xEF\xBB\xBF" + document).Corners(), corners);
     EXPECT_EQ(PrepareText(folder, InUtf16(document, true)).Corners(), corners);
     EXPECT_EQ(PrepareText(folder, InUtf16(document, false)).Corners(), corners);
+    const PreparedScene cut = PrepareText(folder, document.substr(0, document.find("</DataContainer>")));
+    EXPECT_EQ(cut.Corners(), corners);
+    EXPECT_THAT(cut.Losses(), ElementsAre(HasSubstr("line 1: ")));
 }
 
 TEST(ExternalFiles, ThatLieUnderAnotherEndingAreTakenAndNoted) {

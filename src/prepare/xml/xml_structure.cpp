@@ -351,20 +351,19 @@ private:
 bool ReadXmlStructure(std::string_view text, FileStructure* structure, std::string* error) {
     pugi::xml_document document;
     const pugi::xml_parse_result result = document.load_buffer(text.data(), text.size());
-    std::string fault;
+    error->clear();
     if (!result) {
         const auto end = text.begin() + std::min<std::ptrdiff_t>(result.offset, std::ssize(text));
-        fault =
+        *error =
             "line " + std::to_string(1 + std::count(text.begin(), end, '\n')) + ": " + result.description();
     }
     // A text that is cut or broken has given what stands before.
     XmlRecords records = CollectXml(document);
     if (!records.hasData || result.status == pugi::status_out_of_memory) {
-        *error = fault.empty() ? "it has no DataContainer" : fault;
+        if (error->empty()) { *error = "it has no DataContainer"; }
         return false;
     }
     *structure = StructureMaker(std::move(records)).Make();
-    if (!fault.empty()) { structure->losses.push_back({"", 0, fault, true}); }
     return true;
 }
 

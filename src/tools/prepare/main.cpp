@@ -3,6 +3,7 @@
 #include "mesher/mesher.h"
 #include "platform/interrupts.h"
 #include "platform/out_of_memory.h"
+#include "platform/paths.h"
 #include "platform/program_start.h"
 #include "platform/whole_file.h"
 #include "platform/within_memory.h"
@@ -15,7 +16,6 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
-#include <filesystem>
 
 namespace {
 
@@ -56,7 +56,7 @@ int Run(int argc, char** argv) {
     std::vector<prepare::PrepareResult> results;
     for (const std::string& file : command.files) {
         {
-            tools::Progress progress(std::filesystem::path(file).filename().string());
+            tools::Progress progress(NameOf(file));
             results.push_back(prepare::Prepare(
                 file, command.options,
                 [&](std::size_t done, std::size_t parts) { progress.Tell(done, parts); }, &cancelled));
