@@ -12,7 +12,8 @@ namespace tarnwick::prepare {
 // first that says anything. Uses that would make a part hold itself are left out, so that the outcome has no
 // circle. A part with several files has the first of those that have the name of a STEP file, or else of all
 // that may hold a shape. A text that is cut or broken gives what stands before, and `error` says where.
-// False, with a sentence in `error`, for a text without data; `structure` is then as it was. Linear in the text.
+// False, with a sentence in `error`, for a text without data; `structure` is then as it was. Linear in the
+// text.
 bool ReadXmlStructure(std::string_view text, FileStructure* structure, std::string* error);
 
 } // namespace tarnwick::prepare
