@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <string>
 
 namespace tarnwick {
@@ -172,21 +173,17 @@ void AppendReferences(std::string_view text, std::vector<std::uint64_t>* referen
 
 bool ReadReal(std::string_view text, double* value) {
     text = WithoutPlus(text);
-    if (text.empty() || IsLetter(text[text[0] == '-' && text.size() > 1])) {
-        return false;
-    } // "inf" and the like
     const char* const end = text.data() + text.size();
     double read = 0;
     auto [behind, error] = std::from_chars(text.data(), end, read);
-    if (error == std::errc() && behind < end && (*behind == 'D' || *behind == 'd')) {
+    if (error != std::errc()) { return false; }
+    if (behind < end && (*behind == 'D' || *behind == 'd')) {
         std::string copy(text);
         copy[static_cast<std::size_t>(behind - text.data())] = 'E';
-        const char* const last = copy.data() + copy.size();
-        const auto [stop, problem] = std::from_chars(copy.data(), last, read);
-        if (problem != std::errc() || stop != last) { return false; }
-    } else if (error != std::errc() || behind != end) {
-        return false;
+        return ReadReal(copy, value);
     }
+    // "inf" and "nan" are taken as well.
+    if (behind != end || !std::isfinite(read)) { return false; }
     *value = read;
     return true;
 }
