@@ -3,6 +3,7 @@
 #include "exchange/text_skip.h"
 #include "exchange/token_cursor.h"
 #include "text/look_up.h"
+#include "text/parse_real.h"
 
 #include <algorithm>
 #include <deque>
@@ -13,9 +14,8 @@ namespace tarnwick {
 
 namespace {
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+using real::IsDigit;
+
 bool IsKeywordCharacter(char c) {
     return (c >= 'A' && c <= 'Z') || c == '_' || IsDigit(c) || (c >= 'a' && c <= 'z') || c == '-' || c == '!';
 }

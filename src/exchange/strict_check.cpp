@@ -2,6 +2,7 @@
 
 #include "exchange/token_cursor.h"
 #include "text/look_up.h"
+#include "text/parse_real.h"
 
 #include <algorithm>
 #include <array>
@@ -14,9 +15,8 @@ namespace tarnwick {
 
 namespace {
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+using real::IsDigit;
+
 bool IsHex(char c) {
     return IsDigit(c) || (c >= 'A' && c <= 'F');
 }

@@ -1,6 +1,7 @@
 #include "exchange/token_cursor.h"
 
 #include "exchange/text_skip.h"
+#include "text/parse_real.h"
 
 #include <algorithm>
 
@@ -8,9 +9,8 @@ namespace tarnwick {
 
 namespace {
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+using real::IsDigit;
+
 bool IsLetter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
 }

@@ -2,6 +2,7 @@
 
 #include "exchange/arguments.h"
 #include "exchange/text_skip.h"
+#include "text/parse_real.h"
 #include "write/real_text.h"
 
 #include <charconv>
@@ -15,9 +16,7 @@ namespace {
 constexpr double kMostCoordinate = 1e30; // single precision ends a little beyond
 constexpr std::size_t kMostDigits = 300; // a longer one is no coordinate
 
-bool IsDigit(char c) {
-    return static_cast<unsigned char>(c - '0') < 10;
-}
+using real::IsDigit;
 
 // A position in a list.
 class ListWalk {
