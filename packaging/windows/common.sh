@@ -133,3 +133,11 @@ make_qt() {
     touch "$windows_prefix/made/qt"
   fi
 }
+
+# start_wine: makes a prefix of wine's at WINEPREFIX. Its server stays to the end: one that ends while the next program starts makes
+# that program fail.
+start_wine() {
+  mkdir "$WINEPREFIX"
+  timeout 20 wineserver -p || return 1
+  timeout 120 wineboot -i >/dev/null 2>&1 || timeout 120 wineboot -i >/dev/null 2>&1
+}
