@@ -22,8 +22,8 @@ void glGetIntegerv(GLenum name, GLint* values) {
 GLenum glGetError() {
     return GL_NO_ERROR;
 }
-const GLubyte* glGetString(GLenum) {
-    return nullptr;
+const GLubyte* glGetString(GLenum name) {
+    return name == GL_RENDERER ? reinterpret_cast<const GLubyte*>("none") : nullptr;
 }
 void glGetFloatv(GLenum, GLfloat* values) {
     std::fill_n(values, 16, 0.0f);
