@@ -136,6 +136,7 @@ void CountParts(CheckReport* report) {
         return;
     }
     const prepare::Whole whole = prepare::LoadWhole(report->path, nullptr);
+    if (whole.lacksMemory) { report->outcome.lacksMemory = true; }
     totals.parts = std::max<std::int64_t>(report->placedInTree, 0);
     if (whole.products.empty()) { return; }
     totals.parts = std::max(totals.parts, CountPlaced(whole.products, whole.root));

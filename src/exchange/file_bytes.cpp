@@ -20,8 +20,6 @@ namespace tarnwick {
 
 namespace {
 
-constexpr const char* kNoMemory = "there is not enough memory for it";
-
 std::string TextOf(const XXH128_hash_t& hash) {
     std::array<char, 40> text{};
     std::snprintf(text.data(), text.size(), "%016llx%016llx", static_cast<unsigned long long>(hash.high64),
@@ -90,7 +88,7 @@ FileBytes Inflate(std::string_view packed, int kind, std::size_t most) {
     FileBytes bytes;
     z_stream stream{};
     if (inflateInit2(&stream, kind) != Z_OK) {
-        bytes.error = kNoMemory;
+        bytes.error = kNotEnoughMemory;
         return bytes;
     }
     GrowingBytes out(most);
@@ -101,7 +99,7 @@ FileBytes Inflate(std::string_view packed, int kind, std::size_t most) {
         std::size_t room = 0;
         char* const target = out.Room(std::min<std::size_t>(4 * packed.size() + 65536, 1 << 20), &room);
         if (target == nullptr) {
-            bytes.error = kNoMemory;
+            bytes.error = kNotEnoughMemory;
             inflateEnd(&stream);
             return bytes;
         }
@@ -114,7 +112,7 @@ FileBytes Inflate(std::string_view packed, int kind, std::size_t most) {
         state = inflate(&stream, Z_NO_FLUSH);
         out.Take(offered - stream.avail_out);
         if (state == Z_MEM_ERROR) {
-            bytes.error = kNoMemory;
+            bytes.error = kNotEnoughMemory;
             inflateEnd(&stream);
             return bytes;
         }
@@ -189,7 +187,7 @@ private:
 
 // Why an archive can't be read, after a call of ZipDirectory that failed.
 const char* ArchiveError() {
-    return errno == ENOMEM ? kNoMemory : "the archive can't be read";
+    return errno == ENOMEM ? kNotEnoughMemory : "the archive can't be read";
 }
 
 FileBytes Unpack(std::string_view packed, bool isStored, std::size_t most) {
@@ -203,7 +201,7 @@ FileBytes Unpack(std::string_view packed, bool isStored, std::size_t most) {
     std::size_t room = 0;
     char* const target = out.Room(packed.size() + 1, &room);
     if (target == nullptr || room < packed.size()) {
-        bytes.error = kNoMemory;
+        bytes.error = kNotEnoughMemory;
         return bytes;
     }
     if (!packed.empty()) { std::memcpy(target, packed.data(), packed.size()); }
@@ -249,13 +247,13 @@ FileBytes ReadFileBytes(const std::string& path, std::size_t most) {
         return bytes;
     }
     if (file.Size() > most) {
-        bytes.error = kNoMemory;
+        bytes.error = kNotEnoughMemory;
         return bytes;
     }
     const auto size = static_cast<std::size_t>(file.Size());
     bytes.data.reset(new (std::nothrow) char[size + kBytesPadding]);
     if (bytes.data == nullptr) {
-        bytes.error = kNoMemory;
+        bytes.error = kNotEnoughMemory;
         return bytes;
     }
     int error = 0;
@@ -304,7 +302,7 @@ FileBytes ReadMemberBytes(const std::string& archive, const std::string& member,
     const std::unique_ptr<char[]> packed(size <= most ? new (std::nothrow) char[size + kBytesPadding]
                                                       : nullptr);
     if (packed == nullptr) {
-        bytes.error = kNoMemory;
+        bytes.error = kNotEnoughMemory;
         return bytes;
     }
     int error = 0;

@@ -11,6 +11,9 @@ namespace tarnwick {
 // Readable zeros after a text that is in memory.
 inline constexpr std::size_t kBytesPadding = 32;
 
+// What FileBytes::error is where memory is what it lacks.
+inline constexpr char kNotEnoughMemory[] = "there is not enough memory for it";
+
 // The bytes of a file, unpacked; `error` says in words why there are none.
 struct FileBytes {
     std::unique_ptr<char[]> data;

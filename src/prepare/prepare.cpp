@@ -29,7 +29,6 @@ namespace tarnwick::prepare {
 namespace {
 
 constexpr std::size_t kLongestStem = 80;
-constexpr const char* kNoMemory = "there is not enough memory for it";
 
 std::string Lower(std::string text) {
     for (char& c : text) { c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
@@ -148,7 +147,7 @@ public:
         const auto begin = std::chrono::steady_clock::now();
         try {
             Work();
-        } catch (const std::bad_alloc&) { result_.error = kNoMemory; }
+        } catch (const std::bad_alloc&) { result_.error = kNotEnoughMemory; }
         result_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
         return std::move(result_);
     }
@@ -159,7 +158,7 @@ private:
         std::string file;      // from the folder on, as it is written
         std::string reference; // as the top file names it
         PartResult result;
-        std::string error = kNoMemory; // until something else comes of it
+        std::string error = kNotEnoughMemory; // until something else comes of it
     };
     static constexpr std::size_t kNoPlace = static_cast<std::size_t>(-1);
     // What a worker has open.

@@ -59,6 +59,7 @@ private:
     std::vector<std::size_t> OpenTops(const std::string& path) {
         StepMembers archive = StepMembersOf(path);
         if (!archive.error.empty()) { whole_.losses.push_back({"", 0, archive.error}); }
+        if (archive.error == kNotEnoughMemory) { whole_.lacksMemory = true; }
         std::vector<std::string> members = std::move(archive.names);
         members_.insert(members.begin(), members.end());
         if (members.empty()) { members.emplace_back(); } // no archive, or none with names of STEP files
@@ -97,6 +98,7 @@ private:
         const auto [known, isNew] = places_.emplace(key, kNone);
         if (!isNew) { return known->second; }
         std::unique_ptr<LoadedSource> source = LoadSource(path, member);
+        if (source->bytes.error == kNotEnoughMemory) { whole_.lacksMemory = true; }
         if (!source->error.empty()) {
             lastError_ = source->error;
             return kNone;

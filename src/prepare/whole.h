@@ -43,7 +43,8 @@ struct Whole {
     double unit = 1;                 // millimetres of a length unit of the top
     std::vector<std::string> missed; // paths of files that are named and not there
     std::vector<Loss> losses;
-    std::string error; // why there is nothing, empty otherwise
+    bool lacksMemory = false; // some of it isn't read for want of memory
+    std::string error;        // why there is nothing, empty otherwise
 };
 
 // `path` is the top file's. Files that are named and not there are among the losses.

@@ -1,9 +1,12 @@
 #include "prepare/exchange_text.h"
 #include "prepare/prepared_scene.h"
+#include "prepare/whole.h"
 #include "write/zip_writer.h"
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
+#include <filesystem>
 #include <utility>
 #include <vector>
 
@@ -44,6 +47,17 @@ std::string ByDocument(const std::string& name) {
 }
 
 constexpr const char* kPlaced = "100 0 0, 125.4 0 0, 100 25.4 0";
+
+TEST(ExternalFiles, ThatMemoryCannotHoldAreToldFromThoseThatAreNotThere) {
+    const TempFolder folder;
+    const std::string cart = folder.Write("cart.stp", ByDocument("wheel.stp"));
+    const auto lacksMemory = [&] { return prepare::LoadWhole(cart, nullptr).lacksMemory; };
+    EXPECT_FALSE(lacksMemory());
+    const std::string wheel = folder.Write("wheel.stp", PartText());
+    EXPECT_FALSE(lacksMemory());
+    std::filesystem::resize_file(wheel, std::uintmax_t{1} << 43); // a hole: it takes no room
+    EXPECT_TRUE(lacksMemory());
+}
 
 TEST(ExternalFiles, AreFoundByEachOfTheNamesThatFilesUse) {
     const TempFolder folder;
