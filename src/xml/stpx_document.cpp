@@ -70,8 +70,9 @@ public:
         constexpr std::size_t kUsualOccurrence = 400;
         occurrenceUids_.Reserve(document_.size / kUsualOccurrence);
         PrepareText(document_.text, document_.size);
-        if (ScanAll() && ResolveOccurrences() && (resolvedDirectly_ == 1 || ResolveFileNames())) {
-            return nullptr;
+        if (ScanAll()) {
+            ResolveOccurrences();
+            if (resolvedDirectly_ == 1 || ResolveFileNames()) { return nullptr; }
         }
         Undo();
         return problem_ != nullptr ? problem_ : scan_.problem;
@@ -100,7 +101,7 @@ private:
     bool NameFile(ProductNode* product, string_view fileName);
     bool AddPart(ProductNode* product, string_view fileName);
     bool AddAssembly(ProductNode* product, string_view fileName);
-    bool ResolveOccurrences();
+    void ResolveOccurrences();
     bool ResolveFileNames();
     void Undo();
 
@@ -252,9 +253,9 @@ bool DocumentReader::Step() {
     case State::kInVersion:
     case State::kInDefinition:
     case State::kInFiles:
-        StepDocument();
-        return true;
+        break;
     }
+    StepDocument();
     return true;
 }
 
@@ -358,9 +359,7 @@ bool DocumentReader::StepContext() {
     const bool isA = Uid() == pointRefA_;
     if (!isA && Uid() != pointRefB_) { return true; }
     if (!ReadPoint()) { return false; }
-    const bool found = propertyKind_ == PropertyKind::kCornerPoint
-                           ? isA
-                           : propertyKind_ == PropertyKind::kBoundingBox && pointCount_ == 2;
+    const bool found = propertyKind_ == PropertyKind::kCornerPoint ? isA : pointCount_ == 2;
     if (found) {
         scan_.at = resumePosition_;
         state_ = State::kInPartView;
@@ -546,7 +545,8 @@ bool DocumentReader::TakeIdentifier() {
 
 bool DocumentReader::NameFile(ProductNode* product, string_view fileName) {
     product->fileName = arena_.Copy(fileName.data(), fileName.size());
-    return product->fileName != nullptr || Fail(kNoMemory);
+    if (product->fileName == nullptr) { return Fail(kNoMemory); }
+    return true;
 }
 
 bool DocumentReader::AddPart(ProductNode* product, string_view fileName) {
@@ -562,10 +562,10 @@ bool DocumentReader::AddAssembly(ProductNode* product, string_view fileName) {
 }
 
 // Finds the root and the child of every occurrence.
-bool DocumentReader::ResolveOccurrences() {
+void DocumentReader::ResolveOccurrences() {
     if (occurrenceUids_.IsEmpty()) {
         document_.root = currentProduct_;
-        return true;
+        return;
     }
     const ProductNode* former = nullptr;
     for (ProductNode* const product : document_.products) {
@@ -586,7 +586,6 @@ bool DocumentReader::ResolveOccurrences() {
                 if (child != nullptr) { uses[i]->child = *child; }
             });
     }
-    return true;
 }
 
 // The route of file names through documents and files, for a text in which no file stood right after its
@@ -598,7 +597,6 @@ bool DocumentReader::ResolveFileNames() {
     constexpr const char* kNotInVersions = "<E> Chaine %.*s non trouv\xE9"
                                            "e dans mapDV_DF\n";
     for (const AssignedDocument& assigned : assignedDocuments_) {
-        if (assigned.product == nullptr) { break; }
         string_view file = assigned.uid;
         if (digitalFileSeen_) {
             const string_view* const found = mapDV_DF_.Find(assigned.uid);

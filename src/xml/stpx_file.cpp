@@ -7,7 +7,7 @@
 namespace tarnwick {
 
 TextFile OpenStpxFile(std::string path) {
-    const bool compressed = !path.empty() && (path.back() == 'z' || path.back() == 'Z');
+    const bool compressed = path.ends_with('z') || path.ends_with('Z');
     return {.path = std::move(path),
             .compression = compressed ? TextFile::kTwoCharacterSuffix : TextFile::kPlain};
 }

@@ -119,7 +119,7 @@ bool ScanTagWithAttributes(StpxScan* scan) {
             }
             ++p;
             while (*p == ' ') ++p;
-        } while (*p != '>' || p >= scan->end);
+        } while (*p != '>');
     }
     scan->at = p;
     return true;

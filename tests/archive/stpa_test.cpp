@@ -74,6 +74,27 @@ TEST(Stpa, TakesDocumentsThatAreStored) {
     EXPECT_EQ(Loaded(folder, members).view.loaded.drawnTriangles, 2);
 }
 
+TEST(Stpa, ReadsTheDocumentsThatItsRootLeadsTo) {
+    const TestFolder folder;
+    const std::string root =
+        Document(Part("cart", UsedAs("o1") + Assigned("f1")) + File("f1", "sub\\cart.stpx") +
+                 Part("gone", UsedAs("o2") + Assigned("f2")) + File("f2", "gone.stpx") +
+                 Part("top", Use("o1", "5 0 0") + Use("o2")));
+    const std::string cart = Document(Part("wheel", UsedAs("w") + Assigned("f")) + File("f", "parts/w.stp") +
+                                      Part("cart", Use("w", "1 0 0")));
+    const Loaded loaded(
+        folder, {{"parts/w.stp", PartFile("wheel")}, kIni, {"main.stpx", root}, {"sub\\cart.stpx", cart}});
+    const json report = Report(loaded.view);
+    EXPECT_EQ(report["triangles"], 2);
+    ASSERT_EQ(report["drawList"].size(), 1u);
+    EXPECT_EQ(report["drawList"][0]["matrix"][12], 6);
+    EXPECT_TRUE(loaded.Says("Number of external products : 2\nNumber of parts (P21) : 1\n"));
+    ASSERT_EQ(loaded.view.loaded.unreadFiles.size(), 1u);
+    EXPECT_EQ(loaded.view.loaded.unreadFiles[0].path, "gone.stpx");
+    EXPECT_EQ(loaded.view.loaded.unreadFiles[0].productName, "gone");
+    EXPECT_EQ(loaded.view.loaded.unreadFiles[0].place, 2);
+}
+
 TEST(Stpa, CannotTakeAPartThatIsStored) {
     const TestFolder folder;
     std::vector<Member> members = Machine();

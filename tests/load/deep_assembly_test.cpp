@@ -1,12 +1,12 @@
 // Trees of great depth and width in files of a few megabytes: no recursion may follow them, and nothing may
 // grow faster than they do.
 
+#include "support/address_space.h"
 #include "support/assembly_text.h"
 #include "support/loaded_file.h"
 #include "support/sanitized.h"
 #include "support/temp_folder.h"
 
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,7 +15,6 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <fstream>
 
 namespace tarnwick::test {
 namespace {
@@ -210,13 +209,6 @@ std::string WriteDoubling(const TempFolder& folder, int levels) {
     text.File(parent, "part.stp");
     folder.Write("part.stp", PlateText(1));
     return folder.Write("top.stp", text.Text());
-}
-
-// Bytes of address space that the process has.
-std::size_t AddressSpace() {
-    std::size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
 // What the load of a file says when the process may have `megabytes` more of address space: what other tests

@@ -132,6 +132,33 @@ TEST(StpxBoxes, AreDrawnPlacedByTheOccurrencesAboveThem) {
     EXPECT_EQ(box.vertices[3 * 12], 8.0f) << "x minimum";
 }
 
+TEST(StpxBoxes, OfAUseWithoutAProductAndOfAProductWithinItselfAreLeftOut) {
+    const TestFolder folder;
+    const std::string path = folder.Write(
+        "a.stpx", Document(Part("top", Use("missing") + Use("o1", "10 0 0")) +
+                           Part("ring", BoxProperty("1", "2") + Use("o1") + Use("o2") + UsedAs("o1")) +
+                           Part("leaf", BoxProperty("1", "2") + UsedAs("o2")) +
+                           Context(Item("1", "0 0 0") + Item("2", "1 2 3"))));
+    LoadedScene loaded = NewScene();
+    StpxSession session(loaded);
+    TraiteSTEPXFileNewMT(session, path.c_str(), nullptr, 1, 0);
+    ASSERT_NE(loaded.boxList, nullptr);
+    ASSERT_EQ(loaded.boxList->count, 1) << "the leaf's: a used assembly has no box of its own";
+    EXPECT_EQ(loaded.boxList->boxes[0]->vertices[3], 11.0f) << "x maximum";
+}
+
+TEST(StpxBoxes, AreNoneWithoutARoot) {
+    const TestFolder folder;
+    LoadedScene loaded = NewScene();
+    StpxSession session(loaded);
+    const std::string path = folder.Write("a.stpx", Document(Part("a", UsedAs("o"))));
+    TraiteSTEPXFileNewMT(session, path.c_str(), nullptr, 1, 0);
+    EXPECT_FALSE(session.gaveUp);
+    EXPECT_EQ(loaded.root, nullptr);
+    ASSERT_NE(loaded.boxList, nullptr);
+    EXPECT_EQ(loaded.boxList->count, 0);
+}
+
 TEST(StpxBoxes, AreLeftOutBeyond30Levels) {
     const TestFolder folder;
     std::string parts;

@@ -147,6 +147,7 @@ TEST(StpxDocument, TellsDocumentsFromPartsByTheLastLettersOfTheName) {
     EXPECT_TRUE(IsXmlByLastLetters("x"));
     EXPECT_FALSE(IsXmlByLastLetters("a.stp"));
     EXPECT_FALSE(IsXmlByLastLetters("a.stpz"));
+    EXPECT_FALSE(IsXmlByLastLetters("a.xy"));
     EXPECT_FALSE(IsXmlByLastLetters("z"));
     EXPECT_FALSE(IsXmlByLastLetters(""));
 }
@@ -176,6 +177,33 @@ TEST(StpxDocument, JoinsAPartToTheProductOfItsNameThatAskedForADocument) {
     EXPECT_EQ(sub->occurrences[0]->child, second.Product("leaf"));
     EXPECT_STREQ(sub->fileName, "sub.stpx");
     EXPECT_EQ(tables.assemblies.Count(), 1);
+}
+
+TEST(StpxDocument, FindsTheChildrenOfAJoinedProductThatItListsTwice) {
+    Tables tables;
+    const ReadDocument first(tables, Document(Part("sub", UsedAs("1") + Assigned("f")) +
+                                              File("f", "sub.stpx") + Part("top", Use("1"))));
+    const ReadDocument second(tables, Document(Part("sub", Use("1")) + Part("leaf", UsedAs("1")) +
+                                               Part("sub", Use("2")) + Part("other", UsedAs("2"))));
+    ASSERT_EQ(second.document.products.size(), 4u);
+    const ProductNode& sub = *first.Product("sub");
+    EXPECT_EQ(second.document.products[0], &sub);
+    EXPECT_EQ(second.document.products[2], &sub);
+    ASSERT_EQ(sub.occurrenceCount, 2);
+    EXPECT_EQ(sub.occurrences[0]->child, second.Product("leaf"));
+    EXPECT_EQ(sub.occurrences[1]->child, second.Product("other"));
+}
+
+TEST(StpxDocument, JoinsNoPartToAProductOfADocumentThatWasGivenUp) {
+    Tables tables;
+    const ReadDocument cut(tables, "<DataContainer>" + Part("gone", Assigned("f")) + File("f", "gone.stpx"));
+    ASSERT_NE(cut.problem, nullptr);
+    const ReadDocument read(tables, Document(Part("sub", Assigned("f")) + File("f", "sub.stpx") +
+                                             Part("gone", Assigned("g")) + File("g", "gone.stp")));
+    ASSERT_EQ(read.problem, nullptr);
+    EXPECT_EQ(tables.assemblies.FindByName("gone"), nullptr) << "its place is that of another one";
+    EXPECT_EQ(tables.assemblies.FindByName("sub"), read.Product("sub"));
+    EXPECT_STREQ(read.Product("gone")->fileName, "gone.stp");
 }
 
 TEST(StpxDocument, LeavesNothingBehindWhenItIsGivenUp) {

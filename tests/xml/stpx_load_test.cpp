@@ -1,12 +1,18 @@
 #include "formats/load_commands.h"
 #include "load/view_setup.h"
+#include "platform/console.h"
 #include "support/formats.h"
 #include "xml/stpx_driver.h"
 #include "xml/stpx_file.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <filesystem>
 #include <string>
+#include <string_view>
+#include <thread>
 
 namespace tarnwick {
 namespace {
@@ -288,6 +294,19 @@ TEST(StpxLoad, ShowsNothingWhenTheRootDocumentCannotBeRead) {
     }
 }
 
+TEST(StpxLoad, CannotOpenADocumentOf2GiB) {
+    const TestFolder folder;
+    const std::string path = folder.Write("a.stpx", Document(""));
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 31); // a hole: it takes no room
+    const ConsoleText console;
+    SceneView view;
+    LoadStpxFile(view, path.c_str(), nullptr, 0);
+    EXPECT_TRUE(console.Has("<E> " + path + ": files of 2 GiB and more can't be read\n" + //
+                            "<E> " + path + ": it can't be opened\n"));
+    ASSERT_EQ(view.loaded.unreadFiles.size(), 1u);
+    EXPECT_STREQ(view.loaded.unreadFiles[0].reason, "can't be opened");
+}
+
 TEST(StpxLoad, GoesOnWithoutADocumentOrAPartThatCannotBeRead) {
     const TestFolder folder;
     WriteMachine(folder);
@@ -339,6 +358,20 @@ TEST(StpxLoad, RefusesADocumentWhoseNameOnlyEndsInX) {
     EXPECT_TRUE(console.Has("<E> Error: non XML file in _asm_prod_ext: \n"));
 }
 
+TEST(StpxLoad, RefusesAPartWhoseFileIsNamedAgainAsADocument) {
+    const TestFolder folder;
+    folder.Write("sub.stpx", Document(Part("leaf", "")));
+    const std::string path = folder.Write(
+        "a.stpx", Document(Part("s", Assigned("f")) + File("f", "s.stp") + File("f", "sub.stpx")));
+    const ConsoleText console;
+    SceneView view;
+    LoadStpxFile(view, path.c_str(), nullptr, 0);
+    EXPECT_EQ(console.Count("<E> Error: XML file in _geom_prod_ext: \n"), 1);
+    EXPECT_TRUE(console.Has("Number of external products : 1\nNumber of parts (P21) : 0\n"));
+    EXPECT_EQ(view.loaded.drawnTriangles, 0);
+    EXPECT_TRUE(view.loaded.unreadFiles.empty());
+}
+
 TEST(StpxLoad, KnowsADocumentByItsExtension) {
     EXPECT_EQ(IsXmlFileName("a.stpx"), 1);
     EXPECT_EQ(IsXmlFileName("a.b.StpXZ"), 1);
@@ -361,6 +394,37 @@ TEST(StpxLoad, LeavesOutAPartThatIsAnAssembly) {
     EXPECT_EQ(view.loaded.drawnTriangles, 0);
     ASSERT_EQ(view.loaded.unreadFiles.size(), 1u);
     EXPECT_TRUE(console.Has("Number of parts (P21) : 0\n"));
+}
+
+TEST(StpxLoad, TellsOfAPartThatIsAnAssemblyOnAWorker) {
+    const TestFolder folder;
+    std::string assembly = PartFile("w");
+    assembly.insert(assembly.find("#10="), "#5=NEXT_ASSEMBLY_USAGE_OCCURRENCE('');\n");
+    folder.Write("w.stp", assembly);
+    const std::string path = folder.Write("a.stpx", Document(Part("v", Assigned("f")) + File("f", "w.stp") +
+                                                             Part("w", Assigned("g")) + File("g", "w.stp")));
+    std::atomic<int> lines = 0;
+    SetConsoleSink(
+        [](void* context, const char* text, std::size_t length) {
+            if (std::string_view(text, length)
+                    .starts_with("<E> Error: P21 assembly file in _geom_prod_ext: ")) {
+                ++*static_cast<std::atomic<int>*>(context);
+            }
+        },
+        &lines);
+    LoadedScene loaded = NewScene();
+    StpxSession session(loaded);
+    // The thread of the load waits before it reads a second part, which is left to a worker.
+    session.progress = [&lines](std::int32_t, std::int32_t) {
+        for (int i = 0; i < 10000 && lines == 0; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    };
+    TraiteSTEPXFileNewMT(session, path.c_str(), nullptr, 0, true);
+    SetConsoleSink(nullptr, nullptr);
+    EXPECT_GE(lines, 1);
+    EXPECT_LE(lines, 2);
+    EXPECT_EQ(loaded.unreadFiles.size(), 2u);
 }
 
 TEST(StpxLoad, CountsAPartThatIsAssignedTwiceAsTwoButReadsItInOnePlace) {

@@ -1,13 +1,17 @@
 #include "xml/stpx_scan.h"
 
+#include "platform/console.h"
 #include "platform/text_block.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <string>
+#include <thread>
 #include <unistd.h>
 
 namespace tarnwick {
@@ -239,6 +243,21 @@ TEST(ReadElementTextDeathTest, NeverGetsPastAnotherAmpersand) {
             ElementText("a &lt; b<x");
         },
         testing::KilledBySignal(SIGALRM), "<E> test.stpx: reading stands still");
+}
+
+TEST(ReadElementTextDeathTest, StopsNoOtherThreadAtAnotherAmpersand) {
+    EXPECT_EXIT(
+        {
+            std::atomic<int> lines = 0;
+            SetConsoleSink(
+                [](void* context, const char*, std::size_t) { ++*static_cast<std::atomic<int>*>(context); },
+                &lines);
+            std::thread([] { ElementText("a &lt; b<x"); }).detach();
+            while (lines == 0) { std::this_thread::yield(); }
+            SetConsoleSink(nullptr, nullptr);
+            std::exit(lines);
+        },
+        testing::ExitedWithCode(1), "<E> test.stpx: reading stands still");
 }
 
 } // namespace
