@@ -56,7 +56,7 @@ std::string Quoted(const std::string& word) {
     };
     if (std::all_of(word.begin(), word.end(), isPlain)) { return word; }
     std::string quoted = "'";
-    for (const char c : word) { quoted += c == '\'' ? std::string("'\\''") : std::string(1, c); }
+    for (const char c : word) { quoted += c == '\'' ? "'\\''" : std::string_view(&c, 1); }
     return quoted + "'";
 }
 

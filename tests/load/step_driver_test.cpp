@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace tarnwick::test {
@@ -67,6 +69,18 @@ TEST(TraiteSTEPFile, FailsForAFileThatIsNotThere) {
     ASSERT_EQ(driven.session.loaded.unreadFiles.size(), 1u);
     EXPECT_EQ(driven.session.loaded.unreadFiles[0].path, "/nowhere/part.stp") << "as it was tried first";
     EXPECT_EQ(driven.session.loaded.unreadFiles[0].productName, "");
+    EXPECT_STREQ(driven.session.loaded.unreadFiles[0].reason, "can't be opened");
+}
+
+TEST(TraiteSTEPFile, FailsForAFileOf2GiB) {
+    const TempFolder folder;
+    const std::string path = folder.Write("part.stp", P21Text({}));
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 31); // a hole: it takes no room
+    const Driven driven(path, 0);
+    EXPECT_EQ(driven.result, 1);
+    EXPECT_EQ(driven.console,
+              "Start TraiteSTEPFile\n<E> " + path + ": files of 2 GiB and more can't be read\n");
+    ASSERT_EQ(driven.session.loaded.unreadFiles.size(), 1u);
     EXPECT_STREQ(driven.session.loaded.unreadFiles[0].reason, "can't be opened");
 }
 

@@ -12,6 +12,7 @@
 #include "support/temp_folder.h"
 
 #include <pthread.h>
+#include <sched.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -199,6 +200,36 @@ TEST(WorkerThreads, TakePartInTheReadingOfALargeFile) {
         const std::string alone = ReportOf(path, 0);
         for (int round = 0; round < 5; ++round) { ASSERT_TRUE(ReportOf(path, 1) == alone) << path; }
     }
+}
+
+// For as long as it lives, the thread and those that it starts run on one core.
+class OneCore {
+public:
+    OneCore() {
+        sched_getaffinity(0, sizeof former_, &former_);
+        int core = 0;
+        while (!CPU_ISSET(core, &former_)) { ++core; }
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(core, &one);
+        sched_setaffinity(0, sizeof one, &one);
+    }
+    OneCore(const OneCore&) = delete;
+    OneCore& operator=(const OneCore&) = delete;
+    ~OneCore() { sched_setaffinity(0, sizeof former_, &former_); }
+
+private:
+    cpu_set_t former_;
+};
+
+TEST(WorkerThreads, EndWithoutHelpToOthersOnOneCore) {
+    const TempFolder folder;
+    const std::string path = WriteParts(folder, 30);
+    const std::string alone = ReportOf(path, 0);
+    const OneCore guard;
+    ASSERT_EQ(Helpers::FreeCores(), 0);
+    EXPECT_EQ(ReportOf(path, 1), alone);
+    EXPECT_EQ(LinesOf(LoadedFile(path, 1).console).size(), 7u);
 }
 
 TEST(WorkerThreads, TakeUpWhatASubAssemblyAddsWhileTheyRun) {
