@@ -279,6 +279,9 @@ std::vector<Input> MakeInputs(const Programs& programs, const std::filesystem::p
         std::filesystem::create_directories(folder / name);
         std::ofstream(folder / name / name) << "no such file\n";
     }
+    const std::string broken = (folder / "broken.stp" / "broken.stp").string();
+    inputs.push_back({"broken.stp", {{"load broken.stp", programs.load, {broken}}}});
+    inputs.back().cases[0].isLog = true;
     std::filesystem::create_directories(folder / "exact.stp");
     WriteExact(folder / "exact.stp" / "exact.stp");
     inputs.push_back(OverLists(programs, folder));
