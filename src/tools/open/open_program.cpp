@@ -58,7 +58,13 @@ std::string OpenInWindow(int argc, char** argv) {
     QApplication::setApplicationName("Tarnwick");
     QApplication::setWindowIcon(QIcon(":/tarnwick.png"));
     QApplication::setQuitOnLastWindowClosed(false);
-    return OpenWindow(command.file, options, &cancelled).Run();
+    OpenWindow window(command.file, options, &cancelled);
+    std::string path = window.Run();
+    if (window.IsAtWork()) {
+        RemoveUnfinished(options.folder);
+        _exit(1);
+    }
+    return path;
 }
 
 int BecomeViewer(std::string path) {

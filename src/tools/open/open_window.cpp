@@ -1,7 +1,6 @@
 #include "tools/open/open_window.h"
 
 #include "app/eye_text.h"
-#include "tools/open/places.h"
 #include "tools/prepare/outcome.h"
 #include "tools/prepare/progress.h"
 
@@ -12,8 +11,6 @@
 #include <QPushButton>
 #include <QThread>
 #include <QVBoxLayout>
-
-#include <unistd.h>
 
 #include <filesystem>
 #include <utility>
@@ -176,11 +173,6 @@ void OpenWindow::Cancel() {
     QElapsedTimer clock;
     clock.start();
     while (!isFinished_ && clock.elapsed() < kPatienceAfterCancel) { QThread::msleep(5); }
-    if (!isFinished_) {
-        // A step that doesn't look may take long: reading a large file.
-        RemoveUnfinished(options_.folder);
-        _exit(1);
-    }
     loop_.quit();
 }
 

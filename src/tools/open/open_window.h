@@ -24,11 +24,15 @@ class OpenWindow : public QDialog {
 public:
     // `cancelled` becomes true from outside when the program is to end.
     OpenWindow(std::string file, prepare::PrepareOptions options, std::atomic<bool>* cancelled);
-    ~OpenWindow() override;
+    ~OpenWindow() override; // waits for the work
 
     // Returns when the user has seen all that there is to see: the path that the viewer is to show, or an
-    // empty one. Where the work doesn't end soon after Cancel, the program ends here, with status 1.
+    // empty one.
     std::string Run();
+
+    // True where Run didn't wait longer for cancelled work: a step that doesn't look whether it is, such as
+    // reading a large file, may take long.
+    bool IsAtWork() const { return !isFinished_; }
 
     void reject() override; // Cancel, Close, Escape, and the button of the title bar
 
