@@ -107,6 +107,9 @@ public:
 
     bool Contains(Key key) { return Find(key) != nullptr; }
 
+    // Gives all entries their slots. Until the next Add several threads may then look for keys at once.
+    void Place() { PlaceAll(); }
+
     // Looks for `keys` keys and hands the outcomes to found(i, value or null) in their order; keyOf(i) is the
     // key. A few at a time: while one is on its way from memory, the way to the others is asked for as well.
     template <class KeyOf, class Found>

@@ -2,13 +2,18 @@
 
 #include "platform/append_pointer.h"
 #include "platform/console.h"
+#include "platform/within_memory.h"
 #include "text/look_up.h"
 #include "text/scan_reals.h"
 #include "text/text_find.h"
 #include "xml/stpx_scan.h"
+#include "xml/uses_ahead.h"
 #include "xml/usual_tags.h"
 
 #include <algorithm>
+#include <atomic>
+#include <functional>
+#include <optional>
 #include <unordered_map>
 
 namespace tarnwick {
@@ -53,6 +58,13 @@ struct JoinedProduct {
     bool resolved = false;
 };
 
+// Uses of one product that follow one another; what one thread takes at a time.
+struct Run {
+    Occurrence* const* uses;
+    std::int32_t count;
+};
+constexpr std::int32_t kLongestRun = 1024;
+
 constexpr const char* kNoMemory = "no memory";
 constexpr const char* kNoProduct = "a view belongs to no part with a name";
 constexpr const char* kManyPoints = "a view has more points than a box";
@@ -70,7 +82,7 @@ public:
         constexpr std::size_t kUsualOccurrence = 400;
         occurrenceUids_.Reserve(document_.size / kUsualOccurrence);
         PrepareText(document_.text, document_.size);
-        if (ScanAll()) {
+        if (IsForHelpers() ? ScanWithHelpers() : ScanAll()) {
             ResolveOccurrences();
             if (resolvedDirectly_ == 1 || ResolveFileNames()) { return nullptr; }
         }
@@ -79,8 +91,14 @@ public:
     }
 
 private:
+    bool IsForHelpers() const {
+        return document_.helpers != nullptr && document_.helpers->AreFor(document_.size);
+    }
+    bool ScanWithHelpers();
     bool ScanAll();
     bool TakeUsualTags();
+    bool TakeUsesAhead(UsualTags& tags);
+    void StartRelation();
     bool Step();
     void StepContainer();
     bool StepPart();
@@ -95,13 +113,17 @@ private:
     bool ReadNumbers(double* values, int count);
     bool ReadPoint();
     bool AddUse(string_view uid);
+    bool AddKeptUse(const char* uid, std::size_t length);
     bool AddOccurrence();
+    bool AppendOccurrence(Occurrence* occurrence);
     bool StoreBox();
     bool TakeIdentifier();
     bool NameFile(ProductNode* product, string_view fileName);
     bool AddPart(ProductNode* product, string_view fileName);
     bool AddAssembly(ProductNode* product, string_view fileName);
     void ResolveOccurrences();
+    void FindChildren();
+    void FindChildrenOf(Run run);
     bool ResolveFileNames();
     void Undo();
 
@@ -134,6 +156,7 @@ private:
     float box_[6] = {};
     double rotationValues_[9] = {};
     double translationValues_[3] = {};
+    const Occurrence* lastAhead_ = nullptr; // whose values these should be
     ProductNode* currentProduct_ = nullptr; // kept after "</Part"
     bool productIsNew_ = false;
     std::int32_t pointCount_ = 0;
@@ -146,12 +169,27 @@ private:
     bool hasRotation_ = false;
     bool hasTranslation_ = false;
 
+    std::optional<UsesAhead> ahead_;
     LookUp<string_view, ProductNode*> occurrenceUids_; // the product whose view holds the occurrence
     std::vector<AssignedDocument> assignedDocuments_;
     LookUp<string_view, string_view> mapDV_DF_;       // document version to digital file
     LookUp<string_view, string_view> mapDF_Filename_; // file to file name
     std::unordered_map<ProductNode*, JoinedProduct> joined_;
+    std::vector<Run> runs_; // whose children are looked for
 };
+
+bool DocumentReader::ScanWithHelpers() {
+    ahead_.emplace(document_.text, scan_.end, document_.pieceBytes);
+    bool scanned = false;
+    bool enough = false;
+    const auto scan = [&](bool isOwn) {
+        if (!isOwn) { return ahead_->ReadPieces(); }
+        enough = WithinMemory([&] { scanned = ScanAll(); });
+        ahead_->Stop();
+    };
+    document_.helpers->Run(std::ref(scan)); // a reference, which needs no memory
+    return enough && (!scanned || ahead_->HandOver(&arena_)) ? scanned : Fail(kNoMemory);
+}
 
 bool DocumentReader::ScanAll() {
     while (!done_) {
@@ -171,26 +209,19 @@ bool DocumentReader::TakeUsualTags() {
     }
     UsualTags tags(&scan_);
     string_view value;
-    string_view type;
     for (;;) {
         if (state_ == State::kInPartView) {
-            if (tags.Take("<Occurrence uid=\"", &value, " xsi:type=\"", &type, ">")) {
-                if (!AddUse(find::CutAtNul(value))) { return false; }
-                tags.Take("<Id id=\"", &value, "/>");
-                tags.Take("</Occurrence>");
-            }
-            if (!tags.Take("<ViewOccurrenceRelationship uid=\"", &value, " xsi:type=\"", &type, ">")) {
-                return true;
-            }
-            hasRelated_ = hasRotation_ = hasTranslation_ = false;
-            state_ = State::kInRelation;
+            if (ahead_.has_value() && !TakeUsesAhead(tags)) { return false; }
+            if (TakeUse(tags, &value) && !AddUse(find::CutAtNul(value))) { return false; }
+            if (!TakeRelationStart(tags)) { return true; }
+            StartRelation();
         }
         if (state_ == State::kInRelation) {
-            if (tags.Take("<Related uidRef=\"", &value, "/>")) {
+            if (TakeRelated(tags, &value)) {
                 relatedUid_ = value;
                 hasRelated_ = true;
             }
-            if (tags.Take("</ViewOccurrenceRelationship>")) {
+            if (TakeRelationEnd(tags)) {
                 state_ = State::kInPartView;
                 if (!AddOccurrence()) { return false; }
                 continue;
@@ -198,12 +229,12 @@ bool DocumentReader::TakeUsualTags() {
             if (!tags.Take("<Placement>")) { return true; }
             state_ = State::kInPlacement;
         }
-        if (tags.TakeWithText("<RotationMatrix>", kTextRoom, &value)) {
+        if (TakeRotation(tags, &value)) {
             ScanReals(value, rotationValues_, 9);
             hasRotation_ = true;
             tags.Take("</RotationMatrix>");
         }
-        if (tags.TakeWithText("<TranslationVector>", kTextRoom, &value)) {
+        if (TakeTranslation(tags, &value)) {
             ScanReals(value, translationValues_, 3);
             hasTranslation_ = true;
             tags.Take("</TranslationVector>");
@@ -211,6 +242,32 @@ bool DocumentReader::TakeUsualTags() {
         if (!tags.Take("</Placement>")) { return true; }
         state_ = State::kInRelation;
     }
+}
+
+// The uses of a view that other threads have read, as far as they follow one another. They have the same
+// effect as when they are read here.
+bool DocumentReader::TakeUsesAhead(UsualTags& tags) {
+    while (const UsesAhead::Use* const use = ahead_->Take(tags.Next())) {
+        if (use->occurrence == nullptr) {
+            if (!AddKeptUse(use->uid, use->length)) { return false; }
+        } else {
+            if (!AppendOccurrence(use->occurrence)) { return false; }
+            lastAhead_ = use->occurrence;
+        }
+        tags.GoTo(ahead_->NextTag(*use));
+    }
+    return true;
+}
+
+// Numbers that can't be read are those of the placement before.
+void DocumentReader::StartRelation() {
+    if (lastAhead_ != nullptr) {
+        std::copy_n(lastAhead_->rotation, 9, rotationValues_);
+        std::copy_n(lastAhead_->translation, 3, translationValues_);
+        lastAhead_ = nullptr;
+    }
+    hasRelated_ = hasRotation_ = hasTranslation_ = false;
+    state_ = State::kInRelation;
 }
 
 // What the current tag does in the current state. A tag that isn't listed does nothing.
@@ -303,8 +360,7 @@ bool DocumentReader::StepPartView() {
             state_ = State::kBoxProperty;
         }
     } else if (Tag() == "<ViewOccurrenceRelationship") {
-        hasRelated_ = hasRotation_ = hasTranslation_ = false;
-        state_ = State::kInRelation;
+        StartRelation();
     } else if (Tag() == "<Occurrence") {
         return AddUse(Uid());
     } else if (Tag() == "<DocumentAssignment") {
@@ -493,11 +549,15 @@ bool DocumentReader::ReadPoint() {
 
 bool DocumentReader::AddUse(string_view uid) {
     if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
-    currentProduct_->isRoot = 0;
     // A copy: those of all occurrences lie close together when they are looked up.
     const char* const copy = scratch_.Copy(uid.data(), uid.size());
-    if (copy == nullptr) { return Fail(kNoMemory); }
-    occurrenceUids_.Add({copy, uid.size()}, currentProduct_);
+    return copy != nullptr ? AddKeptUse(copy, uid.size()) : Fail(kNoMemory);
+}
+
+bool DocumentReader::AddKeptUse(const char* uid, std::size_t length) {
+    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
+    currentProduct_->isRoot = 0;
+    occurrenceUids_.Add({uid, length}, currentProduct_);
     ++viewOccurrences_;
     return true;
 }
@@ -512,6 +572,11 @@ bool DocumentReader::AddOccurrence() {
     std::copy_n(rotationValues_, 9, occurrence->rotation);
     std::copy_n(translationValues_, 3, occurrence->translation);
     occurrence->relatedUid = uid;
+    return AppendOccurrence(occurrence);
+}
+
+bool DocumentReader::AppendOccurrence(Occurrence* occurrence) {
+    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
     ProductNode& parent = *currentProduct_;
     if (!AppendPointer(arena_, &parent.occurrences, &parent.occurrenceCapacity, &parent.occurrenceCount,
                        occurrence)) {
@@ -579,13 +644,37 @@ void DocumentReader::ResolveOccurrences() {
             if (joined->second.resolved) { continue; }
             joined->second.resolved = true;
         }
-        Occurrence* const* const uses = product->occurrences;
-        occurrenceUids_.FindEach(
-            product->occurrenceCount, [uses](std::int32_t i) { return string_view(uses[i]->relatedUid); },
-            [uses](std::int32_t i, ProductNode* const* child) {
-                if (child != nullptr) { uses[i]->child = *child; }
-            });
+        for (std::int32_t i = 0; i < product->occurrenceCount; i += kLongestRun) {
+            runs_.push_back({product->occurrences + i, std::min(product->occurrenceCount - i, kLongestRun)});
+        }
     }
+    FindChildren();
+}
+
+// The child of each use in the runs.
+void DocumentReader::FindChildren() {
+    constexpr std::size_t kAtATime = 8;
+    occurrenceUids_.Place();
+    std::atomic<std::size_t> next = 0;
+    const auto find = [&](bool) {
+        for (std::size_t i = next.fetch_add(kAtATime); i < runs_.size(); i = next.fetch_add(kAtATime)) {
+            const std::size_t end = std::min(i + kAtATime, runs_.size());
+            std::for_each(runs_.begin() + i, runs_.begin() + end, [&](Run run) { FindChildrenOf(run); });
+        }
+    };
+    if (IsForHelpers()) {
+        document_.helpers->Run(std::ref(find));
+    } else {
+        find(true);
+    }
+}
+
+void DocumentReader::FindChildrenOf(Run run) {
+    occurrenceUids_.FindEach(
+        run.count, [&](std::int32_t i) { return string_view(run.uses[i]->relatedUid); },
+        [&](std::int32_t i, ProductNode* const* child) {
+            if (child != nullptr) { run.uses[i]->child = *child; }
+        });
 }
 
 // The route of file names through documents and files, for a text in which no file stood right after its

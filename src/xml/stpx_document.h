@@ -1,8 +1,10 @@
 #pragma once
 
 #include "platform/arena.h"
+#include "platform/helpers.h"
 #include "product/scene_records.h"
 #include "xml/product_table.h"
+#include "xml/uses_ahead.h"
 
 #include <cstddef>
 #include <vector>
@@ -11,12 +13,14 @@ namespace tarnwick {
 
 // One STEP XML text that is to be read.
 struct StpxDocument {
-    char* text = nullptr;               // the reader writes into TextBlock::kPadding bytes after it
-    std::size_t size = 0;               // its characters
-    const char* name = "";              // of its file, for messages
-    bool plainly = false;               // every tag by the one general scan; slower, and nothing else
-    std::vector<ProductNode*> products; // in document order; null where a part has no name
-    ProductNode* root = nullptr;        // null when every part is a component
+    char* text = nullptr;       // the reader writes into TextBlock::kPadding bytes after it
+    std::size_t size = 0;       // its characters
+    const char* name = "";      // of its file, for messages
+    bool plainly = false;       // every tag by the one general scan; slower, and nothing else
+    Helpers* helpers = nullptr; // who take part in the reading of a large text; may be null
+    std::size_t pieceBytes = UsesAhead::kPieceBytes; // that one of them reads at a time
+    std::vector<ProductNode*> products;              // in document order; null where a part has no name
+    ProductNode* root = nullptr;                     // null when every part is a component
 };
 
 // Reads the assembly structure out of a text that lies complete in memory: products and their occurrences,

@@ -1,6 +1,7 @@
 #include "xml/stpx_driver.h"
 
 #include "platform/console.h"
+#include "platform/helpers.h"
 #include "platform/paths.h"
 #include "product/draw_list.h"
 #include "text/look_up.h"
@@ -35,7 +36,7 @@ bool ReadDocument(StpxSession& session, TextMemory& memory, std::string path, st
         file.text = session.zip->ReadMember(path.c_str(), memory, &file.size, &problem);
     } else {
         file = OpenStpxFile(path);
-        if (ReadTextFile(&file, &memory) != TextFileResult::kRead) {
+        if (ReadTextFile(&file, &memory, session.helpers) != TextFileResult::kRead) {
             problem = file.problem != nullptr ? file.problem : "can't be opened";
         }
     }
@@ -44,6 +45,7 @@ bool ReadDocument(StpxSession& session, TextMemory& memory, std::string path, st
         document.text = file.text;
         document.size = file.size;
         document.name = path.c_str();
+        document.helpers = session.helpers;
         problem = ReadStpxDocument(document, boxMode, session.asmProdExt, session.geomProdExt,
                                    session.loaded.scene->Main());
         *root = document.root;
@@ -273,7 +275,9 @@ std::string StpxPath(const StpxSession& session, const ProductNode& product) {
 int TraiteSTEPXFileNewMT(StpxSession& session, const char* path, const char* rootName, int boxMode,
                          bool threads) {
     ConsolePrint("Start TraiteSTEPXFileNewMT\n");
+    StartedHelpers helpers;
     session.threads = threads;
+    session.helpers = threads ? &helpers : nullptr;
     session.loaded.Clear();
     if (session.zip == nullptr) { session.directory = FolderOf(path); }
     session.asmProdExt.Allocate();

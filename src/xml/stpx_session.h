@@ -2,6 +2,7 @@
 
 #include "load/loaded_scene.h"
 #include "load/read_parts.h"
+#include "platform/helpers.h"
 #include "xml/document_archive.h"
 #include "xml/product_table.h"
 
@@ -20,6 +21,7 @@ struct StpxSession {
     LoadProgress progress; // may be empty
 
     bool threads = false;
+    Helpers* helpers = nullptr;     // of the driver, who take part in the reading of a large document
     std::string directory;          // of the root file, with its final separator
     DocumentArchive* zip = nullptr; // set when reading from an archive
     std::mutex zipLock;             // guards it while several threads read

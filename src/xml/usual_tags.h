@@ -16,6 +16,13 @@ class UsualTags {
 public:
     explicit UsualTags(StpxScan* scan) : scan_(scan), tag_(find::First<'<'>(scan->at)) {}
 
+    // The "<" of the next tag; at or after the end where there is none.
+    const char* Next() const { return tag_; }
+    // Passes it over.
+    void Skip() { Leave(tag_ + 1); }
+    // Moves on to the tag whose "<" is at `tag`.
+    void GoTo(const char* tag) { scan_->at = tag_ = tag; }
+
     // The next tag, without attributes, from its "<" to its ">".
     template <std::size_t Size>
     bool Take(const char (&literal)[Size]) {
@@ -85,7 +92,40 @@ private:
     }
 
     StpxScan* scan_;
-    const char* tag_; // the "<" of the next tag, or a place at or after the end
+    const char* tag_;
 };
+
+// The tags of uses and of their placements.
+
+inline bool TakeUse(UsualTags& tags, std::string_view* uid) {
+    std::string_view type;
+    if (!tags.Take("<Occurrence uid=\"", uid, " xsi:type=\"", &type, ">")) { return false; }
+    std::string_view id;
+    tags.Take("<Id id=\"", &id, "/>");
+    tags.Take("</Occurrence>");
+    return true;
+}
+
+inline bool TakeRelationStart(UsualTags& tags) {
+    std::string_view uid;
+    std::string_view type;
+    return tags.Take("<ViewOccurrenceRelationship uid=\"", &uid, " xsi:type=\"", &type, ">");
+}
+
+inline bool TakeRelated(UsualTags& tags, std::string_view* uid) {
+    return tags.Take("<Related uidRef=\"", uid, "/>");
+}
+
+inline bool TakeRotation(UsualTags& tags, std::string_view* numbers) {
+    return tags.TakeWithText("<RotationMatrix>", kTextRoom, numbers);
+}
+
+inline bool TakeTranslation(UsualTags& tags, std::string_view* numbers) {
+    return tags.TakeWithText("<TranslationVector>", kTextRoom, numbers);
+}
+
+inline bool TakeRelationEnd(UsualTags& tags) {
+    return tags.Take("</ViewOccurrenceRelationship>");
+}
 
 } // namespace tarnwick

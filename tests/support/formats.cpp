@@ -52,11 +52,22 @@ Tables::Tables() {
 }
 
 ReadDocument::ReadDocument(Tables& tables, std::string_view text, int boxMode, bool plainly) {
+    document.plainly = plainly;
+    Read(tables, text, boxMode);
+}
+
+ReadDocument::ReadDocument(Tables& tables, std::string_view text, int boxMode, Helpers& helpers,
+                           std::size_t pieceBytes) {
+    document.helpers = &helpers;
+    document.pieceBytes = pieceBytes;
+    Read(tables, text, boxMode);
+}
+
+void ReadDocument::Read(Tables& tables, std::string_view text, int boxMode) {
     document.text = block.Get(text.size());
     std::memcpy(document.text, text.data(), text.size());
     document.size = text.size();
     document.name = "test.stpx";
-    document.plainly = plainly;
     problem = ReadStpxDocument(document, boxMode, tables.assemblies, tables.parts, tables.arena);
 }
 

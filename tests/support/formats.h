@@ -49,11 +49,17 @@ struct Tables {
 };
 struct ReadDocument {
     ReadDocument(Tables& tables, std::string_view text, int boxMode = 0, bool plainly = false);
+    // With helpers, which read so many bytes at a time.
+    ReadDocument(Tables& tables, std::string_view text, int boxMode, Helpers& helpers,
+                 std::size_t pieceBytes);
     const char* problem;
     StpxDocument document;
     TextBlock block;
     // The product of this name in the document, or null.
     ProductNode* Product(std::string_view name) const;
+
+private:
+    void Read(Tables& tables, std::string_view text, int boxMode);
 };
 
 // The scene in the view, with all arrays.

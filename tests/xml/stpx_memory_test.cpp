@@ -2,6 +2,7 @@
 
 #include "support/address_space.h"
 #include "support/formats.h"
+#include "support/helpers_first.h"
 #include "support/sanitized.h"
 #include "xml/stpx_boxes.h"
 #include "xml/stpx_driver.h"
@@ -24,14 +25,17 @@ protected:
     }
 };
 
-// A document that is read into tables whose arena has so many bytes left and gets no more.
+// A document that is read into tables whose arena has so many bytes left, while the process gets no more, or
+// so many.
 struct TightRead {
-    TightRead(const std::string& text, std::size_t bytes) {
+    TightRead(const std::string& text, std::size_t bytes, std::size_t more = 0, Helpers* helpers = nullptr) {
+        document.helpers = helpers;
+        document.pieceBytes = 100;
         document.text = block.Get(text.size());
         text.copy(document.text, text.size());
         document.size = text.size();
         tables.arena.Allocate(kChunk - bytes);
-        const AddressSpaceLimit limit(0);
+        const AddressSpaceLimit limit(more);
         problem = ReadStpxDocument(document, 0, tables.assemblies, tables.parts, tables.arena);
     }
     Tables tables;
@@ -66,6 +70,35 @@ TEST_F(StpxMemory, EndsADocumentWhichThenLeavesNothing) {
         }
         EXPECT_GT(bytes, 2 * sizeof(ProductNode)) << "else nothing was tight";
     }
+}
+
+// Memory that a helper lacks is no loss: the document reads what isn't there by itself.
+TEST_F(StpxMemory, EndsADocumentWithHelpersOrLeavesNothingOut) {
+    std::string view;
+    for (int i = 0; i < 40; ++i) {
+        view += "<Occurrence uid=\"o\" xsi:type=\"n0:O\"></Occurrence>"
+                "<ViewOccurrenceRelationship uid=\"u\" xsi:type=\"n0:U\"><Related uidRef=\"o\"/><Placement>"
+                "<RotationMatrix>1 0 0 0 1 0 0 0 1</RotationMatrix><TranslationVector>1 2 3"
+                "</TranslationVector></Placement></ViewOccurrenceRelationship>";
+    }
+    const std::string text = Document(Part("a", view));
+    HelpersFirst helpers;
+    int ended = 0;
+    int whole = 0;
+    for (std::size_t bytes = 0; bytes < 16 * kChunk; bytes += kChunk / 4) {
+        const TightRead read(text, kChunk / 2, bytes, &helpers);
+        if (read.problem == nullptr) {
+            ASSERT_EQ(read.document.products.size(), 1u) << bytes;
+            ASSERT_EQ(read.document.products[0]->occurrenceCount, 40) << bytes;
+            ++whole;
+        } else {
+            ASSERT_STREQ(read.problem, "no memory") << bytes;
+            ASSERT_TRUE(read.document.products.empty()) << bytes;
+            ++ended;
+        }
+    }
+    EXPECT_GT(ended, 0);
+    EXPECT_GT(whole, 0);
 }
 
 TEST_F(StpxMemory, EndsADocumentAtItsFirstUse) {

@@ -1,8 +1,10 @@
 // The short way through the usual tags against the general scan of every tag: whole, cut and damaged texts
 // give the same records.
 
+#include "platform/helpers.h"
 #include "support/capture.h"
 #include "support/formats.h"
+#include "support/helpers_first.h"
 #include "support/real_files.h"
 
 #include <gtest/gtest.h>
@@ -23,9 +25,11 @@ using namespace test;
 #ifdef NDEBUG
 constexpr int kWhole = 3000;
 constexpr int kDamaged = 10000;
+constexpr int kOfThreads = 200;
 #else
 constexpr int kWhole = 500;
 constexpr int kDamaged = 1000;
+constexpr int kOfThreads = 20;
 #endif
 
 std::string NameOf(const ProductNode* product) {
@@ -33,9 +37,7 @@ std::string NameOf(const ProductNode* product) {
 }
 
 // All that a reading leaves, with the bits of its numbers.
-std::string Outcome(const std::string& text, int boxMode, bool plainly) {
-    Tables tables;
-    ReadDocument read(tables, text, boxMode, plainly);
+std::string Outcome(Tables& tables, const ReadDocument& read) {
     std::ostringstream out;
     out << (read.problem != nullptr ? read.problem : "read") << " root " << NameOf(read.document.root)
         << '\n';
@@ -57,9 +59,27 @@ std::string Outcome(const std::string& text, int boxMode, bool plainly) {
     return out.str();
 }
 
-void ExpectSame(const std::string& text) {
+enum class Way { kUsually, kPlainly, kAhead, kByThreads };
+
+std::string Outcome(const std::string& text, int boxMode, Way way) {
+    constexpr std::size_t kPiece = 100; // less than most elements
+    Tables tables;
+    if (way == Way::kAhead) {
+        HelpersFirst helpers;
+        return Outcome(tables, ReadDocument(tables, text, boxMode, helpers, kPiece));
+    }
+    if (way == Way::kByThreads) {
+        StartedHelpers helpers(2, 0);
+        return Outcome(tables, ReadDocument(tables, text, boxMode, helpers, kPiece));
+    }
+    return Outcome(tables, ReadDocument(tables, text, boxMode, way == Way::kPlainly));
+}
+
+void ExpectSame(const std::string& text, Way other = Way::kAhead) {
     for (const int boxMode : {0, 1}) {
-        ASSERT_EQ(Outcome(text, boxMode, false), Outcome(text, boxMode, true)) << text;
+        const std::string plainly = Outcome(text, boxMode, Way::kPlainly);
+        ASSERT_EQ(Outcome(text, boxMode, Way::kUsually), plainly) << text;
+        ASSERT_EQ(Outcome(text, boxMode, other), plainly) << text;
     }
 }
 
@@ -72,7 +92,9 @@ public:
     int Below(int limit) { return static_cast<int>(random_() % static_cast<std::uint32_t>(limit)); }
     bool OneIn(int n) { return Below(n) == 0; }
 
-    std::string Text() {
+    std::string Text() { return Document(Parts()); }
+
+    std::string Parts() {
         std::string text;
         const int parts = 1 + Below(4);
         for (int part = 0; part < parts; ++part) {
@@ -83,7 +105,7 @@ public:
             text += Part("part " + std::to_string(part), view);
             if (OneIn(3)) { text += File("f" + std::to_string(part), "a.stp"); }
         }
-        return Document(text);
+        return text;
     }
 
     // One or a few bytes changed, taken out or doubled, or the end cut off.
@@ -186,7 +208,7 @@ TEST(UsualTags, AreReadAsTheGeneralScanReadsThem) {
         const std::string text = documents.Text();
         ExpectSame(text);
         if (HasFatalFailure()) { return; }
-        if (Outcome(text, 0, false).find("\no") != std::string::npos) { ++withUses; }
+        if (Outcome(text, 0, Way::kUsually).find("\no") != std::string::npos) { ++withUses; }
     }
     EXPECT_GT(withUses, kWhole / 3);
 }
@@ -215,6 +237,17 @@ TEST(UsualTags, AreReadAsTheGeneralScanReadsThemWithEveryByteChangedOrTheRestCut
             damaged[i] = c;
             ExpectSame(damaged);
         }
+        if (HasFatalFailure()) { return; }
+    }
+}
+
+TEST(UsualTags, AreReadAsTheGeneralScanReadsThemByThreads) {
+    StreamCapture console(stderr); // which names what isn't found
+    Documents documents(5, true);
+    for (int i = 0; i < kOfThreads; ++i) {
+        std::string parts;
+        for (int k = 0; k < 20; ++k) { parts += documents.Parts(); }
+        ExpectSame(Document(parts), Way::kByThreads);
         if (HasFatalFailure()) { return; }
     }
 }
