@@ -139,37 +139,36 @@ TEST(UsesAhead, GivesItsOccurrencesAway) {
 }
 
 TEST(UsesAhead, TakesTurnsWithThreads) {
+    constexpr int kUses = 20000;
     std::string content;
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < kUses; ++i) {
         content += Occurrence("o" + std::to_string(i)) + Relation("r" + std::to_string(i));
     }
-    Text text(content, 3000);
-    std::string taken;
-    {
-        std::vector<std::jthread> threads;
-        for (int i = 0; i < 2; ++i) {
-            threads.emplace_back([&] { text.Ahead().ReadPieces(); });
+    // What the threads read before the document came to it: on a busy machine they may begin too late.
+    int taken = 0;
+    for (int turn = 0; turn < 1000 && taken == 0; ++turn) {
+        Text text(content, 3000);
+        std::string lines;
+        {
+            std::vector<std::jthread> threads;
+            for (int i = 0; i < 2; ++i) {
+                threads.emplace_back([&] { text.Ahead().ReadPieces(); });
+            }
+            lines = text.Taken();
         }
-        taken = text.Taken();
-    }
-    // All but what the document came to first: whole pieces, in the order of the text.
-    std::size_t at = 0;
-    int count = 0;
-    for (int i = 0; i < 20000; ++i) {
-        const std::string line = "use o" + std::to_string(i) + " then <ViewOccurrenceRelationship\n";
-        if (taken.compare(at, line.size(), line) == 0) {
+        std::size_t at = 0;
+        const auto take = [&](const std::string& line) {
+            if (lines.compare(at, line.size(), line) != 0) { return; }
             at += line.size();
-            ++count;
+            ++taken;
+        };
+        for (int i = 0; i < kUses; ++i) {
+            take("use o" + std::to_string(i) + " then <ViewOccurrenceRelationship\n");
+            take("of r" + std::to_string(i) + (i + 1 < kUses ? " then <Occurrence\n" : " then the end\n"));
         }
-        const std::string next =
-            "of r" + std::to_string(i) + (i < 19999 ? " then <Occurrence\n" : " then the end\n");
-        if (taken.compare(at, next.size(), next) == 0) {
-            at += next.size();
-            ++count;
-        }
+        ASSERT_EQ(at, lines.size());
     }
-    EXPECT_EQ(at, taken.size());
-    EXPECT_GT(count, 0);
+    EXPECT_GT(taken, 0);
 }
 
 } // namespace
