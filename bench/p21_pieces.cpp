@@ -5,12 +5,14 @@
 #include "p21/step_model.h"
 #include "platform/arena.h"
 #include "text/parse_real.h"
+#include "text/take_triples.h"
 #include "turns.h"
 
 #ifdef TARNWICK_HAS_FAST_FLOAT
 #include <fast_float/fast_float.h>
 #endif
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -25,9 +27,10 @@ void Keep(const T& value) {
     asm volatile("" : : "r,m"(value) : "memory");
 }
 
-// All reals of a P21 text, one after another, with a comma after each.
+// All reals of a P21 text, as triples "(a,b,c)" with a comma after each.
 std::string RealsOf(const std::string& text) {
     std::string found;
+    int count = 0;
     const std::size_t data = text.find("\nDATA;");
     for (std::size_t i = data == std::string::npos ? 0 : data; i < text.size();) {
         std::size_t end = i;
@@ -37,11 +40,13 @@ std::string RealsOf(const std::string& text) {
             if (text[end++] == '.') { point = true; }
         }
         if (point && real::IsDigit(text[text[i] == '-' ? i + 1 : i])) {
+            if (count % 3 == 0) { found += '('; }
             found.append(text, i, end - i);
-            found += ',';
+            found += ++count % 3 == 0 ? ")," : ",";
         }
         i = end + 1;
     }
+    found.resize(found.rfind(')') + 1);
     found.append(64, '\0');
     return found;
 }
@@ -50,12 +55,30 @@ template <class Parse>
 double ParseAll(const std::string& reals, Parse parse) {
     return Seconds([&] {
         float sum = 0;
-        for (const char* p = reals.data(); *p != '\0'; ++p) {
-            double value = 0;
-            p = parse(p, &value);
-            sum += static_cast<float>(value);
+        for (const char* p = reals.data(); *p == '('; p += p[1] == ',' ? 2 : 1) {
+            for (int i = 0; i < 3; ++i) {
+                double value = 0;
+                p = parse(p + 1, &value);
+                sum += static_cast<float>(value);
+            }
         }
         Keep(sum);
+    });
+}
+
+// The same as the readers take them.
+double TakeAll(const std::string& reals) {
+    return Seconds([&] {
+        constexpr std::size_t kAtATime = 256;
+        std::array<float, 3 * kAtATime> values;
+        const char* p = reals.data();
+        while (*p == '(') {
+            std::size_t taken = 3 * TakeTriples(&p, values.data(), kAtATime);
+            for (; taken < 3; ++taken) { values[taken] = static_cast<float>(ParseReal(p + 1, &p)); }
+            p += p[0] == ')' ? 1 : 0;
+            p += p[0] == ',' ? 1 : 0;
+            Keep(values.data());
+        }
     });
 }
 
@@ -90,6 +113,7 @@ void BenchReals(int turns, const std::string& path) {
                             return p;
                         });
                     }});
+    ways.push_back({"TakeTriples, and ParseReal for the rest", [&] { return TakeAll(reals); }});
     RunInTurn("the reals of a part", turns, ways);
 }
 

@@ -11,6 +11,7 @@
 #include "platform/console.h"
 #include "platform/fail_fast.h"
 #include "text/parse_real.h"
+#include "text/take_triples.h"
 
 #include <algorithm>
 #include <cstring>
@@ -131,17 +132,27 @@ bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
     walk->Enter();
     walk->SkipBlanks();
     if (walk->Failed()) { return false; }
-    for (;;) {
+    constexpr int kMostMisses = 2; // of TakeTriples in turn, after which it isn't asked any more
+    for (int misses = 0;;) {
         if (!out->Reserve(3)) {
             walk->Fail(kNoMemoryForFace);
             return false;
         }
-        const char* p = TakeTriple(walk->at, out->Next());
-        if (p == nullptr) {
-            p = FindTriple(walk, out->Next());
-            if (p == nullptr) { return false; }
+        const char* p = walk->at;
+        std::size_t taken = 0;
+        if (misses < kMostMisses) {
+            taken = TakeTriples(&p, out->Next(), out->Room() / 3);
+            misses = taken > 0 ? 0 : misses + 1;
         }
-        out->Advance(3);
+        if (taken == 0) {
+            p = TakeTriple(walk->at, out->Next());
+            if (p == nullptr) {
+                p = FindTriple(walk, out->Next());
+                if (p == nullptr) { return false; }
+            }
+            taken = 1;
+        }
+        out->Advance(3 * taken);
         if (p[0] == ',' && p[1] == '(') {
             ++p;
         } else {

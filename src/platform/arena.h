@@ -110,6 +110,8 @@ public:
     }
     // The place of the next element, with room for what Reserve asked for.
     T* Next() { return next_; }
+    // How many can be appended there.
+    std::size_t Room() const { return static_cast<std::size_t>(limit_ - next_); }
     void Advance(std::size_t count) { next_ += count; }
     std::size_t Count() const { return static_cast<std::size_t>(next_ - start_); }
     T* Data() { return start_; }

@@ -23,6 +23,8 @@ public:
     bool Reserve(std::size_t count) { return capacity_ - count_ >= count || Grow(count); }
     // The place of the next element, with room for what Reserve asked for.
     T* Next() { return data_ + count_; }
+    // How many can be appended there.
+    std::size_t Room() const { return capacity_ - count_; }
     void Advance(std::size_t count) { count_ += count; }
     void Clear() { count_ = 0; }
     std::size_t Count() const { return count_; }
