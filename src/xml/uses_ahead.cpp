@@ -70,7 +70,10 @@ void UsesAhead::ReadPiece(std::size_t number, Memory* memory) {
 // The uses that begin in the piece.
 void UsesAhead::ReadUses(const char* start, Memory* memory, std::vector<Use>* uses) const {
     const char* const end = start + std::min(pieceBytes_, static_cast<std::size_t>(end_ - start));
-    const auto place = [start](const char* at) { return static_cast<std::uint32_t>(at - start); };
+    // A next tag beyond 4 GiB is searched for from the last place that fits.
+    const auto place = [start](const char* at) {
+        return static_cast<std::uint32_t>(std::min<std::ptrdiff_t>(at - start, UINT32_MAX));
+    };
     StpxScan scan{start, end_, ""};
     UsualTags tags(&scan);
     Occurrence* occurrence = nullptr;

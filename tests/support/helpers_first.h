@@ -4,12 +4,13 @@
 
 namespace tarnwick::test {
 
-// A helper that does all it can before the thread whose work it is begins, and on that thread.
+// Helpers that do all they can before the thread whose work it is begins, and on that thread; one more of
+// them than there can be.
 class HelpersFirst final : public Helpers {
 public:
     HelpersFirst() : Helpers(1, 0) {}
     void Run(const Work& work) override {
-        work(false);
+        for (int i = 0; i <= kMost; ++i) { work(false); }
         work(true);
     }
 };

@@ -54,7 +54,7 @@ std::uint32_t Bits(float value) {
     return std::bit_cast<std::uint32_t>(value);
 }
 
-// The numbers of the triple at `p`, which is in its usual form, one by one.
+// The numbers of the triple at `p`, which is in its usual form, one by one. 64 bytes after it can be read.
 std::vector<float> OneByOne(const char* p, const char** end) {
     std::vector<float> values;
     for (int i = 0; i < 3; ++i) { values.push_back(static_cast<float>(ParseReal(p + 1, &p))); }
@@ -72,7 +72,8 @@ TEST_F(TakeTriplesTest, RealsInTheFormThatMostHave) {
     EXPECT_EQ(taken.values[2], 2.5F);
     EXPECT_EQ(taken.values[3], -0.5F);
     EXPECT_EQ(Bits(taken.values[5]), 0x80000000u) << "a zero with its sign";
-    const char* p = text.c_str() + text.rfind('(');
+    const std::string lastText = text.substr(text.rfind('(')) + std::string(64, '\0');
+    const char* p = lastText.data();
     const std::vector<float> last = OneByOne(p, &p);
     for (std::size_t i = 0; i < 3; ++i) { EXPECT_EQ(Bits(taken.values[6 + i]), Bits(last[i])); }
 }
@@ -195,7 +196,7 @@ TEST_F(TakeTriplesTest, RealsHaveTheBitsOfThoseOneByOne) {
     Lists lists;
     std::size_t count = 0;
     for (int i = 0; i < kLists; ++i) {
-        const std::string text = lists.Reals();
+        const std::string text = lists.Reals() + std::string(64, '\0');
         const Taken<float> taken(text);
         const char* p = text.c_str();
         for (std::size_t k = 0; k < taken.count; ++k) {
