@@ -3,7 +3,6 @@
 #ifdef __x86_64__
 
 #include "text/load_eight.h"
-#include "text/parse_real.h"
 
 #include <immintrin.h>
 
@@ -51,17 +50,24 @@ constexpr DigitsOfNumbers MakeDigits() {
 
 constexpr DigitsOfNumbers kDigits = MakeDigits();
 
-// The scale for so many digits after the point, and for a number with a "-" its negative: the product with
-// that has the same bits as the negative of the product.
+// The scale for so many digits after the point, as ParseReal has it, and for a number with a "-" its
+// negative: the product with that has the same bits as the negative of the product.
 struct Scales {
-    Scales() {
-        for (std::size_t i = 0; i < kLongest; ++i) {
-            of[0][i] = real::kTables.scale[i];
-            of[1][i] = -real::kTables.scale[i];
-        }
-    }
     double of[2][kLongest];
 };
+
+constexpr Scales MakeScales() {
+    Scales scales{};
+    double scale = 1.0;
+    for (std::size_t i = 0; i < kLongest; ++i) {
+        scales.of[0][i] = scale;
+        scales.of[1][i] = -scale;
+        scale = scale * 0.1;
+    }
+    return scales;
+}
+
+constexpr Scales kScales = MakeScales();
 
 // Bits of the digits and of the "-" among the 64 characters from `p` on.
 struct Marks {
@@ -136,60 +142,44 @@ TARNWICK_WIDE inline __m128i FoursOf(const char* p, const Place& place) {
     return Fours(_mm_shuffle_epi8(LessZero(Load(p + place.start)), places));
 }
 
-// Whether the next triple follows.
-inline bool IsNext(const char* p) {
-    return p[0] == ',' && p[1] == '(';
-}
-
 TARNWICK_WIDE inline std::size_t TakeLowest(std::uint64_t* bits) {
     const std::size_t place = _tzcnt_u64(*bits); // 64 when none is left
     *bits = _blsr_u64(*bits);
     return place;
 }
 
-TARNWICK_WIDE std::size_t TakeReals(const char** at, float* out, std::size_t most) {
-    static const Scales scales;
-    const char* p = *at;
-    std::size_t taken = 0;
-    while (taken < most) {
-        const Marks marks = MarksOf(p);
-        // What is neither of both: the "(", then the point and the end of each number.
-        std::uint64_t others = _blsr_u64(~(marks.digits | marks.minuses));
-        const std::size_t pointA = TakeLowest(&others);
-        const std::size_t endA = TakeLowest(&others);
-        const std::size_t pointB = TakeLowest(&others);
-        const std::size_t endB = TakeLowest(&others);
-        const std::size_t pointC = TakeLowest(&others);
-        const std::size_t endC = TakeLowest(&others);
-        if (endC >= 64) { break; }
-        const Place a = PlaceOf(1, pointA, endA, marks.minuses);
-        const Place b = PlaceOf(endA + 1, pointB, endB, marks.minuses);
-        const Place c = PlaceOf(endB + 1, pointC, endC, marks.minuses);
-        const std::uint64_t signs = a.sign << 1 | b.sign << (endA + 1) | c.sign << (endB + 1);
-        const std::size_t lengths = a.LengthLessOne() | b.LengthLessOne() | c.LengthLessOne();
-        if (_bzhi_u64(marks.minuses, static_cast<unsigned>(endC)) != signs || lengths >= kLongest) { break; }
-        if (p[pointA] != '.' || p[endA] != ',' || p[pointB] != '.' || p[endB] != ',' || p[pointC] != '.' ||
-            p[endC] != ')') {
-            break;
-        }
-        const __m128i foursC = FoursOf(p, c);
-        const __m128i eightsAB = Eights(FoursOf(p, a), FoursOf(p, b));
-        const __m128d halvesC = Halves(Eights(foursC, foursC));
-        const __m128d halvesB = Halves(_mm_unpackhi_epi64(eightsAB, eightsAB));
-        const __m128d scalesAB =
-            _mm_setr_pd(scales.of[a.sign][a.Decimals()], scales.of[b.sign][b.Decimals()]);
-        const __m128d valuesAB = _mm_mul_pd(_mm_hadd_pd(Halves(eightsAB), halvesB), scalesAB);
-        const double valueC = _mm_cvtsd_f64(_mm_hadd_pd(halvesC, halvesC)) * scales.of[c.sign][c.Decimals()];
-        _mm_storel_pi(reinterpret_cast<__m64*>(out), _mm_cvtpd_ps(valuesAB));
-        out[2] = static_cast<float>(valueC);
-        out += 3;
-        ++taken;
-        p += endC + 1;
-        *at = p;
-        if (!IsNext(p)) { break; }
-        ++p;
+// Take one triple and return its length; 0 for one in another form.
+TARNWICK_WIDE inline std::size_t TakeTriple(const char* p, float* out) {
+    const Marks marks = MarksOf(p);
+    // What is neither of both: the "(", then the point and the end of each number.
+    std::uint64_t others = _blsr_u64(~(marks.digits | marks.minuses));
+    const std::size_t pointA = TakeLowest(&others);
+    const std::size_t endA = TakeLowest(&others);
+    const std::size_t pointB = TakeLowest(&others);
+    const std::size_t endB = TakeLowest(&others);
+    const std::size_t pointC = TakeLowest(&others);
+    const std::size_t endC = TakeLowest(&others);
+    if (endC >= 64) { return 0; }
+    const Place a = PlaceOf(1, pointA, endA, marks.minuses);
+    const Place b = PlaceOf(endA + 1, pointB, endB, marks.minuses);
+    const Place c = PlaceOf(endB + 1, pointC, endC, marks.minuses);
+    const std::uint64_t signs = a.sign << 1 | b.sign << (endA + 1) | c.sign << (endB + 1);
+    const std::size_t lengths = a.LengthLessOne() | b.LengthLessOne() | c.LengthLessOne();
+    if (_bzhi_u64(marks.minuses, static_cast<unsigned>(endC)) != signs || lengths >= kLongest) { return 0; }
+    if (p[pointA] != '.' || p[endA] != ',' || p[pointB] != '.' || p[endB] != ',' || p[pointC] != '.' ||
+        p[endC] != ')') {
+        return 0;
     }
-    return taken;
+    const __m128i foursC = FoursOf(p, c);
+    const __m128i eightsAB = Eights(FoursOf(p, a), FoursOf(p, b));
+    const __m128d halvesC = Halves(Eights(foursC, foursC));
+    const __m128d halvesB = Halves(_mm_unpackhi_epi64(eightsAB, eightsAB));
+    const __m128d scalesAB = _mm_setr_pd(kScales.of[a.sign][a.Decimals()], kScales.of[b.sign][b.Decimals()]);
+    const __m128d valuesAB = _mm_mul_pd(_mm_hadd_pd(Halves(eightsAB), halvesB), scalesAB);
+    const double valueC = _mm_cvtsd_f64(_mm_hadd_pd(halvesC, halvesC)) * kScales.of[c.sign][c.Decimals()];
+    _mm_storel_pi(reinterpret_cast<__m64*>(out), _mm_cvtpd_ps(valuesAB));
+    out[2] = static_cast<float>(valueC);
+    return endC + 1;
 }
 
 // The `length` digits at `p`, 1 to 8, each a byte, with zeros before them.
@@ -197,33 +187,37 @@ TARNWICK_WIDE inline long long RightAligned(const char* p, std::size_t length) {
     return static_cast<long long>((LoadEight(p) - 0x3030303030303030u) << (64 - 8 * length));
 }
 
-TARNWICK_WIDE std::size_t TakeIndices(const char** at, std::uint32_t* out, std::size_t most) {
+TARNWICK_WIDE inline std::size_t TakeTriple(const char* p, std::uint32_t* out) {
     constexpr std::size_t kMostDigits = 8;
-    const char* p = *at;
+    // What is no digit: the "(", then the end of each number.
+    std::uint64_t others = _blsr_u64(~(DigitBits(Load(p)) | DigitBits(Load(p + 16)) << 16));
+    const std::size_t endA = TakeLowest(&others);
+    const std::size_t endB = TakeLowest(&others);
+    const std::size_t endC = TakeLowest(&others);
+    const std::size_t lengthA = endA - 1;
+    const std::size_t lengthB = endB - endA - 1;
+    const std::size_t lengthC = endC - endB - 1;
+    if (((lengthA - 1) | (lengthB - 1) | (lengthC - 1)) >= kMostDigits) { return 0; }
+    if (p[endA] != ',' || p[endB] != ',' || p[endC] != ')') { return 0; }
+    const __m128i digitsAB =
+        _mm_set_epi64x(RightAligned(p + endA + 1, lengthB), RightAligned(p + 1, lengthA));
+    const __m128i digitsC = _mm_cvtsi64_si128(RightAligned(p + endB + 1, lengthC));
+    const __m128i values = _mm_sub_epi32(Eights(Fours(digitsAB), Fours(digitsC)), _mm_set1_epi32(1));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), values);
+    out[2] = static_cast<std::uint32_t>(_mm_extract_epi32(values, 2));
+    return endC + 1;
+}
+
+template <class Number>
+TARNWICK_WIDE std::size_t TakeAll(const char** at, Number* out, std::size_t most) {
     std::size_t taken = 0;
-    while (taken < most) {
-        // What is no digit: the "(", then the end of each number.
-        std::uint64_t others = _blsr_u64(~(DigitBits(Load(p)) | DigitBits(Load(p + 16)) << 16));
-        const std::size_t endA = TakeLowest(&others);
-        const std::size_t endB = TakeLowest(&others);
-        const std::size_t endC = TakeLowest(&others);
-        const std::size_t lengthA = endA - 1;
-        const std::size_t lengthB = endB - endA - 1;
-        const std::size_t lengthC = endC - endB - 1;
-        if (((lengthA - 1) | (lengthB - 1) | (lengthC - 1)) >= kMostDigits) { break; }
-        if (p[endA] != ',' || p[endB] != ',' || p[endC] != ')') { break; }
-        const __m128i digitsAB =
-            _mm_set_epi64x(RightAligned(p + endA + 1, lengthB), RightAligned(p + 1, lengthA));
-        const __m128i digitsC = _mm_cvtsi64_si128(RightAligned(p + endB + 1, lengthC));
-        const __m128i values = _mm_sub_epi32(Eights(Fours(digitsAB), Fours(digitsC)), _mm_set1_epi32(1));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out), values);
-        out[2] = static_cast<std::uint32_t>(_mm_extract_epi32(values, 2));
-        out += 3;
+    for (const char* p = *at; taken < most; ++p) {
+        const std::size_t length = TakeTriple(p, out + 3 * taken);
+        if (length == 0) { break; }
         ++taken;
-        p += endC + 1;
+        p += length;
         *at = p;
-        if (!IsNext(p)) { break; }
-        ++p;
+        if (p[0] != ',' || p[1] != '(') { break; }
     }
     return taken;
 }
@@ -231,11 +225,11 @@ TARNWICK_WIDE std::size_t TakeIndices(const char** at, std::uint32_t* out, std::
 } // namespace
 
 std::size_t TakeTriples(const char** p, float* out, std::size_t most) {
-    return kHasInstructions && **p == '(' ? TakeReals(p, out, most) : 0;
+    return kHasInstructions && **p == '(' ? TakeAll(p, out, most) : 0;
 }
 
 std::size_t TakeTriples(const char** p, std::uint32_t* out, std::size_t most) {
-    return kHasInstructions && **p == '(' ? TakeIndices(p, out, most) : 0;
+    return kHasInstructions && **p == '(' ? TakeAll(p, out, most) : 0;
 }
 
 } // namespace tarnwick
