@@ -279,13 +279,20 @@ void CheckArchive(CheckReport* report, const char* rootName) {
     }
 }
 
+// A file's name without its extension.
+std::string StemOf(const std::string& name) {
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
+}
+
 // The name under which a copy of a file is taken.
 std::string NameToCopy(const std::string& path, FileKind kind) {
-    const std::string name = path.substr(FolderOf(path).size());
-    std::size_t end = name.rfind('.');
-    const bool isPacked = LowerCase(name.substr(end)) == ".z" || LowerCase(name.substr(end)) == ".gz";
-    if (isPacked) { end = std::min(name.rfind('.', end - 1), end); }
-    return name.substr(0, end) + (kind == FileKind::kStepXml ? ".stpx" : ".stp") + (isPacked ? "z" : "");
+    const std::string name = NameOf(path);
+    std::string stem = StemOf(name);
+    const std::string extension = LowerCase(name.substr(stem.size()));
+    const bool isPacked = extension == ".z" || extension == ".gz";
+    if (isPacked) { stem = StemOf(stem); }
+    return stem + (kind == FileKind::kStepXml ? ".stpx" : ".stp") + (isPacked ? "z" : "");
 }
 
 void CheckByKind(CheckReport* report, const char* rootName) {

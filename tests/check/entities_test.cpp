@@ -111,6 +111,22 @@ TEST(CheckEntities, TellsWhichNameACopyShouldHave) {
                 ElementsAre("extension", "no-product"));
 }
 
+TEST(CheckEntities, TellsWhichNameACopyOfAnyNameShouldHave) {
+    const TempFolder folder;
+    const std::pair<const char*, const char*> names[] = {
+        {"part", "part.stp"}, {"part.", "part.stp"},   {".part", ".part.stp"}, {"a.b.step", "a.b.stp"},
+        {".z", ".z.stp"},     {"part.z", "part.stpz"}, {"a.stp.Z", "a.stpz"},  {"part.step.gz", "part.stpz"},
+        {".gz", ".gz.stp"},   {".p.gz", ".p.stpz"},
+    };
+    for (const auto& [name, copy] : names) {
+        const CheckReport report = Checked(folder.Write(name, GoodPart()));
+        ASSERT_FALSE(report.findings.empty()) << name;
+        EXPECT_EQ(report.findings[0].text,
+                  "isn't taken under a name with this extension; a copy of it under the name '" +
+                      std::string(copy) + "' is");
+    }
+}
+
 TEST(CheckEntities, NeverSaysThatNothingIsWrongWhereNothingIsShown) {
     const TempFolder folder;
     for (const std::string& text : {P21Text({}), P21Text({"#1=PRODUCT('P','','',());"}),
