@@ -187,6 +187,19 @@ TEST(FiniteElements, NodesAreInMillimetres) {
     EXPECT_EQ(lengthWith("(CONVERSION_BASED_UNIT('X',#2)LENGTH_UNIT())"), 1);
 }
 
+TEST(FiniteElements, NodesBeyondWhatCanBeShownAreNowhere) {
+    const auto facesOf = [](const std::string& x) {
+        std::string nodes = CubeNodes();
+        const std::string first = "#201=CARTESIAN_POINT('',(0.";
+        nodes.replace(nodes.find(first), first.size(), "#201=CARTESIAN_POINT('',(" + x);
+        return ReadData(nodes + Shell(300, "#101,#102,#103,#104")).quads.size();
+    };
+    EXPECT_EQ(facesOf("3.4E38"), 1u);
+    EXPECT_EQ(facesOf("3.5E38"), 0u);
+    EXPECT_EQ(facesOf("-3.5E38"), 0u);
+    EXPECT_EQ(facesOf("4.E128"), 0u);
+}
+
 TEST(FiniteElements, NodesStandInTheSystemOfTheirSet) {
     const auto nodeWith = [](const std::string& kind, const std::string& point) {
         const ElementMesh mesh = ReadData(

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace tarnwick::prepare {
@@ -215,8 +216,11 @@ std::optional<Vec3> ElementNodes::ReadPoint(std::uint64_t instance, const System
                  r * std::cos(angle)};
     }
     const Vec3 at = Apply(system.at, local);
-    if (!std::isfinite(at.x + at.y + at.z)) { return std::nullopt; }
-    return at;
+    // What shows it holds f32.
+    constexpr double kFarthest = std::numeric_limits<float>::max();
+    const bool isSomewhere =
+        std::abs(at.x) <= kFarthest && std::abs(at.y) <= kFarthest && std::abs(at.z) <= kFarthest;
+    return isSomewhere ? std::optional(at) : std::nullopt;
 }
 
 std::uint32_t ElementNodes::Read(const Instance& instance, std::size_t place) {
