@@ -548,7 +548,6 @@ bool DocumentReader::ReadPoint() {
 }
 
 bool DocumentReader::AddUse(string_view uid) {
-    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
     // A copy: those of all occurrences lie close together when they are looked up.
     const char* const copy = scratch_.Copy(uid.data(), uid.size());
     return copy != nullptr ? AddKeptUse(copy, uid.size()) : Fail(kNoMemory);
@@ -564,7 +563,6 @@ bool DocumentReader::AddKeptUse(const char* uid, std::size_t length) {
 
 bool DocumentReader::AddOccurrence() {
     if (!hasRelated_ || !hasRotation_ || !hasTranslation_) { return true; }
-    if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
     const string_view related = find::CutAtNul(relatedUid_);
     Occurrence* const occurrence = arena_.New<Occurrence>();
     const char* const uid = arena_.Copy(related.data(), related.size());
