@@ -36,7 +36,7 @@ bool FacesAhead::Read(const StepModel& model, const std::vector<std::int32_t>& i
     const Arena::Place place = arena.Here();
     bool read = false;
     WithinMemory([&] {
-        read = Plan(model, itemIds) && groups_.size() > 1 && ReadGroups(model, helpers, arena, scratch);
+        read = Plan(model, itemIds) && entities_.size() > 1 && ReadFaces(model, helpers, arena, scratch);
     });
     scratch->Reset();
     if (read) { return true; }
@@ -57,7 +57,7 @@ bool FacesAhead::Plan(const StepModel& model, const std::vector<std::int32_t>& i
         if (item->code == code::kTessellatedSolid || item->code == code::kTessellatedShell) {
             if (!PlanContainer(model, item)) { return false; }
         } else if (item->code == code::kComplexTriangulatedSurfaceSet) {
-            PlanFace(model, item);
+            entities_.push_back(item);
         }
     }
     faces_.resize(entities_.size());
@@ -75,23 +75,15 @@ bool FacesAhead::PlanContainer(const StepModel& model, const P42Ent* container) 
     if (walk.overrun || walk.Next<'#', ')', '$'>(walk.at) == walk.end) { return false; }
     for (const std::int32_t id : ids_) {
         const P42Ent* const face = model.Find(id);
-        if (face != nullptr && IsFace(face)) { PlanFace(model, face); }
+        if (face != nullptr && IsFace(face)) { entities_.push_back(face); }
     }
     return true;
 }
 
-void FacesAhead::PlanFace(const StepModel& model, const P42Ent* face) {
-    const std::int32_t listId = PeekListId(model, face);
-    if (groups_.empty() || listId == 0 || groups_.back().listId != listId) {
-        groups_.push_back({entities_.size(), listId});
-    }
-    entities_.push_back(face);
-}
-
-bool FacesAhead::ReadGroups(const StepModel& model, Helpers& helpers, Arena& arena, FaceScratch* scratch) {
+bool FacesAhead::ReadFaces(const StepModel& model, Helpers& helpers, Arena& arena, FaceScratch* scratch) {
     // Threads take a few neighbours at a time, some hundred times each, so that all end at about the same
     // time.
-    const std::size_t atATime = std::clamp<std::size_t>(groups_.size() / 1000, 1, 64);
+    const std::size_t atATime = std::clamp<std::size_t>(entities_.size() / 1000, 1, 64);
     std::array<Arena, Helpers::kMost> arenas;
     std::atomic<std::size_t> joined = 0;
     std::atomic<std::size_t> next = 0;
@@ -99,11 +91,8 @@ bool FacesAhead::ReadGroups(const StepModel& model, Helpers& helpers, Arena& are
     const auto readSome = [&](Arena& ownArena, FaceScratch* ownScratch) {
         while (!failed) {
             const std::size_t first = next.fetch_add(atATime);
-            if (first >= groups_.size()) { return; }
-            const std::size_t last = std::min(first + atATime, groups_.size());
-            for (std::size_t group = first; group < last && !failed; ++group) {
-                if (!ReadGroup(group, model, ownArena, ownScratch)) { failed = true; }
-            }
+            if (first >= entities_.size()) { return; }
+            if (!ReadSome(first, atATime, model, ownArena, ownScratch)) { failed = true; }
         }
     };
     const auto readMine = [&](bool isOwn) {
@@ -122,9 +111,14 @@ bool FacesAhead::ReadGroups(const StepModel& model, Helpers& helpers, Arena& are
     return read;
 }
 
-bool FacesAhead::ReadGroup(std::size_t group, const StepModel& model, Arena& arena, FaceScratch* scratch) {
-    const std::size_t last = group + 1 < groups_.size() ? groups_[group + 1].first : entities_.size();
-    for (std::size_t i = groups_[group].first; i < last; ++i) {
+// Reads the faces from `first` on, `count` of them. Faces that follow one another and take their points from
+// one list belong to whoever reads the first of them, so that no thread reads a list that another has read.
+bool FacesAhead::ReadSome(std::size_t first, std::size_t count, const StepModel& model, Arena& arena,
+                          FaceScratch* scratch) {
+    const std::size_t last = std::min(first + count, entities_.size());
+    while (first < last && SharesList(first, model)) { ++first; }
+    if (first == last) { return true; }
+    for (std::size_t i = first; i < last || (i < entities_.size() && SharesList(i, model)); ++i) {
         faces_[i] = arena.New<StepFaceB>();
         if (faces_[i] == nullptr || !ReadFaceAhead(faces_[i], entities_[i], model, arena, scratch)) {
             return false;
@@ -133,10 +127,16 @@ bool FacesAhead::ReadGroup(std::size_t group, const StepModel& model, Arena& are
     return true;
 }
 
+// Whether the face takes its points from the list that the one before it takes them from.
+bool FacesAhead::SharesList(std::size_t face, const StepModel& model) const {
+    if (face == 0) { return false; }
+    const std::int32_t listId = PeekListId(model, entities_[face]);
+    return listId != 0 && listId == PeekListId(model, entities_[face - 1]);
+}
+
 void FacesAhead::Forget() {
     entities_.clear();
     faces_.clear();
-    groups_.clear();
     taken_ = 0;
 }
 

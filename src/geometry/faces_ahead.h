@@ -26,24 +26,17 @@ public:
     StepFaceB* Take(const P42Ent* entity);
 
 private:
-    // Faces that follow one another and take their points from one list: one thread reads them all, so that
-    // none reads a list that another has read.
-    struct Group {
-        std::size_t first;
-        std::int32_t listId;
-    };
-
     bool Plan(const StepModel& model, const std::vector<std::int32_t>& itemIds);
     bool PlanContainer(const StepModel& model, const P42Ent* container);
-    void PlanFace(const StepModel& model, const P42Ent* face);
-    bool ReadGroups(const StepModel& model, Helpers& helpers, Arena& arena, FaceScratch* scratch);
-    bool ReadGroup(std::size_t group, const StepModel& model, Arena& arena, FaceScratch* scratch);
+    bool ReadFaces(const StepModel& model, Helpers& helpers, Arena& arena, FaceScratch* scratch);
+    bool ReadSome(std::size_t first, std::size_t count, const StepModel& model, Arena& arena,
+                  FaceScratch* scratch);
+    bool SharesList(std::size_t face, const StepModel& model) const;
     void Forget();
 
     std::vector<const P42Ent*> entities_; // in the order of the items
     std::vector<StepFaceB*> faces_;       // of them
-    std::vector<Group> groups_;
-    std::vector<std::int32_t> ids_; // of the container in hand
+    std::vector<std::int32_t> ids_;       // of the container in hand
     std::size_t taken_ = 0;
 };
 

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -173,6 +174,11 @@ TEST(FacesAhead, AreTakenInTheOrderOfTheirLists) {
     EXPECT_EQ(good.ahead.Take(good.model->Find(31)), nullptr) << "there is no third";
 }
 
+TEST(FacesAhead, AreReadInTheirTurnWhereThereIsButOne) {
+    EXPECT_FALSE(Ahead({}).read);
+    EXPECT_TRUE(Ahead({"#31=TRIANGULATED_FACE('',#10,4,$,$,$,((1,2,3)));", kSolid}).read);
+}
+
 void ExpectInTurn(const std::vector<std::string>& lines, const std::string& what) {
     const Ahead odd(lines);
     EXPECT_FALSE(odd.read) << what;
@@ -250,9 +256,46 @@ TEST(FacesAhead, AreReadByNoMoreHelpersThanThereMayBe) {
     }
 }
 
-TEST(FacesAhead, LeaveOnesThatShareAListToOneThread) {
-    const Ahead shared({"#31=TRIANGULATED_FACE('',#10,4,$,$,$,((1,2,3)));", kSolid});
-    EXPECT_FALSE(shared.read) << "one group isn't worth it";
+// Each thread has an arena, in which faces that it reads one after another follow one another.
+TEST(FacesAhead, ThatShareAListOneAfterAnotherAreReadByOneThread) {
+    Maker maker(13);
+    std::vector<std::string> lines;
+    std::vector<int> lists; // of each face
+    std::string ids;
+    while (lists.size() < 3000) {
+        const int list = 100000 + static_cast<int>(lists.size());
+        lines.push_back("#" + std::to_string(list) +
+                        "=COORDINATES_LIST('',3,((0.,0.,0.),(1.,0.,0.),(1.,1.,0.)));");
+        for (int faces = 1 + maker.Below(maker.OneIn(3) ? 40 : 4); faces > 0; --faces) {
+            const std::string face = "#" + std::to_string(1000 + lists.size());
+            lines.push_back(face + "=TRIANGULATED_FACE('',#" + std::to_string(list) + ",3,$,$,$,((1,2,3)));");
+            ids += (ids.empty() ? "" : ",") + face;
+            lists.push_back(list);
+        }
+    }
+    lines.push_back("#20=TESSELLATED_SOLID('',(" + ids + "),$);");
+    const PartFile alone(PartText("(#20)", lines));
+    for (const int count : {1, 2, 5}) {
+        StartedHelpers helpers(count, 0);
+        Arena arena;
+        FaceScratch scratch;
+        FacesAhead ahead;
+        ASSERT_TRUE(ahead.Read(alone.model, alone.scratch.itemIds, helpers, arena, &scratch));
+        const StepFaceB* before = nullptr;
+        int apart = 0;
+        for (std::size_t i = 0; i < lists.size(); ++i) {
+            const std::int32_t id = static_cast<std::int32_t>(1000 + i);
+            const StepFaceB* const face = ahead.Take(alone.model.Find(id));
+            ASSERT_NE(face, nullptr) << id;
+            ASSERT_EQ(face->faceId, id);
+            const std::less<> isBefore;
+            if (i > 0 && lists[i] == lists[i - 1] && (isBefore(face, before) || isBefore(before + 4, face))) {
+                ++apart;
+            }
+            before = face;
+        }
+        EXPECT_LE(apart, 20) << "more than the chunks of the arenas";
+    }
 }
 
 } // namespace
