@@ -5,7 +5,7 @@
 namespace tarnwick {
 
 int StepModel::ReadFile() {
-    TextFile file{.path = std::move(fileName), .compression = compression};
+    TextFile file{.path = std::move(fileName), .compression = compression, .lines = &workspace_.lines};
     const TextFileResult result = ReadTextFile(&file, &workspace_.memory, workspace_.helpers);
     fileName = std::move(file.path);
     compression = file.compression;

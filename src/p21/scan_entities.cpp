@@ -5,6 +5,7 @@
 #include "p21/step_model.h"
 #include "platform/console.h"
 #include "text/char_bits.h"
+#include "text/line_marks.h"
 #include "text/parse_real.h"
 
 #include <bit>
@@ -17,9 +18,12 @@ namespace tarnwick {
 namespace {
 
 // Finds line ends, one after another, in a text that ends at its first NUL; there is one after the text.
+// Passes over blocks without marks where these are few.
 class LineFinder {
 public:
-    explicit LineFinder(char* start) : block_(start), ends_(CharBits<'\n', '\0'>(start)) {}
+    LineFinder(char* text, char* start, const LineMarks& marks)
+        : block_(start), ends_(CharBits<'\n', '\0'>(start)), text_(text), marks_(marks),
+          isMarked_(marks.AreFew()) {}
 
     // The next line feed or NUL at or after `p`, which doesn't lie before the one found last.
     char* LineEnd(char* p) {
@@ -32,14 +36,45 @@ public:
         }
         while (ends_ == 0) {
             block_ += kCharBlock;
+            if (isMarked_) { GoToMark(); }
             ends_ = CharBits<'\n', '\0'>(block_);
         }
         return block_ + std::countr_zero(ends_);
     }
 
 private:
+    // Unless `block_` begins in a marked block, to the next one.
+    void GoToMark() {
+        const std::size_t here = static_cast<std::size_t>(block_ - text_) / LineMarks::kBlock;
+        const std::size_t next = marks_.Next(here);
+        if (next > here) { block_ = text_ + next * LineMarks::kBlock; }
+        FetchAfter(next);
+    }
+
+    // Asks for the marked blocks that come next and for the starts of lines after them: lines of a few
+    // kilobytes lie too far apart for the processor to see what will be wanted.
+    void FetchAfter(std::size_t block) {
+        constexpr int kBlocks = 12;
+        if (fetched_ <= block) {
+            fetched_ = block;
+            for (int i = 1; i < kBlocks; ++i) { FetchNext(); }
+        }
+        FetchNext();
+    }
+    void FetchNext() {
+        fetched_ = marks_.Next(fetched_ + 1);
+        if (fetched_ == marks_.BlockCount()) { return; }
+        const char* const start = text_ + fetched_ * LineMarks::kBlock;
+        __builtin_prefetch(start);
+        __builtin_prefetch(start + LineMarks::kBlock);
+    }
+
     char* block_;
     std::uint64_t ends_; // of the block, from the place of the last search on
+    char* const text_;
+    const LineMarks& marks_;
+    const bool isMarked_;
+    std::size_t fetched_ = 0; // the last block asked for
 };
 
 bool IsTrailing(char c) {
@@ -164,7 +199,7 @@ bool StepModel::ScanEntities() {
         return false;
     }
     structureList = ::new (memory) ListP42Ent(&workspace_.index);
-    LineFinder lines(data);
+    LineFinder lines(text, data, workspace_.lines);
     bool continuing = false;
     char* p = data;
     while (*p != '\0') {

@@ -52,6 +52,7 @@ int StepModel::Read() {
 }
 
 int StepModel::ReadIndex() {
+    workspace_.lines.Clear();
     const int opened = isFile_ ? ReadFile() : InflateData();
     if (opened != kRead) { return opened; }
     if (!std::string_view(text, static_cast<std::size_t>(textEnd - text)).starts_with(kStart)) {

@@ -16,10 +16,11 @@
 
 namespace tarnwick {
 
-// What one reading thread keeps from file to file: the memory of the text and that of the entity index. A
-// StepModel borrows it, and only one at a time.
+// What one reading thread keeps from file to file: the memory of the text, the marks of its lines and the
+// memory of the entity index. A StepModel borrows it, and only one at a time.
 struct ReaderWorkspace {
     TextMemory memory;
+    LineMarks lines;
     Arena index;
     Helpers* helpers = nullptr; // who may take part in the reading of a large file; null for nobody
 };
@@ -76,8 +77,7 @@ struct StepModel {
     // The same, as if the text ended with the line. Several threads may walk so at a time.
     TextWalk WalkInLine(const P42Ent* entity) const {
         const char* const line = text + entity->offset;
-        const void* const lineEnd = std::memchr(line, '\n', static_cast<std::size_t>(textEnd - line));
-        return {line, lineEnd != nullptr ? static_cast<const char*>(lineEnd) : textEnd};
+        return {line, workspace_.lines.LineEnd(text, line, textEnd)};
     }
     // A walk from the "#" by the entity's number; false, with the walk as it was, for one that isn't there.
     bool OpenLine(std::int32_t id, TextWalk* walk) const {

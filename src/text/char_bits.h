@@ -2,6 +2,7 @@
 
 #include "text/load_eight.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #ifdef __SSE2__
@@ -57,6 +58,22 @@ inline std::uint64_t CharBits(const char* p) {
     return bits;
 #else
     return PlainCharBits<c...>(p);
+#endif
+}
+
+// Whether one of the 64 characters at `p` is `last` or, as unsigned numbers are compared, less than it.
+template <char last>
+inline bool AnyUpTo(const char* p) {
+#ifdef __SSE2__
+    const __m128i* const blocks = reinterpret_cast<const __m128i*>(p);
+    const __m128i least =
+        _mm_min_epu8(_mm_min_epu8(_mm_loadu_si128(blocks), _mm_loadu_si128(blocks + 1)),
+                     _mm_min_epu8(_mm_loadu_si128(blocks + 2), _mm_loadu_si128(blocks + 3)));
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(least, _mm_set1_epi8(last)), least)) != 0;
+#else
+    unsigned char least = 0xFF;
+    for (int i = 0; i < kCharBlock; ++i) { least = std::min(least, static_cast<unsigned char>(p[i])); }
+    return least <= static_cast<unsigned char>(last);
 #endif
 }
 

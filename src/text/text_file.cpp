@@ -65,33 +65,60 @@ bool Open(TextFile* file, std::optional<OpenedFile>* opened) {
     return true;
 }
 
+// Where a file ends for its reader, and why.
+struct Ending {
+    std::size_t size;
+    int error;
+};
+
+// ReadAt from `start` to `end`, and marks the lines there if they are asked for.
+Ending ReadStretch(const OpenedFile& opened, char* bytes, std::size_t start, std::size_t end,
+                   LineMarks* lines) {
+    constexpr std::size_t kInCache = std::size_t{128} << 10;
+    const std::size_t step = lines != nullptr ? kInCache : end - start;
+    Ending ending{start, 0};
+    for (std::size_t next = start; next < end && ending.size == next && ending.error == 0;) {
+        const std::size_t size = std::min(step, end - next);
+        ending.size = next + opened.ReadAt(next, bytes + next, size, &ending.error);
+        if (lines != nullptr) { lines->Mark(bytes, next, ending.size); }
+        next += size;
+    }
+    return ending;
+}
+
 // ReadAt for a whole file, by several threads where that is worth it: most of the time goes into fresh pages.
-std::size_t ReadWhole(const OpenedFile& opened, char* bytes, std::size_t wanted, Helpers* helpers,
-                      int* error) {
-    if (helpers == nullptr || !helpers->AreFor(wanted)) { return opened.ReadAt(0, bytes, wanted, error); }
+Ending ReadWhole(const OpenedFile& opened, char* bytes, std::size_t wanted, LineMarks* lines,
+                 Helpers* helpers) {
+    if (helpers == nullptr || !helpers->AreFor(wanted)) {
+        return ReadStretch(opened, bytes, 0, wanted, lines);
+    }
     constexpr std::size_t kPiece = std::size_t{2} << 20; // a huge page
-    struct Ending {
-        std::size_t size;
-        int error;
-    };
     std::atomic<std::size_t> next = 0;
     std::mutex lock;
-    Ending first{wanted, 0}; // where the file ends for its readers
+    Ending first{wanted, 0};
     const auto readPieces = [&](bool) {
         for (;;) {
             const std::size_t start = next.fetch_add(kPiece);
             if (start >= wanted) { return; }
-            const std::size_t size = std::min(kPiece, wanted - start);
-            Ending ending{};
-            ending.size = start + opened.ReadAt(start, bytes + start, size, &ending.error);
-            if (ending.size == start + size && ending.error == 0) { continue; }
+            const std::size_t end = std::min(start + kPiece, wanted);
+            const Ending ending = ReadStretch(opened, bytes, start, end, lines);
+            if (ending.size == end && ending.error == 0) { continue; }
             const std::lock_guard guard(lock);
             if (ending.size < first.size) { first = ending; }
         }
     };
     helpers->Run(std::ref(readPieces)); // a reference, which needs no memory
-    *error = first.error;
-    return first.size;
+    return first;
+}
+
+// Where to mark the line ends of the file's bytes; null where nobody wants them or it doesn't pay.
+LineMarks* MakeMarks(const TextFile& file, std::size_t bytes) {
+    constexpr std::size_t kLeastBytes = std::size_t{4} << 20; // as much as stays in a core's cache
+    if (file.lines == nullptr || file.compression != TextFile::kPlain || bytes < kLeastBytes) {
+        return nullptr;
+    }
+    file.lines->Make(bytes);
+    return file.lines->IsEmpty() ? nullptr : file.lines;
 }
 
 // The bytes of the file in `block`, zeros after them; null, and told, when they can't be had.
@@ -108,14 +135,16 @@ char* ReadBytes(TextFile& file, const OpenedFile& opened, TextBlock& block, Help
         file.problem = kNeedsMemory;
         return nullptr;
     }
-    int error = 0;
-    *size = ReadWhole(opened, bytes, wanted, helpers, &error);
-    if (error != 0) {
+    LineMarks* const lines = MakeMarks(file, wanted);
+    const Ending ending = ReadWhole(opened, bytes, wanted, lines, helpers);
+    if (ending.error != 0) {
         file.problem = kCantBeRead;
-        TellSystem(file, error);
+        TellSystem(file, ending.error);
         return nullptr;
     }
+    *size = ending.size;
     std::memset(bytes + *size, 0, TextBlock::kPadding);
+    if (lines != nullptr) { lines->MarkAt(*size); }
     return bytes;
 }
 

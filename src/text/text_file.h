@@ -2,6 +2,7 @@
 
 #include "platform/helpers.h"
 #include "platform/text_block.h"
+#include "text/line_marks.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -28,6 +29,7 @@ struct TextFile {
     double inflateSeconds = 0;
     char* text = nullptr; // in the memory that it was read into, with TextBlock::kPadding zeros after it
     std::size_t size = 0; // its characters
+    LineMarks* lines = nullptr;    // where the owner wants them: those of a large plain file, else none
     const char* problem = nullptr; // why it wasn't read, where that is told; a phrase
 };
 

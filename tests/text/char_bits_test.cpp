@@ -42,5 +42,25 @@ TEST(CharBits, EqualTheSearchOneByOneOnAnyBytes) {
     }
 }
 
+TEST(AnyUpTo, IsWhatALookAtEachCharacterSays) {
+    std::mt19937 random(8);
+    std::string text(200, '\0');
+    int some = 0;
+    constexpr int kRounds = 20000;
+    for (int round = 0; round < kRounds; ++round) {
+        for (char& c : text) { c = static_cast<char>('\n' + 1 + random() % (256 - '\n' - 1)); }
+        const std::size_t start = random() % 100;
+        if (round % 2 == 0) { text[random() % 200] = static_cast<char>(random() % ('\n' + 2)); }
+        bool any = false;
+        for (int i = 0; i < kCharBlock; ++i) {
+            any = any || static_cast<unsigned char>(text[start + static_cast<std::size_t>(i)]) <= '\n';
+        }
+        ASSERT_EQ(AnyUpTo<'\n'>(text.data() + start), any);
+        some += any ? 1 : 0;
+    }
+    EXPECT_GT(some, kRounds / 10);
+    EXPECT_LT(some, kRounds / 2);
+}
+
 } // namespace
 } // namespace tarnwick::test

@@ -65,11 +65,17 @@ TEST(ReadTextFile, GivesTheSameBytesToSeveralThreads) {
     for (const int count : {1, 3}) {
         StartedHelpers helpers(count);
         TextMemory memory;
-        TextFile file{.path = path};
+        LineMarks lines;
+        TextFile file{.path = path, .lines = &lines};
         ASSERT_EQ(ReadTextFile(&file, &memory, &helpers), TextFileResult::kRead);
         EXPECT_TRUE(std::string(file.text, file.size) == text);
         EXPECT_EQ(std::string(file.text + file.size, TextBlock::kPadding),
                   std::string(TextBlock::kPadding, '\0'));
+        ASSERT_FALSE(lines.IsEmpty());
+        for (std::size_t at = 0; at != std::string::npos; at = text.find('\n', at + 1)) {
+            const std::size_t block = at / LineMarks::kBlock;
+            ASSERT_EQ(lines.Next(block), block) << at;
+        }
     }
 }
 
