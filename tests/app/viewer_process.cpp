@@ -137,6 +137,13 @@ void ViewerProcess::Key(const QString& key) {
     Pause();
 }
 
+void ViewerProcess::Type(const QString& text) {
+    int status = -1;
+    Run("xdotool", {"type", text}, &status);
+    EXPECT_EQ(status, 0) << "xdotool";
+    Pause();
+}
+
 void ViewerProcess::WaitForSize(const std::function<bool(QSize)>& is) {
     EXPECT_TRUE(WaitUntil([&] { return is(Size()); })) << Size().width() << " x " << Size().height();
 }
@@ -199,8 +206,13 @@ bool ViewerProcess::Drop(QPoint place, const QStringList& uris) {
     return status == 0;
 }
 
-bool ViewerProcess::WaitForTitle(const QString& title) {
-    return WaitUntil([&] { return Title() == title; });
+testing::AssertionResult ViewerProcess::WaitForTitle(const QString& title) {
+    if (WaitUntil([&] { return Title() == title; })) { return testing::AssertionSuccess(); }
+    const QString focus = Run("xdotool", {"getwindowfocus", "getwindowname"});
+    return testing::AssertionFailure()
+           << "the title is \"" << Title().toStdString() << "\", the focus is on \"" << focus.toStdString()
+           << "\", of these windows:\n"
+           << Run("wmctrl", {"-l"}).toStdString();
 }
 
 QString ViewerProcess::WaitForWindow(const QString& name) {

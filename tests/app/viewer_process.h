@@ -2,6 +2,8 @@
 // see of it.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QImage>
 #include <QProcess>
 #include <QStringList>
@@ -30,6 +32,8 @@ public:
     void Press(int button);
     void Release(int button);
     void Key(const QString& key);
+    // Types a text into the window that has the focus.
+    void Type(const QString& text);
     void Resize(int width, int height);
     void Maximise();
     void Restore();
@@ -37,8 +41,8 @@ public:
     QSize Size();
     QPoint Origin();
     bool Drop(QPoint place, const QStringList& uris);
-    // Waits until the dialog has this title.
-    bool WaitForTitle(const QString& title);
+    // Waits until the dialog has this title; else says what the display shows in the end.
+    testing::AssertionResult WaitForTitle(const QString& title);
     // Waits until another window of this name is there; returns its identifier, a decimal number.
     QString WaitForWindow(const QString& name);
     // The same, and until it has the keys.

@@ -256,7 +256,7 @@ TEST_F(ViewerTest, OpenAsksForAFileAndLoadsItWithThreads) {
     ASSERT_TRUE(viewer.IsOpen());
     viewer.Click(At(50, 705).x(), At(50, 705).y());
     ASSERT_NE(viewer.WaitForDialog("Open"), "");
-    QProcess::execute("xdotool", {"type", Path("two.stp")});
+    viewer.Type(Path("two.stp"));
     viewer.Key("Return");
     EXPECT_TRUE(viewer.WaitForTitle("two.stp - Tarnwick"));
     EXPECT_THAT(viewer.Console("End thread 5"), HasSubstr("End thread 1\n"));
