@@ -38,16 +38,10 @@ Record TakeRecord(const char** p, const char* end) {
         *p = end;
         return {};
     }
-    const char* const behind = SkipList(q + 1, end);
-    *p = behind;
-    const bool isClosed = behind > q + 1 && behind[-1] == ')';
-    return {keyword, Between(q + 1, isClosed ? behind - 1 : behind)};
-}
-
-// from_chars takes no plus sign.
-std::string_view WithoutPlus(std::string_view number) {
-    if (number.starts_with('+')) { number.remove_prefix(1); }
-    return number;
+    const char* const after = SkipList(q + 1, end);
+    *p = after;
+    const bool isClosed = after > q + 1 && after[-1] == ')';
+    return {keyword, Between(q + 1, isClosed ? after - 1 : after)};
 }
 
 // What a typed parameter holds, or the argument itself.
@@ -93,7 +87,7 @@ bool ArgumentCursor::Next(std::string_view* argument) {
     p_ = SkipBlanks(p_, end_);
     if (p_ == end_ && !isAfterComma_) { return false; }
     const char* const begin = p_;
-    const char* last = begin; // after the argument's last character
+    const char* last = begin; // right after the argument's last character
     while (p_ < end_ && *p_ != ',') {
         switch (*p_) {
         case '(':
@@ -128,12 +122,8 @@ Arguments::Arguments(std::string_view list) {
     for (std::string_view argument; cursor.Next(&argument);) { arguments_.push_back(argument); }
 }
 
-bool IsList(std::string_view argument) {
-    return argument.starts_with('(');
-}
-
 std::string_view ListOf(std::string_view argument) {
-    if (!IsList(argument)) { return {}; }
+    if (!argument.starts_with('(')) { return {}; }
     argument.remove_prefix(1);
     if (argument.ends_with(')')) { argument.remove_suffix(1); }
     return argument;
@@ -143,8 +133,8 @@ std::uint64_t ReferenceOf(std::string_view argument) {
     std::uint64_t number = 0;
     if (!argument.starts_with('#')) { return 0; }
     const char* const end = argument.data() + argument.size();
-    const auto [behind, error] = std::from_chars(argument.data() + 1, end, number);
-    return error == std::errc() && behind == end ? number : 0;
+    const auto [after, error] = std::from_chars(argument.data() + 1, end, number);
+    return error == std::errc() && after == end ? number : 0;
 }
 
 void AppendReferences(std::string_view text, std::vector<std::uint64_t>* references) {
@@ -161,8 +151,8 @@ void AppendReferences(std::string_view text, std::vector<std::uint64_t>* referen
             continue;
         }
         if (*p == '/') {
-            const char* const behind = SkipBlanks(p, end);
-            p = behind == p ? p + 1 : behind;
+            const char* const after = SkipBlanks(p, end);
+            p = after == p ? p + 1 : after;
             continue;
         }
         std::uint64_t number = 0;
@@ -172,18 +162,18 @@ void AppendReferences(std::string_view text, std::vector<std::uint64_t>* referen
 }
 
 bool ReadReal(std::string_view text, double* value) {
-    text = WithoutPlus(text);
+    if (text.starts_with('+')) { text.remove_prefix(1); } // from_chars takes none
     const char* const end = text.data() + text.size();
     double read = 0;
-    auto [behind, error] = std::from_chars(text.data(), end, read);
+    auto [after, error] = std::from_chars(text.data(), end, read);
     if (error != std::errc()) { return false; }
-    if (behind < end && (*behind == 'D' || *behind == 'd')) {
+    if (after < end && (*after == 'D' || *after == 'd')) {
         std::string copy(text);
-        copy[static_cast<std::size_t>(behind - text.data())] = 'E';
+        copy[static_cast<std::size_t>(after - text.data())] = 'E';
         return ReadReal(copy, value);
     }
-    // "inf" and "nan" are taken as well.
-    if (behind != end || !std::isfinite(read)) { return false; }
+    // from_chars takes "inf" and "nan" as well.
+    if (after != end || !std::isfinite(read)) { return false; }
     *value = read;
     return true;
 }
@@ -191,14 +181,6 @@ bool ReadReal(std::string_view text, double* value) {
 std::optional<double> RealOf(std::string_view argument) {
     double value = 0;
     return ReadReal(Untyped(argument), &value) ? std::optional(value) : std::nullopt;
-}
-
-std::optional<std::int64_t> IntegerOf(std::string_view argument) {
-    argument = WithoutPlus(Untyped(argument));
-    std::int64_t value = 0;
-    const auto [behind, error] = std::from_chars(argument.data(), argument.data() + argument.size(), value);
-    if (error != std::errc() || behind == argument.data()) { return std::nullopt; }
-    return value;
 }
 
 std::optional<std::array<double, 3>> TripleOf(std::string_view argument) {

@@ -53,28 +53,24 @@ private:
     std::vector<std::string_view> arguments_;
 };
 
-// Each is empty, or 0, where the argument is something else.
+// Each result is empty, or 0, where the argument is something else.
 
 // What stands between the parentheses of a list, "(1,2)".
 std::string_view ListOf(std::string_view argument);
-bool IsList(std::string_view argument);
 // The number in "#12".
 std::uint64_t ReferenceOf(std::string_view argument);
 // All that a text refers to, at any depth, in its order.
 void AppendReferences(std::string_view text, std::vector<std::uint64_t>* references);
-// A text that is a number from end to end; the nearest f64. Beside the form of the standard those that some
-// exporters write: a plus sign, no digit on one side of the point, no point, and an exponent by "e", "D" or
-// "d". False for any other text and for one that no f64 holds; *value is then left as it was.
+// A text that is a number from end to end, as the nearest f64. Also takes the forms that some exporters write
+// and the standard doesn't allow: a plus sign, no digit on one side of the point, no point, and an exponent
+// after "e", "D" or "d". False for any other text and for a number that no f64 holds; *value is then left as
+// it was.
 bool ReadReal(std::string_view text, double* value);
 // The same of an argument, also as a typed parameter: "LENGTH_MEASURE(25.4)".
 std::optional<double> RealOf(std::string_view argument);
-std::optional<std::int64_t> IntegerOf(std::string_view argument);
-// Three numbers in a list, "(1.,0.,0.)"; two have a third of 0.
+// Three numbers in a list, "(1.,0.,0.)"; where there are two, the third is 0.
 std::optional<std::array<double, 3>> TripleOf(std::string_view argument);
 // The word between the points of ".T.".
 std::string_view EnumerationOf(std::string_view argument);
-inline bool IsOmitted(std::string_view argument) {
-    return argument.empty() || argument == "$" || argument == "*";
-}
 
 } // namespace tarnwick

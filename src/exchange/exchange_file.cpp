@@ -21,7 +21,7 @@ bool IsKeywordCharacter(char c) {
 }
 
 // The number after a "#", and where it ends; 0 for none and for one beyond 64 bits.
-std::uint64_t ReadNumber(const char* p, const char* end, const char** behind) {
+std::uint64_t ReadNumber(const char* p, const char* end, const char** after) {
     std::uint64_t number = 0;
     bool fits = true;
     for (; p < end && IsDigit(*p); ++p) {
@@ -29,17 +29,17 @@ std::uint64_t ReadNumber(const char* p, const char* end, const char** behind) {
         fits = fits && number <= (std::numeric_limits<std::uint64_t>::max() - digit) / 10;
         number = fits ? number * 10 + digit : 0;
     }
-    *behind = p;
+    *after = p;
     return fits ? number : 0;
 }
 
 // Whether an instance begins at `p`: "#12 =".
 bool BeginsInstance(const char* p, const char* end) {
     if (p >= end || *p != '#') { return false; }
-    const char* behind;
-    if (ReadNumber(p + 1, end, &behind) == 0) { return false; }
-    behind = SkipBlanks(behind, end);
-    return behind < end && *behind == '=';
+    const char* after;
+    if (ReadNumber(p + 1, end, &after) == 0) { return false; }
+    after = SkipBlanks(after, end);
+    return after < end && *after == '=';
 }
 
 } // namespace
@@ -74,10 +74,7 @@ private:
     std::size_t Offset(const char* p) const { return static_cast<std::size_t>(p - begin_); }
 
     void Note(const char* p, std::string_view what, bool isLoss = false) {
-        ++file_.deviationCount_;
-        if (file_.deviations_.size() < ExchangeFile::kMostDeviations) {
-            file_.deviations_.push_back({Offset(p), std::string(what), isLoss});
-        }
+        file_.Note(Offset(p), what, isLoss);
     }
 
     // Past a byte order mark.
@@ -101,22 +98,22 @@ private:
             case ';':
                 return p;
             case '\'': {
-                const char* const behind = SkipString(p, end_);
-                const char* const broken = BrokenString(p, behind);
+                const char* const after = SkipString(p, end_);
+                const char* const broken = BrokenString(p, after);
                 if (broken != nullptr) {
                     Note(p, "a string isn't closed", true);
                     return broken;
                 }
-                p = behind;
+                p = after;
                 continue;
             }
             case '/': {
-                const char* const behind = SkipBlanks(p, end_);
-                if (behind == end_ && Left(p) > 2 && p[1] == '*') {
+                const char* const after = SkipBlanks(p, end_);
+                if (after == end_ && Left(p) > 2 && p[1] == '*') {
                     Note(p, "a comment isn't closed", true);
                     return end_;
                 }
-                p = behind == p ? p + 1 : behind;
+                p = after == p ? p + 1 : after;
                 continue;
             }
             case '"': {
@@ -134,12 +131,13 @@ private:
         }
     }
 
-    // Where a string over several lines holds what looks like the next instance, its begin; else null.
-    const char* BrokenString(const char* p, const char* behind) {
-        while ((p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(behind - p)))) !=
+    // Where a string over several lines holds what looks like the next instance, the begin of that; else
+    // null.
+    const char* BrokenString(const char* p, const char* after) {
+        while ((p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(after - p)))) !=
                nullptr) {
             if (BeginsInstance(++p, end_)) { return p; }
-            if (p >= behind) { break; }
+            if (p >= after) { break; }
         }
         return nullptr;
     }
@@ -163,15 +161,13 @@ private:
     const char* Statement(const char* p) {
         if (*p == '#') { return InstanceStatement(p); }
         if (*p == ';') { return p + 1; }
-        const char* const behind = std::find_if_not(p, end_, IsKeywordCharacter);
-        const std::string_view keyword(p, static_cast<std::size_t>(behind - p));
+        const char* const after = std::find_if_not(p, end_, IsKeywordCharacter);
+        const std::string_view keyword(p, static_cast<std::size_t>(after - p));
         if (hasEnd_ && !IsStructure(keyword)) {
             Note(p, "text after END-ISO-10303-21;");
             return AfterRubbish(p, end_);
         }
         const char* const end = FindEnd(p, false);
-        std::string_view statement(p, static_cast<std::size_t>(end - p));
-        while (!statement.empty() && IsExchangeBlank(statement.back())) { statement.remove_suffix(1); }
         if (keyword == "HEADER") {
             section_ = Section::kHeader;
         } else if (keyword == "DATA") {
@@ -179,23 +175,21 @@ private:
         } else if (keyword == "ANCHOR" || keyword == "REFERENCE") {
             section_ = Section::kOther;
         } else if (keyword == "SIGNATURE") {
-            return BehindSignature(end);
+            return AfterSignature(end);
         } else if (keyword == "ENDSEC") {
             section_ = Section::kNone;
         } else if (keyword == "END-ISO-10303-21") {
             hasEnd_ = true;
             section_ = Section::kNone;
-        } else if (section_ == Section::kHeader) {
-            file_.header_.push_back(statement);
-        } else if (section_ != Section::kOther && keyword != "ISO-10303-21") {
+        } else if ((section_ == Section::kNone || section_ == Section::kData) && keyword != "ISO-10303-21") {
             Note(p, "neither an instance nor a section", true);
             return AfterRubbish(p, end);
         }
         return end < end_ && *end == ';' ? end + 1 : end;
     }
 
-    // A signature is no text of this format, and has no ; before that of its ENDSEC.
-    const char* BehindSignature(const char* p) {
+    // The inside of a signature isn't in this format, and has no ";" before that of its ENDSEC.
+    const char* AfterSignature(const char* p) {
         const std::string_view rest(p, Left(p));
         const std::size_t endsec = rest.find("\nENDSEC");
         if (endsec == std::string_view::npos) {
@@ -217,16 +211,16 @@ private:
     }
 
     const char* InstanceStatement(const char* p) {
-        const char* behind;
-        const std::uint64_t number = ReadNumber(p + 1, end_, &behind);
-        const char* const equals = SkipBlanks(behind, end_);
+        const char* after;
+        const std::uint64_t number = ReadNumber(p + 1, end_, &after);
+        const char* const equals = SkipBlanks(after, end_);
         if (number == 0 || equals == end_ || *equals != '=') {
             if (section_ == Section::kOther) {
                 const char* const end = FindEnd(p, false);
                 return end < end_ ? end + 1 : end;
             }
             Note(p, "an instance needs a number from 1 on and a =", true);
-            return std::max(behind, p + 1);
+            return std::max(after, p + 1);
         }
         const char* const first = SkipBlanks(equals + 1, end_);
         const char* const end = FindEnd(first, true);
@@ -266,8 +260,8 @@ private:
 
     std::uint32_t KeywordAt(const char* p, const char* end) {
         if (*p == '(') { return ExchangeFile::kComplex; }
-        const char* const behind = std::find_if_not(p, end, IsKeywordCharacter);
-        const std::string_view keyword(p, static_cast<std::size_t>(behind - p));
+        const char* const after = std::find_if_not(p, end, IsKeywordCharacter);
+        const std::string_view keyword(p, static_cast<std::size_t>(after - p));
         if (const std::uint32_t* const known = places_.Find(keyword)) { return *known; }
         if (keyword.empty()) { Note(p, "an instance has no keyword", true); }
         const std::string capitals = InCapitals(keyword);
@@ -303,6 +297,11 @@ ExchangeFile::ExchangeFile(std::string_view text) : text_(text) {
     MakeLists();
 }
 
+void ExchangeFile::Note(std::size_t offset, std::string_view what, bool isLoss) {
+    constexpr std::size_t kMostDeviations = 1000;
+    if (deviations_.size() < kMostDeviations) { deviations_.push_back({offset, std::string(what), isLoss}); }
+}
+
 void ExchangeFile::MakeIndex() {
     const auto isAfter = [](const Instance& a, const Instance& b) { return a.number >= b.number; };
     if (std::adjacent_find(instances_.begin(), instances_.end(), isAfter) == instances_.end()) { return; }
@@ -315,13 +314,8 @@ void ExchangeFile::MakeIndex() {
     for (std::size_t i = 1; i < byNumber_.size(); ++i) {
         const Instance& instance = instances_[byNumber_[i]];
         if (instance.number != instances_[byNumber_[i - 1]].number) { continue; }
-        ++deviationCount_;
-        if (deviations_.size() < kMostDeviations) {
-            deviations_.push_back(
-                {instance.begin,
-                 "the number #" + std::to_string(instance.number) + " stands twice; the first one counts",
-                 false});
-        }
+        Note(instance.begin,
+             "the number #" + std::to_string(instance.number) + " stands twice; the first one counts", false);
     }
 }
 
@@ -374,20 +368,6 @@ const Instance* ExchangeFile::Find(std::uint64_t number) const {
         }
     }
     return low < instances_.size() && at(low).number == number ? &at(low) : nullptr;
-}
-
-std::string_view ExchangeFile::HeaderArguments(std::string_view keyword) const {
-    for (const std::string_view record : header_) {
-        if (!record.starts_with(keyword)) { continue; }
-        const char* const end = record.data() + record.size();
-        const char* p = SkipBlanks(record.data() + keyword.size(), end);
-        if (p == end || *p != '(') { continue; }
-        ++p;
-        const char* const behind = SkipList(p, end);
-        const char* const close = behind > p && behind[-1] == ')' ? behind - 1 : behind;
-        return {p, static_cast<std::size_t>(close - p)};
-    }
-    return {};
 }
 
 std::span<const std::uint32_t> ExchangeFile::OfPlace(std::uint32_t keyword) const {

@@ -42,19 +42,12 @@ TextPlace PlaceOf(std::string_view text, std::size_t offset);
 class ExchangeFile {
 public:
     static constexpr std::uint32_t kComplex = 0;
-    // Of deviations that are kept with their places.
-    static constexpr std::size_t kMostDeviations = 1000;
-
     // The text must outlive it, with kBytesPadding readable bytes after.
     explicit ExchangeFile(std::string_view text);
 
     std::string_view Text() const { return text_; }
-    // Where the file begins with "ISO-10303-21;", blanks and comments before it apart.
+    // Whether the text begins with "ISO-10303-21", blanks and comments before it apart.
     bool IsExchangeFile() const { return isExchangeFile_; }
-    // The records of the header, "FILE_SCHEMA(('AUTOMOTIVE_DESIGN'))" for example.
-    std::span<const std::string_view> Header() const { return header_; }
-    // The arguments of the header's record with this keyword, between its parentheses; empty without one.
-    std::string_view HeaderArguments(std::string_view keyword) const;
 
     // In the order of the text.
     std::span<const Instance> Instances() const { return instances_; }
@@ -72,27 +65,27 @@ public:
     std::span<const std::uint32_t> ComplexInstances() const { return OfPlace(kComplex); }
     // All keywords of simple instances; the first is the empty one of complex instances.
     std::span<const std::string> Keywords() const { return keywords_; }
+    // Likewise, by the keyword's place among all keywords.
     std::span<const std::uint32_t> OfPlace(std::uint32_t keyword) const;
 
+    // The first 1000, those of the text in its order before numbers that stand twice.
     std::span<const Deviation> Deviations() const { return deviations_; }
-    std::size_t DeviationCount() const { return deviationCount_; }
 
 private:
     friend class ExchangeScan;
 
+    void Note(std::size_t offset, std::string_view what, bool isLoss);
     void MakeIndex();
     void MakeLists();
 
     std::string_view text_;
     bool isExchangeFile_ = false;
-    std::vector<std::string_view> header_;
     std::vector<Instance> instances_;
     std::vector<std::string> keywords_;
     std::vector<std::uint32_t> byNumber_;   // places of instances by ascending number; empty: they ascend
     std::vector<std::uint32_t> byKeyword_;  // places of instances, those of one keyword after another
     std::vector<std::size_t> keywordStart_; // in byKeyword_, and the end of the last
     std::vector<Deviation> deviations_;
-    std::size_t deviationCount_ = 0;
 };
 
 } // namespace tarnwick

@@ -2,6 +2,7 @@
 
 #include "platform/files.h"
 #include "platform/opened_file.h"
+#include "text/lower_case.h"
 #include "text/zip_input.h"
 
 #include <minizip/unzip.h>
@@ -116,9 +117,9 @@ FileBytes Inflate(std::string_view packed, int kind, std::size_t most) {
             inflateEnd(&stream);
             return bytes;
         }
-        const char* const behind = reinterpret_cast<const char*>(stream.next_in);
-        left -= static_cast<std::size_t>(behind - next);
-        next = behind;
+        const char* const after = reinterpret_cast<const char*>(stream.next_in);
+        left -= static_cast<std::size_t>(after - next);
+        next = after;
         if (state == Z_STREAM_END && left > 0 && IsGzip({next, left})) { state = inflateReset(&stream); }
     }
     if (state != Z_STREAM_END) { bytes.error = "its compressed stream is damaged or cut"; }
@@ -128,7 +129,7 @@ FileBytes Inflate(std::string_view packed, int kind, std::size_t most) {
 }
 
 bool EndsWithAny(std::string name, std::initializer_list<const char*> ends) {
-    for (char& c : name) { c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+    name = LowerCase(std::move(name));
     return std::any_of(ends.begin(), ends.end(), [&](const char* end) { return name.ends_with(end); });
 }
 
@@ -231,9 +232,7 @@ FileBytes ReadFirstMember(const std::string& path, std::string_view archive, std
         return bytes;
     }
     const std::uint64_t begin = std::min<std::uint64_t>(member.begin, archive.size());
-    bytes = Unpack(archive.substr(begin, member.size), member.isStored, most);
-    bytes.member = std::move(first);
-    return bytes;
+    return Unpack(archive.substr(begin, member.size), member.isStored, most);
 }
 
 } // namespace
@@ -314,7 +313,6 @@ FileBytes ReadMemberBytes(const std::string& archive, const std::string& member,
     if (IsGzip(bytes.Text()) || IsZlib(bytes.Text())) {
         bytes = Inflate(bytes.Text(), kZlibOrGzip, most - std::min(most, bytes.size));
     }
-    bytes.member = member;
     bytes.digest = std::move(digest);
     return bytes;
 }

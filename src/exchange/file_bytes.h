@@ -19,17 +19,17 @@ struct FileBytes {
     std::unique_ptr<char[]> data;
     std::size_t size = 0; // without the padding
     std::string error;
-    std::string member; // of the archive that the file is, or empty
-    std::string
-        digest; // XXH3 of 128 bits, as hexadecimal digits: of a file as it lies there, of a member's bytes
+    // XXH3 of 128 bits, as hexadecimal digits: of a file as it lies there, packed or not; of a member's
+    // bytes.
+    std::string digest;
 
     bool IsRead() const { return data != nullptr; }
     std::string_view Text() const { return {data.get(), size}; }
 };
 
-// Reads a file whole. What is packed is told by its first bytes and not by its name: a gzip or zlib stream is
-// inflated; of a ZIP archive, the first member that has a name of a STEP file (or the first of all). Never
-// more than `most` bytes come out. Any thread.
+// Reads a file whole. Its first bytes tell how it is packed, not its name: a gzip or zlib stream is inflated;
+// of a ZIP archive, the first member that has a name of a STEP file (or the first of all). Never more than
+// `most` bytes come out. Any thread.
 FileBytes ReadFileBytes(const std::string& path, std::size_t most);
 
 // The members of a ZIP archive that have a name of a STEP file, in its order; none for any other file.

@@ -23,7 +23,7 @@ bool IsHex(char c) {
 
 // What is wrong with the form of a real; null for nothing.
 const char* RealFault(std::string_view text) {
-    const std::size_t letter = text.find_first_of("eDdE");
+    const std::size_t letter = text.find_first_of("EeDd");
     if (letter != std::string_view::npos && text[letter] == 'e') { return "an exponent has a small e"; }
     if (letter != std::string_view::npos && text[letter] != 'E') {
         return "an exponent has another letter than E";

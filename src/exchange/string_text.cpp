@@ -126,14 +126,14 @@ private:
         std::uint32_t high = 0; // of a pair that UTF-16 makes of a character beyond 16 bits
         for (std::uint32_t c = 0; Hex(text_, digits, &c); text_.remove_prefix(digits)) {
             if (high != 0 && c >= 0xDC00 && c < 0xE000) {
-                AppendUtf8(0x10000 + ((high - 0xD800) << 10) + (c - 0xDC00), &out_);
-                high = 0;
-            } else if (digits == 4 && c >= 0xD800 && c < 0xDC00) {
-                high = c;
-            } else {
-                AppendUtf8(c, &out_);
+                c = 0x10000 + ((high - 0xD800) << 10) + (c - 0xDC00);
+            } else if (high != 0) {
+                AppendUtf8(high, &out_); // without its other half: U+FFFD
             }
+            high = digits == 4 && c >= 0xD800 && c < 0xDC00 ? c : 0;
+            if (high == 0) { AppendUtf8(c, &out_); }
         }
+        if (high != 0) { AppendUtf8(high, &out_); }
         if (text_.starts_with("\\X0\\")) { text_.remove_prefix(4); }
     }
 
@@ -158,6 +158,12 @@ std::string AsUtf8(std::string_view bytes) {
     std::string result;
     for (const char c : bytes) { AppendUtf8(static_cast<unsigned char>(c), &result); }
     return result;
+}
+
+std::string_view ClippedUtf8(std::string_view text, std::size_t most) {
+    if (text.size() <= most) { return text; }
+    while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80) { --most; }
+    return text.substr(0, most);
 }
 
 } // namespace tarnwick

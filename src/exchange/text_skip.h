@@ -62,12 +62,12 @@ const char* FindAny(const char* p, const char* end) {
 #endif
 }
 
-// The place after what begins at `p`, a quote, a slash or a double quote inside a list.
+// The place after what begins at `p`, which is a quote, a slash or a double quote inside a list.
 inline const char* SkipInList(const char* p, const char* end) {
     if (*p == '\'') { return SkipString(p, end); }
     if (*p == '/') {
-        const char* const behind = SkipBlanks(p, end);
-        return behind == p ? p + 1 : behind;
+        const char* const after = SkipBlanks(p, end);
+        return after == p ? p + 1 : after;
     }
     const void* const close = std::memchr(p + 1, '"', static_cast<std::size_t>(end - p - 1));
     return close == nullptr ? end : static_cast<const char*>(close) + 1;

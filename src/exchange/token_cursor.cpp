@@ -44,8 +44,8 @@ Token TokenCursor::Number() {
     }
     const char* exponent = q + 1;
     if (exponent < end_ && (*exponent == '+' || *exponent == '-')) { ++exponent; }
-    const char* const behind = std::find_if_not(exponent, end_, IsDigit);
-    return Take(behind > exponent ? TokenKind::kReal : TokenKind::kBad, behind);
+    const char* const after = std::find_if_not(exponent, end_, IsDigit);
+    return Take(after > exponent ? TokenKind::kReal : TokenKind::kBad, after);
 }
 
 Token TokenCursor::Enumeration() {
@@ -79,15 +79,15 @@ Token TokenCursor::Next() {
     case '.':
         return p_ + 1 < end_ && IsDigit(p_[1]) ? Number() : Enumeration();
     case '\'': {
-        const char* const behind = SkipString(p_, end_);
-        const bool isClosed = behind > p_ + 1 && behind[-1] == '\'';
-        return Take(isClosed ? TokenKind::kString : TokenKind::kBad, behind);
+        const char* const after = SkipString(p_, end_);
+        const bool isClosed = after > p_ + 1 && after[-1] == '\'';
+        return Take(isClosed ? TokenKind::kString : TokenKind::kBad, after);
     }
     case '#':
     case '@': {
-        const char* const behind = std::find_if_not(p_ + 1, end_, IsDigit);
-        if (behind == p_ + 1) { return Take(TokenKind::kBad, behind); }
-        return Take(*p_ == '#' ? TokenKind::kReference : TokenKind::kValue, behind);
+        const char* const after = std::find_if_not(p_ + 1, end_, IsDigit);
+        if (after == p_ + 1) { return Take(TokenKind::kBad, after); }
+        return Take(*p_ == '#' ? TokenKind::kReference : TokenKind::kValue, after);
     }
     default:
         if (IsLetter(*p_) || *p_ == '!') {

@@ -7,7 +7,7 @@
 
 namespace tarnwick {
 
-// The tokens of ISO 10303-21, clause 5.3 and 6.
+// The tokens of ISO 10303-21, clauses 5.3 and 6.
 enum class TokenKind : std::uint8_t {
     kEnd,
     kOpen,

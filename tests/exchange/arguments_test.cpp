@@ -66,15 +66,12 @@ TEST(Values, AreReadOrAbsent) {
     EXPECT_EQ(RealOf(Padded("POSITIVE_LENGTH_MEASURE( 3 )").Text()), 3.0);
     EXPECT_EQ(RealOf("$"), std::nullopt);
     EXPECT_EQ(RealOf("1.E999"), std::nullopt);
-    EXPECT_EQ(IntegerOf("42"), 42);
-    EXPECT_EQ(IntegerOf("'42'"), std::nullopt);
     EXPECT_EQ(TripleOf(Padded("(1.,-2.E1, 3)").Text()), (std::array{1.0, -20.0, 3.0}));
     EXPECT_EQ(TripleOf(Padded("(1.,2.)").Text()), (std::array{1.0, 2.0, 0.0}));
     EXPECT_EQ(TripleOf(Padded("(1.)").Text()), std::nullopt);
     EXPECT_EQ(TripleOf(Padded("(1.,$,2.)").Text()), std::nullopt);
     EXPECT_EQ(EnumerationOf(".MILLI."), "MILLI");
     EXPECT_EQ(EnumerationOf("$"), "");
-    EXPECT_TRUE(IsOmitted("$") && IsOmitted("*") && IsOmitted(""));
 }
 
 TEST(Values, OfAllExportersAreReadAndOthersNotInPart) {

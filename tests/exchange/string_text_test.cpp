@@ -23,6 +23,18 @@ TEST(StringText, DirectivesAreTheCharactersThatTheyStandFor) {
     EXPECT_EQ(StringOf("'\\PE\\\\S\\0'"), "\u0410"); // the first Cyrillic capital of 8859-5
 }
 
+TEST(StringText, HalfOfAPairIsTheReplacementCharacter) {
+    EXPECT_EQ(StringOf("'\\X2\\D83D0041DE00\\X0\\'"), "\uFFFDA\uFFFD");
+    EXPECT_EQ(StringOf("'\\X2\\D83DD83DDE00D83D\\X0\\'"), "\uFFFD\U0001F600\uFFFD");
+}
+
+TEST(StringText, AClippedTextEndsWithAWholeCharacter) {
+    EXPECT_EQ(ClippedUtf8("a\u00E4\U0001F600", 7), "a\u00E4\U0001F600");
+    EXPECT_EQ(ClippedUtf8("a\u00E4\U0001F600", 6), "a\u00E4");
+    EXPECT_EQ(ClippedUtf8("a\u00E4\U0001F600", 2), "a");
+    EXPECT_EQ(ClippedUtf8("\x80\x80", 1), "");
+}
+
 TEST(StringText, BytesBeyondAsciiAreUtf8WhereTheyCanBe) {
     EXPECT_EQ(StringOf("'\u00E4'"), "\u00E4");
     EXPECT_EQ(StringOf("'\xE4'"), "\u00E4");

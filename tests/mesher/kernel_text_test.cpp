@@ -36,7 +36,7 @@ std::vector<std::uint64_t> FacesIn(const std::string& instances, std::uint64_t b
 std::vector<std::uint64_t> NumbersOf(const std::string& text) {
     const Padded padded(text);
     const ExchangeFile file(padded.Text());
-    EXPECT_EQ(file.DeviationCount(), 0U);
+    EXPECT_TRUE(file.Deviations().empty());
     std::vector<std::uint64_t> numbers;
     for (const Instance& instance : file.Instances()) { numbers.push_back(instance.number); }
     return numbers;
