@@ -9,14 +9,14 @@ namespace tarnwick {
 
 class ExchangeFile;
 
-// The largest number that an instance keeps in the text; the kernel's numbers have 32 bits.
+// The largest number that an instance keeps in the text: the kernel's numbers have 32 bits.
 inline constexpr std::uint64_t kLargestKernelNumber = 2'000'000'000;
 
 struct KernelInput {
     std::string text;
-    std::vector<std::uint64_t>
-        bodies; // as they are numbered in the text; those that aren't in it are left out
-    // The own numbers of the instances that are numbered from kLargestKernelNumber + 1 on in the text.
+    // Their numbers in the text; a body that isn't in it is left out.
+    std::vector<std::uint64_t> bodies;
+    // The file's numbers of the instances that have kLargestKernelNumber + 1 and so on in the text.
     std::vector<std::uint64_t> renumbered;
 
     std::uint64_t OwnNumber(std::uint64_t inText) const {

@@ -110,9 +110,7 @@ private:
 };
 
 bool AreFinite(const std::vector<Vec3>& vectors) {
-    return std::all_of(vectors.begin(), vectors.end(), [](const Vec3& v) {
-        return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-    });
+    return std::all_of(vectors.begin(), vectors.end(), IsFinite);
 }
 
 bool IsSound(const MeshFace& face) {

@@ -45,8 +45,8 @@ struct MeshRequest {
     double diagonal = 0;
     double angle = 20; // the most between neighbouring pieces of a curve, in degrees
     MeshAlgorithm algorithm = MeshAlgorithm::kDefault;
-    // Whether each body is triangulated by itself, and sent as soon as it is: slower, but one that the kernel
-    // doesn't come back from costs none of the others.
+    // Whether each body is triangulated by itself, and sent as soon as it is done: slower, but a body that
+    // the kernel doesn't come back from costs none of the others.
     bool isEach = false;
 };
 

@@ -36,8 +36,8 @@ public:
         return !ready.toRead || Receive();
     }
 
-    // Whether a whole message is here; `head` and `bytes` are its then, until Drop. `isSound` is false where
-    // no message begins here.
+    // Whether a whole message is here. Then `head` and `bytes` are its own, valid until Drop. `isSound`
+    // becomes false where what is here begins no message.
     bool HasMessage(MeshHead* head, std::string_view* bytes, bool* isSound) const {
         if (received_.size() < kMeshHeadSize) { return false; }
         const std::string_view all = received_;

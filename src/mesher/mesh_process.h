@@ -28,7 +28,7 @@ struct MeshOutcome {
     std::string words;     // for a user; empty where it answered
 };
 
-// A running tarnwick-mesh, for one thread at a time. It is started when it is asked first, and again after it
+// A running tarnwick-mesh, for one thread at a time. It is started with the first request, and again after it
 // had to be ended.
 class MeshProcess {
 public:

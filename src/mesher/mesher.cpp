@@ -17,7 +17,7 @@ namespace {
 
 constexpr double kCoarser = 10;
 constexpr double kCoarserAngle = 40;
-// Of numbers of faces in one message.
+// The most faces that one message names.
 constexpr std::size_t kMostNamed = 5;
 constexpr std::size_t kFacesAtATime = 64;
 // After so many ends in a row without any progress the program is taken for broken.
@@ -30,8 +30,8 @@ constexpr double kShareOfAll = 0.7;     // making all shapes
 constexpr double kShareOfMeshing = 0.4; // triangulating all
 constexpr double kShareOfFace = 0.1;    // a face among others, when nothing else has helped
 
-// A body that takes this much longer to triangulate than to make, and this many seconds, has a face that
-// another algorithm may do at once.
+// A body that takes so many times longer to triangulate than to make, and at least so many seconds, has a
+// face that another algorithm may do at once.
 constexpr double kHastyRatio = 5;
 constexpr double kHastySeconds = 4;
 
@@ -59,7 +59,7 @@ using Bodies = std::vector<PendingBody*>;
 struct Quality {
     MeshAlgorithm algorithm = MeshAlgorithm::kDefault;
     bool isCoarse = false;
-    bool isHasty = false; // given up sooner than it would have to be
+    bool isHasty = false; // to be given up sooner than the time limit asks
 };
 
 // How the last request ended, and with which body where it didn't with all.
@@ -118,8 +118,8 @@ private:
         }
         return selected;
     }
-    // Those of them that another body may have spoilt: what the kernel triangulates in one go shares a
-    // measure.
+    // Those of them that another body may have spoilt: bodies that are triangulated in one go share a
+    // deflection.
     Bodies Spoilt() {
         Bodies selected = Unfinished(bodies_);
         std::erase_if(selected, [](const PendingBody* body) {
@@ -137,8 +137,8 @@ private:
     double Left() const { return end_ - ClockSeconds(); }
     bool IsOver() const { return isOver_ || Left() <= 0; }
 
-    // Has the kernel make bodies in one go. One that it doesn't come back from is set apart, and the others
-    // are asked for again.
+    // Has the kernel make bodies in one go. One that it doesn't come back from is refused, and the others are
+    // asked for again.
     void Together(Bodies bodies, Quality quality) {
         while (!bodies.empty() && !IsOver()) {
             const std::size_t before = bodies.size();
@@ -148,7 +148,7 @@ private:
         }
     }
 
-    // Has it triangulate each by itself. `share`: of the time, for one of them.
+    // Has the kernel triangulate each by itself. `share`: of the time left, for one of them.
     void Each(Bodies bodies, Quality quality, double share) {
         while (!bodies.empty() && !IsOver()) {
             const std::size_t before = bodies.size();
@@ -161,8 +161,8 @@ private:
         }
     }
 
-    // What the kernel makes no body of, or triangulates hardly, may still have good faces. They are asked for
-    // in groups, so that a bad one costs no more than its group.
+    // A body that the kernel can't make, or can hardly triangulate, may still have good faces. They are asked
+    // for in groups, so that a bad one costs no more than its group.
     void FaceByFace() {
         for (PendingBody& body : bodies_) {
             if (body.isMade && !body.hasBareFaces) { continue; }
@@ -232,7 +232,7 @@ private:
         if (outcome.end != MeshEnd::kAnswered) { TakeFailure(bodies, outcome); }
     }
 
-    // Instead of those in the text.
+    // Replaces the numbers of the kernel's text by those of the file.
     static void SetOwnNumbers(const KernelInput& input, MeshOutcome* outcome) {
         const auto set = [&](std::uint64_t* number) { *number = input.OwnNumber(*number); };
         set(&outcome->progress.body);
@@ -256,7 +256,8 @@ private:
                 (*body)->AddReason(problem.words);
                 (*body)->isRefused = !(*body)->isMade;
             }
-            for (PendingBody* const body : problem.entity == 0 ? bodies : Bodies{}) {
+            if (problem.entity != 0) { continue; }
+            for (PendingBody* const body : bodies) {
                 if (!body->IsDone()) { body->AddReason(problem.words); }
             }
         }
@@ -268,7 +269,7 @@ private:
         for (const MeshFace& face : body->mesh.faces) { had.AddNew(face.entity); }
         const bool hadNone = body->mesh.faces.empty();
         for (MeshFace& face : from->faces) {
-            // Whose face it is must be known to add it to others.
+            // A face whose number isn't known could be one of those that are there.
             if (!hadNone && (face.entity == 0 || had.Contains(face.entity))) { continue; }
             body->isCoarse = body->isCoarse || isCoarse;
             body->mesh.faces.push_back(std::move(face));

@@ -40,9 +40,10 @@ public:
     // this object.
     explicit Mesher(MesherOptions options, const std::atomic<bool>* cancel = nullptr);
 
-    // The bodies of a part, triangulated together, in the length unit of their context. The default algorithm
-    // first; what that doesn't finish in its share of the time, or lacks faces of, is tried with another one,
-    // body by body, and coarser. Returns within the time limit and the moment that it takes to end a process.
+    // The bodies of a part, triangulated together, in the length unit of their context. Bodies that the
+    // default algorithm doesn't finish in its share of the time, or lacks faces of, are tried with another
+    // one, one by one, and coarser. Returns within the time limit and the moment that it takes to end a
+    // process.
     MeshResult Mesh(const ExchangeFile& file, std::span<const std::uint64_t> bodies, std::uint64_t context);
 
 private:

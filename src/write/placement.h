@@ -33,6 +33,9 @@ inline double Length(Vec3 a) {
 inline Vec3 Unit(Vec3 a) {
     return a * (1.0 / Length(a));
 }
+inline bool IsFinite(Vec3 a) {
+    return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z);
+}
 
 // Where a thing stands: its own origin and its own x and z axes, both of unit length and at right angles.
 struct Placement {

@@ -2,19 +2,14 @@
 
 #include "exchange/arguments.h"
 
-#include <cmath>
 #include <string_view>
 
 namespace tarnwick::prepare {
 
 namespace {
 
-bool IsFinite(Vec3 v) {
-    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-}
-
-// The axes of a transformation operator needn't be at right angles to each other, but what the standard makes
-// of them is (ISO 10303-42, base_axis).
+// The axes of a transformation operator needn't be at right angles to each other; those that the standard
+// derives from them are (ISO 10303-42, base_axis).
 Transform OperatorOf(Vec3 origin, double scale, std::optional<Vec3> x, std::optional<Vec3> y,
                      std::optional<Vec3> z) {
     Transform base;

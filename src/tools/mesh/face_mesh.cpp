@@ -27,10 +27,6 @@ Vec3 Record(const gp_XYZ& v) {
     return {v.X(), v.Y(), v.Z()};
 }
 
-bool IsFinite(Vec3 v) {
-    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-}
-
 // The normals of a surface, in its own direction.
 class SurfaceNormals {
 public:
