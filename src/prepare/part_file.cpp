@@ -59,8 +59,8 @@ private:
     // ---- tessellated
 
     void WriteTessellated() {
-        // Twice over the items, since which lists are shared must be known first, and a file may have
-        // millions of faces: what tells of each needn't be kept.
+        // Goes over the items twice: which lists are shared must be known first, and a file may have too many
+        // faces to keep what was found of each.
         const TellLoss silent = [](std::uint64_t, const std::string&) {};
         for (const ShapeItem& item : options_.shape) {
             if (item.kind == ShapeKind::kTessellated) {
@@ -68,7 +68,7 @@ private:
             }
         }
         const TellLoss tell = [this](std::uint64_t entity, std::string why) { Tell(entity, std::move(why)); };
-        std::vector<StyledFace> loose; // faces that stand directly in the representation
+        std::vector<StyledFace> loose; // faces that are items of the representation themselves
         for (const ShapeItem& item : options_.shape) {
             if (item.kind != ShapeKind::kTessellated) { continue; }
             const SourceBody body = FacesOf(source_.file, item.item, tell);
@@ -92,7 +92,7 @@ private:
     // ---- exact
 
     void WriteExact() {
-        // Those of one context are triangulated together.
+        // Bodies of one context are triangulated together.
         std::map<std::uint64_t, std::vector<const ShapeItem*>> groups;
         for (const ShapeItem& item : options_.shape) {
             if (item.kind == ShapeKind::kExact) { groups[item.context].push_back(&item); }
@@ -209,7 +209,7 @@ private:
         std::vector<EntityId> written;
         written.reserve(styles_.size());
         for (const SurfaceStyle& style : styles_) {
-            // The viewer's readers take the number for the opacity.
+            // The viewer's readers take this number for the opacity.
             const std::optional<double> opacity =
                 style.transparency > 0 ? std::optional<double>(1 - style.transparency) : std::nullopt;
             written.push_back(WriteStyle(&out_, style.colour, opacity));

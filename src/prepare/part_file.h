@@ -13,7 +13,7 @@
 
 namespace tarnwick::prepare {
 
-// A part with the file that its shape stands in.
+// The file that holds a part's shape, and what it says of products and styles.
 struct PartSource {
     const ExchangeFile& file;
     const FileStructure& structure;
@@ -23,7 +23,7 @@ struct PartSource {
 struct PartOptions {
     std::string name; // of the product as it is written
     std::span<const ShapeItem> shape;
-    Transform turn;          // of the whole part, which mirrors or scales it
+    Transform turn;          // of the whole part; mirrors or scales it
     std::uint64_t style = 0; // the item whose style its shape has where that has none of its own; 0 for none
     std::uint64_t context = 0; // in which its items have other styles; 0 for none
     double unit = 1;           // millimetres of one length unit of what is written
@@ -38,8 +38,7 @@ struct PartResult {
     bool isCancelled = false;
 };
 
-// Writes a part file in the viewer's form. Without a triangle what is written is of no use. The sink stays
-// open.
+// Writes a part file in the viewer's form; one without a triangle is of no use. The sink stays open.
 PartResult WritePart(const PartSource& source, const PartOptions& options, ByteSink* sink);
 
 } // namespace tarnwick::prepare

@@ -9,6 +9,7 @@
 #include "prepare/prepare_record.h"
 #include "prepare/top_file.h"
 #include "prepare/whole.h"
+#include "text/lower_case.h"
 #include "write/byte_sink.h"
 
 #include <algorithm>
@@ -21,7 +22,6 @@
 #include <optional>
 #include <set>
 #include <thread>
-#include <unordered_map>
 #include <utility>
 
 namespace tarnwick::prepare {
@@ -30,16 +30,11 @@ namespace {
 
 constexpr std::size_t kLongestStem = 80;
 
-std::string Lower(std::string text) {
-    for (char& c : text) { c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-    return text;
-}
-
 std::string StemOf(const std::string& input) {
     std::string name = NameOf(input);
     for (bool isCut = true; isCut;) {
         isCut = false;
-        const std::string lower = Lower(name);
+        const std::string lower = LowerCase(name);
         for (const char* const ending :
              {".stp", ".step", ".p21", ".stpz", ".stpx", ".stpxz", ".xml", ".gz", ".z", ".zip", ".stpa"}) {
             const std::string_view end(ending);
@@ -65,9 +60,9 @@ std::string FileStem(const std::string& name) {
     return stem;
 }
 
-// The folder of an outcome's parts. The top file names it, so that it must be a name that the viewer's
-// readers take as it stands and don't find too long; others get their hash, since several inputs may share a
-// folder.
+// The folder of an outcome's parts. The top file names it, so its name must be one that the viewer's readers
+// take unchanged and don't find too long. Any other stem is replaced and gets its hash, since several inputs
+// may share a folder.
 std::string PartsFolder(const std::string& stem) {
     constexpr std::string_view kFurther = "-_. +()=";
     const bool isTaken = stem.size() <= kLongestStem && std::all_of(stem.begin(), stem.end(), [&](char c) {
@@ -100,12 +95,12 @@ class SourceTexts {
 public:
     explicit SourceTexts(Whole* whole) : whole_(*whole), places_(whole->files.size()) {}
 
-    // Null where the file can't be read again, for which there may be an error, or is another one by now.
+    // Null where the file can't be read again, then mostly with an error, or is another one by now.
     std::shared_ptr<const ExchangeFile> Get(std::size_t place, std::string* error) {
         WholeFileEntry& entry = whole_.files[place];
         // The top is kept as it was read.
         if (entry.source != nullptr) { return {std::shared_ptr<void>(), entry.source->file.get()}; }
-        // Files are read side by side, each once.
+        // Workers read different files at once, but each file only once.
         const std::lock_guard lock(places_[place].mutex);
         if (std::shared_ptr<const SourceText> known = places_[place].text.lock()) {
             return {known, known->file.get()};
@@ -210,25 +205,15 @@ private:
         return true;
     }
 
-    // One for each product with shape, those of one file after the other.
+    // A job for each product with shape that the root leads to, file by file.
     void PlanJobs() {
         isSingle_ = whole_.products[whole_.root].uses.empty();
-        std::vector<char> isReached(whole_.products.size());
-        std::vector<std::size_t> open{whole_.root};
-        isReached[whole_.root] = 1;
-        while (!open.empty()) {
-            const std::size_t product = open.back();
-            open.pop_back();
-            for (const WholeUse& use : whole_.products[product].uses) {
-                if (isReached[use.child]++ == 0) { open.push_back(use.child); }
-                isReached[use.child] = 1;
-            }
-        }
+        places_ = PlacesOf(whole_);
         std::set<std::string> stems;
         for (std::size_t i = 0; i < whole_.products.size(); ++i) {
-            if (!isReached[i] || whole_.products[i].shape.empty()) { continue; }
+            if (places_[i] == 0 || whole_.products[i].shape.empty()) { continue; }
             std::string stem = FileStem(whole_.products[i].name);
-            for (int next = 2; !stems.insert(Lower(stem)).second; ++next) {
+            for (int next = 2; !stems.insert(LowerCase(stem)).second; ++next) {
                 stem = FileStem(whole_.products[i].name) + "-" + std::to_string(next + static_cast<int>(i));
             }
             Job job;
@@ -256,13 +241,13 @@ private:
             while (threads.size() + 1 < workers) {
                 threads.emplace_back([this] { RunWorker(); });
             }
-        } catch (const std::exception&) {} // no room for a further one; fewer do it as well
+        } catch (const std::exception&) {} // no room for another one; fewer threads do the same
         RunWorker();
         for (std::thread& thread : threads) { thread.join(); }
         texts_ = nullptr;
     }
 
-    // What one thread does. For want of memory it ends, or leaves a part as it is.
+    // What one thread does. Where memory runs out, it goes on with the next part, or ends.
     void RunWorker() {
         WithinMemory([this] {
             std::optional<Mesher> mesher;
@@ -315,7 +300,7 @@ private:
                                      product.context, whole_.unit, mesher},
                                     sink.get());
         }
-        // Nothing to show, or not all of it: what was written so far goes.
+        // A part with nothing to show, or cut short, leaves no file: the sink isn't closed.
         const bool isKept = job->result.triangles > 0 && !job->result.isCancelled;
         if (isKept && !sink->Close()) {
             job->result.triangles = 0;
@@ -376,11 +361,10 @@ private:
     }
 
     void CountPlaces(const std::vector<std::string>& files) {
-        const std::vector<std::size_t> places = PlacesOf(whole_);
         for (const Job& job : jobs_) {
             if (files[job.product].empty()) { continue; }
-            result_.placedParts += places[job.product];
-            result_.placedTriangles += places[job.product] * job.result.triangles;
+            result_.placedParts += places_[job.product];
+            result_.placedTriangles += places_[job.product] * job.result.triangles;
         }
     }
 
@@ -391,7 +375,7 @@ private:
         const bool isArchive = !whole_.files[0].member.empty();
         if (isArchive) { record.inputs.emplace_back(AbsolutePath(top), DigestOfFile(top)); }
         for (const WholeFileEntry& file : whole_.files) {
-            if (!file.member.empty()) { continue; } // the archive stands for them
+            if (!file.member.empty()) { continue; } // the archive is among them
             record.inputs.emplace_back(AbsolutePath(file.path), file.digest);
         }
         for (const std::string& path : whole_.missed) { record.inputs.emplace_back(AbsolutePath(path), ""); }
@@ -403,7 +387,7 @@ private:
             if (!files[job.product].empty()) { add(job.file); }
         }
         record.result = result_;
-        // Without it the next run does the same again, and no more.
+        // Where it can't be written, the next run only does the same work again.
         WriteRecord(RecordPath(), record);
     }
 
@@ -420,7 +404,8 @@ private:
     const std::string partsFolder_; // without the folder that it is in
     PrepareResult result_;
     Whole whole_;
-    bool isSingle_ = false; // the top file is the part
+    std::vector<std::size_t> places_; // how often each product is placed
+    bool isSingle_ = false;           // the top file is the part
     std::vector<Job> jobs_;
     std::atomic<std::size_t> nextJob_{0};
     std::atomic<std::size_t> done_{0};
@@ -431,8 +416,7 @@ private:
 } // namespace
 
 bool PrepareResult::LacksShape() const {
-    return !error.empty() || isCancelled ||
-           std::any_of(losses.begin(), losses.end(), [](const Loss& loss) { return loss.isShape; });
+    return !error.empty() || isCancelled || HasShapeLoss(losses);
 }
 
 std::string OutcomeName(const std::string& input, bool isCompressed) {

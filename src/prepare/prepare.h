@@ -36,15 +36,15 @@ struct PrepareResult {
     std::vector<Loss> losses;
     std::string error; // why there is no outcome, empty otherwise
 
-    bool LacksShape() const;
+    bool LacksShape() const; // whether some shape of the input isn't in the outcome
 };
 
-// How far it is; called by any thread, one at a time.
+// Told how many of the parts are done. Called on any thread, but never twice at once.
 using TellProgress = std::function<void(std::size_t done, std::size_t parts)>;
 
-// Never leaves a file half-written, and the top file only where all parts are there that it names. What it
-// wrote before from the same bytes with the same options is left as it is. Any thread; several processes
-// may fill one folder.
+// Never leaves a half-written file, nor a top file that names a part which isn't there. What it wrote before
+// from the same bytes with the same options is left as it is. `tell` may be empty, `cancel` null. Any thread;
+// several processes may fill one folder.
 PrepareResult Prepare(const std::string& input, const PrepareOptions& options, const TellProgress& tell,
                       const std::atomic<bool>* cancel);
 

@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view kHead = "tarnwick-prepare 1";
 constexpr std::size_t kMostBytes = std::size_t{1} << 30;
 
-// Fields are parted by tabs, lines by line ends, so that neither may stand in a field.
+// Tabs separate fields and line ends separate lines, so a field must have neither.
 std::string Field(std::string_view text) {
     std::string field;
     for (const char c : text) {

@@ -20,10 +20,6 @@ public:
     bool Close() override { return true; }
 };
 
-bool HasShapeLoss(const std::vector<Loss>& losses) {
-    return std::any_of(losses.begin(), losses.end(), [](const Loss& loss) { return loss.isShape; });
-}
-
 bool HasExactShape(const WholeProduct& product) {
     return std::any_of(product.shape.begin(), product.shape.end(),
                        [](const ShapeItem& item) { return item.kind == ShapeKind::kExact; });

@@ -6,10 +6,10 @@
 
 namespace tarnwick::prepare {
 
-// The triangles that stand in a file and all that it refers to.
+// The triangles in a file and in all files that it refers to.
 struct ShapeCount {
     std::size_t placed = 0; // each as often as its part is used
-    // False where there is more to show, exact bodies for example, or something is missing or can't be read.
+    // False where there is more to show, such as exact bodies, or something is missing or can't be read.
     bool isAll = false;
 };
 

@@ -26,7 +26,7 @@ bool IsXml(std::string_view text) {
     return first != std::string_view::npos && text[first] == '<';
 }
 
-// What of the text itself can't be understood; whatever stood there is lost.
+// Tells where the text itself can't be understood, and so something of it is lost.
 void NoteDamage(LoadedSource* source) {
     constexpr std::size_t kMost = 10;
     std::size_t told = 0;

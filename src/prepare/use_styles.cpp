@@ -27,7 +27,7 @@ bool HasStyle(const FileUse& use) {
     return use.style != 0 || use.context != 0;
 }
 
-// The first of all entities that look alike.
+// Replaces each entity by the first of those that look alike.
 class SharedLooks {
 public:
     explicit SharedLooks(const ExchangeFile& file) : styles_(file) {}
@@ -38,8 +38,6 @@ public:
             return style != nullptr ? Look{{0, NumbersOf(*style)}} : Look{};
         });
     }
-    // Whether some look has no number, since there were too many.
-    bool IsOneLost() const { return isOneLost_; }
     std::uint64_t OfContext(std::uint64_t context) {
         return Shared(context, &contexts_, [&] {
             Look look;
@@ -49,6 +47,8 @@ public:
             return look;
         });
     }
+    // Whether some look has no number, since there were too many.
+    bool IsOneLost() const { return isOneLost_; }
 
 private:
     struct Looks {

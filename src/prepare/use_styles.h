@@ -5,8 +5,8 @@
 
 namespace tarnwick::prepare {
 
-// Gives all uses of a file that look alike the same numbers of `style` and `context`, and 0 where such a
-// number changes no look: a part is written once for each look that it has.
+// Gives all uses of a file that look alike the same `style` and `context`, and 0 where these change nothing:
+// a part is written once for each look that it has.
 void ShareUseStyles(const ExchangeFile& file, FileStructure* structure);
 
 } // namespace tarnwick::prepare

@@ -1,14 +1,14 @@
 #include "prepare/whole.h"
 
+#include "exchange/string_text.h"
 #include "platform/files.h"
 #include "platform/paths.h"
-#include "prepare/structure/shape_kinds.h"
 #include "prepare/use_styles.h"
-#include "text/look_up.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstdio>
+#include <limits>
 #include <map>
 #include <set>
 #include <unordered_set>
@@ -30,7 +30,7 @@ struct Node {
     std::vector<ShapeItem> shape;
     std::vector<FileUse> uses; // of nodes
     std::vector<std::string> files;
-    std::size_t origin = kNone; // the root of the file that describes it
+    std::size_t origin = kNone; // the root of the file that describes it, which takes its place
 };
 
 class WholeReader {
@@ -70,7 +70,7 @@ private:
             if (top != kNone) {
                 tops.push_back(top);
             } else if (!member.empty()) {
-                // XML of other kinds may lie beside.
+                // An archive may also hold XML of other kinds.
                 const bool isStep = !member.ends_with(".xml");
                 whole_.losses.push_back({member, 0, "it can't be read: " + lastError_, isStep});
             }
@@ -78,7 +78,7 @@ private:
         return tops;
     }
 
-    // The root over the members of an archive that no other member names; over the first where each is named.
+    // The root over the tops that no other file names; that of the first top where each is named.
     std::size_t RootOfAll(std::vector<std::size_t> tops, const std::string& path) {
         const std::size_t first = tops[0];
         std::erase_if(tops, [this](std::size_t top) { return named_.contains(top); });
@@ -87,7 +87,7 @@ private:
         if (tops.size() == 1) { return RootOf(tops[0]); }
         Node node;
         node.id = TextOf(PathOf(path).stem());
-        for (const std::size_t top : tops) { node.uses.push_back({RootOf(top), {}, ""}); }
+        for (const std::size_t top : tops) { node.uses.push_back({RootOf(top), {}}); }
         nodes_.push_back(std::move(node));
         return nodes_.size() - 1;
     }
@@ -142,7 +142,7 @@ private:
             const WholeFileEntry& entry = whole_.files[file];
             node.id = TextOf(PathOf(entry.member.empty() ? entry.path : entry.member).stem());
             node.file = file;
-            for (const std::size_t child : roots) { node.uses.push_back({child, {}, ""}); }
+            for (const std::size_t child : roots) { node.uses.push_back({child, {}}); }
             root = nodes_.size();
             nodes_.push_back(std::move(node));
         }
@@ -150,14 +150,14 @@ private:
         return root;
     }
 
-    // What a node of an archive names may be another member.
+    // The file that a node of an archive names may be another member.
     std::size_t FollowMember(std::size_t place) {
         const WholeFileEntry& entry = whole_.files[nodes_[place].file];
         if (entry.member.empty()) { return kNone; }
         const std::string folder = TextOf(PathOf(entry.member).parent_path());
         bool isOther = false;
         const std::string member = FindMember(members_, folder, nodes_[place].files, &isOther);
-        // Those of the archive are open, but for the ones that can't be read.
+        // The members are open by now, except those that can't be read.
         return member.empty() ? kNone : Open(entry.path, member);
     }
 
@@ -187,8 +187,8 @@ private:
         if (file != nodes_[place].file) { named_.insert(file); }
         const std::size_t root = RootOf(file);
         if (file == nodes_[place].file || root == place) { return; }
-        // Where a file tells the shape and this one the components, both count; components that both tell
-        // count once.
+        // Where the other file has the shape and this one the components, both count; where both have
+        // components, only these do.
         if (!nodes_[place].uses.empty() && !nodes_[root].uses.empty()) {
             if (nodes_[root].shape.empty()) { return; }
             Node shape;
@@ -196,13 +196,13 @@ private:
             shape.file = file;
             shape.shape = nodes_[root].shape;
             nodes_.push_back(std::move(shape));
-            nodes_[place].uses.push_back({nodes_.size() - 1, {}, ""});
+            nodes_[place].uses.push_back({nodes_.size() - 1, {}});
             return;
         }
         if (nodes_[place].uses.empty() && !hasOwn) {
             nodes_[place].origin = root;
         } else {
-            nodes_[place].uses.push_back({root, {}, ""});
+            nodes_[place].uses.push_back({root, {}});
         }
     }
 
@@ -223,7 +223,7 @@ private:
 
 // ---- one tree
 
-// What mirrors or scales, as a key: rounded, so that noise makes no new part.
+// A transform that mirrors or scales, as a key: rounded, so that noise makes no new part.
 std::array<long long, 9> RoundedOf(const Transform& turn) {
     std::array<long long, 9> rounded{};
     for (std::size_t i = 0; i < 9; ++i) {
@@ -232,8 +232,8 @@ std::array<long long, 9> RoundedOf(const Transform& turn) {
     return rounded;
 }
 
-// Splits a map into one that keeps distances and handedness, and what is left, which goes first: one
-// factor and a mirror where that is all, so that few parts must be made anew.
+// Splits a transform into a rigid one and a rest that is applied before it. The rest is only a factor and a
+// mirror where that suffices, so that few parts must be made anew.
 void Split(const Transform& whole, Transform* rigid, Transform* rest) {
     *rigid = whole;
     *rest = {};
@@ -266,9 +266,9 @@ public:
         FindOrigins();
         CutCircles(Origin(root));
         whole_.root = PlaceOf({Origin(root), RoundedOf({}), 0, 0}, {}, nodes_[root].id);
-        // Products are made as uses of others come up.
+        // Each product that is filled adds those that it uses.
         for (std::size_t i = 0; i < whole_.products.size(); ++i) {
-            if (origin_[i] != emptyNode_) { Fill(i); }
+            if (nodeOf_[i] != emptyNode_) { Fill(i); }
         }
     }
 
@@ -281,7 +281,8 @@ private:
         auto operator<=>(const Key&) const = default;
     };
 
-    // A node whose file tells it gives way to that file's root; a circle of these ends where it began.
+    // A node that another file describes gives way to the root of that file. A circle of such files is told,
+    // and ends anywhere.
     void FindOrigins() {
         for (std::size_t i = 0; i < nodes_.size(); ++i) {
             std::size_t at = i;
@@ -313,7 +314,7 @@ private:
             const std::size_t child = Origin(uses[next].child);
             if (states[child] == kOpen) {
                 whole_.losses.push_back({nodes_[node].id, 0, "it uses itself; that use is left out"});
-                // Cheaper than erasing in the middle; the last use is looked at next.
+                // Cheaper than erasing in the middle.
                 uses[next] = uses.back();
                 uses.pop_back();
                 continue;
@@ -338,13 +339,13 @@ private:
             product.style = key.style;
             product.context = key.context;
             whole_.products.push_back(std::move(product));
-            origin_.push_back(key.node);
+            nodeOf_.push_back(key.node);
         }
         return place->second;
     }
 
     void Fill(std::size_t place) {
-        const Node& node = nodes_[origin_[place]];
+        const Node& node = nodes_[nodeOf_[place]];
         const Transform turn = whole_.products[place].turn;
         const std::uint64_t style = whole_.products[place].style;
         std::vector<WholeUse> uses;
@@ -354,7 +355,7 @@ private:
             Transform rest;
             Split(turn * use.at, &rigid, &rest);
             Key child{Origin(use.child), RoundedOf(rest), use.style != 0 ? use.style : style, use.context};
-            // Their numbers say nothing in another file.
+            // These numbers mean nothing in another file.
             if (nodes_[child.node].file != node.file) { child.style = child.context = 0; }
             uses.push_back({PlaceOf(child, rest, nodes_[use.child].id), rigid});
         }
@@ -362,9 +363,9 @@ private:
         whole_.products[place].uses = std::move(uses);
     }
 
-    // In the viewer's form a file hides components, so that a product with both gets its shape as one more.
-    // Surfaces beside solids are mostly helps for construction; as parts of their own they can be told from
-    // the body.
+    // In the viewer's form a product has a file or components, so the shape of one with both becomes one more
+    // component. Surfaces beside solids are mostly construction geometry; as parts of their own they can be
+    // told from the body.
     void TakeShape(std::size_t place, const Node& node, std::vector<WholeUse>* uses) {
         std::vector<ShapeItem> solids;
         std::vector<ShapeItem> surfaces;
@@ -386,7 +387,7 @@ private:
             uses->push_back({whole_.products.size(), {}});
             whole_.products.push_back(std::move(part));
             // It has no uses to fill in.
-            origin_.push_back(emptyNode_);
+            nodeOf_.push_back(emptyNode_);
         };
         if (!solids.empty()) { add(std::move(solids), " shape"); }
         for (ShapeItem& item : surfaces) { add({item}, " surface"); }
@@ -405,8 +406,8 @@ private:
 
     std::vector<Node> nodes_;
     Whole& whole_;
-    std::vector<std::size_t> origins_;
-    std::vector<std::size_t> origin_; // the nodes of products
+    std::vector<std::size_t> origins_; // of nodes
+    std::vector<std::size_t> nodeOf_;  // of products
     std::map<Key, std::size_t> places_;
     std::set<std::string> names_;
     std::map<std::string, std::size_t> nextNumber_;
@@ -425,11 +426,7 @@ std::string ViewerName(std::string_view name) {
     }
     while (!result.empty() && result.back() == ' ') { result.pop_back(); }
     result.erase(0, std::min(result.find_first_not_of(' '), result.size()));
-    if (result.size() > kLongestName) {
-        std::size_t end = kLongestName;
-        while (end > 0 && (static_cast<unsigned char>(result[end]) & 0xC0) == 0x80) { --end; }
-        result.resize(end);
-    }
+    result.resize(ClippedUtf8(result, kLongestName).size());
     return result;
 }
 
@@ -439,6 +436,7 @@ std::vector<std::size_t> PlacesOf(const Whole& whole) {
     for (const WholeProduct& product : whole.products) {
         for (const WholeUse& use : product.uses) { ++waiting[use.child]; }
     }
+    constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();
     std::vector<std::size_t> places(whole.products.size());
     if (!places.empty()) { places[whole.root] = 1; }
     std::vector<std::size_t> open;
@@ -449,7 +447,7 @@ std::vector<std::size_t> PlacesOf(const Whole& whole) {
         const std::size_t product = open.back();
         open.pop_back();
         for (const WholeUse& use : whole.products[product].uses) {
-            places[use.child] += places[product];
+            places[use.child] += std::min(places[product], kMost - places[use.child]);
             if (--waiting[use.child] == 0) { open.push_back(use.child); }
         }
     }

@@ -15,9 +15,9 @@ namespace tarnwick::prepare {
 // One of the files. Only the first keeps its text; the others are read again when their shape is needed.
 struct WholeFileEntry {
     std::string path;
-    std::string member; // of the archive that this is, empty where it isn't one or its first is meant
+    std::string member; // of the archive that `path` is; empty for the file itself or the first member
     std::string digest;
-    std::unique_ptr<LoadedSource> source; // null where the text was given back
+    std::unique_ptr<LoadedSource> source; // null where the text isn't kept
     FileStructure structure;
 };
 
@@ -47,11 +47,12 @@ struct Whole {
     std::string error;        // why there is nothing, empty otherwise
 };
 
-// `path` is the top file's. Files that are named and not there are among the losses.
+// `path` is the top file's. Files that are named and not there are among the losses. `cancel` may be null;
+// where it becomes true, what was read so far comes back. Any thread.
 Whole LoadWhole(const std::string& path, const std::atomic<bool>* cancel);
 
-// How often each product stands in the whole: uses multiply from the root on. 0 for what the root doesn't
-// lead to.
+// How often each product is placed: uses multiply from the root on. 0 for what the root doesn't lead to; the
+// largest number where none is large enough.
 std::vector<std::size_t> PlacesOf(const Whole& whole);
 
 // A name as the viewer's readers take it: without comma, quote and control characters, at most 200 bytes.

@@ -180,6 +180,7 @@ TEST(FiniteElements, NodesAreInMillimetres) {
     };
     EXPECT_EQ(lengthWith("(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT($,.METRE.))"), 1000);
     EXPECT_EQ(lengthWith("SI_UNIT(*,.CENTI.,.METRE.)"), 10);
+    EXPECT_DOUBLE_EQ(lengthWith("SI_UNIT(*,.PICO.,.METRE.)"), 1e-9);
     EXPECT_NEAR(lengthWith("(CONVERSION_BASED_UNIT('INCH',#999)LENGTH_UNIT()NAMED_UNIT(#1));"
                            "#999=LENGTH_MEASURE_WITH_UNIT(LENGTH_MEASURE(25.4),#998);"
                            "#998=(LENGTH_UNIT()NAMED_UNIT(*)SI_UNIT(.MILLI.,.METRE.))"),

@@ -1,38 +1,21 @@
 #include "prepare/elements/element_nodes.h"
 
 #include "exchange/arguments.h"
+#include "prepare/placement/units.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
-#include <utility>
 
 namespace tarnwick::prepare {
 
 namespace {
 
-// Longer ones count as absent: what many lead to is read for each of them.
+// A longer entity counts as absent: one that many others lead to is read for each of them.
 constexpr std::uint32_t kLongestText = 4096;
-// Of a node, of which one is its point.
+// The items of a node that are looked at; one is its point.
 constexpr std::size_t kMostItems = 4;
 constexpr int kMostConversions = 4;
-
-double PrefixFactor(std::string_view prefix) {
-    constexpr std::array<std::pair<std::string_view, double>, 9> kPrefixes{{{"NANO", 1e-9},
-                                                                            {"MICRO", 1e-6},
-                                                                            {"MILLI", 1e-3},
-                                                                            {"CENTI", 1e-2},
-                                                                            {"DECI", 1e-1},
-                                                                            {"DECA", 1e1},
-                                                                            {"HECTO", 1e2},
-                                                                            {"KILO", 1e3},
-                                                                            {"MEGA", 1e6}}};
-    for (const auto& [name, factor] : kPrefixes) {
-        if (prefix == name) { return factor; }
-    }
-    return 1;
-}
 
 // What a unit is in metres or radians; nothing for any other unit.
 std::optional<double> FactorOf(const ExchangeFile& file, std::uint64_t unit, std::string_view dimension,
@@ -84,7 +67,7 @@ ContextUnits ReadUnits(const ExchangeFile& file, std::uint64_t context) {
     return units;
 }
 
-// What a node or a representation says as a representation.
+// The arguments that a node or another representation has as a representation.
 struct RepresentationArguments {
     std::string_view items;
     std::uint64_t context = 0;
@@ -216,7 +199,7 @@ std::optional<Vec3> ElementNodes::ReadPoint(std::uint64_t instance, const System
                  r * std::cos(angle)};
     }
     const Vec3 at = Apply(system.at, local);
-    // What shows it holds f32.
+    // The viewer's vertices are f32.
     constexpr double kFarthest = std::numeric_limits<float>::max();
     const bool isSomewhere =
         std::abs(at.x) <= kFarthest && std::abs(at.y) <= kFarthest && std::abs(at.z) <= kFarthest;

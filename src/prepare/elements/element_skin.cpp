@@ -12,7 +12,8 @@ constexpr std::uint8_t kEnd = 255; // after the third corner of a triangle
 
 using Face = std::array<std::uint8_t, 4>;
 
-// From outside where the nodes of the base wind about what stands on it.
+// Corners of each face, counter-clockwise seen from outside where those of the base are counter-clockwise
+// seen from the top.
 constexpr std::array<Face, 4> kTetrahedron{
     {{0, 2, 1, kEnd}, {0, 1, 3, kEnd}, {1, 2, 3, kEnd}, {2, 0, 3, kEnd}}};
 constexpr std::array<Face, 5> kPyramid{
@@ -41,7 +42,7 @@ std::size_t CountOf(const Quad& quad) {
     return quad[3] == quad[2] ? 3 : 4;
 }
 
-// Six times the volume of the pyramid of a face over the origin `from`.
+// Six times the signed volume of the pyramid with this base and the apex `from`.
 double VolumeOver(const Quad& quad, Vec3 from, std::span<const Vec3> nodes) {
     const Vec3 a = nodes[quad[0]] - from;
     const Vec3 b = nodes[quad[1]] - from;
@@ -59,8 +60,8 @@ Quad KeyOf(const Quad& quad) {
     return key;
 }
 
-// Whether the corners go upwards from the smallest one, which two faces that lie on one another do if they
-// look the same way.
+// Whether the corners go upwards from the smallest one. Two faces with the same corners look the same way
+// where both do, or neither.
 bool GoesUp(const Quad& quad) {
     const std::size_t count = CountOf(quad);
     const auto smallest = static_cast<std::size_t>(

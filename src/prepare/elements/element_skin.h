@@ -30,15 +30,14 @@ inline bool IsVolume(ElementShape shape) {
 using Quad = std::array<std::uint32_t, 4>;
 
 // Appends the faces of a volume, winding counter-clockwise seen from outside, whichever way round its nodes
-// are listed. A face whose corners fall together has fewer, and none if less than three are left.
+// are listed. A face whose corners coincide has fewer, and is left out if fewer than three remain.
 void AppendFaces(ElementShape shape, std::span<const std::uint32_t> corners, std::span<const Vec3> nodes,
                  std::vector<Quad>* faces);
 
-// A face with each corner once; false if less than three are left.
+// A face with each corner once; false if fewer than three are left.
 bool MakeQuad(std::span<const std::uint32_t> corners, Quad* quad);
 
-// The faces that have volume on one side only, each once, in their order. Volumes that stand twice count
-// once.
+// The faces that have volume on one side only, each once, in their order. Of equal volumes one counts.
 std::vector<Quad> SkinOf(const std::vector<Quad>& faces);
 
 } // namespace tarnwick::prepare

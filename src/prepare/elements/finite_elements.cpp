@@ -16,7 +16,7 @@ namespace tarnwick::prepare {
 namespace {
 
 constexpr std::string_view kElement = "_ELEMENT_REPRESENTATION";
-// A longer one is none: what many lead to is read for each of them.
+// A longer section is ignored: one that many elements lead to is read for each of them.
 constexpr std::uint32_t kLongestSection = 4096;
 constexpr float kUnknown = std::numeric_limits<float>::quiet_NaN();
 
@@ -159,7 +159,7 @@ private:
         mesh_.values.push_back(ValuesOf(text.property, numbers, quad));
     }
 
-    // Each at the corner of the quad that is the element's.
+    // Those of the element's corners, in the order of the quad's.
     std::array<float, 4> ValuesOf(std::uint64_t property, const std::array<std::uint32_t, 8>& numbers,
                                   const Quad& quad) {
         const auto [known, isNew] = sections_.try_emplace(property);

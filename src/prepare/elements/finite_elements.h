@@ -34,10 +34,9 @@ struct ElementMesh {
 // Whether the file has an element of any kind.
 bool HasElements(const ExchangeFile& file);
 
-// Reads all elements of a file. Corners count, nodes within edges and faces don't. Nodes stand in the
+// Reads all elements of a file. Corners count, nodes within edges and faces don't. Nodes are in the
 // coordinate system, cartesian, cylindrical or spherical, of the point representation that lists them. What
-// can't be read is counted with what isn't drawn. Time grows with the file, but for a sort of the faces of
-// volumes.
+// can't be read is counted with what isn't drawn. Linear in the file, but for a sort of the faces of volumes.
 ElementMesh ReadElements(const ExchangeFile& file);
 
 // The thickness with which a mesh without values is written: light blue in the viewer, whatever the others

@@ -33,9 +33,8 @@ Transform Scaling(double factor);
 bool IsIdentity(const Transform& t);
 // Whether distances and handedness stay as they are, to 1e-6.
 bool IsRigid(const Transform& t);
-// Of a placement whose axes may be of any length and at any angle, as files have them: z counts, x as far as
-// it is at a right angle to z; one that can't be told from z gives way to another. ISO 10303-42,
-// axis2_placement_3d.
+// Of a placement whose axes may be of any length and at any angle, as files have them: z counts, and of x the
+// part at a right angle to z; an x along z gives way to another (ISO 10303-42, axis2_placement_3d).
 Transform FromAxes(Vec3 origin, std::optional<Vec3> z, std::optional<Vec3> x);
 // The placement of one that is rigid.
 Placement ToPlacement(const Transform& t);

@@ -14,6 +14,8 @@ namespace {
 // A conversion based unit leads to another, which leads to one of the SI; more steps are a circle.
 constexpr int kMostSteps = 8;
 
+} // namespace
+
 double PrefixFactor(std::string_view prefix) {
     static constexpr std::array<std::pair<std::string_view, double>, 16> kPrefixes{{{"EXA", 1e18},
                                                                                     {"PETA", 1e15},
@@ -36,8 +38,6 @@ double PrefixFactor(std::string_view prefix) {
     }
     return 1;
 }
-
-} // namespace
 
 double LengthUnits::Of(std::uint64_t context) {
     if (const double* const known = known_.Find(context)) { return *known; }

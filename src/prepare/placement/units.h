@@ -5,8 +5,12 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 namespace tarnwick::prepare {
+
+// The factor of an SI prefix, "MILLI" for example; 1 for any other text.
+double PrefixFactor(std::string_view prefix);
 
 // The length units of the contexts of a file (ISO 10303-41, global_unit_assigned_context). Used by one
 // thread.

@@ -10,7 +10,7 @@
 #include <vector>
 
 // Long lists of numbers, read or copied in one pass. `list` is an argument, "((1.,2.,3.),...)", in any
-// layout; 16 bytes after it must be readable. What is broken ends a list, and `isWhole` says so.
+// layout; 16 bytes after it must be readable. A list ends at what is broken; `isWhole` is then false.
 namespace tarnwick::prepare {
 
 // Appends the triples to `out` without blanks and exponents. Returns how many there were.
@@ -28,7 +28,7 @@ enum class ListForm : std::uint8_t { kTriangles, kStrips };
 // `dropped` counts these. Returns the triangles.
 std::size_t CopyLists(std::string_view list, ListForm form, std::size_t most, std::string* out,
                       std::size_t* dropped);
-// Each list as it stands, numbers from 1; nothing is left out. 0 stands for what is no number.
+// Each list as it is written, numbers from 1; nothing is left out, and what is no number becomes 0.
 IndexLists ReadLists(std::string_view list);
 
 } // namespace tarnwick::prepare

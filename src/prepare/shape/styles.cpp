@@ -22,7 +22,7 @@ bool LeadsOn(std::string_view keyword) {
     return std::find(kNames.begin(), kNames.end(), keyword) != kNames.end();
 }
 
-// A style that a file leads through more entities than this isn't one.
+// The most entities of one style that are looked at.
 constexpr int kMostEntities = 256;
 
 double Part(double value) {

@@ -15,7 +15,8 @@ namespace tarnwick::prepare {
 
 namespace {
 
-// In one body, for each instance of the file: sets may list the same items again at every level.
+// How often one body may list items, as a multiple of the file's instances: sets may list the same items
+// again at every level.
 constexpr std::size_t kMostTimes = 16;
 
 // ---- which faces an item has
@@ -25,7 +26,6 @@ public:
     FaceSearch(const ExchangeFile& file, const TellLoss& tell) : file_(file), tell_(tell) {}
 
     SourceBody Run(std::uint64_t item) {
-        body_.entity = item;
         open_.push_back({item, {}, 0, kNone});
         const std::size_t most = kMostTimes * (file_.Instances().size() + 1);
         for (std::size_t i = 0; i < most && !open_.empty(); ++i) {
@@ -85,7 +85,7 @@ private:
         // Curves, wires, edges, vertices and points are no faces.
     }
 
-    // A repositioned item, or one whose attributes stand in the records of its supertypes.
+    // A repositioned item, or one whose attributes are in the records of its supertypes.
     void Complex(const Instance& instance, Open open) {
         const std::string_view text = file_.TextOf(instance);
         const auto of = [&](std::string_view keyword) { return FindRecord(text, keyword); };
@@ -160,7 +160,7 @@ private:
     std::vector<Holder> holders_; // those that were opened
 };
 
-// ---- triangles of strips, fans and curved triangles; indices from 1 with 0 for what is none
+// ---- triangles of strips, fans and curved triangles; indices from 1, and 0 for what is no index
 
 void AppendTriangle(std::array<Index, 3> t, std::size_t most, std::vector<Triangle>* triangles,
                     std::size_t* dropped) {
@@ -249,8 +249,8 @@ void AppendPatches(const IndexLists& patches, const std::vector<Vec3>& control, 
     }
 }
 
-// Those of the points that triangles have, in the order in which they come up, with their normals: many faces
-// may have one long list.
+// Gives a face only those of the points, and of its normals, that its triangles use, in the order in which
+// they come up: many faces may share one long list.
 void TakeUsed(const std::vector<Vec3>& points, MeshFace* face) {
     const bool hasNormals = face->normals.size() == points.size() && points.size() > 1;
     std::vector<Vec3> normals;
@@ -279,7 +279,7 @@ SourceBody FacesOf(const ExchangeFile& file, std::uint64_t item, const TellLoss&
 void MoveFace(const Transform& at, MeshFace* face) {
     if (IsIdentity(at)) { return; }
     for (Vec3& p : face->points) { p = Apply(at, p); }
-    // Normals go with the inverse transposed.
+    // The inverse transposed turns normals.
     Transform turn = at;
     if (const std::optional<Transform> inverse = Inverse(at)) {
         const auto& m = inverse->linear;

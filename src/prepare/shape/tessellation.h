@@ -19,7 +19,7 @@
 // viewer reads.
 namespace tarnwick::prepare {
 
-// A face or a set of triangles in a text. All lists as they stand there.
+// A face or a set of triangles in a text. All lists are as they are written there.
 struct SourceFace {
     std::uint64_t entity = 0;
     std::uint64_t coordinates = 0;
@@ -33,7 +33,6 @@ struct SourceFace {
 
 // A solid, a shell or another item with the faces in it.
 struct SourceBody {
-    std::uint64_t entity = 0;
     std::uint64_t link = 0; // the exact body, 0 for none
     bool isSolid = false;
     std::vector<SourceFace> faces;
@@ -52,8 +51,8 @@ public:
 
     // Faces that will be written, to learn which share their points.
     void Announce(std::span<const SourceFace> faces);
-    // Nothing where no triangle of the face is left. `at` goes before the face's own transform; where both
-    // change nothing, the numbers stay as they are written.
+    // Nothing where no triangle of the face is left. `at` is applied after the face's own transform; where
+    // both change nothing, the numbers stay as they are written.
     std::optional<EntityId> Write(const SourceFace& face, const Transform& at);
     std::size_t Triangles() const { return triangles_; }
 
@@ -62,8 +61,8 @@ private:
         EntityId id;
         std::size_t points = 0;
         bool isWritten = false;
-        std::size_t faces = 0;  // that use it without a list of theirs
-        std::size_t toCome = 0; // of all faces that use it
+        std::size_t faces = 0;  // that number its points directly
+        std::size_t toCome = 0; // faces that will use it
         bool isShared = false;  // by several faces
     };
     std::optional<EntityId> Copy(const SourceFace& face);
@@ -77,9 +76,8 @@ private:
     P21Writer& out_;
     TellLoss tell_;
     LookUp<std::uint64_t, PointList> lists_;
-    // Of the lists that several faces use, up to the last of these, and the last one otherwise.
-    LookUp<std::uint64_t, std::vector<Vec3>> parsed_;
-    std::vector<Vec3> lastParsed_;
+    LookUp<std::uint64_t, std::vector<Vec3>> parsed_; // shared lists, each kept until its last face
+    std::vector<Vec3> lastParsed_;                    // the last list of all others
     std::string scratch_[5];
     std::size_t triangles_ = 0;
 };

@@ -13,9 +13,6 @@ namespace {
 bool IsAnnotation(std::string_view keyword) {
     return keyword.find("ANNOTATION") != std::string_view::npos;
 }
-bool IsTessellation(std::string_view keyword) {
-    return keyword.find("TESSELLATED") != std::string_view::npos;
-}
 
 } // namespace
 
@@ -42,14 +39,14 @@ Annotations::Annotations(const ExchangeFile& file) {
         const Instance* const instance = file.Find(number);
         if (instance == nullptr) { continue; }
         const std::string_view keyword = file.KeywordOf(*instance);
+        const auto has = [keyword](std::string_view word) {
+            return keyword.find(word) != std::string_view::npos;
+        };
         const bool isItem = keyword.empty() ? FindRecord(file.TextOf(*instance), "TESSELLATED_ITEM").IsFound()
-                                            : IsTessellation(keyword) ||
-                                                  keyword.find("TRIANGULATED") != std::string_view::npos;
-        if (!isItem || keyword.find("REPRESENTATION") != std::string_view::npos || !items_.AddNew(number)) {
-            continue;
-        }
+                                            : has("TESSELLATED") || has("TRIANGULATED");
+        if (!isItem || has("REPRESENTATION") || !items_.AddNew(number)) { continue; }
         // Faces and sets hold no further items, but lists of a million numbers.
-        if (keyword.find("TRIANGULATED") == std::string_view::npos) { take(*instance); }
+        if (!has("TRIANGULATED")) { take(*instance); }
     }
 }
 

@@ -62,15 +62,14 @@ private:
         std::uint64_t entity = 0;
         std::size_t parent = kNone;
         std::size_t child = kNone;
-        std::string name;
         std::optional<Transform> at;
-        bool isRead = false; // that is, handed to the parent
+        bool isTaken = false; // by the parent
         std::uint64_t style = 0;
         std::uint64_t context = 0;
     };
     struct UsesBetween { // one parent and one child
         std::vector<std::size_t> uses;
-        std::size_t next = 0; // that may still lack its place
+        std::size_t next = 0; // the first that may still lack its place
     };
     struct OpenItem {
         std::uint64_t item = 0;
@@ -223,7 +222,7 @@ private:
                 return;
             }
             useOf_.Add(instance.number, uses_.size());
-            uses_.push_back({instance.number, parent, child, UseName(arguments), {}, false, 0, 0});
+            uses_.push_back({instance.number, parent, child, {}, false, 0, 0});
         };
         ForEach("NEXT_ASSEMBLY_USAGE_OCCURRENCE", add);
         for (const std::uint32_t place : file_.ComplexInstances()) {
@@ -233,12 +232,7 @@ private:
         }
     }
 
-    static std::string UseName(const Arguments& arguments) {
-        std::string name = StringOf(arguments[1]);
-        return name.empty() ? StringOf(arguments[0]) : name;
-    }
-
-    // Which uses look other than their product: mapped items with a style, and contexts of styles.
+    // Which uses look different from their product: mapped items with a style, and contexts of styles.
     void ReadUseStyles() {
         ForEach("PRESENTATION_STYLE_BY_CONTEXT", [this](const Instance&, const Arguments& arguments) {
             contexts_.AddNew(ReferenceOf(arguments[1]));
@@ -279,9 +273,9 @@ private:
     }
 
     void TakeUse(Use* use) {
-        use->isRead = true;
+        use->isTaken = true;
         out_.products[use->parent].uses.push_back(
-            {use->child, use->at.value_or(Transform{}), use->name, use->style, use->context});
+            {use->child, use->at.value_or(Transform{}), use->style, use->context});
     }
 
     // ---- items
@@ -372,13 +366,13 @@ private:
         } else if (IsConstructiveSolid(keyword)) {
             AddLoss(product, item.item,
                     "a " + std::string(keyword) + " is described by how it is made, which isn't known here");
-        } else if (!keyword.empty() && !IsHelp(keyword)) {
+        } else if (!keyword.empty() && !IsAid(keyword)) {
             ++undrawn_[std::string(keyword)];
         }
     }
 
     // Placements, points and annotations are part of many shapes, and nobody misses them.
-    static bool IsHelp(std::string_view keyword) {
+    static bool IsAid(std::string_view keyword) {
         const auto has = [keyword](std::string_view word) {
             return keyword.find(word) != std::string_view::npos;
         };
@@ -414,7 +408,7 @@ private:
 
     void AddShape(std::size_t product, ShapeKind kind, const OpenItem& item,
                   LookUp<std::uint64_t, char>* taken) {
-        // Several representations of a product list the same body.
+        // Several representations of a product may list the same body.
         if (IsIdentity(item.at) && !taken->AddNew(item.item)) { return; }
         used_.AddNew(item.item);
         const bool isSurface =
@@ -462,19 +456,19 @@ private:
             if (UsesBetween* const between = usesBetween_.Find(PairKey(product, *owner))) {
                 while (between->next < between->uses.size()) {
                     Use& use = uses_[between->uses[between->next++]];
-                    if (use.isRead) { continue; }
+                    if (use.isTaken) { continue; }
                     use.at = item.at * at;
                     use.style = style;
                     return TakeUse(&use);
                 }
                 return; // each has its place already
             }
-            out_.products[product].uses.push_back({*owner, item.at * at, "", style, 0});
+            out_.products[product].uses.push_back({*owner, item.at * at, style, 0});
             return;
         }
         if (owner == nullptr && IsMappedOften(representation)) {
             const std::size_t child = AddMappedProduct(representation);
-            out_.products[product].uses.push_back({child, item.at * at, "", style, 0});
+            out_.products[product].uses.push_back({child, item.at * at, style, 0});
             return;
         }
         if (way.size() > kMostLevels) { return AddLoss(product, item.item, "it is mapped too deeply"); }
@@ -566,15 +560,15 @@ private:
 
     void TakeUnplacedUses() {
         for (Use& use : uses_) {
-            if (use.isRead) { continue; }
+            if (use.isTaken) { continue; }
             TakeUse(&use);
             AddLoss(use.parent, use.entity, "the use has no placement, so that it stands at the origin",
                     false);
         }
     }
 
-    // Bodies that no product leads to. Tessellation counts only where there is nothing else: what is left of
-    // it is often a saved view.
+    // Bodies that no product leads to. Such tessellation counts only where there is nothing else: it is often
+    // a saved view.
     void TakeOrphans() {
         std::vector<OpenItem> orphans;
         for (const char* const keyword : {"MANIFOLD_SOLID_BREP", "BREP_WITH_VOIDS", "FACETED_BREP",
@@ -583,10 +577,7 @@ private:
                 if (!used_.Contains(At(place).number)) { orphans.push_back({At(place).number, 0, 0, {}, 0}); }
             }
         }
-        const bool hasShape =
-            !orphans.empty() || std::any_of(out_.products.begin(), out_.products.end(),
-                                            [](const FileProduct& p) { return !p.shape.empty(); });
-        if (!hasShape) { AddTessellatedOrphans(&orphans); }
+        if (orphans.empty() && !HasShape()) { AddTessellatedOrphans(&orphans); }
         if (orphans.empty()) { return; }
         FindContexts(&orphans);
         const std::size_t product = ProductForOrphans();
@@ -639,10 +630,10 @@ private:
             }
         });
         for (OpenItem& orphan : *orphans) {
-            const auto* const found = listed.Find(orphan.item);
-            if (found == nullptr) { continue; }
-            orphan.representation = found->first;
-            orphan.context = found->second;
+            if (const auto* const found = listed.Find(orphan.item)) {
+                orphan.representation = found->first;
+                orphan.context = found->second;
+            }
         }
     }
 
@@ -665,11 +656,13 @@ private:
     }
 
     void TakeElements() {
-        const bool hasShape = std::any_of(out_.products.begin(), out_.products.end(),
-                                          [](const FileProduct& p) { return !p.shape.empty(); });
-        if (hasShape || !HasElements(file_)) { return; }
+        if (HasShape() || !HasElements(file_)) { return; }
         if (out_.products.empty()) { out_.products.emplace_back(); }
         out_.products[0].shape.push_back({ShapeKind::kElements, false, 0, 0, 0, 1, {}, 0});
+    }
+    bool HasShape() const {
+        return std::any_of(out_.products.begin(), out_.products.end(),
+                           [](const FileProduct& product) { return !product.shape.empty(); });
     }
 
     // Also takes the first product of each circle that nothing outside uses.
@@ -731,12 +724,12 @@ private:
     LengthUnits units_;
     Annotations annotations_;
     FileStructure out_;
-    LookUp<std::uint64_t, std::size_t> places_;         // of products, by definition
-    LookUp<std::uint64_t, std::uint64_t> definitionOf_; // of PRODUCT_DEFINITION_SHAPEs
-    std::vector<std::pair<std::size_t, std::uint64_t>> firstOf_;
-    LookUp<std::uint64_t, std::vector<std::uint64_t>> related_;
-    LookUp<std::uint64_t, PlacedRepresentation> placed_; // by relationship
-    std::vector<std::uint64_t> placedOrder_;
+    LookUp<std::uint64_t, std::size_t> places_;                  // of products, by definition
+    LookUp<std::uint64_t, std::uint64_t> definitionOf_;          // of PRODUCT_DEFINITION_SHAPEs
+    std::vector<std::pair<std::size_t, std::uint64_t>> firstOf_; // products and their own representations
+    LookUp<std::uint64_t, std::vector<std::uint64_t>> related_;  // representations, by representation
+    LookUp<std::uint64_t, PlacedRepresentation> placed_;         // by relationship
+    std::vector<std::uint64_t> placedOrder_;                     // the relationships in the order of the file
     LookUp<std::uint64_t, char> usedRelationships_;
     LookUp<std::uint64_t, std::vector<std::uint64_t>> inside_; // relationships, by the outer representation
     LookUp<std::uint64_t, std::size_t> owner_;                 // products, by representation

@@ -2,6 +2,7 @@
 
 #include "prepare/placement/transform.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -31,9 +32,7 @@ struct ShapeItem {
 struct FileUse {
     std::size_t child = 0; // in the file's products
     Transform at;          // of the child in the parent, in millimetres
-    std::string name;      // of the use, may be empty
-    // The styled item through which it came, whose style its shape has where that has none of its own; 0 for
-    // none.
+    // The mapped item whose style its shape has where that has none of its own; 0 for none.
     std::uint64_t style = 0;
     // The CONTEXT_DEPENDENT_SHAPE_REPRESENTATION in which items of its shape have other styles; 0 for none.
     std::uint64_t context = 0;
@@ -57,13 +56,17 @@ struct Loss {
     bool isShape = true;      // false for what costs no shape: curves, a colour
 };
 
+inline bool HasShapeLoss(const std::vector<Loss>& losses) {
+    return std::any_of(losses.begin(), losses.end(), [](const Loss& loss) { return loss.isShape; });
+}
+
 struct FileStructure {
     std::vector<FileProduct> products;
-    // Mapped items and representations through which items came, whose style one has that has none of its
-    // own. The first path is empty.
+    // Ways to items: the mapped items and representations that lead to one, the outermost first. An item
+    // without a style has that of the innermost with one. The first path is empty.
     std::vector<std::vector<std::uint64_t>> paths{{}};
-    // Products that none of this file uses, in the order of the file; then one of each circle that these
-    // don't lead to.
+    // Products that no product of this file uses, in the order of the file; then one of each circle that
+    // these don't lead to.
     std::vector<std::size_t> roots;
     double unit = 1; // millimetres of a length unit of its first root
     std::vector<Loss> losses;

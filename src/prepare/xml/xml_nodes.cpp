@@ -11,7 +11,7 @@ constexpr int kMostSteps = 16;
 constexpr int kMostAttributes = 64;
 constexpr int kMostChildren = 256;
 
-std::string_view Behind(std::string_view text, char c) {
+std::string_view AfterLast(std::string_view text, char c) {
     const std::size_t at = text.rfind(c);
     return at == std::string_view::npos ? text : text.substr(at + 1);
 }
@@ -36,19 +36,19 @@ pugi::xml_node ElementFrom(pugi::xml_node node) {
 } // namespace
 
 std::string_view LocalName(pugi::xml_node node) {
-    return Behind(node.name(), ':');
+    return AfterLast(node.name(), ':');
 }
 
 std::string_view AttributeOf(pugi::xml_node node, std::string_view name) {
     pugi::xml_attribute attribute = node.first_attribute();
     for (int i = 0; attribute && i < kMostAttributes; ++i, attribute = attribute.next_attribute()) {
-        if (Behind(attribute.name(), ':') == name) { return attribute.value(); }
+        if (AfterLast(attribute.name(), ':') == name) { return attribute.value(); }
     }
     return {};
 }
 
 std::string_view TypeOf(pugi::xml_node node) {
-    return Behind(AttributeOf(node, "type"), ':');
+    return AfterLast(AttributeOf(node, "type"), ':');
 }
 
 pugi::xml_node FirstElement(pugi::xml_node node) {
@@ -116,10 +116,10 @@ std::vector<double> NumbersOf(std::string_view text, std::size_t most) {
         while (p < end && (IsBlank(*p) || *p == ',' || *p == ';')) { ++p; }
         if (p < end && *p == '+') { ++p; }
         double value = 0;
-        const auto [behind, error] = std::from_chars(p, end, value);
+        const auto [after, error] = std::from_chars(p, end, value);
         if (error != std::errc() || !std::isfinite(value)) { return numbers; }
         numbers.push_back(value);
-        p = behind;
+        p = after;
     }
     return numbers;
 }
@@ -130,7 +130,7 @@ std::vector<double> NumbersIn(pugi::xml_node node, std::size_t most, const UidTa
         if (!node) { return {}; }
         std::vector<double> numbers = NumbersOf(OwnTextOf(node), most);
         if (!numbers.empty()) { return numbers; }
-        // One number an element, or one element that has all.
+        // One number in each element, or all in one.
         std::size_t elements = 0;
         for (pugi::xml_node child = FirstElement(node); child && ++elements <= most;
              child = NextElement(child)) {

@@ -8,9 +8,9 @@
 #include <unordered_map>
 #include <vector>
 
-// What is read off the elements of a STEP XML document. Texts are parts of the document's. Each of these
-// looks at a fixed number of attributes, children and references at most, so that an element which many
-// others lead to costs each of them the same, whatever it holds.
+// What the elements of a STEP XML document say. Texts are parts of the document's. Each function looks at a
+// limited number of attributes, children and references, so that an element which many others lead to costs
+// each of them little, whatever it holds.
 namespace tarnwick::prepare {
 
 // The elements of a document by their uid; the first counts.
@@ -34,8 +34,7 @@ pugi::xml_node ChildOf(pugi::xml_node node, std::string_view name);
 pugi::xml_node FirstElement(pugi::xml_node node);
 pugi::xml_node NextElement(pugi::xml_node node);
 
-// What an element leads to: itself, or over its uidRef the element with that uid. Null for one that isn't
-// there.
+// What an element leads to: itself, or the element that its uidRef names. Null where that isn't there.
 pugi::xml_node Referred(pugi::xml_node node, const UidTable& table);
 
 // The text right inside an element, without blanks around it.
@@ -45,8 +44,8 @@ std::string_view TextOf(pugi::xml_node node);
 // The id of an element: <Id id="x"/>, <Id><Identifier id="x"/></Id> or <Id>x</Id>; empty without one.
 std::string_view IdOf(pugi::xml_node node);
 
-// The numbers of a text that blanks or commas separate, at most `most`; those before the first that isn't
-// one.
+// The numbers of a text, at most `most`, up to the first that isn't one. Blanks, commas or semicolons
+// separate them.
 std::vector<double> NumbersOf(std::string_view text, std::size_t most);
 // The numbers of an element, in its text or in those of the elements inside it.
 std::vector<double> NumbersIn(pugi::xml_node node, std::size_t most, const UidTable& table);

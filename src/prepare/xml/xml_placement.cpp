@@ -48,8 +48,8 @@ bool IsAxisPlacement(pugi::xml_node node) {
     return ChildOf(node, "RefDirection") || ChildOf(node, "Position") || ChildOf(node, "Location");
 }
 
-// A child that may lead on to a placement: the first whose name or type says so, else the first of all that
-// aren't there for people.
+// A child that may lead on to a placement: the first whose name says so, else the first that isn't there for
+// people.
 pugi::xml_node WayOn(pugi::xml_node node) {
     pugi::xml_node other;
     pugi::xml_node child = FirstElement(node);

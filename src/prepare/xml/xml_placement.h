@@ -8,7 +8,7 @@
 
 namespace tarnwick::prepare {
 
-// A transformation that stands between two axis placements, each an item of a representation.
+// A transformation given by two axis placements, each an item of a representation.
 struct AxisPair {
     pugi::xml_node origin;
     pugi::xml_node target;
@@ -19,8 +19,8 @@ struct PlacementContext {
     const UidTable* uids = nullptr;
     // Millimetres of the length unit in which an item is given.
     std::function<double(pugi::xml_node)> unitOf;
-    // Whether the origin of a pair is an item of the product that uses and its target one of that which is
-    // used, so that the two have changed places.
+    // Whether the origin of a pair is an item of the parent and its target one of the child, so that the two
+    // have changed places.
     std::function<bool(const AxisPair&)> isTurnedAround;
 };
 

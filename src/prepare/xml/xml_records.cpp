@@ -10,7 +10,7 @@ namespace tarnwick::prepare {
 
 namespace {
 
-// Longer names are none: each part with the file keeps its own.
+// A longer name is ignored: each part with the file keeps a copy.
 constexpr std::size_t kLongestFile = 1024;
 // Of one file.
 constexpr std::size_t kMostNames = 4;
@@ -30,7 +30,7 @@ constexpr Names<2> kContexts{"RepresentationContext", "GeometricCoordinateSpace"
 constexpr Names<4> kItems{"AxisPlacement", "RepresentationItem", "CartesianTransformation",
                           "RepresentationRelationship"};
 constexpr Names<7> kStepNames{"stp", "step", "p21", "stpz", "stpx", "stpxz", "stpa"};
-// Elements that belong to a part but say nothing of its shape.
+// Files that belong to a part but say nothing of its shape.
 constexpr Names<16> kPaperNames{"pdf", "doc",  "docx", "xls", "xlsx", "ppt", "pptx", "txt",
                                 "htm", "html", "png",  "jpg", "jpeg", "tif", "tiff", "csv"};
 
@@ -48,12 +48,12 @@ FileRank RankOf(std::string_view name) {
     if (extension == "z" || extension == "gz" || extension == "zip") {
         extension = ExtensionOf(name.substr(0, name.rfind('.')));
     }
-    if (IsOneOf<kStepNames.size()>(extension, kStepNames)) { return FileRank::kStep; }
-    if (IsOneOf<kPaperNames.size()>(extension, kPaperNames)) { return FileRank::kNoShape; }
+    if (IsOneOf(extension, kStepNames)) { return FileRank::kStep; }
+    if (IsOneOf(extension, kPaperNames)) { return FileRank::kNoShape; }
     return FileRank::kOther;
 }
 
-// What an element stands in.
+// What an element is inside of.
 struct Surroundings {
     std::size_t part = kNone;
     std::size_t view = kNone;
@@ -314,7 +314,7 @@ std::vector<std::size_t> FilesOfHolders(const XmlRecords& records) {
     std::vector<std::size_t> next(start.begin(), start.end() - 1);
     for (const auto& [from, to] : leads) { sources[next[to]++] = from; }
 
-    // From the best files on to all that lead there; whoever is reached first is done.
+    // From each file, the best ones first, to all that lead there; a holder keeps the first that reaches it.
     std::vector<std::size_t> fileOf(count, kNone);
     std::vector<std::size_t> open;
     for (const FileRank rank : {FileRank::kStep, FileRank::kOther}) {

@@ -27,7 +27,7 @@ struct XmlHolder {
 
 struct XmlUse {
     pugi::xml_node node;
-    std::size_t view = kNone; // in which it stands
+    std::size_t view = kNone; // that it is in
 };
 
 struct XmlOccurrence {
@@ -80,7 +80,7 @@ struct XmlRecords {
 // One pass over all elements.
 XmlRecords CollectXml(const pugi::xml_document& document);
 
-// Of each holder the holder that is the file which it leads to, or kNone.
+// For each holder the file that it leads to, as a holder too, or kNone.
 std::vector<std::size_t> FilesOfHolders(const XmlRecords& records);
 
 // Millimetres of a unit of length, by its name and prefix; nothing for any other unit.

@@ -15,17 +15,6 @@ namespace {
 // The most uses that a document gets from quantities: a short text may ask for any number of pieces.
 constexpr std::size_t kMostExtraPieces = 10'000;
 
-// Names are copied wherever their part is used, so they must not have any length.
-std::string Shortened(std::string_view name) {
-    constexpr std::size_t kLongest = 300;
-    if (name.size() > kLongest) {
-        std::size_t end = kLongest;
-        while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) { --end; }
-        name = name.substr(0, end);
-    }
-    return AsUtf8(name);
-}
-
 std::size_t LookUp(const std::unordered_map<std::string_view, std::size_t>& table, std::string_view uid) {
     const auto found = table.find(uid);
     return found == table.end() ? kNone : found->second;
@@ -50,8 +39,8 @@ private:
     struct ResolvedUse {
         pugi::xml_node node;
         pugi::xml_node occurrence;  // may be null
-        std::size_t parent = kNone; // a view, and a product later on
-        std::size_t child = kNone;
+        std::size_t parent = kNone; // a view
+        std::size_t child = kNone;  // likewise
     };
 
     void Lose(std::size_t part, std::string why, bool isShape) {
@@ -60,11 +49,12 @@ private:
     }
     static std::string NameOf(const XmlPart& part) {
         const std::string_view name = TextOf(ChildOf(part.node, "Name"));
-        return Shortened(name.empty() ? IdOf(part.node) : name);
+        // It is copied for each loss, of which a part may have many.
+        return AsUtf8(ClippedUtf8(name.empty() ? IdOf(part.node) : name, 300));
     }
 
-    // The units that contexts name come before those that just stand in the document. One that a property or
-    // an amount refers to tells nothing of placements: lengths of cable are in metres.
+    // A unit that a context names comes before one that is merely in the document. A unit that a property or
+    // an amount refers to says nothing about placements: lengths of cable are in metres.
     void FindUnits() {
         unitOfContext_.assign(r_.contexts.size(), 0);
         for (std::size_t i = 0; i < r_.contexts.size(); ++i) {
@@ -112,8 +102,8 @@ private:
         return true;
     }
 
-    // What a reference of a use leads to: the uid of the element itself, or of the first one inside.
-    std::string_view UidBehind(pugi::xml_node node) const {
+    // The uid that a reference of a use leads to: that of the element itself, or of the first one inside.
+    std::string_view UidIn(pugi::xml_node node) const {
         for (int step = 0; node && step < 4; ++step, node = FirstElement(node)) {
             if (!UidRefOf(node).empty()) { return UidRefOf(node); }
             if (!UidOf(node).empty()) { return UidOf(node); }
@@ -125,7 +115,7 @@ private:
         if (at == kNone) { return LookUp(r_.viewOf, uid); }
         const XmlOccurrence& found = r_.occurrences[at];
         *occurrence = found.node;
-        const std::string_view definition = UidBehind(ChildOf(found.node, "Definition"));
+        const std::string_view definition = UidIn(ChildOf(found.node, "Definition"));
         const std::size_t view = LookUp(r_.viewOf, definition);
         return view == kNone ? found.view : view;
     }
@@ -137,9 +127,9 @@ private:
             ResolvedUse resolved{use.node, {}, use.view, kNone};
             if (resolved.parent == kNone) {
                 pugi::xml_node none;
-                resolved.parent = ViewOf(UidBehind(ChildOf(use.node, "Relating")), &none);
+                resolved.parent = ViewOf(UidIn(ChildOf(use.node, "Relating")), &none);
             }
-            resolved.child = ViewOf(UidBehind(ChildOf(use.node, "Related")), &resolved.occurrence);
+            resolved.child = ViewOf(UidIn(ChildOf(use.node, "Related")), &resolved.occurrence);
             if (resolved.parent == kNone || resolved.child == kNone) {
                 const std::size_t part = resolved.parent == kNone ? kNone : r_.views[resolved.parent].part;
                 Lose(part, "one of its uses leads to no part", true);
@@ -225,7 +215,7 @@ private:
         return context;
     }
     std::string_view RepresentationOf(pugi::xml_node axes) const {
-        const auto place = r_.placeOf.find(UidBehind(axes));
+        const auto place = r_.placeOf.find(UidIn(axes));
         return place == r_.placeOf.end() ? std::string_view{} : place->second.representation;
     }
 
@@ -243,18 +233,13 @@ private:
         return {};
     }
 
-    std::string UseName(const ResolvedUse& use) const {
-        const std::string_view name = TextOf(ChildOf(use.occurrence, "Name"));
-        return Shortened(name.empty() ? IdOf(use.occurrence) : name);
-    }
-
     void PlaceUses() {
         std::size_t extra = 0;
         for (const ResolvedUse& use : uses_) {
             const std::size_t parent = productOf_[use.parent];
             if (parent == kNone) { continue; } // of a view that is left out
             const std::size_t pieces = PiecesOf(use);
-            const FileUse placed{productOf_[use.child], PlacementOf(use), UseName(use)};
+            const FileUse placed{productOf_[use.child], PlacementOf(use)};
             const bool isWithin = pieces - 1 <= kMostExtraPieces - extra;
             if (isWithin) {
                 extra += pieces - 1;
@@ -266,7 +251,7 @@ private:
         }
     }
 
-    // Takes out each use that closes a circle, from the products on that nobody uses.
+    // Takes out each use that closes a circle; begins at the products that nobody uses.
     void CutCircles() {
         enum class State : char { kNew, kOpen, kDone };
         std::vector<State> states(structure_.products.size(), State::kNew);
@@ -307,7 +292,7 @@ private:
         return view == kNone ? kNone : r_.views[view].part;
     }
 
-    // Views that are left out count too: what only an older version uses is no root.
+    // Uses by views that are left out count too: what only an older version uses is no root.
     std::vector<std::size_t> Unused() const {
         std::vector<std::size_t> unused;
         for (std::size_t i = 0; i < structure_.products.size(); ++i) {
@@ -357,7 +342,7 @@ bool ReadXmlStructure(std::string_view text, FileStructure* structure, std::stri
         *error =
             "line " + std::to_string(1 + std::count(text.begin(), end, '\n')) + ": " + result.description();
     }
-    // A text that is cut or broken has given what stands before.
+    // A text that is cut or broken gives what comes before.
     XmlRecords records = CollectXml(document);
     if (!records.hasData || result.status == pugi::status_out_of_memory) {
         if (error->empty()) { *error = "it has no DataContainer"; }
