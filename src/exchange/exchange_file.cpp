@@ -6,6 +6,7 @@
 #include "text/parse_real.h"
 
 #include <algorithm>
+#include <charconv>
 #include <deque>
 #include <limits>
 #include <numeric>
@@ -23,14 +24,8 @@ bool IsKeywordCharacter(char c) {
 // The number after a "#", and where it ends; 0 for none and for one beyond 64 bits.
 std::uint64_t ReadNumber(const char* p, const char* end, const char** after) {
     std::uint64_t number = 0;
-    bool fits = true;
-    for (; p < end && IsDigit(*p); ++p) {
-        const auto digit = static_cast<std::uint64_t>(*p - '0');
-        fits = fits && number <= (std::numeric_limits<std::uint64_t>::max() - digit) / 10;
-        number = fits ? number * 10 + digit : 0;
-    }
-    *after = p;
-    return fits ? number : 0;
+    *after = std::from_chars(p, end, number).ptr;
+    return number;
 }
 
 // Whether an instance begins at `p`: "#12 =".

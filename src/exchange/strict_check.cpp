@@ -1,12 +1,12 @@
 #include "exchange/strict_check.h"
 
+#include "exchange/arguments.h"
 #include "exchange/token_cursor.h"
 #include "text/look_up.h"
 #include "text/parse_real.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -152,7 +152,7 @@ private:
     void SkipSection() {
         while (!IsKeyword("ENDSEC") && !Is(TokenKind::kEnd)) {
             // A section of references gives numbers to what other files hold.
-            if (Is(TokenKind::kReference)) { numbers_.AddNew(NumberOf(token_.text)); }
+            if (Is(TokenKind::kReference)) { numbers_.AddNew(ReferenceOf(token_.text)); }
             Advance();
         }
         EndSection();
@@ -198,7 +198,7 @@ private:
             Note(token_.text, "an instance begins with # and a number");
             return false;
         }
-        const std::uint64_t number = NumberOf(token_.text);
+        const std::uint64_t number = ReferenceOf(token_.text);
         if (number == 0) { Note(token_.text, "the number of an instance is from 1 on"); }
         if (!numbers_.AddNew(number)) {
             Note(token_.text, "the number " + std::string(token_.text) + " stands twice");
@@ -293,16 +293,10 @@ private:
         return true;
     }
 
-    static std::uint64_t NumberOf(std::string_view reference) {
-        std::uint64_t number = 0;
-        std::from_chars(reference.data() + 1, reference.data() + reference.size(), number);
-        return number;
-    }
-
     void CheckReferences() {
         for (const std::string_view reference : references_) {
             if (IsFull()) { return; }
-            if (!numbers_.Contains(NumberOf(reference))) {
+            if (!numbers_.Contains(ReferenceOf(reference))) {
                 Note(reference, std::string(reference) + " leads to no instance");
             }
         }

@@ -1,5 +1,6 @@
 #include "mesher/kernel_text.h"
 
+#include "exchange/arguments.h"
 #include "exchange/exchange_file.h"
 #include "exchange/token_cursor.h"
 #include "text/look_up.h"
@@ -75,15 +76,8 @@ Role RoleOfKeyword(std::string_view keyword) {
     return role;
 }
 
-// Beyond, numbers would have more than 31 bits.
+// More than these would get numbers of over 31 bits.
 constexpr std::size_t kMostRenumbered = 147'000'000;
-
-std::uint64_t NumberOf(std::string_view reference) {
-    std::uint64_t number = 0;
-    const char* const end = reference.data() + reference.size();
-    const auto [last, error] = std::from_chars(reference.data() + 1, end, number);
-    return error == std::errc{} && last == end ? number : 0;
-}
 
 void AppendNumber(std::uint64_t number, std::string* out) {
     char digits[24];
@@ -194,7 +188,7 @@ public:
 
 private:
     void PutReference(std::string_view reference) {
-        const std::uint64_t number = Want(NumberOf(reference));
+        const std::uint64_t number = Want(ReferenceOf(reference));
         if (number == 0) {
             out_ += '$';
             return;
@@ -245,7 +239,7 @@ private:
         TokenCursor tokens(file_.TextOf(instance));
         for (Token token = tokens.Next(); token.kind != TokenKind::kEnd; token = tokens.Next()) {
             if (token.kind != TokenKind::kReference) { continue; }
-            const Instance* const face = file_.Find(NumberOf(token.text));
+            const Instance* const face = file_.Find(ReferenceOf(token.text));
             const std::uint64_t number = face != nullptr && roles_.Of(*face).isFace ? Want(face->number) : 0;
             if (number == 0) { continue; }
             out_ += separator;
@@ -361,7 +355,7 @@ std::vector<std::uint64_t> FacesOf(const ExchangeFile& file, std::uint64_t body)
         const bool isSet = roles.Of(instance).isSet;
         TokenCursor tokens(file.TextOf(instance));
         for (Token token = tokens.Next(); token.kind != TokenKind::kEnd; token = tokens.Next()) {
-            if (token.kind == TokenKind::kReference) { visit(NumberOf(token.text), isSet); }
+            if (token.kind == TokenKind::kReference) { visit(ReferenceOf(token.text), isSet); }
         }
     }
     return faces;
