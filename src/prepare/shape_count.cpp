@@ -84,7 +84,7 @@ ShapeCount Count(const Whole& whole, const std::atomic<bool>* cancel) {
         if (!triangles) { return count; }
         count.placed += places[i] * *triangles;
     }
-    count.isAll = true;
+    count.isAll = cancel == nullptr || !*cancel; // else some of the whole may not be read
     return count;
 }
 

@@ -3,12 +3,15 @@
 
 #include "exchange/exchange_file.h"
 #include "exchange/strict_check.h"
+#include "prepare/shape_count.h"
+#include "prepare/whole.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
+#include <limits>
 
 namespace tarnwick::test {
 namespace {
@@ -170,6 +173,25 @@ TEST(Outcome, OfACancelledRunIsNoTopFile) {
         prepare::Prepare(path, PlainOptions(folder.Path("out")), {}, &cancel);
     EXPECT_TRUE(result.isCancelled);
     EXPECT_FALSE(fs::exists(folder.Path("out/top.stp")));
+}
+
+TEST(Outcome, OfACancelledCountIsThatThereMayBeMore) {
+    const TempFolder folder;
+    const std::string path = folder.Write("bare.step", ExchangeText().Text());
+    std::atomic<bool> cancel{false};
+    EXPECT_TRUE(prepare::CountShape(path, &cancel).isAll);
+    cancel = true;
+    EXPECT_FALSE(prepare::CountShape(path, &cancel).isAll);
+}
+
+TEST(Outcome, OfMorePlacesThanANumberHoldsIsTheLargestNumber) {
+    constexpr std::size_t kLevels = 70;
+    prepare::Whole whole;
+    whole.products.resize(kLevels + 1);
+    for (std::size_t i = 0; i < kLevels; ++i) { whole.products[i].uses = {{i + 1, {}}, {i + 1, {}}}; }
+    const std::vector<std::size_t> places = prepare::PlacesOf(whole);
+    EXPECT_EQ(places[10], 1024u);
+    EXPECT_EQ(places[kLevels], std::numeric_limits<std::size_t>::max());
 }
 
 TEST(Outcome, TellsWhatIsNoStepFile) {

@@ -15,7 +15,7 @@ namespace {
 // The most uses that a document gets from quantities: a short text may ask for any number of pieces.
 constexpr std::size_t kMostExtraPieces = 10'000;
 
-std::size_t LookUp(const std::unordered_map<std::string_view, std::size_t>& table, std::string_view uid) {
+std::size_t PlaceIn(const std::unordered_map<std::string_view, std::size_t>& table, std::string_view uid) {
     const auto found = table.find(uid);
     return found == table.end() ? kNone : found->second;
 }
@@ -111,12 +111,12 @@ private:
         return {};
     }
     std::size_t ViewOf(std::string_view uid, pugi::xml_node* occurrence) const {
-        const std::size_t at = LookUp(r_.occurrenceOf, uid);
-        if (at == kNone) { return LookUp(r_.viewOf, uid); }
+        const std::size_t at = PlaceIn(r_.occurrenceOf, uid);
+        if (at == kNone) { return PlaceIn(r_.viewOf, uid); }
         const XmlOccurrence& found = r_.occurrences[at];
         *occurrence = found.node;
         const std::string_view definition = UidIn(ChildOf(found.node, "Definition"));
-        const std::size_t view = LookUp(r_.viewOf, definition);
+        const std::size_t view = PlaceIn(r_.viewOf, definition);
         return view == kNone ? found.view : view;
     }
 
