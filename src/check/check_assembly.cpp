@@ -56,7 +56,7 @@ private:
     }
     bool IsFirstVisit(const P42Ent* entity) { return entity != nullptr && visited_.insert(entity).second; }
 
-    // The reader goes past as many commas as arguments stand before this reference.
+    // The reader goes past `commas` commas to this reference.
     void CheckWay(const P42Ent* entity, const Arguments& arguments, std::size_t place, int commas) {
         if (place >= arguments.size()) { return; }
         file_.IsMissed(entity, EntityText(model_, entity), commas, '#', arguments[place],
@@ -85,7 +85,7 @@ private:
         CheckRelationship(use, At(arguments, 0));
     }
 
-    // The transformation stands after the third "(" of the relationship.
+    // The reader looks for the transformation after the third "(" of the relationship.
     void CheckRelationship(const P42Ent* use, const P42Ent* relationship) {
         if (relationship == nullptr) { return; }
         const auto [place, isNew] = transforms_.try_emplace(relationship);
@@ -214,7 +214,7 @@ private:
             {.kind = FindingKind::kNoFileName, .entity = document->id, .offset = document->offset}};
     }
 
-    // The place of a name among those of the references. A name is known by where it stands.
+    // The place of a name among those of the references. Names are told apart by their places in the text.
     std::size_t PlaceOf(std::string_view name, bool isFile) {
         LookUp<std::int32_t, std::size_t>& places = isFile ? filePlaces_ : productPlaces_;
         const std::int32_t offset = name.empty() ? 0 : OffsetOf(model_, name.data());
@@ -225,7 +225,7 @@ private:
         return references_->names.size() - 1;
     }
 
-    // Products that no reference gives a file: those with a shape, and those that nothing hangs under.
+    // Products that no reference gives a file: those with a shape, and those that use no others.
     void NoteBareProducts() {
         std::unordered_set<std::uint64_t> hasShape;
         for (const prepare::FileProduct& product : file_.structure.products) {

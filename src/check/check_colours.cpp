@@ -12,8 +12,8 @@ namespace tarnwick {
 
 namespace {
 
-// Whether the text holds a reference of too many digits, which ends the program where a style's chain meets
-// it.
+// Whether the text holds a reference of too many digits, which ends the program when the chain of a style
+// comes to it.
 bool HasLongReference(const StepModel& model) {
     const std::string_view text(model.text, static_cast<std::size_t>(model.textEnd - model.text));
     for (std::size_t at = text.find('#'); at != std::string_view::npos; at = text.find('#', at + 1)) {

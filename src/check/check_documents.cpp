@@ -1,5 +1,5 @@
-// STEP XML: the documents are read as the load reads them, then their tags are gone through once more with
-// the states of that reader, to find where it waits for a tag that doesn't come.
+// STEP XML: reads the documents as the load does, then goes through their tags once more with the states of
+// that reader, to find where it waits for a tag that doesn't come.
 
 #include "check/check_documents.h"
 
@@ -25,7 +25,7 @@ namespace {
 
 using std::string_view;
 
-// Stands for an "&" on which the load would stand still.
+// Replaces an "&" on which the load would stand still.
 constexpr char kStop = '\x1A';
 constexpr string_view kAmpersand = "&amp;";
 
@@ -85,7 +85,7 @@ constexpr Move kMoves[] = {
     {State::kFiles, "</Files", State::kDefinition},
 };
 
-// Past the ">" of the tag at `p`: quotes hide one.
+// Past the ">" of the tag at `p`; one in quotes doesn't end it.
 const char* TagEnd(const char* p, const char* end) {
     char quote = '\0';
     for (; p < end; ++p) {
@@ -111,7 +111,7 @@ public:
             const bool isScanned =
                 state_ == State::kStart ? ScanTagName(&scan_) : ScanTagWithAttributes(&scan_);
             if (!isScanned) { break; }
-            // Attributes of a tag without any are looked for in what follows.
+            // The reader looks for the attributes of a tag without any in what follows.
             const char* const tagEnd = TagEnd(scan_.tag.data(), end_);
             if (state_ != State::kStart && scan_.at >= tagEnd) {
                 Add(FindingKind::kDocument, scan_.tag.data(),
@@ -328,13 +328,13 @@ private:
         }
     }
 
-    // Replaces each "&" in an element's text but that of "&amp;", and returns how many there were.
+    // Replaces each "&" in the text of an element except that of "&amp;". Returns how many there were.
     static std::size_t MarkStops(char* text, std::size_t size) {
         std::size_t stops = 0;
         const char* const end = text + size;
         for (char* p = text; p < end; ++p) {
             if (*p == '<') {
-                p = text + (TagEnd(p, end) - text) - 1;
+                p += TagEnd(p, end) - p - 1;
             } else if (*p == '&' &&
                        !string_view(p, static_cast<std::size_t>(end - p)).starts_with(kAmpersand)) {
                 *p = kStop;
@@ -413,7 +413,7 @@ private:
                   [](const DocumentFile& a, const DocumentFile& b) { return a.path < b.path; });
     }
 
-    // Placed parts, and the products whose file hides what hangs under them.
+    // Counts placed parts, and tells of products whose file hides their components.
     void WalkTree(const ProductNode& root) {
         // A product whose uses aren't read may have more than it seems.
         const bool isUseLost =

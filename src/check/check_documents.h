@@ -16,17 +16,18 @@ struct DocumentFile {
     std::string product;
 };
 
-// What STEP XML documents say, read as the load reads them but for the texts on which it stands still.
+// What STEP XML documents say. They are read as the load reads them, except where it would never return.
 struct CheckedDocuments {
     std::vector<std::string> paths;     // of the documents that could be opened; the first is the root
     std::vector<Finding> findings;      // `file` is the place among the paths
     std::vector<DocumentFile> unread;   // documents that could not be opened
     std::vector<DocumentFile> tooLarge; // likewise, for want of memory
-    std::vector<DocumentFile> parts;    // P21 files, each once
+    std::vector<DocumentFile> parts;    // files of parts, each once
     std::int64_t placedParts = 0;       // uses of products with a part file, multiplied through
 };
 
-// `archive` is null for files. `rootName` may be null.
+// `path` is that of the root document; in an archive, its member. `archive` is null for files, `rootName`
+// where the whole document is meant.
 CheckedDocuments CheckDocuments(const std::string& path, const char* rootName, DocumentArchive* archive);
 
 } // namespace tarnwick

@@ -5,18 +5,18 @@ namespace tarnwick {
 
 namespace {
 
-void CheckReferences(CheckedFile& file, const P42Ent* entity, std::string_view behindEquals) {
-    ReferenceFinder references(behindEquals);
+void CheckReferences(CheckedFile& file, const P42Ent* entity, std::string_view afterEquals) {
+    ReferenceFinder references(afterEquals);
     std::int32_t id = 0;
     std::size_t digits = 0;
     std::size_t at = 0;
     while (references.Next(&id, &digits, &at)) {
         if (digits >= kDigitRoom) {
-            file.AddAt(FindingKind::kTooLong, entity, behindEquals.data() + at,
+            file.AddAt(FindingKind::kTooLong, entity, afterEquals.data() + at,
                        "refers to a number of more than " + std::to_string(kDigitRoom - 1) + " digits");
         } else if (file.model.Find(id) == nullptr) {
-            file.AddAt(FindingKind::kMissing, entity, behindEquals.data() + at,
-                       "refers to " + std::string(behindEquals.substr(at, digits + 1)) +
+            file.AddAt(FindingKind::kMissing, entity, afterEquals.data() + at,
+                       "refers to " + std::string(afterEquals.substr(at, digits + 1)) +
                            ", which isn't there");
         }
     }

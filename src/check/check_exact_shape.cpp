@@ -1,5 +1,4 @@
-// What shape a file really holds, whatever the readers make of it: exact bodies that nothing tessellated
-// stands for, and files without any.
+// Exact bodies without tessellation, and files without any shape, as the full readers see them.
 
 #include "check/check_file.h"
 #include "exchange/arguments.h"
@@ -15,7 +14,7 @@ std::string Counted(std::size_t count, const char* one, const char* many) {
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
-// Of a file without bodies.
+// Tells what a file without bodies holds instead.
 void CheckFaces(CheckedFile& file) {
     const auto faces = file.exchange.OfKeyword("ADVANCED_FACE");
     if (faces.empty()) {
@@ -27,8 +26,8 @@ void CheckFaces(CheckedFile& file) {
     }
 }
 
-// What the tessellated solids and shells of a file stand for, by the links in them. Nothing is known of exact
-// shape where one has no link.
+// The exact bodies and shells that the tessellated ones of a file link to. Where one has no link, it may
+// stand for any.
 class Links {
 public:
     explicit Links(const ExchangeFile& file) : file_(file) {
@@ -42,6 +41,7 @@ public:
         }
     }
 
+    // Whether some tessellation may stand for a body.
     bool MayTell(std::uint64_t body) {
         if (!isAllLinked_ || linked_.Contains(body)) { return true; }
         const Instance* const instance = file_.Find(body);

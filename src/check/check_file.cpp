@@ -49,8 +49,8 @@ Finding WhyNotStep(const StepModel& model) {
     return because("it breaks off");
 }
 
-// Whether the first string of an entity ends before the program does. By the moves of the readers: where a
-// quote is absent, they go on to those of other entities.
+// Whether the first string of an entity is short enough not to end the program. By the moves of the readers:
+// where it has no quote, they go on to those of other entities.
 bool NameFits(const StepModel& model, const P42Ent* entity) {
     TextWalk walk = model.WalkFrom(entity);
     walk.GoToFirstString();
@@ -63,7 +63,8 @@ std::string LongName(std::size_t room) {
     return "its name has " + std::to_string(room) + " characters or more";
 }
 
-// The next reference; false where it isn't there, or would end the program, which is told elsewhere.
+// The next reference; false where there is none, and for one that would end the program, which is told
+// elsewhere.
 bool ReferenceAt(TextWalk* walk, std::int32_t* id) {
     walk->GoTo('#');
     if (walk->overrun) { return false; }
@@ -113,7 +114,7 @@ bool CheckedFile::IsMissed(const P42Ent* entity, std::string_view entityText, in
                            std::string_view argument, const char* outcome) {
     const std::size_t place = argument.find(target);
     if (place == std::string_view::npos ||
-        PlaceBehind(entityText, commas, target) == argument.data() + place) {
+        PlaceAfter(entityText, commas, target) == argument.data() + place) {
         return false;
     }
     Add(FindingKind::kName, entity,

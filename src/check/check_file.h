@@ -29,10 +29,11 @@ struct FileReferences {
     };
     std::vector<Reference> references;
     std::vector<std::string> names;        // each once, however often it is referred to
-    std::vector<std::string> bareProducts; // that nothing hangs under and that have no file here
+    std::vector<std::string> bareProducts; // that have no file here
     std::vector<Finding> bareFindings;     // on each of them; it holds unless another file names one
-    std::vector<std::string> parents;      // products that something hangs under
-    // By `names` of files, what else a file may be called, and the finding for one that lies there so.
+    std::vector<std::string> parents;      // products that use others
+    // By the places of files in `names`: other names that a file may have, and the finding for one that is
+    // there under such a name.
     struct OtherNames {
         std::vector<std::string> names;
         Finding finding;
@@ -44,14 +45,14 @@ struct FileReferences {
     bool hasElementSurface = false; // elements that aren't drawn have one
     bool isAssembly = false;
     bool hasTessellation = false;
-    bool isDrawn = false; // it has a solid, shell, set or mesh that is read
+    bool isDrawn = false; // it has a solid, shell or set that is read
 };
 
 // The check of one P21 file: what its pieces share. Used by one thread, as the model is.
 struct CheckedFile {
     const StepModel& model;
     std::vector<Finding>& findings;
-    const ExchangeFile& exchange; // the same text, read as the standard has it
+    const ExchangeFile& exchange; // the same text, read as the standard defines it
     const prepare::FileStructure& structure;
     prepare::Annotations annotations{exchange};
     LookUp<std::int32_t, bool> drawn = {}; // solids, shells, surface sets and faces that are read
@@ -65,14 +66,14 @@ struct CheckedFile {
     // Adds one on the whole file.
     void Add(FindingKind kind, std::string text);
 
-    // Whether a name that is skipped to its first comma holds one itself; adds that finding, with what comes
-    // of it.
+    // Whether a name holds a comma, at which readers that skip the name stop too early; adds that finding,
+    // with the outcome.
     bool HasComma(const P42Ent* entity, std::string_view name, const char* outcome);
-    // Whether a reader that goes past `commas` commas to the next `target`, wherever they stand, misses the
-    // one that starts `argument`; adds that finding, with what comes of it.
+    // Whether a reader that goes past `commas` commas to the next `target`, even inside strings, misses the
+    // first one in `argument`; adds that finding, with the outcome.
     bool IsMissed(const P42Ent* entity, std::string_view entityText, int commas, char target,
                   std::string_view argument, const char* outcome);
-    // Adds a finding for a list of references that is damaged, or when a line ends where one should follow.
+    // Adds a finding for a list of references that is damaged, or in which a line ends before a reference.
     void CheckReferenceList(const P42Ent* entity, std::string_view list);
     // Adds a finding when the first string of an entity is so long that the program ends on it. Returns
     // whether it is short enough.
@@ -85,8 +86,8 @@ struct CheckedFile {
 // What a file is in a load.
 enum class FileRole { kTop, kPartOrAssembly, kPart };
 
-// Reads the model as StepModel::Read does, but for a name of a category on which that would end the process:
-// it adds a finding for it and leaves the root as the scan found it.
+// Reads the model as StepModel::Read does. Where that would end the process on the name of a category, it
+// adds a finding and leaves the root as the scan found it.
 int ReadToCheck(StepModel& model, std::vector<Finding>* findings);
 
 // Checks one file that ReadToCheck returned `result` for. `references` takes what an assembly says of others.
@@ -95,15 +96,15 @@ void CheckStepFile(const StepModel& model, int result, FileRole role, KeywordCou
 
 // One function for each stage of reading. None of them changes the model's text.
 
-// How entities stand on their lines: what the scan doesn't see of them.
+// How entities are laid out on their lines, and which of them the scan doesn't see.
 void CheckLines(CheckedFile& file);
 // Keywords, numbers and references of all entities.
 void CheckEntities(CheckedFile& file, KeywordCounts* counts);
-// The way from the representation to the faces, and what is left out by it.
+// The way from the representation to the faces, and what it leaves out.
 void CheckPart(CheckedFile& file);
-// What stands in the way of the shapes in an assembly's own file, once each part has a file of its own.
+// What would keep the shapes in an assembly's own file from being drawn if each part had a file of its own.
 void CheckOwnShapes(CheckedFile& file);
-// Exact shape that nothing tessellated stands for, and files without any shape, which an assembly may be.
+// Exact shape without tessellation, and files without any shape, which an assembly may be.
 void CheckExactShape(CheckedFile& file, bool isAssembly);
 // The way from the faces that are drawn to their colours.
 void CheckColours(CheckedFile& file);

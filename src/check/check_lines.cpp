@@ -1,5 +1,5 @@
-// The scan takes an entity only at the first character of a line, and its keyword only right after the "=":
-// anything elsewhere is dropped in silence.
+// The scan takes an entity only at the first character of a line, and its keyword only right after the "=".
+// It drops all else in silence.
 
 #include "check/check_file.h"
 #include "check/entity_text.h"
@@ -52,7 +52,7 @@ public:
             return true; // an empty line is skipped by the scan
         }
         const bool inComment = NoteComment(line);
-        if (!inComment) { CheckBehind(line); }
+        if (!inComment) { CheckRest(line); }
         if (continuing_) {
             if (!inComment) { CheckSwallowed(line); }
         } else if (line.starts_with("ENDSEC")) {
@@ -111,12 +111,12 @@ private:
     }
 
     // The scan skips blanks after the "=", and nothing else.
-    void CheckKeyword(std::string_view line, std::int32_t id, std::string_view behind) {
-        while (!behind.empty() && behind.front() == ' ') { behind.remove_prefix(1); }
+    void CheckKeyword(std::string_view line, std::int32_t id, std::string_view afterEquals) {
+        while (!afterEquals.empty() && afterEquals.front() == ' ') { afterEquals.remove_prefix(1); }
         const char* const end = file_.model.textEnd;
-        const std::string_view rest(behind.data(), static_cast<std::size_t>(end - behind.data()));
+        const std::string_view rest(afterEquals.data(), static_cast<std::size_t>(end - afterEquals.data()));
         const std::string_view keyword = SkipSpace(rest.substr(0, kLongestGap));
-        if (keyword.data() != behind.data()) {
+        if (keyword.data() != afterEquals.data()) {
             if (keyword.empty() || !IsRead(ClassifyEntity(keyword.data()))) { return; }
             const bool sameLine = keyword.data() < line.data() + line.size();
             Add(sameLine ? FindingKind::kBlank : FindingKind::kBrokenList, id, line,
@@ -134,8 +134,8 @@ private:
         }
     }
 
-    // What follows on the line of an entity that has ended.
-    void CheckBehind(std::string_view line) {
+    // Entities that follow another on its line.
+    void CheckRest(std::string_view line) {
         for (std::size_t end = line.find(';'); end != std::string_view::npos; end = line.find(';', end + 1)) {
             const std::int32_t id = EntityAtStart(WithoutBlanks(line.substr(end + 1)));
             if (id != 0) {
@@ -145,7 +145,7 @@ private:
     }
 
     CheckedFile& file_;
-    bool continuing_ = false; // the line before was no end of a statement
+    bool continuing_ = false; // the line before didn't end a statement
     bool inComment_ = false;
     std::int32_t openerId_ = 0; // of the entity at the start of the statement; 0 for none
 };

@@ -51,7 +51,7 @@ public:
         CheckLeftOut();
     }
 
-    // The items of all products, each by the rules for the representation that lists it.
+    // Checks the items of all products, each as the representation that lists it demands.
     void RunOnOwnShapes() {
         std::unordered_set<std::uint64_t> told; // representations
         for (const prepare::FileProduct& product : file_.structure.products) {
@@ -89,7 +89,8 @@ private:
         return std::string(KeywordOf(EntityText(model_, entity)));
     }
 
-    // Those that don't count, where they hold a shape that the one which counts doesn't lead to.
+    // Tells of representations that don't count, where they hold a shape that the one which counts doesn't
+    // lead to.
     void CheckRepresentations() {
         for (std::int32_t i = 0; i < model_.entityCount; ++i) {
             const P42Ent* const entity = model_.EntityAt(i);
@@ -121,7 +122,7 @@ private:
                !file_.annotations.Contains(static_cast<std::uint64_t>(item->id));
     }
 
-    // With what it lists, so that nothing of it is told again.
+    // Also what the item lists, so that nothing of it is told again.
     void MarkSeen(const P42Ent* item) {
         seen_.insert(item);
         if (!IsContainer(item->code)) { return; }
@@ -233,7 +234,7 @@ private:
         file_.AddAt(FindingKind::kBrokenList, entity, found.place, std::move(text));
     }
 
-    // The line ends in a face's lists that do harm; false when nothing more can be said of the face.
+    // Tells of line ends in a face's lists that do harm; false when nothing more can be said of the face.
     bool CheckBreaks(const P42Ent* face, const std::vector<std::string_view>& arguments, std::size_t pnindex,
                      std::size_t wanted) {
         const bool isComplex = face->code != code::kTriangulatedFace;
@@ -246,11 +247,11 @@ private:
         for (std::size_t i = 3; i < wanted; ++i) {
             const std::string_view before = Trimmed(arguments[i - 1]);
             const std::string_view list = Trimmed(arguments[i]);
-            const char* const behind = before.data() + before.size();
-            const Between kind = i == 3 && before != "$"                ? Between::kBehindNumber
+            const char* const after = before.data() + before.size();
+            const Between kind = i == 3 && before != "$"                ? Between::kAfterNumber
                                  : i > pnindex && list.starts_with('(') ? Between::kBeforeTriangles
                                                                         : Between::kAny;
-            take(BreakBetween({behind, static_cast<std::size_t>(list.data() - behind)}, kind));
+            take(BreakBetween({after, static_cast<std::size_t>(list.data() - after)}, kind));
             if (i == 3) { take(normals = BreakInTriples(list, true, false)); }
             if (i == pnindex) { take(BreakInNumbers(list)); }
             if (i <= pnindex) { continue; }

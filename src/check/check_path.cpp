@@ -204,7 +204,7 @@ private:
     std::vector<Wanted> wanted_;
     NameSet paths_;
     NameSet productsWithFile_;
-    NameSet parents_;                                         // products that something hangs under
+    NameSet parents_;                                         // products that use others
     std::vector<std::pair<std::string, Finding>> bareLeaves_; // by product
     std::vector<std::pair<std::string, Finding>> ofParts_;    // those that hide components, if there are any
 };
@@ -321,7 +321,7 @@ void CheckByKind(CheckReport* report, const char* rootName) {
     }
 }
 
-// What the load found no memory for, where the check found it.
+// Adds what the load found no memory for, where no finding tells it.
 void AddWantOfMemory(CheckReport* report) {
     const bool isTold = std::any_of(report->findings.begin(), report->findings.end(), [](const Finding& f) {
         return f.text.find(kNeedsMemory) != std::string::npos;
@@ -333,7 +333,7 @@ void AddWantOfMemory(CheckReport* report) {
     if (report->outcome.lacksMemory) { AddUnread(report, report->path, "", kNeedsMemory); }
 }
 
-// What the load says and no finding tells, and what shows nothing without any.
+// Adds what only the outcome of the load tells.
 void AddOutcome(CheckReport* report) {
     const LoadOutcome& outcome = report->outcome;
     const auto has = [report](FindingKind kind) {
@@ -355,7 +355,7 @@ void AddOutcome(CheckReport* report) {
     report->findings.push_back({.kind = FindingKind::kNothing, .text = std::move(text)});
 }
 
-// The command, where a shape is there and something keeps it from being shown.
+// Adds the command, where a shape is there and something keeps it from being shown.
 void AddCommand(CheckReport* report) {
     const FileKind kind = KindToCheck(report->path);
     const ShapeTotals& totals = report->totals;

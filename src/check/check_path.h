@@ -10,7 +10,7 @@
 
 namespace tarnwick {
 
-// What a file, with all that it refers to, really holds: placed parts, and bodies each once.
+// What a file and all that it refers to really hold: placed parts, and each body once.
 struct ShapeTotals {
     std::int64_t parts = 0;
     std::int64_t tessellated = 0;
@@ -39,14 +39,14 @@ struct CheckReport {
 // its own. To be called while there is no other thread.
 CheckReport CheckPath(LoadDispatch& dispatch, const std::string& path, const char* rootName, bool useThreads);
 
-// The same with the outcome of a load that the caller has tried, or has not.
+// The same without a trial: `outcome` is that of one, or as it was made.
 CheckReport CheckWith(const std::string& path, const char* rootName, LoadOutcome outcome);
 
 // The kind of the file, by its text where its extension isn't known.
 FileKind KindToCheck(const std::string& path);
 
-// Counts the placed parts of the file with all that it refers to, and its shapes where the readers didn't
-// come to the files that hold them.
+// Counts the placed parts of the file and of all that it refers to; its shapes too, where the readers didn't
+// reach the files that hold them.
 void CountParts(CheckReport* report);
 void CountShape(const prepare::ShapeItem& item, ShapeTotals* totals);
 
@@ -60,8 +60,8 @@ struct CheckTextOptions {
     bool isVerbose = false; // with what the load says, and the counts of all keywords
     bool colours = false;   // as terminals take them
 };
-// The report as people read it: the summary, the findings by kind with at most 10 of each and what to do
-// about them. UTF-8, whatever the bytes of the names are.
+// The report for people: the summary, and the findings by kind, at most 10 of each, with what to do about
+// them. UTF-8, whatever the bytes of the names are.
 std::string CheckText(const CheckReport& report, const CheckTextOptions& options = {});
 
 // The same as one JSON object ("tarnwick.check/1") with all findings, and a line feed at its end.

@@ -12,7 +12,7 @@ namespace tarnwick {
 
 namespace {
 
-// Placed parts under `root`: products with a shape, and those that nothing hangs under. Circles count once.
+// Placed parts under `root`: products with a shape, and those that use no others. Circles count once.
 template <class Products>
 std::int64_t CountPlaced(const Products& products, std::size_t root) {
     constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / 2;
@@ -141,7 +141,7 @@ void CountParts(CheckReport* report) {
     if (whole.products.empty()) { return; }
     totals.parts = std::max(totals.parts, CountPlaced(whole.products, whole.root));
     if (totals.files > 0) { return; }
-    // The way to the files of the parts is lost on the readers.
+    // The readers didn't find the files of the parts.
     std::set<std::pair<std::size_t, std::uint64_t>> seen;
     std::set<std::size_t> files;
     for (const prepare::WholeProduct& product : whole.products) {

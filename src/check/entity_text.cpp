@@ -14,7 +14,7 @@ bool IsSpace(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-// Where the first entity after `offset` starts: records stand in the order of the file.
+// Where the first entity after `offset` starts: records are in the order of the file.
 std::size_t NextEntity(const StepModel& model, std::int32_t offset) {
     std::int32_t low = 0;
     std::int32_t high = model.entityCount;
@@ -90,7 +90,7 @@ std::string_view KeywordOf(std::string_view entityText) {
     return keyword.substr(0, end);
 }
 
-const char* PlaceBehind(std::string_view entityText, int commas, char target) {
+const char* PlaceAfter(std::string_view entityText, int commas, char target) {
     std::size_t place = entityText.find('(');
     for (int i = 0; i < commas && place != std::string_view::npos; ++i) {
         place = entityText.find(',', place + 1);
@@ -161,9 +161,9 @@ bool ReferenceFinder::Next(std::int32_t* id, std::size_t* digits, std::size_t* a
             *id = NumberAt(text_.substr(place_ + 1), digits);
             *at = place_;
             place_ += 1 + *digits;
-            std::size_t behind = place_;
-            while (behind < text_.size() && (text_[behind] == ' ' || text_[behind] == '\t')) { ++behind; }
-            const bool isEntity = behind < text_.size() && text_[behind] == '=';
+            std::size_t after = place_;
+            while (after < text_.size() && (text_[after] == ' ' || text_[after] == '\t')) { ++after; }
+            const bool isEntity = after < text_.size() && text_[after] == '=';
             if (*digits > 0 && !isEntity) { return true; }
             --place_;
         }
@@ -187,7 +187,7 @@ ListShape ShapeOf(std::string_view list, ValueKind values) {
     if (text == "$") { return shape; }
     int depth = 0;
     std::int64_t valuesBefore = 0; // those of the inner list count from here
-    char before = '\0';            // what stands before: "(", ")", ",", or "1" for a value
+    char before = '\0';            // the last token: "(", ")", ",", or "1" for a value
     bool spaceBefore = false;
     bool hasOuterValue = false; // beside the inner lists, where none may be
     for (const char *p = text.data(), *const end = p + text.size(); p < end; ++p) {
@@ -204,12 +204,12 @@ ListShape ShapeOf(std::string_view list, ValueKind values) {
         if (c == '(') {
             shape.sound &= before == '(' || before == ',' || before == '\0';
             const bool mayBeTriple = depth == 1 && values == ValueKind::kNumbers;
-            if (const char* const behind = mayBeTriple ? AfterTriple(p, end) : nullptr; behind != nullptr) {
+            if (const char* const after = mayBeTriple ? AfterTriple(p, end) : nullptr; after != nullptr) {
                 ++shape.inner;
                 shape.values += 3;
                 before = ')';
                 spaceBefore = false;
-                p = behind - 1;
+                p = after - 1;
                 continue;
             }
             if (++depth == 2) {

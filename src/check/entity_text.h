@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-// The text of an entity read as ISO 10303-21 defines it, with strings and nesting: the measure for the
-// readers, which go by fixed moves. All views are into the model's text.
+// The text of an entity read as ISO 10303-21 defines it, with strings and nesting, to compare the readers
+// with, which go by fixed moves. All views are into the model's text.
 namespace tarnwick {
 
 // From the "#" of the entity up to its ";", or to where the next entity starts if that comes first.
@@ -16,13 +16,13 @@ std::string_view EntityText(const StepModel& model, const P42Ent* entity);
 // The keyword; empty for a complex instance.
 std::string_view KeywordOf(std::string_view entityText);
 
-// The arguments of a simple entity, as they stand between the commas. Those of a text that breaks off are
-// what is there.
+// The arguments of a simple entity, with the blanks around them; of a text that breaks off, those that are
+// there.
 std::vector<std::string_view> ArgumentsOf(std::string_view entityText);
 
-// The place that a reader comes to which goes to the first "(", past a number of commas, wherever they stand,
-// and then to the first `target`; null when there is none.
-const char* PlaceBehind(std::string_view entityText, int commas, char target);
+// Where a reader arrives that goes to the first "(", past so many commas, even those in strings, and to the
+// next `target`; null when there is none.
+const char* PlaceAfter(std::string_view entityText, int commas, char target);
 
 // Without the blanks, tabs, line ends and comments at its start.
 std::string_view SkipSpace(std::string_view text);
@@ -33,8 +33,8 @@ std::string_view Trimmed(std::string_view text);
 // The number of a reference, 0 for any other argument and for a number that is no entity's.
 std::int32_t IdIn(std::string_view argument);
 
-// Goes through the references in a text, one call after another; strings are passed over, and the numbers of
-// entities that stand in the text by mistake.
+// Goes through the references in a text, one with each call. Passes over strings, and over what begins
+// another entity, "#12=".
 class ReferenceFinder {
 public:
     explicit ReferenceFinder(std::string_view text) : text_(text) {}
@@ -49,7 +49,7 @@ private:
 // The numbers that the references of a list have.
 std::vector<std::int32_t> ReferencesIn(std::string_view list);
 
-// What a list of lists of values, or of values, holds.
+// What a list of values, or of lists of values, holds.
 struct ListShape {
     bool sound = true;         // values of the kind asked for, with commas between them, and nothing else
     std::int64_t values = 0;   // at any depth

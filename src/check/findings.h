@@ -8,9 +8,8 @@
 
 namespace tarnwick {
 
-// What can be wrong with a file, in the order in which it must be met before the file shows all: what keeps
-// it from being read, what leaves the whole part out, what leaves pieces of it out, what makes it look
-// different.
+// What can be wrong with a file, in the order in which to mend it: what keeps it from being read, what leaves
+// the whole part out, what leaves out pieces of it, what makes it look different.
 enum class FindingKind {
     kExtension,
     kUnread,
@@ -67,7 +66,7 @@ struct Finding {
     std::string text = {};
 };
 
-// Sets the line of each finding from its offset in `text`, in one pass over it.
+// Sorts the findings by offset, and sets the line of each from its offset in `text` in one pass over it.
 void FindLines(std::string_view text, std::vector<Finding>* findings);
 
 // The advice for the first of the findings, or that nothing is wrong.

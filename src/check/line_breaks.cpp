@@ -30,8 +30,8 @@ void ForEachBreak(std::string_view list, Found found) {
     }
 }
 
-// Whether the number that follows, in a list or not, is 0 anyway. The list's text goes on after it.
-bool IsZeroBehind(std::string_view text) {
+// Whether the number that follows, in a list or not, is 0 anyway.
+bool IsZeroAfter(std::string_view text) {
     const std::size_t next = text.find_first_not_of(" \t\r\n(");
     return next != std::string_view::npos && ParseReal(text.data() + next) == 0;
 }
@@ -53,11 +53,11 @@ LineBreak BreakInTriples(std::string_view list, bool isReal, bool isLast) {
         if (depth == 2) {
             // Blanks before a number are passed over, and before a whole number line ends too.
             if (isReal && before != '(' && before != ',') { return true; }
-            if (isReal && !IsZeroBehind(rest)) { Note(&found, BreakKind::kNumber, place); }
+            if (isReal && !IsZeroAfter(rest)) { Note(&found, BreakKind::kNumber, place); }
             return true;
         }
         if (before == '(') {
-            if (!isReal || !IsZeroBehind(rest)) { Note(&found, BreakKind::kNumber, place); }
+            if (!isReal || !IsZeroAfter(rest)) { Note(&found, BreakKind::kNumber, place); }
             return true;
         }
         if (isLast && IsBlankUpToClose(rest)) { return true; }
@@ -81,7 +81,7 @@ LineBreak BreakInStrips(std::string_view list, bool isLast) {
     LineBreak found;
     ForEachBreak(list, [&](const char* place, int depth, char) {
         const auto rest = list.substr(static_cast<std::size_t>(place - list.data()));
-        // Behind the very last one a blank is taken for a number, and that is all.
+        // After the very last one a blank is taken for a number, and that is all.
         if (isLast && depth == 1 && place[-1] != ')' && IsBlankUpToClose(rest)) { return true; }
         if (depth == 1 || place[-1] == ',') { Note(&found, BreakKind::kWalk, place); }
         return true;
@@ -95,12 +95,12 @@ LineBreak BreakBetween(std::string_view between, Between kind) {
         if (c != '\n') { continue; }
         const std::size_t place = static_cast<std::size_t>(&c - between.data());
         const std::size_t comma = between.find(',');
-        // Behind the comma a carriage return is passed over, and with it what follows up to a "(".
+        // After the comma a carriage return is passed over, and with it what follows up to a "(".
         const std::size_t next = between.find_first_not_of(' ', comma + 1);
         const bool isPassed = kind == Between::kBeforeTriangles && comma < place &&
                               next != std::string_view::npos && between[next] == '\r';
         // The step from a number passes over its neighbour.
-        const bool isStepped = kind == Between::kBehindNumber && place == 0;
+        const bool isStepped = kind == Between::kAfterNumber && place == 0;
         if (!isPassed && !isStepped) { Note(&found, BreakKind::kWalk, &c); }
     }
     return found;

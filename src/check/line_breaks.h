@@ -27,8 +27,8 @@ LineBreak BreakInTriples(std::string_view list, bool isReal, bool isLast);
 LineBreak BreakInNumbers(std::string_view list);
 // A list of strips or fans, the last list of the entity or not.
 LineBreak BreakInStrips(std::string_view list, bool isLast);
-// What stands between two arguments, with its comma.
-enum class Between : std::uint8_t { kAny, kBehindNumber, kBeforeTriangles };
+// The text between two arguments, with its comma.
+enum class Between : std::uint8_t { kAny, kAfterNumber, kBeforeTriangles };
 LineBreak BreakBetween(std::string_view between, Between kind);
 
 } // namespace tarnwick

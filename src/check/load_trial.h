@@ -22,7 +22,7 @@ struct LoadOutcome {
         kUnknown, // not tried, or no process for it
         kDone,
         kEnded, // the load ended its process
-        kStands // it stands still for ever
+        kStands // it never returns
     };
     End end = End::kUnknown;
     std::int64_t triangles = 0; // that are drawn, over all placed parts
@@ -30,8 +30,7 @@ struct LoadOutcome {
     std::int64_t parts = 0;     // placed parts with triangles
     bool lacksMemory = false;   // some of it can't be told, for want of memory
     std::vector<UnreadName> unread;
-    std::vector<std::string>
-        errors; // lines of the console that begin with "<E>", without that, the first 100
+    std::vector<std::string> errors; // the first 100 lines of the console that begin with "<E>", without that
 };
 
 // Loads the file in a process of its own, so that a load which ends its process or never returns does no
