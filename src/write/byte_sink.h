@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// Where the bytes of what is written go: a file, plain or compressed, or a string.
+// Where written bytes go: a file, plain or compressed, or a string.
 namespace tarnwick {
 
 class ByteSink {
@@ -27,7 +27,8 @@ private:
     std::string& out_;
 };
 
-// Never null; a file that can't be opened shows at Close().
+// A sink for a file, compressed as a zlib stream if wanted. Never null: where the file can't be opened,
+// Close() says so.
 std::unique_ptr<ByteSink> OpenFile(const std::string& path, bool compress);
 
 } // namespace tarnwick

@@ -33,7 +33,7 @@ private:
     bool isFirst_ = true; // of its table
 };
 
-// Text as it stands between the quotes of a JSON string.
+// Text as it is written between the quotes of a JSON string.
 std::string EscapeJson(std::string_view text);
 
 } // namespace tarnwick

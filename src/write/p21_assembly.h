@@ -23,8 +23,8 @@ struct ComponentIds {
     EntityId representation;
 };
 
-// A component that `file`, named as it lies beside this one, describes. The product in there has the same
-// id, which is what joins the two.
+// A component that another file describes. `file` is its name from the folder of this one; the product in it
+// has the same id, which joins the two.
 ComponentIds WriteExternal(P21Writer* out, const ContextIds& contexts, const ReferenceIds& references,
                            std::string_view id, std::string_view name, std::string_view file);
 

@@ -24,7 +24,7 @@ struct FaceEntity {
 EntityId WriteFace(P21Writer* out, const FaceEntity& face, std::span<const Triangle> triangles);
 EntityId WriteComplexFace(P21Writer* out, const FaceEntity& face, const IndexLists& strips,
                           const IndexLists& fans);
-// A face that stands directly in a representation; it has no link.
+// A face that is itself an item of a representation; it has no link.
 EntityId WriteSurfaceSet(P21Writer* out, const FaceEntity& face, const IndexLists& strips,
                          const IndexLists& fans);
 

@@ -28,7 +28,7 @@ struct ContextIds {
     EntityId definition;
     EntityId geometry; // one length unit and radians
 };
-// `millimetres` are those of the length unit.
+// `millimetres`: of one length unit.
 ContextIds WriteContexts(P21Writer* out, const Protocol& protocol = kAp242, double millimetres = 1);
 
 struct ProductIds {
@@ -36,7 +36,7 @@ struct ProductIds {
     EntityId definition;
     EntityId shape; // PRODUCT_DEFINITION_SHAPE
 };
-// `category` is 'part' for anything that is made or assembled, 'raw material' for what it is made from.
+// `category` is "part" for anything that is made or assembled, "raw material" for what it is made from.
 ProductIds WriteProduct(P21Writer* out, const ContextIds& contexts, std::string_view id,
                         std::string_view name, std::string_view category);
 

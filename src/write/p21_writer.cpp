@@ -45,9 +45,7 @@ void P21Writer::Header(const P21FileHeader& header) {
     Put(header.description);
     Put(P21Literal{"),'2;1');\nFILE_NAME("});
     Put(header.name);
-    Put(',');
-    Put(header.timeStamp);
-    Put(P21Literal{",(''),(''),"});
+    Put(P21Literal{",'2024-01-01T00:00:00',(''),(''),"});
     Put(header.program);
     Put(',');
     Put(header.program);

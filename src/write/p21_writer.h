@@ -18,7 +18,7 @@ struct EntityId {
     bool operator==(const EntityId&) const = default;
 };
 
-// Text that goes into the file as it stands: enumeration values, typed values, * and $.
+// Text that goes into the file as it is: enumeration values, typed values, * and $.
 struct P21Literal {
     std::string_view text;
 };
@@ -32,8 +32,6 @@ struct P21FileHeader {
     std::string_view name;
     std::string_view schema;
     std::string_view program; // that writes the file
-    std::string_view timeStamp =
-        "2024-01-01T00:00:00"; // a constant, so that the same model is the same bytes
 };
 
 // Writes the text of an ISO 10303-21 file: entities numbered from 1, each on one line.
@@ -42,6 +40,7 @@ public:
     // The sink must outlive the writer and stays open.
     explicit P21Writer(ByteSink* sink) : out_(sink) {}
 
+    // Its time is a constant, so that the same model is the same bytes.
     void Header(const P21FileHeader& header);
     void Footer();
 

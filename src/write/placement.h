@@ -37,7 +37,7 @@ inline bool IsFinite(Vec3 a) {
     return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z);
 }
 
-// Where a thing stands: its own origin and its own x and z axes, both of unit length and at right angles.
+// Where a thing is: its own origin and its own x and z axes, both of unit length and at right angles.
 struct Placement {
     Vec3 origin;
     Vec3 z{0, 0, 1};

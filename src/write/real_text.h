@@ -8,7 +8,7 @@ namespace tarnwick {
 // Single precision, which is what a model for drawing needs, without the rounding noise of sines and cosines.
 float RoundReal(double value);
 
-// As few digits as give the rounded number back; never with an exponent, and with no point after an integer.
+// As few digits as give the rounded number back, without an exponent, and without a point where it is whole.
 void AppendReal(double value, std::string* out);
 
 } // namespace tarnwick

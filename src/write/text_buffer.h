@@ -22,7 +22,7 @@ public:
     void PutInteger(std::int64_t value);
     // As AppendReal writes it.
     void PutReal(double value);
-    // Hands over what is still here; nobody else does.
+    // Hands over what is still here. To be called at the end: the buffer's destructor doesn't.
     void Flush();
 
 private:

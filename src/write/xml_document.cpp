@@ -2,7 +2,7 @@
 
 namespace tarnwick {
 
-// Readers of such documents may want a tag to end right after its last attribute, and attributes to stand on
+// Some readers of such documents want a tag to end right after its last attribute, and all its attributes on
 // one line.
 void XmlDocument::Begin(std::string_view program) {
     Line(0, R"(<?xml version="1.0" encoding="UTF-8"?>)");
@@ -44,7 +44,7 @@ void XmlDocument::AddPart(const XmlPart& part) {
     Line(2, "</Part>");
     if (part.file.empty()) { return; }
     if (route_ == FileRoute::kDirect) {
-        AddFile(number, part.file); // here a reader can tell at once whose it is
+        AddFile(number, part.file); // here a reader knows at once whose it is
     } else {
         files_.emplace_back(number, part.file);
     }

@@ -14,7 +14,7 @@ namespace tarnwick {
 
 // How a part leads to its file.
 enum class FileRoute {
-    kDirect,   // its assignment names a File that stands right after it
+    kDirect,   // its assignment names a File, which follows the part
     kDocuments // its assignment names a version of a document, whose digital file is one of those at the end
 };
 
@@ -59,7 +59,7 @@ private:
     std::vector<std::pair<std::size_t, std::string>> files_; // still to be written, by the numbers of parts
 };
 
-// Text as it stands in an attribute or between tags.
+// Text as it is written in an attribute or between tags.
 std::string EscapeXml(std::string_view text);
 
 } // namespace tarnwick

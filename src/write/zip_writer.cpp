@@ -30,8 +30,8 @@ constexpr const char* kTooLarge = "the archive is too large";
 
 } // namespace
 
-// Packs the content of a member. Best speed: that is most of the work of a large archive, and how tight it is
-// matters to no reader.
+// Packs the content of a member. For speed: packing is most of the work of a large archive, and no reader
+// minds the size.
 class ZipWriter::MemberSink : public ByteSink {
 public:
     MemberSink(ZipWriter& zip, Member& member) : zip_(zip), member_(member) {
@@ -173,7 +173,7 @@ bool ZipWriter::Add(const std::string& name, bool stored, const std::function<vo
         if (!sink.Close()) { return false; }
     }
     if (member.size >= kLargest32 || member.packedSize >= kLargest32) { return Fail(kTooLarge); }
-    // Now its header gets what wasn't known before.
+    // Its header gets what is known only now.
     const std::uint64_t end = position_;
     Flush();
     file_.GoTo(member.offset + kPlaceOfSizes);
@@ -192,7 +192,7 @@ void ZipWriter::PutDirectoryEntry(const Member& member) {
     PutMethodAndDate(member);
     PutSizes(member);
     PutNumber(member.name.size(), 2);
-    PutNumber(isFar ? 12 : 0, 2); // bytes of what stands after the name
+    PutNumber(isFar ? 12 : 0, 2); // bytes after the name
     PutNumber(0, 2);              // no comment
     PutNumber(0, 2);              // the first disk
     PutNumber(member.isText ? 1 : 0, 2);

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-// Writes a ZIP archive member by member. By hand: the usual library doesn't look whether it has memory for a
-// member's record, nor at most failures of what it writes to.
+// Writes a ZIP archive member by member. Not by the usual library, which doesn't check whether it has memory
+// for a member's record, nor most failures of what it writes to.
 namespace tarnwick {
 
 class ZipWriter {
