@@ -76,6 +76,9 @@ struct MeshHead {
 };
 inline constexpr std::size_t kMeshHeadSize = 16;
 
+// The exit status of a tarnwick-mesh that finds no memory; any other end of it is another failure.
+inline constexpr int kMeshOutOfMemory = 3;
+
 // Whole messages, with their heads.
 std::string EncodeMesh(const MeshRequest& request);
 std::string EncodeMesh(const MeshProgress& progress);

@@ -16,8 +16,6 @@ namespace {
 constexpr std::size_t kChunk = 256 << 10;
 // The longest wait before the next look at the cancel flag, in milliseconds.
 constexpr int kCancelSlice = 50;
-// The exit status of tarnwick-mesh that found no memory.
-constexpr int kStatusOutOfMemory = 3;
 
 // One request on its way out, and what comes back.
 class Conversation {
@@ -159,7 +157,7 @@ MeshOutcome MeshProcess::AskOnce(const MeshRequest& request,
     }
     // Gone already, or about to be: it closed its end.
     const ProcessEnd ended = process_.EndAfter(1);
-    const bool isOutOfMemory = ended.kind == ProcessEnd::Kind::kExit && ended.number == kStatusOutOfMemory;
+    const bool isOutOfMemory = ended.kind == ProcessEnd::Kind::kExit && ended.number == kMeshOutOfMemory;
     end(isOutOfMemory ? MeshEnd::kOutOfMemory : MeshEnd::kCrash,
         isOutOfMemory ? "the geometry kernel ran out of memory" : WordsOf(ended));
     return outcome;

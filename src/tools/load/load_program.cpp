@@ -37,7 +37,7 @@ void MoveSlider(LoadDispatch& dispatch, std::int32_t position) {
     ChangeDepth(dispatch, std::clamp(position, 0, std::max(dispatch.view.loaded.maxDepth, 0)));
 }
 
-// Tells why a text is lost; 0 stands for none. True when there is none.
+// Tells why a text couldn't be written, by its errno. True for 0, which is no error.
 bool TellUnwritten(const char* name, int error) {
     if (error != 0) {
         std::fprintf(stderr, "tarnwick-load: %s can't be written: %s\n", OneLine(name).Text(),
@@ -68,7 +68,7 @@ public:
             std::fwrite(bytes.data(), 1, bytes.size(), stdout);
         }
     }
-    // Also tells why a byte is lost.
+    // Where a byte was lost, also tells why.
     bool Close() override { return file_ ? TellUnwritten(name_.c_str(), file_->Close()) : OutputIsWritten(); }
 
 private:
@@ -76,8 +76,8 @@ private:
     std::optional<WholeFile> file_;
 };
 
-// Writes a report by write(sink); false, and told, when that fails. There may be memory for what comes after
-// it.
+// Writes a report by write(sink). False, and told, when that fails, also for lack of memory: there may be
+// enough for what comes after it.
 template <class Write>
 bool Report(const std::string& name, Write write) {
     bool written = false;

@@ -4,8 +4,8 @@
 
 namespace tarnwick::tools {
 
-// Whether all of standard output could be written; says so when it couldn't. What stands in its buffer fails
-// only here.
+// Whether all of standard output could be written; says so when it couldn't. What is still in its buffer can
+// fail only here.
 bool OutputIsWritten();
 
 // Loads the file, prints the status text, writes the report that was asked for and lists on standard error

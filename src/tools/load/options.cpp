@@ -11,8 +11,7 @@ namespace tarnwick::tools {
 
 bool ReadOptions(int argc, char** argv, LoadOptions* options, int* status) {
     CLI::App app("Loads a STEP file as the viewer does and prints the status text; what the load says goes "
-                 "to standard "
-                 "error.",
+                 "to standard error.",
                  "tarnwick-load");
     app.allow_windows_style_options(false); // a path may begin with "/"
     app.set_version_flag("--version", std::string("tarnwick-load ") + TARNWICK_VERSION);

@@ -6,7 +6,6 @@
 #include "tools/make/stpj.h"
 #include "tools/make/stpx.h"
 
-// All kinds of output that the program knows: a new one is added here and in kinds.cpp.
 namespace tarnwick::make {
 
 // Parses the command line and writes what it asks for. Returns the exit status: 0, 1 when the output can't be

@@ -5,7 +5,8 @@
 
 #include <vector>
 
-// One STEP XML document of the machine: products, their occurrences, and the names of the files that go on.
+// One STEP XML document of the machine: products, their occurrences, and the names of the files with the
+// rest.
 namespace tarnwick::make {
 
 // What all documents of a machine have in common.
@@ -17,9 +18,9 @@ struct DocumentSet {
     std::string partSuffix = ".stp";      // of the parts' names
 };
 
-// As many sub-assemblies as asked for get documents of their own: those of the first level, then those of the
-// second, and so on. Without a number the ones that have their own files in an assembly. At most
-// MostDocuments.
+// Which nodes get documents of their own: `count` of them, those of the first level, then those of the
+// second, and so on, at most MostDocuments. Without a number, those that have files of their own in an
+// assembly.
 std::vector<bool> ChooseDocuments(const Machine& machine, int count);
 std::vector<bool> ChooseDocuments(const Machine& machine);
 int MostDocuments(const Machine& machine);

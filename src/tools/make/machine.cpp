@@ -1,5 +1,7 @@
 #include "tools/make/machine.h"
 
+#include "text/lower_case.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -148,11 +150,6 @@ std::string Numbered(const char* text, int number) {
     return text + std::string(digits);
 }
 
-std::string Lower(std::string text) {
-    for (char& c : text) { c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-    return text;
-}
-
 class MachineBuilder {
 public:
     explicit MachineBuilder(const MachineOptions& o) : o_(o) {}
@@ -187,7 +184,7 @@ private:
             const Role role = kCycle[static_cast<std::size_t>(i) % kCycle.size()];
             const RoleText& text = kTexts[static_cast<std::size_t>(role)];
             const std::string id = Numbered(text.id, i + 1);
-            machine_.parts.push_back({id, text.name + std::string(" ") + std::to_string(i + 1), Lower(id),
+            machine_.parts.push_back({id, text.name + std::string(" ") + std::to_string(i + 1), LowerCase(id),
                                       DimsOf(role, &prng), text.colour});
             partsOf_[static_cast<std::size_t>(role)].push_back(static_cast<std::size_t>(i));
         }
@@ -260,7 +257,7 @@ private:
                 AddUnit(child, unit);
             } else {
                 const std::string id = Numbered("GROUP", ++groups_);
-                child = AddNode(id, "Group " + std::to_string(groups_), Lower(id));
+                child = AddNode(id, "Group " + std::to_string(groups_), LowerCase(id));
                 const int firstLeaf = Share(leaves, i, children);
                 const int endLeaf = Share(leaves, i + 1, children);
                 const int first = Share(units, firstLeaf, leaves);
@@ -291,7 +288,7 @@ private:
 } // namespace
 
 std::string FileStem(const Machine::Node& node) {
-    return node.stem.empty() ? Lower(node.id) : node.stem;
+    return node.stem.empty() ? LowerCase(node.id) : node.stem;
 }
 
 bool IsMachineStem(const std::string& stem) {
@@ -299,7 +296,8 @@ bool IsMachineStem(const std::string& stem) {
     if (dash == stem.npos || stem.find_first_not_of("0123456789", dash + 1) != stem.npos) { return false; }
     const std::string word = stem.substr(0, dash);
     return word == "group" || word == "unit" ||
-           std::any_of(kTexts.begin(), kTexts.end(), [&](const RoleText& t) { return word == Lower(t.id); });
+           std::any_of(kTexts.begin(), kTexts.end(),
+                       [&](const RoleText& t) { return word == LowerCase(t.id); });
 }
 
 Machine MakeMachine(const MachineOptions& options) {

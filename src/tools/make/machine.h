@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// The sample assembly, whatever format it is written in: which parts there are, and where they stand.
+// The sample assembly, whatever format it is written in: which parts there are, and where they are placed.
 namespace tarnwick::make {
 
 struct MachineOptions {
@@ -18,7 +18,7 @@ struct MachineOptions {
 };
 
 // A machine is made of units: a base plate with two bearing plates, shafts, gears, a flange with its bolts,
-// and so on, as far as there are parts. Units stand in groups, and groups in larger groups.
+// and so on, as far as there are parts. Units form groups, and groups form larger groups.
 struct Machine {
     struct Part {
         std::string id;

@@ -18,8 +18,8 @@ namespace tarnwick::tools {
 
 namespace {
 
-// Derivatives that are shorter, in millimetres for each unit of the parameter, or more parallel are noise: at
-// the tip of a cone or the pole of a sphere, for example.
+// Shorter derivatives, in millimetres for each unit of the parameter, are noise, and so are more parallel
+// ones: at the tip of a cone or the pole of a sphere, for example.
 constexpr double kLeastDerivative = 1e-9;
 constexpr double kLeastSine = 1e-9;
 

@@ -69,7 +69,7 @@ public:
 };
 
 // Does `work`, and returns in words what it threw; empty where it threw nothing. A signal in the kernel
-// becomes an exception here, because of which nothing that must be destroyed may stand in this function.
+// becomes an exception here, so this function must own nothing that needs a destructor.
 template <class Work>
 std::string Caught(const Work& work) {
     try {
@@ -158,7 +158,7 @@ private:
         bodies_.push_back(std::move(body));
     }
 
-    // The kernel makes no shape of a shell or face that stands by itself, but of a model that has it.
+    // The kernel makes no shape of a shell or face by itself, but does of a model that has it.
     static Entity AsModel(const Entity& entity) {
         Handle(StepShape_ConnectedFaceSet) set = Handle(StepShape_ConnectedFaceSet)::DownCast(entity);
         if (const auto face = Handle(StepShape_Face)::DownCast(entity); !face.IsNull()) {
@@ -182,7 +182,7 @@ private:
         return Entity(model);
     }
 
-    // A process of its own for each body: what one leaves behind when it throws doesn't meet the next, and
+    // Each body has a transfer process of its own: what one leaves when it throws doesn't harm the next, and
     // its faces are told from those of others that share the entity.
     void Transfer(const Entity& entity, KernelBody* body) {
         process_ = new Transfer_TransientProcess(1000);
@@ -272,8 +272,9 @@ private:
         return std::sqrt(square);
     }
 
-    // The diagonal of the box of all bodies, in millimetres. Control points and tolerances may widen the box;
-    // a damaged number would, so that all triangles were lost in a deflection beyond any measure.
+    // The diagonal of the box of all bodies, in millimetres. Control points and tolerances may widen the box.
+    // A damaged number would widen it so far that the deflection left no triangle, so the spread is taken
+    // then.
     double Diagonal() const {
         const Bnd_Box box = BoxOfAll();
         const double diagonal = box.IsVoid() ? 0 : std::sqrt(box.SquareExtent());
@@ -361,7 +362,7 @@ void StartKernel() {
         const std::type_info* const type = abi::__cxa_current_exception_type();
         const bool isMemory =
             type != nullptr && (*type == typeid(std::bad_alloc) || *type == typeid(Standard_OutOfMemory));
-        if (isMemory) { std::_Exit(kStatusOutOfMemory); }
+        if (isMemory) { std::_Exit(kMeshOutOfMemory); }
         std::abort();
     });
     Message::DefaultMessenger()->ChangePrinters().Clear();

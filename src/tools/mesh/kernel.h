@@ -4,15 +4,12 @@
 
 namespace tarnwick::tools {
 
-// Of the process, by which its client tells want of memory from other ends.
-inline constexpr int kStatusOutOfMemory = 3;
-
 // Sets up the kernel for this process: its messages go nowhere, a signal in it becomes one of its exceptions,
-// and want of memory where it may not throw ends it with that status. Once, before anything else of the
-// kernel.
+// and a lack of memory where it may not throw ends the process with kMeshOutOfMemory. To be called once,
+// before anything else of the kernel.
 void StartKernel();
 
-// Who is told what the kernel begins, and gets the parts of an answer that comes in parts.
+// Is told what the kernel begins, and gets an answer in parts, where it comes so.
 class MeshListener {
 public:
     virtual ~MeshListener() = default;
@@ -20,8 +17,8 @@ public:
     virtual void Take(const MeshAnswer& part) = 0;
 };
 
-// Has the kernel read the text, make the bodies and triangulate them. What fails is told among the answer's
-// problems; nothing is thrown. The kernel is for one thread at a time.
+// Has the kernel read the text, make the bodies and triangulate them. What fails is among the answer's
+// problems; nothing of the kernel is thrown. For one thread at a time.
 MeshAnswer MeshByKernel(const MeshRequest& request, MeshListener* listener);
 
 } // namespace tarnwick::tools

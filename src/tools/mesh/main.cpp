@@ -1,5 +1,5 @@
-// Triangulates exact bodies by the geometry kernel, in a process of its own: a damaged body can take the
-// kernel any time and any memory, or bring it down.
+// tarnwick-mesh: triangulates exact bodies by the geometry kernel, in a process of its own. On a damaged body
+// the kernel can take any time and any memory, or crash.
 
 #include "mesher/mesh_format.h"
 #include "platform/sanitizers.h"
@@ -53,7 +53,7 @@ bool WriteAll(int file, std::string_view bytes) {
     return true;
 }
 
-// Standard output for the messages alone: whatever the kernel prints goes to standard error. Returns the
+// Keeps standard output for the messages alone: what the kernel prints goes to standard error. Returns the
 // descriptor of the messages, or -1.
 int TakeStandardOutput() {
     const int messages = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
@@ -84,7 +84,7 @@ bool LimitMemory(const char* megabytes) {
 #endif
 }
 
-// Nothing where the input ends or is no request.
+// False where the input ends or is no request.
 bool ReadRequest(MeshRequest* request) {
     std::string bytes(kMeshHeadSize, '\0');
     if (!ReadAll(STDIN_FILENO, bytes.data(), bytes.size())) { return false; }
@@ -94,7 +94,7 @@ bool ReadRequest(MeshRequest* request) {
     return ReadAll(STDIN_FILENO, bytes.data(), bytes.size()) && DecodeMesh(bytes, request);
 }
 
-// Sends what it hears. Where nobody takes it any more, the process ends at its next request.
+// Sends what it is told. Where nobody reads that any more, the process ends at its next request.
 class Sender : public MeshListener {
 public:
     explicit Sender(int file) : file_(file) {}
@@ -147,5 +147,5 @@ int main(int count, char** words) {
     // process.
     try {
         return tarnwick::tools::Run(count, words);
-    } catch (const std::exception&) { return tarnwick::tools::kStatusOutOfMemory; }
+    } catch (const std::exception&) { return tarnwick::kMeshOutOfMemory; }
 }

@@ -64,7 +64,7 @@ OpenOutcome FindShown(const std::string& file, const prepare::PrepareOptions& op
     if (outcome.result.error.empty()) {
         outcome.path = std::filesystem::absolute(outcome.result.output, error).string();
     } else if (kind != FileKind::kUnknown && Shows(path, 1, cancel)) {
-        // Better than nothing, whatever is wrong with it.
+        // Some of it is better than nothing.
         outcome.path = path;
     }
     return outcome;

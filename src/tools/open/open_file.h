@@ -17,8 +17,9 @@ struct OpenOutcome {
     bool LacksShape() const { return path.empty() || result.LacksShape(); }
 };
 
-// Looks whether the viewer shows a file whole by itself, and prepares it where not. `options` has the folder
-// of the outcome. Takes as long as it takes; ends within 0.1 s of its steps when `cancel` becomes true.
+// Finds out whether the viewer shows a file whole by itself, and prepares it where not. `options` has the
+// folder of the outcome. May take long. When `cancel` becomes true, it ends as soon as the step in hand looks
+// at it.
 OpenOutcome FindShown(const std::string& file, const prepare::PrepareOptions& options,
                       const prepare::TellProgress& tell, const std::atomic<bool>* cancel);
 

@@ -26,7 +26,7 @@ namespace tarnwick::tools {
 
 namespace {
 
-// Set by a signal or the window, looked at by all that takes long.
+// Set by a signal or the window; all that takes long looks at it.
 std::atomic<bool> cancelled{false};
 OpenCommand command;
 prepare::PrepareOptions options;

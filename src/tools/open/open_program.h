@@ -2,7 +2,7 @@
 
 namespace tarnwick::tools {
 
-// The program but for what happens without memory. Returns its exit status, or becomes the viewer.
+// The whole program, except for what happens without memory. Returns its exit status, or becomes the viewer.
 int RunOpen(int argc, char** argv);
 
 } // namespace tarnwick::tools

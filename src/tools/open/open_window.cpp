@@ -1,6 +1,7 @@
 #include "tools/open/open_window.h"
 
 #include "app/eye_text.h"
+#include "platform/paths.h"
 #include "tools/prepare/outcome.h"
 #include "tools/prepare/progress.h"
 
@@ -12,7 +13,6 @@
 #include <QThread>
 #include <QVBoxLayout>
 
-#include <filesystem>
 #include <utility>
 
 namespace tarnwick::tools {
@@ -25,10 +25,6 @@ constexpr int kPatienceAfterCancel = 50; // milliseconds
 constexpr int kWidth = 520;
 constexpr std::size_t kMostListed = 1000;
 
-std::string NameOf(const std::string& file) {
-    return std::filesystem::path(file).filename().string();
-}
-
 } // namespace
 
 OpenWindow::OpenWindow(std::string file, prepare::PrepareOptions options, std::atomic<bool>* cancelled)
@@ -39,7 +35,7 @@ OpenWindow::OpenWindow(std::string file, prepare::PrepareOptions options, std::a
     const auto label = [&](const char* name) {
         auto* const made = new QLabel(this);
         made->setObjectName(name);
-        made->setTextFormat(Qt::PlainText); // it may be a text of a file
+        made->setTextFormat(Qt::PlainText); // the text may come from a file
         made->setWordWrap(true);
         column->addWidget(made);
         return made;

@@ -18,8 +18,8 @@ class QPushButton;
 
 namespace tarnwick::tools {
 
-// Finds what the viewer is to show for a file, on a thread of its own, and says meanwhile how far that is;
-// then what is missing, or why there is nothing. What is done at once shows no window.
+// Finds what the viewer is to show for a file, on a thread of its own. Shows the progress meanwhile, then
+// what is missing or why there is nothing. Where the work is done at once, no window appears.
 class OpenWindow : public QDialog {
 public:
     // `cancelled` becomes true from outside when the program is to end.
@@ -30,7 +30,7 @@ public:
     // empty one.
     std::string Run();
 
-    // True where Run didn't wait longer for cancelled work: a step that doesn't look whether it is, such as
+    // True where Run gave up waiting for cancelled work: a step that doesn't look at the flag, such as
     // reading a large file, may take long.
     bool IsAtWork() const { return !isFinished_; }
 

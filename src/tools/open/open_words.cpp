@@ -1,10 +1,10 @@
 #include "tools/open/open_words.h"
 
+#include "platform/paths.h"
 #include "tools/prepare/outcome.h"
 #include "tools/prepare/progress.h"
 
 #include <cstdio>
-#include <filesystem>
 
 namespace tarnwick::tools {
 
@@ -12,7 +12,7 @@ int OpenInWords(const std::string& file, const prepare::PrepareOptions& options,
                 const std::atomic<bool>* cancel) {
     OpenOutcome outcome;
     {
-        Progress progress(std::filesystem::path(file).filename().string());
+        Progress progress(NameOf(file));
         outcome = FindShown(
             file, options, [&](std::size_t done, std::size_t parts) { progress.Tell(done, parts); }, cancel);
     }

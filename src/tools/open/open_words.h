@@ -7,8 +7,8 @@
 
 namespace tarnwick::tools {
 
-// Opens a file where there is no display: says how far it is and what is missing on standard error, and on
-// standard output the path of what the viewer is to show. Returns the exit status: 0 when there is one,
+// Opens a file where there is no display: writes the progress and what is missing to standard error, and the
+// path of what the viewer is to show to standard output. Returns the exit status: 0 when there is one,
 // else 1.
 int OpenInWords(const std::string& file, const prepare::PrepareOptions& options,
                 const std::atomic<bool>* cancel);

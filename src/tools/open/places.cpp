@@ -20,7 +20,7 @@ constexpr int kHashDigits = 16;
 
 std::string CacheFolder() {
     const char* const cache = std::getenv("XDG_CACHE_HOME");
-    // A relative one doesn't count, by the rules for that variable.
+    // The rules for this variable say that a relative path doesn't count.
     if (cache != nullptr && *cache == '/') { return cache; }
     const char* const home = std::getenv("HOME");
     return std::string(home != nullptr ? home : "") + "/.cache";

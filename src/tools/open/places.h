@@ -12,7 +12,7 @@ std::string PreparedFolder(const std::string& file);
 // The path of a program of ours: beside this one, or its bare name, for PATH.
 std::string OwnProgram(const std::string& name);
 
-// Takes away what this process has begun to write there and not finished. Files that others write stay.
+// Removes what this process has begun to write there and not finished. Files that others write stay.
 void RemoveUnfinished(const std::string& folder);
 
 } // namespace tarnwick::tools

@@ -5,9 +5,8 @@
 
 namespace tarnwick::tools {
 
-// How many triangles the viewer shows of a file by itself; those that it draws and nobody sees don't count.
-// Says nothing about it. The readers end the program for a few kinds of files, so a process of its own does
-// this.
+// How many triangles of a file the viewer shows by itself, without those that can't be seen. Writes nothing
+// to the console. The readers end the program on some files, so call it in a process of its own.
 std::size_t ShownTriangles(const std::string& file);
 
 } // namespace tarnwick::tools

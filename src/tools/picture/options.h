@@ -14,7 +14,7 @@ namespace tarnwick::tools {
 struct PictureOptions {
     std::string path;
     std::optional<std::string> product; // a product may well have an empty name
-    std::string output;                 // "-" for standard output; FileNames tells of its patterns
+    std::string output;                 // "-" for standard output; see FileName for its patterns
     WindowSize size{512, 512};
     std::vector<NamedView> views; // one at least
     int turntable = 0;            // frames around the model in each view; 0 for a single picture

@@ -28,7 +28,7 @@ namespace tarnwick::tools {
 namespace {
 
 constexpr double kBytesOfMegabyte = 1e6;
-// Of the time limit, what drawing may take after the preparing of a file.
+// The share of the time limit that is left for drawing where a file must be prepared.
 constexpr double kForDrawing = 0.2;
 
 void Say(const std::string& text) {
@@ -45,8 +45,8 @@ bool IsGivenUp(const UnreadFile& file) {
     return file.reason == std::string_view(kGivenUpReason);
 }
 
-// Tells of what could not be read, but for the file itself where it was opened and then given up: what is to
-// be done about that is told later.
+// Tells what could not be read, except for the file itself where it was opened and then given up: SayNothing
+// tells what helps then.
 void SayUnread(const SceneView& view) {
     for (const UnreadFile& file : view.loaded.unreadFiles) {
         if (!file.productName.empty()) {
@@ -109,7 +109,7 @@ bool LoadInto(OpenGLControl& view, const PictureOptions& options) {
     return true;
 }
 
-// A driver may break down where memory runs out. A sanitizer tells more of that than we do.
+// A driver may crash where memory runs out. A sanitizer tells more about that than we do.
 void TellOfABrokenDriver() {
 #ifndef TARNWICK_ADDRESS_SANITIZER
     for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
@@ -139,7 +139,7 @@ void Pick(OpenGLControl& view, WindowPoint place) {
     ShowErrorsOnly(true);
 }
 
-// What is being written is written to its end, whatever the time limit.
+// Writes to the end, whatever the time limit.
 int WriteInTime(const std::vector<std::uint8_t>& bytes, const std::string& name) {
     sigset_t alarm;
     sigset_t before;

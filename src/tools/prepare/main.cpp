@@ -23,7 +23,7 @@ using namespace tarnwick;
 
 constexpr const char* kOutOfMemory = "tarnwick-prepare: it needs more memory than there is\n";
 
-// Set by a signal, looked at by all that takes long.
+// Set by a signal; all that takes long looks at it.
 std::atomic<bool> cancelled{false};
 
 // Before the library of the command line makes its own objects.

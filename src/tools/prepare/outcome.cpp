@@ -10,7 +10,7 @@ namespace tarnwick::tools {
 
 namespace {
 
-// Of what is missing, in one file's lines.
+// The most losses that are told of one file.
 constexpr std::size_t kMostLines = 50;
 
 std::string Counted(std::size_t count, const char* one, const char* many) {

@@ -10,8 +10,8 @@ namespace tarnwick::tools {
 
 namespace {
 
-constexpr double kBarPause = 0.1; // seconds between two looks of the bar
-constexpr double kLinePause = 10; // and between two lines
+constexpr double kBarPause = 0.1; // seconds between two states of the bar
+constexpr double kLinePause = 10; // seconds between two lines
 constexpr int kBarWidth = 24;
 
 } // namespace

@@ -9,8 +9,8 @@ namespace tarnwick::tools {
 // "12 s", "3:05 min" or "1:02 h".
 std::string Duration(double seconds);
 
-// Says on standard error how far a file is: a bar that moves on a terminal, now and then a line in a pipe.
-// Called by one thread at a time.
+// Shows the progress of a file on standard error: a bar on a terminal, else now and then a line. Called by
+// one thread at a time.
 class Progress {
 public:
     explicit Progress(std::string name);

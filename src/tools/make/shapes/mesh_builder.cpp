@@ -14,9 +14,9 @@ Vec3 OutwardInProfile(ProfilePoint from, ProfilePoint to) {
 
 } // namespace
 
-Turns EvenTurns(int count, double firstAngle) {
+Turns EvenTurns(int count) {
     Turns turns;
-    for (int i = 0; i < count; ++i) { turns.Add(firstAngle + 2 * std::numbers::pi * i / count); }
+    for (int i = 0; i < count; ++i) { turns.Add(2 * std::numbers::pi * i / count); }
     return turns;
 }
 

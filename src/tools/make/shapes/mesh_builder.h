@@ -37,7 +37,7 @@ struct Turns {
         return {radius * cosines[k], radius * sines[k], height};
     }
 };
-Turns EvenTurns(int count, double firstAngle = 0);
+Turns EvenTurns(int count);
 
 class MeshBuilder {
 public:
