@@ -133,7 +133,7 @@ void ReadNumbers(const char* path, Blocks* blocks, Arrays* arrays) {
     WalkLines(text, size, arrays);
 }
 
-// One member of an archive: where its local header stands, and its sizes.
+// One member of an archive: where its local header begins, and its sizes.
 struct Member {
     std::size_t header;
     std::size_t packed;

@@ -1,6 +1,7 @@
 // The time of a frame beside that of the graphics library alone for the same arrays, in a buffer without a
 // window, from our arrays and from buffers of the library. With the name of a file, also a frame of that.
-// Built against a library that does nothing (null_gl.cpp), it tells the drawing window's own time.
+// Built against a library that does nothing (tests/support/silent_gl.cpp), it tells the drawing window's own
+// time.
 
 #include "formats/load_commands.h"
 #include "load/load_file.h"

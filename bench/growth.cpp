@@ -36,8 +36,7 @@ int main(int argc, char** argv) {
     }
     std::string program = argv[2];
     for (int i = 3; i < argc; ++i) { program += std::string(" ") + argv[i]; }
-    std::string folder =
-        "/tmp/tarnwick-growth-" + std::string(6, 'X'); // mkdtemp puts something else for these
+    std::string folder = "/tmp/tarnwick-growth-" + std::string(6, 'X'); // mkdtemp replaces these
     if (mkdtemp(folder.data()) == nullptr) { return 2; }
     std::printf("%-46s %9s %9s %9s %7s\n", "seconds", "n", "2n", "4n", "4n / n");
     for (const tarnwick::growth::Case& tried : tarnwick::growth::Cases()) {

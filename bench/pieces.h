@@ -9,7 +9,7 @@ namespace tarnwick::bench {
 // The bytes of a file, with 64 NULs after them. Ends the program when it can't be read.
 std::string ReadBytes(const std::string& path, std::size_t* size);
 
-// How often `c` is met by a memchr pass over the text, one call from each to the next.
+// Counts `c` in the text by memchr, one call from each to the next.
 std::size_t CountByMemchr(const char* text, std::size_t size, char c);
 
 // The reals of the P21 file `path`, by ParseReal, by fast_float and by strtod.

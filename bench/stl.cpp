@@ -1,5 +1,5 @@
-// tarnwick-bench-stl FILE OUT.stl: what is drawn of a file as binary STL, so that programs of other formats
-// can be set beside ours with the same triangles. Placements are applied; colours and normals don't go along.
+// tarnwick-bench-stl FILE OUT.stl: what is drawn of a file as binary STL, so that programs for other formats
+// can be compared with ours on the same triangles. Placements are applied; colours and normals are left out.
 
 #include "formats/load_commands.h"
 #include "load/no_controls.h"

@@ -1,5 +1,5 @@
-// Stands in for the parts of platform/ and formats/ that end or stop the process, print, or ask the system
-// for memory. A target links it ahead of the libraries, which then keep their own.
+// Replaces the functions of platform/ that end or stop the process, print, or ask the system for memory. A
+// target links it ahead of the libraries, whose own versions then stay out.
 
 #include "harness.h"
 #include "platform/console.h"

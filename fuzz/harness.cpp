@@ -40,7 +40,7 @@ Folder& Folder::Own() {
 Folder::Folder() {
     const char* const base = std::getenv("TMPDIR");
     path_ = std::string(base != nullptr ? base : "/dev/shm") + "/tarnwick-fuzz-" +
-            std::string(6, 'X'); // mkdtemp puts something else for these
+            std::string(6, 'X'); // mkdtemp replaces these
     if (mkdtemp(path_.data()) == nullptr) { std::abort(); }
     path_ += '/';
 }

@@ -15,11 +15,13 @@ namespace tarnwick::fuzz {
 // Thrown where the program would end by a bounds check, or would stand still for good.
 struct ProgramEnd {};
 
-// Runs one input of `size` bytes, which bounds the memory that it may ask for at once. Returns 0, which tells
-// libFuzzer to keep the input if it found something new.
+// Limits the memory that an input may ask for at once.
+void SetInputSize(std::size_t size);
+
+// Runs one input of `size` bytes. Returns 0, which tells libFuzzer to keep the input if it found something
+// new.
 template <class Run>
 int Outcome(std::size_t size, Run run) {
-    void SetInputSize(std::size_t);
     SetInputSize(size);
     try {
         run();
@@ -36,8 +38,8 @@ public:
     // Removes what was written.
     void Clear();
 
-    // Writes the files of a bundle: what stands after a line "@@name" is the file of that name. Text ahead
-    // of the first such line, or without any, is the file `firstName`. Returns the paths, in their order.
+    // Writes the files of a bundle: the text after a line "@@name" is the file of that name. Text before the
+    // first such line, or without any, is the file `firstName`. Returns the paths, in their order.
     std::vector<std::string> WriteBundle(std::string_view bundle, const std::string& firstName);
 
 private:

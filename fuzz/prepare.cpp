@@ -13,7 +13,7 @@ using namespace tarnwick;
 
 namespace {
 
-// Sets in sets multiply; a text of this size writes no more than this in earnest.
+// Sets in sets multiply; no sound text of this size has more shapes than this.
 constexpr std::size_t kMostShapes = 200;
 
 void WriteParts(const ExchangeFile& file, const prepare::FileStructure& structure) {
@@ -39,7 +39,7 @@ void WriteParts(const ExchangeFile& file, const prepare::FileStructure& structur
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     return fuzz::Outcome(size, [&] {
-        const fuzz::Padded text({reinterpret_cast<const char*>(data), size});
+        const fuzz::Padded text(fuzz::Text(data, size));
         const ExchangeFile file(text.Text());
         const prepare::FileStructure structure = prepare::ReadP21Structure(file);
         for (const std::size_t root : structure.roots) {

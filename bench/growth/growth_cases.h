@@ -10,7 +10,7 @@ namespace tarnwick::growth {
 struct Case {
     const char* name;
     std::string (*text)(int n); // of a file with `n` of what the case is about
-    int n;                      // that takes a load a moment
+    int n;                      // so that a load takes a moment
     const char* extension = "stp";
 };
 
