@@ -32,7 +32,7 @@ public:
     // An occurrence of `child` under `parent` with everything that hangs on it; returns the number of its
     // CONTEXT_DEPENDENT_SHAPE_REPRESENTATION.
     int Use(int parent, int child, const Frame& target = {}, const Frame& source = {});
-    // The same with a transformation that stands already.
+    // The same with a transformation that is there already.
     int UseWith(int parent, int child, int transform);
     // A document and the reference that gives it to a definition; returns the number of the
     // APPLIED_DOCUMENT_REFERENCE.

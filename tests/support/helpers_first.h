@@ -4,8 +4,8 @@
 
 namespace tarnwick::test {
 
-// Helpers that do all they can before the thread whose work it is begins, and on that thread; one more of
-// them than there can be.
+// Helpers that do all they can before the calling thread begins, and on that thread; one more of them than
+// there can be.
 class HelpersFirst final : public Helpers {
 public:
     HelpersFirst() : Helpers(1, 0) {}

@@ -2,7 +2,7 @@
 
 namespace tarnwick::test {
 
-// What this process holds of the system's.
+// The system's resources that this process holds.
 struct Holdings {
     long files;
     long threads;

@@ -5,8 +5,8 @@
 #include <iosfwd>
 #include <string_view>
 
-// What takes the compiler long is compiled once, in json.cpp: with a sanitizer a parse and a print are six
-// seconds for every test file that has them.
+// The compiler takes long for a parse and a print, with a sanitizer six seconds in each test file, so
+// json.cpp compiles them once.
 extern template class nlohmann::basic_json<>;
 
 namespace nlohmann {

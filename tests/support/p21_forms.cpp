@@ -123,7 +123,7 @@ const std::set<std::string_view> kEnumerations{
     ".MILLI.", ".KILO.",   ".METRE.",     ".RADIAN.", ".STERADIAN.",
     ".GRAM.",  ".KELVIN.", ".CARTESIAN.", ".LINEAR.", ".QUADRILATERAL."};
 
-// With a transformation in it this one takes its arguments from another record of the same entity.
+// In an entity with a transformation this record is empty: another one has its arguments.
 constexpr std::string_view kRelationship = "SHAPE_REPRESENTATION_RELATIONSHIP";
 
 char LetterOf(P21Value::Kind kind) {

@@ -19,7 +19,7 @@ std::string P21Header(std::string_view schema = kManagedModel);
 std::string P21Text(const Lines& data, std::string_view schema = kManagedModel);
 
 // A whole P21 file that is one part: a product, a representation (#2) with these items, and the lines.
-// `items` is the list as it stands in the file, "(#20,#21)".
+// `items` is the list as it is written in the file, "(#20,#21)".
 std::string PartText(std::string_view items, const Lines& lines);
 
 // The styles #50, a colour, and #51, a colour and a transparency, with all that hangs on them: #50 to #62.

@@ -4,7 +4,7 @@
 
 namespace tarnwick::test {
 
-// Whether a sanitizer watches this build: it runs ten times as long, and its memory is another.
+// Whether a sanitizer watches this build, which then takes ten times as long and other amounts of memory.
 #if defined(TARNWICK_ADDRESS_SANITIZER) || defined(__SANITIZE_THREAD__)
 inline constexpr bool kSanitized = true;
 #else

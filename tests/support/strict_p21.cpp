@@ -28,7 +28,7 @@ int NumberOf(std::string_view reference) {
     return number;
 }
 
-// Behind a backslash of a string: how many characters are the rest of it, 0 for what means nothing.
+// The length of the rest of an escape in a string, after its backslash; 0 for what is no escape.
 std::size_t EscapeLength(std::string_view text) {
     if (text.starts_with('\\')) { return 1; }
     if (text.size() > 2 && text.starts_with("S\\")) { return 3; }
@@ -151,7 +151,7 @@ private:
                value->items.size() == 1;
     }
 
-    // A real has a point, with digits in front of it; an exponent is no use without.
+    // A real has a point with digits before it, also where it has an exponent.
     bool ReadNumber(P21Value* value) {
         value->kind = P21Value::Kind::kInteger;
         if (!Take("-")) { Take("+"); }
@@ -210,7 +210,7 @@ private:
         return digits;
     }
 
-    // Line ends may stand in front of anything.
+    // Line ends may precede anything.
     bool Take(std::string_view word) {
         const std::size_t start = rest_.find_first_not_of('\n');
         if (start == rest_.npos || !rest_.substr(start).starts_with(word)) { return false; }

@@ -6,14 +6,14 @@
 #include <string_view>
 #include <vector>
 
-// Reads P21 files by the letter of the standard, as programs do that give up a file at its first fault: what
-// we write is held against this.
+// Reads P21 files by the letter of the standard, as programs do that give up a file at its first fault, to
+// check what we write.
 namespace tarnwick::test {
 
 struct P21Value {
     enum class Kind { kMissing, kDerived, kInteger, kReal, kString, kEnumeration, kReference, kList, kTyped };
     Kind kind = Kind::kMissing;
-    std::string_view text;       // as it stands in the file
+    std::string_view text;       // as it is written in the file
     std::vector<P21Value> items; // of a list, or the one in a typed value
 };
 

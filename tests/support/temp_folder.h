@@ -5,7 +5,7 @@
 
 namespace tarnwick::test {
 
-// A new, empty folder that goes with this object, and all that is in it.
+// A new, empty folder; this object's destructor removes it with all that is in it.
 class TempFolder {
 public:
     TempFolder();
