@@ -1,11 +1,11 @@
-# What the scripts of the project share: each of them sources it. Says what happens, puts on a Debian 12 machine what that
+# What the scripts of the project share; each of them sources it. Says what happens, installs what a Debian 12 machine
 # lacks, builds, tests.
 
 # say TEXT: with the seconds since the outermost script began.
 export TARNWICK_BEGAN=${TARNWICK_BEGAN:-$EPOCHSECONDS}
 say() { printf 'tarnwick, %4d s: %s\n' $((EPOCHSECONDS - TARNWICK_BEGAN)) "$*"; }
 
-# apt_get ARGUMENT...: as root, without questions. It waits for another that is at work, as on a machine that has just
+# apt_get ARGUMENT...: as root, without questions. It waits while another one is at work, as on a machine that has just
 # started.
 apt_get() {
   local as_root=()
@@ -29,7 +29,7 @@ ensure_packages() {
   messages=$(apt_get install -y --no-install-recommends "${missing[@]}" 2>&1) || { say "$messages"; return 1; }
 }
 
-# What reads exact shape, where it can be had; the build leaves tarnwick-mesh out where not.
+# The geometry kernel, where it can be had; else the build leaves tarnwick-mesh out.
 ensure_kernel() {
   ensure_packages "${kernel_packages[@]}" || say "there is no geometry kernel: exact shape is left out"
 }

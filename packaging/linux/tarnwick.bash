@@ -4,8 +4,8 @@ _tarnwick_words() {
   mapfile -t COMPREPLY < <(compgen -W "$1" -- "${COMP_WORDS[COMP_CWORD]}")
 }
 
-# Folders, and files of the kinds that can be loaded, with "any" also those that can be prepared. compgen knows folders
-# behind a ~ too, a test doesn't.
+# Folders, and files of the kinds that can be loaded, with "any" also those that can be prepared. compgen expands a ~, a
+# test doesn't.
 _tarnwick_files() {
   local path which=${1:-}
   mapfile -t COMPREPLY < <(compgen -d -- "${COMP_WORDS[COMP_CWORD]}")
@@ -31,7 +31,7 @@ _tarnwick_load() {
     --json) compopt -o default && COMPREPLY=() && return ;;
   esac
   case ${COMP_WORDS[COMP_CWORD]} in
-    -*) _tarnwick_words "--json --arrays --depth --no-threads --repeat --index --entities --check --help --version" ;;
+    -*) _tarnwick_words "--json --arrays --depth --no-threads --repeat --index --entities --check --verbose --help --version" ;;
     *) _tarnwick_files ;;
   esac
 }

@@ -1,5 +1,5 @@
 # What the scripts of this folder share: the libraries for Windows that Debian has for Linux alone, made once from Debian's sources
-# and kept in a cache. To be sourced behind scripts/common.sh.
+# and kept in a cache. To be sourced after scripts/common.sh.
 
 windows_cache=${XDG_CACHE_HOME:-$HOME/.cache}/tarnwick-windows
 windows_prefix=$windows_cache/prefix
