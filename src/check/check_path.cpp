@@ -364,7 +364,9 @@ void AddCommand(CheckReport* report) {
     const bool isMended = std::any_of(report->findings.begin(), report->findings.end(),
                                       [](const Finding& f) { return TextOf(f.kind).isMended; });
     if (!hasShape || !isMended || (kind != FileKind::kStep && kind != FileKind::kStepXml)) { return; }
-    report->command = "tarnwick-prepare " + ForShell(report->path);
+    // After "--" a path is no option.
+    report->command = (report->path.starts_with('-') ? "tarnwick-prepare -- " : "tarnwick-prepare ") +
+                      ForShell(report->path);
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 #include "platform/within_memory.h"
 #include "support/json.h"
 
+#include <filesystem>
+
 namespace tarnwick::test {
 namespace {
 
@@ -89,6 +91,16 @@ TEST(CheckReports, QuoteThePathInTheCommand) {
     const TempFolder folder;
     const CheckReport report = Checked(folder.Write("it's one.stp", WithWires(1)));
     EXPECT_EQ(report.command, "tarnwick-prepare '" + folder.Path("it'\\''s one.stp") + "'");
+}
+
+TEST(CheckReports, HaveACommandThatTakesAPathWithADashInFrontForAPath) {
+    const TempFolder folder;
+    folder.Write("-one.stp", WithWires(1));
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.Path(""));
+    const CheckReport report = Checked("-one.stp");
+    std::filesystem::current_path(before);
+    EXPECT_EQ(report.command, "tarnwick-prepare -- -one.stp");
 }
 
 TEST(CheckReports, ShowTenOfAKind) {

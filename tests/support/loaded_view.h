@@ -10,10 +10,9 @@
 
 namespace tarnwick::test {
 
-// A view that counts what is asked of it.
+// A view that counts its frames, and keeps what a load prints.
 struct CountingView final : SceneView {
     void Redraw() override { ++redraws; }
-    void DeleteDisplayList() override { ++deletions; }
 
     // Loads a P21 file and keeps what that printed.
     void Load(const std::string& path, bool useThreads = 0) {
@@ -32,7 +31,6 @@ struct CountingView final : SceneView {
     }
 
     int redraws = 0;
-    int deletions = 0;
     std::string output;
     std::string console;
 };
