@@ -39,7 +39,7 @@ struct CheckReport {
 // its own. To be called while there is no other thread.
 CheckReport CheckPath(LoadDispatch& dispatch, const std::string& path, const char* rootName, bool useThreads);
 
-// The same without a trial: `outcome` is that of one, or as it was made.
+// The same without a trial: `outcome` is that of an earlier one, or says that there was none.
 CheckReport CheckWith(const std::string& path, const char* rootName, LoadOutcome outcome);
 
 // The kind of the file, by its text where its extension isn't known.

@@ -68,7 +68,7 @@ public:
     // Likewise, by the keyword's place among all keywords.
     std::span<const std::uint32_t> OfPlace(std::uint32_t keyword) const;
 
-    // The first 1000, those of the text in its order before numbers that stand twice.
+    // At most 1000: in the order of the text, and after these the numbers that stand twice.
     std::span<const Deviation> Deviations() const { return deviations_; }
 
 private:

@@ -31,8 +31,8 @@ struct PlacementContext {
 std::optional<Transform> ReadPlacement(pugi::xml_node placement, const PlacementContext& context);
 
 // A matrix from nine, twelve or sixteen numbers; nothing for any other count. Nine are the columns. Twelve
-// are four columns of three, or three rows of four where only the rows are at right angles. Sixteen are
-// columns where the fourth of each is that of a matrix that keeps points finite, else rows.
+// are four columns of three, or three rows of four where only the rows are rigid. Sixteen are columns where
+// the fourth numbers of the columns are 0, 0, 0 and 1, rows where those of the rows are, else nothing.
 std::optional<Transform> MatrixOf(const std::vector<double>& numbers);
 
 } // namespace tarnwick::prepare
