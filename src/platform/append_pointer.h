@@ -8,8 +8,8 @@
 namespace tarnwick {
 
 // Appends to the growable pointer array of a record: capacity 10 at first, doubled as soon as it is full, so
-// that there is always a free place after the last entry. The array lives in the arena. False when memory
-// runs out.
+// that there is always a free place after the last entry. The array lives in the arena. False, with the array
+// as it was, when memory runs out.
 template <class T>
 bool AppendPointer(Arena& arena, T*** array, std::int32_t* capacity, std::int32_t* count, T* pointer) {
     if (*capacity == 0) {

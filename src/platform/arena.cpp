@@ -29,14 +29,14 @@ std::size_t RoundUp(std::size_t bytes) {
 } // namespace
 
 bool Arena::AddChunk(std::size_t atLeast) {
-    // Room for the note comes first: pages that can't be noted would be lost.
+    // The room to note the chunk comes first: pages that can't be noted would be lost.
     if (chunks_.size() == chunks_.capacity() &&
         !WithinMemory([this] { chunks_.reserve(std::max<std::size_t>(8, 2 * chunks_.size())); })) {
         return false;
     }
     nextChunk_ = std::clamp(nextChunk_ * 2, kFirstChunk, kLargestChunk);
     const std::size_t bytes = std::max(nextChunk_, RoundUp(atLeast));
-    // A few lines can fill any memory, by what they list again and again.
+    // A few lines of a file can fill any memory, if they list the same thing again and again.
     if (bytes >= kLargestChunk && !IsMemoryLeft(bytes)) { return false; }
     char* const start = static_cast<char*>(AllocatePages(bytes));
     if (start == nullptr) { return false; }

@@ -29,7 +29,7 @@ public:
     template <class T>
     T* New(std::size_t count = 1);
 
-    // A NUL-terminated copy of `length` characters.
+    // A NUL-terminated copy of `length` characters; null when memory runs out.
     char* Copy(const char* text, std::size_t length);
 
     // Forgets all records but keeps the largest chunk for the next ones.
@@ -48,8 +48,8 @@ public:
     Place Here() const { return {next_, limit_, chunks_.size()}; }
     void GoBack(const Place& place);
 
-    // Takes over the memory of another arena, which is empty then. False, with both as they were, when memory
-    // for the note of it runs out.
+    // Takes over the memory of another arena, which is empty then. False, with both as they were, when there
+    // is no memory to note it in.
     bool TakeOver(Arena* other);
 
     // Bytes of the chunks held.

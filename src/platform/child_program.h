@@ -6,12 +6,12 @@
 
 namespace tarnwick {
 
-// A program that runs beside the viewer, with an empty standard input and its own output going where ours
-// does. Its arguments arrive as the bytes they are: those of the toolkit would be recoded, and a file name
-// needn't be text. Used by one thread.
+// A program that runs beside the viewer. Its standard input is empty, its output goes where ours does. Its
+// arguments arrive byte for byte: the toolkit would recode them, and a file name needn't be text. Used by one
+// thread.
 class ChildProgram {
 public:
-    // Starts `command`, whose first word is looked for as the shell does; the console tells when it can't.
+    // Starts `command`, whose first word is looked for as the shell does; a failure is told on the console.
     explicit ChildProgram(const std::vector<std::string>& command);
     ChildProgram(const ChildProgram&) = delete;
     ChildProgram& operator=(const ChildProgram&) = delete;

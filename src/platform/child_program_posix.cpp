@@ -26,7 +26,7 @@ std::vector<char*> Pointers(const std::vector<std::string>& command) {
     return words;
 }
 
-// Waits, past signals; what waitpid returns. `status` may be null.
+// waitpid, again after each signal. `status` may be null.
 pid_t WaitFor(pid_t process, int* status, int options) {
     pid_t ended;
     do { ended = waitpid(process, status, options); } while (ended < 0 && errno == EINTR);

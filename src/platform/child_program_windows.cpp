@@ -12,8 +12,8 @@ namespace tarnwick {
 
 namespace {
 
-// One word as a program of this system takes it out of its command line again: in quotes, with a backslash
-// before each quote in it and all backslashes before a quote doubled.
+// Appends one word so that a program of this system finds it again in its command line: in quotes, with a
+// backslash before each quote in it, and with all backslashes before a quote doubled.
 void AppendWord(std::wstring* line, const std::wstring& word) {
     if (!line->empty()) { line->push_back(L' '); }
     line->push_back(L'"');
@@ -33,7 +33,7 @@ std::wstring LineOf(const std::vector<std::string>& command) {
     return line;
 }
 
-// Starts the program at that path, or null and why not. No window of a console opens for it.
+// Starts the program at `path`; null, with *error an errno, when that fails.
 HANDLE Spawn(const std::string& path, const std::vector<std::string>& command, DWORD flags, int* error) {
     std::wstring line = LineOf(command);
     STARTUPINFOW startup{};

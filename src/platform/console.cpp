@@ -25,8 +25,8 @@ Channels& TheChannels() {
     return channels;
 }
 
-// Formats and hands the text to `write`. A text of the usual length needs no memory, since some say that
-// there is none; without memory a longer one is cut.
+// Formats the text and hands it to `write`. A text of the usual length needs no memory, since some texts say
+// that there is none; a longer one is cut when memory runs out.
 template <class Write>
 void Format(const char* format, std::va_list arguments, Write write) {
     std::va_list again;

@@ -10,7 +10,7 @@ namespace tarnwick {
 int UsableCores() {
     DWORD_PTR own = 0;
     DWORD_PTR all = 0;
-    // 0 where the process may use cores of several groups.
+    // `own` is 0 where the process may use cores of several groups.
     if (GetProcessAffinityMask(GetCurrentProcess(), &own, &all) != 0 && own != 0) {
         return std::popcount(own);
     }

@@ -12,8 +12,8 @@ std::optional<std::string> EnvironmentText(const char* name);
 // Whether a window can be opened, as far as the environment tells.
 bool HasDisplay();
 
-// Chooses the window system that the toolkit is to use, unless the user has. To be called before the toolkit
-// starts, while there is no other thread.
+// Chooses the window system for the toolkit, unless the user has. Call it before the toolkit starts, while
+// there is no other thread.
 void ChooseWindowSystem();
 
 } // namespace tarnwick

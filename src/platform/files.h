@@ -17,10 +17,11 @@ bool AreSameFile(const std::string& a, const std::string& b);
 // The absolute path; the path as it is where the system can't tell.
 std::string AbsolutePath(const std::string& path);
 
-// The same for all names of one file: absolute, with links followed as far as there are files.
+// One path for all names of a file: absolute, with links followed as far as there are files; the path as it
+// is where the system can't tell.
 std::string RealPath(const std::string& path);
 
-// Makes the folder and those above it that aren't there; false, and why in words, where that fails.
+// Makes the folder and those above it that aren't there; false, with *why in words, when that fails.
 bool MakeFolders(const std::string& path, std::string* why);
 
 // Makes one folder that only the user may look into, where there is none of that name.

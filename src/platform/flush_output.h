@@ -3,7 +3,7 @@
 namespace tarnwick {
 
 // Writes out the buffer of standard output: only then does the system say whether it takes the bytes. Returns
-// 0, or the errno of what was lost, now or earlier.
+// 0, or an errno when bytes were lost, now or earlier.
 int FlushOutput();
 
 } // namespace tarnwick

@@ -18,7 +18,7 @@ public:
 
     // Whether there is a copy.
     bool IsThere() const { return process_ > 0; }
-    // Whether there is none for want of memory.
+    // Whether there is none because memory ran out.
     bool LacksMemory() const { return lacksMemory_; }
     // The next character of its standard error, or EOF when it has ended or closed that.
     int Next() { return stream_ != nullptr ? std::getc(stream_) : EOF; }

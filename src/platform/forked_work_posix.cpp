@@ -25,7 +25,7 @@ namespace {
 ForkedWork::ForkedWork(const std::function<void()>& work) {
     int ends[2];
     if (pipe(ends) != 0) { return; }
-    // Before there is a copy: without it nobody would hear that one.
+    // First, since nobody could read what a copy says without it.
     stream_ = fdopen(ends[0], "r");
     if (stream_ != nullptr) {
         std::fflush(nullptr);

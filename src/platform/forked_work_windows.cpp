@@ -1,4 +1,4 @@
-// No process can be copied here: nothing is tried, and the caller says so.
+// This system can't copy a process: nothing is tried, and the caller says so.
 
 #include "platform/forked_work.h"
 

@@ -6,8 +6,7 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
-#include <new>
-#include <system_error>
+#include <exception>
 #include <thread>
 
 namespace tarnwick {
@@ -21,9 +20,7 @@ void StartedHelpers::Run(const Work& work) {
     for (int i = 0; i < std::min(Count(), kMost); ++i) {
         try {
             threads[static_cast<std::size_t>(i)] = std::jthread([&work] { work(false); });
-        } catch (const std::system_error&) { break; } catch (const std::bad_alloc&) {
-            break;
-        }
+        } catch (const std::exception&) { break; } // no thread, or no memory for one
     }
     work(true);
 }
@@ -67,12 +64,12 @@ IdleHelpers::Outcome IdleHelpers::Help(int milliseconds) {
     guard.unlock();
     (*offer->work)(false);
     guard.lock();
-    Close(offer); // who leaves has found nothing more to do
+    Close(offer); // a helper leaves when nothing is left to do
     if (--offer->inside == 0) { changed_.notify_all(); }
     return Outcome::kHelped;
 }
 
-// Work that one more helper can join; null for none.
+// The first offer that one more helper can join; null for none.
 IdleHelpers::Offer* IdleHelpers::Open() {
     Offer* offer = offers_;
     while (offer != nullptr && offer->joined >= Count()) { offer = offer->next; }

@@ -7,14 +7,14 @@
 
 namespace tarnwick {
 
-// Threads that take part in the work of another one while they have none of their own.
+// Threads that take part in the work of another thread while they have none of their own.
 class Helpers {
 public:
-    // Called with true on the thread whose work it is. It throws nothing.
+    // Called with true on the thread whose work it is, with false on a helper. It throws nothing.
     using Work = std::function<void(bool isOwn)>;
 
     static constexpr int kMost = 5;
-    // The bytes of a file from which on help with it pays.
+    // Help with a file pays from this many bytes on.
     static constexpr std::size_t kLeastBytes = std::size_t{4} << 20;
 
     virtual ~Helpers() = default;
@@ -24,8 +24,8 @@ public:
     // Whether they are worth calling for a file of so many bytes.
     bool AreFor(std::size_t bytes) const { return count_ > 0 && bytes >= leastBytes_; }
 
-    // Calls `work` on the calling thread, and until that call returns on each helper that is free; returns
-    // when all calls have. No call may rely on another one.
+    // Calls `work` on the calling thread and, until that call returns, on each helper that is free; returns
+    // when all calls have returned. No call may rely on another one.
     virtual void Run(const Work& work) = 0;
 
     // As many as there are cores for beside the calling thread, kMost at most.
@@ -49,8 +49,8 @@ public:
     void Run(const Work& work) override;
 };
 
-// Helpers that are the threads of one loop, once they have nothing left to do. Any thread may call what is
-// below.
+// Helpers that are the threads of one loop, each once it has nothing left to do. Any thread may call all of
+// this.
 class IdleHelpers final : public Helpers {
 public:
     explicit IdleHelpers(int count = FreeCores(), std::size_t leastBytes = kLeastBytes)
@@ -65,16 +65,16 @@ public:
     // How the wait ended.
     enum class Outcome { kHelped, kNobodyBusy, kTimeOver };
 
-    // Called on a thread between End and Begin: takes part in what another one offers, as soon as it does;
-    // waits no longer than `milliseconds`, without an end for 0, nor when nobody is busy any more.
+    // Called on a thread between End and Begin: waits until another thread offers work, and takes part in it.
+    // The wait ends after `milliseconds` (never for 0), or when no thread is busy any more.
     Outcome Help(int milliseconds);
 
 private:
     // Work that can be joined, on the stack of the thread whose work it is.
     struct Offer {
         const Work* work;
-        int joined = 0; // helpers that came
-        int inside = 0; // those of them that haven't left
+        int joined = 0; // helpers that have come
+        int inside = 0; // those that haven't left
         Offer* next = nullptr;
     };
 

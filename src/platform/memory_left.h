@@ -5,8 +5,8 @@
 namespace tarnwick {
 
 // The bytes that this process can still take and fill: the least of what the machine and every limit of the
-// process leave, each less a part in 32 for others. What can be dropped for it (copies of files) counts as
-// free. A very large number where nothing sets a limit. Needs no memory itself.
+// process leave, each less a 32nd of the whole for others. What the system can drop (copies of files) counts
+// as free. A very large number where nothing sets a limit. Needs no memory itself.
 std::uint64_t MemoryLeft();
 
 } // namespace tarnwick

@@ -55,10 +55,9 @@ public:
 
     // A number, or false for the "max" of no limit.
     static bool ReadNumber(const char* text, std::uint64_t* number) {
-        char* behind = nullptr;
-        const unsigned long long value = std::strtoull(text, &behind, 10);
-        *number = value;
-        return behind != text;
+        char* end = nullptr;
+        *number = std::strtoull(text, &end, 10);
+        return end != text;
     }
 
 private:
@@ -126,8 +125,8 @@ std::uint64_t GroupLeft(const GroupNames& names, const char* folder) {
     return used < limit ? LessReserve(limit - used, limit) : 0;
 }
 
-// What a group and all that it lies in leave. Within a container the path may be one of the machine outside;
-// the container's own group is the root then.
+// The least that a group and those around it leave. Within a container the path may be one of the machine
+// outside; the container's own group is the root then.
 std::uint64_t GroupsLeft(const GroupNames& names, const char* controlGroups, const char* path,
                          std::size_t pathLength) {
     char folder[4096];

@@ -19,8 +19,7 @@ std::uint64_t MemoryLeft() {
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof status;
     if (GlobalMemoryStatusEx(&status) == 0) { return UINT64_MAX; }
-    // "Page file" is what can be promised at all, memory and paging files together, within the limits of the
-    // process.
+    // "Page file" means memory and paging files together, within the limits of the process.
     return std::min({LessReserve(status.ullAvailPhys, status.ullTotalPhys),
                      LessReserve(status.ullAvailPageFile, status.ullTotalPageFile),
                      std::uint64_t{status.ullAvailVirtual}});

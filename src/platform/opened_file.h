@@ -16,8 +16,8 @@ public:
 
     // False for what can't be opened or is no regular file: a folder or a pipe can't be read whole.
     bool IsOpen() const { return file_ >= 0; }
-    // Why the system couldn't open a file that may be there, as when too many are open: an errno. 0 for one
-    // that is open, isn't there, isn't meant for us or is no regular file.
+    // The errno when the system couldn't open a file that may be there, such as when too many are open. 0 for
+    // one that is open, isn't there, isn't meant for us or is no regular file.
     int Failure() const { return failure_; }
     std::uint64_t Size() const { return size_; }
 

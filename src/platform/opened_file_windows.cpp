@@ -28,7 +28,7 @@ OpenedFile::OpenedFile(const char* path) {
         errno = ENOENT;
         return;
     }
-    // As on other systems, others may write, rename and remove the file meanwhile.
+    // As on other systems, other programs may write, rename and remove the file meanwhile.
     HANDLE const file =
         CreateFileW(name.Text(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -9,8 +9,8 @@ namespace tarnwick {
 // least 1.
 void* AllocatePages(std::size_t bytes);
 
-// Whether `bytes` of memory are left for a block that will be filled, and some more for others. The system
-// hands out more than it has, and ends a process that then uses it.
+// Whether more than `bytes` of memory are left, for a block that will be filled. The system hands out more
+// than it has, and ends a process that then uses it.
 bool IsMemoryLeft(std::size_t bytes);
 
 // Gives back what AllocatePages returned for the same number of bytes.

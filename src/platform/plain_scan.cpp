@@ -40,7 +40,7 @@ int SharedWith(const char* text, std::string_view word) {
     return count;
 }
 
-// "inf", "infinity" or "nan": what begins as one of them must be it.
+// "inf", "infinity" or "nan"; nothing where more than "inf" but not all of "infinity" is there.
 Taken TakeWord(const char* text, Taken taken) {
     const int infinity = SharedWith(text, "infinity");
     if (infinity == 3 || infinity == 8) {
@@ -87,21 +87,21 @@ Taken Take(const char* text) {
     return taken;
 }
 
-// Whether a number beyond the range of its type is a large one, and no small one.
+// Whether a number that is out of range is too large for its type, not too small.
 bool IsLarge(const Taken& taken) {
     const bool isHexadecimal = taken.kind == Taken::Kind::kHexadecimal;
     const std::string_view digits = taken.digits;
     const std::size_t mark = std::min(digits.find_first_of(isHexadecimal ? "pP" : "eE"), digits.size());
     long long power = 0; // of the first digit that isn't 0
-    bool isBehindPoint = false;
+    bool isAfterPoint = false;
     bool hasBegun = false;
     for (const char c : digits.substr(0, mark)) {
         if (c == '.') {
-            isBehindPoint = true;
+            isAfterPoint = true;
             continue;
         }
         hasBegun = hasBegun || c != '0';
-        power += isBehindPoint ? (hasBegun ? 0 : -1) : (hasBegun ? 1 : 0);
+        power += isAfterPoint ? (hasBegun ? 0 : -1) : (hasBegun ? 1 : 0);
     }
     if (isHexadecimal) { power *= 4; }
     if (mark == digits.size()) { return power > 0; }

@@ -2,8 +2,8 @@
 
 namespace tarnwick {
 
-// ScanReal by rules of its own, for a system whose sscanf rounds twice: what sscanf of the GNU library takes
-// for a number, and the f64 (or f32) nearest to it.
+// ScanReal without sscanf, for a system whose own rounds twice: takes what the GNU library takes for a
+// number, and gives the f64 (or f32) nearest to it.
 int PlainScanReal(const char* text, double* value);
 int PlainScanReal(const char* text, float* value);
 

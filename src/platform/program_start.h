@@ -5,8 +5,8 @@
 
 namespace tarnwick {
 
-// What main does first: the words of the command line, UTF-8 where the system's own are UTF-16, and standard
-// streams that take bytes as they are. Where main has all that already, its own words are passed on.
+// What main needs first: the words of the command line, UTF-8 where the system's own are UTF-16, and standard
+// streams that take bytes as they are. Where main's own words will do, these are passed on.
 class ProgramStart {
 public:
     ProgramStart(int argc, char** argv);
@@ -17,7 +17,7 @@ public:
     char** words; // the first names the program
 
 private:
-    std::vector<std::string> texts_; // that the words are in, where they aren't main's own
+    std::vector<std::string> texts_; // the words, where they aren't main's own
     std::vector<char*> pointers_;
 };
 

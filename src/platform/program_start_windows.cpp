@@ -14,7 +14,7 @@ namespace tarnwick {
 
 ProgramStart::ProgramStart(int argc, char** argv) : count(argc), words(argv) {
     for (std::FILE* const stream : {stdin, stdout, stderr}) { _setmode(_fileno(stream), _O_BINARY); }
-    // Some of this system's libraries keep it back until the program ends, be that by force.
+    // Some of this system's libraries buffer it until the program ends, even if that is by force.
     std::setvbuf(stderr, nullptr, _IONBF, 0);
     SetConsoleOutputCP(CP_UTF8);
     wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);

@@ -29,23 +29,23 @@ public:
     Start Run(const std::vector<std::string>& command, std::string* why);
     bool IsRunning() const { return process_ != 0; }
 
-    // Waits for so many milliseconds at most until there is something to read or, where that is asked for,
-    // room to write. False where the other side is gone.
+    // Waits for at most so many milliseconds until there is something to read or, with `forRoom`, room to
+    // write. False when waiting fails for good.
     struct Ready {
         bool toRead = false;
         bool toWrite = false;
     };
     bool Wait(int milliseconds, bool forRoom, Ready* ready);
 
-    // Sends what there is room for now and adds that to *sent; false where the other side takes no more,
-    // which then gets no more.
+    // Sends as many bytes as there is room for now, and adds their number to *sent. False when the other side
+    // takes no more; it then reads an end of file.
     bool Send(const char* bytes, std::size_t count, std::size_t* sent);
-    // Takes up to `room` bytes, and sets *got to how many there were; false where there will be no more.
+    // Takes up to `room` bytes, and sets *got to how many there were; false when there will be no more.
     bool Receive(char* bytes, std::size_t room, std::size_t* got);
 
     // Ends the process, if there is one, and waits for its end.
     ProcessEnd End();
-    // The same for one that has closed its side: it has so many seconds to end by itself.
+    // The same for a process that has closed its side: it has so many seconds to end by itself. One must run.
     ProcessEnd EndAfter(double seconds);
 
 private:

@@ -32,7 +32,7 @@ int Spawn(char** words, int socket, pid_t* process) {
     if (error != 0) { return error; }
     error = posix_spawnattr_init(&attributes);
     if (error == 0) {
-        // The thread that starts it may have blocked or ignored signals.
+        // This thread may have blocked signals, this process may ignore SIGPIPE.
         sigset_t none;
         sigemptyset(&none);
         sigset_t pipes = none;

@@ -38,7 +38,7 @@ bool IsDrive(wchar_t c) {
     return Upper(c) >= L'A' && Upper(c) <= L'Z';
 }
 
-// Whether no colon stands where it isn't that of a drive.
+// Whether the path has no colon but that of a drive.
 bool HasOnlyDrive(std::wstring_view path) {
     const bool hasDrive = path.size() > 1 && path[1] == L':' && IsDrive(path[0]);
     return path.find(L':', hasDrive ? 2 : 0) == std::wstring_view::npos;
@@ -75,8 +75,7 @@ SystemPath::SystemPath(const char* path) {
     std::wstring_view given(wide, static_cast<std::size_t>(length));
     if (given.starts_with(kLong) && !given.starts_with(kLongShare)) { given.remove_prefix(kLong.size()); }
     if (!HasOnlyDrive(given) || IsDevice(given)) { return; }
-    // The system takes the long form as it is, so that "..", "/" and the current folder are dealt with
-    // before.
+    // The system takes the long form as it is, so "..", "/" and the current folder are resolved first.
     wchar_t full[kRoom];
     const DWORD used = GetFullPathNameW(given.data(), kRoom, full, nullptr);
     std::wstring_view whole(full, used < kRoom ? used : 0);

@@ -5,17 +5,17 @@
 
 namespace tarnwick {
 
-// UTF-16 of UTF-8 and back; what is neither becomes U+FFFD.
+// UTF-8 to UTF-16 and back; what isn't valid becomes U+FFFD.
 std::wstring Utf16Of(std::string_view text);
 std::string Utf8Of(std::wstring_view text);
 
-// A path as the calls of the system take it: UTF-16, from the root on, of any length. On the stack, since it
-// must be had without memory of the heap, too.
+// A path as the calls of the system take it: UTF-16, from the root on, of any length. Needs no memory of the
+// heap.
 class SystemPath {
 public:
-    // What the system can have no file for isn't usable: names that aren't UTF-8, a colon behind the drive's
-    // (it would name a stream of a file, or a drive within a folder), and the devices that stand in every
-    // folder, as "nul.stp".
+    // Not usable is what can't name a file: text that isn't UTF-8, a colon after the drive's (it would name a
+    // stream of a file, or a drive within a folder), and the devices that every folder has, such as
+    // "nul.stp".
     explicit SystemPath(const char* path);
     SystemPath(const SystemPath&) = delete;
     SystemPath& operator=(const SystemPath&) = delete;

@@ -9,9 +9,8 @@ namespace tarnwick {
 // The characters that a text may have: places in it are counted in 32 bits.
 inline constexpr std::uint64_t kLargestText = std::numeric_limits<std::int32_t>::max();
 
-// A writable block for the bytes of one file that its owner keeps and reuses for the next file, since fresh
-// pages for every file of an assembly would put half of the processor time into the kernel. Used by one
-// thread.
+// A writable block for the bytes of one file. Its owner keeps it for the next file, since fresh pages for
+// every file of an assembly would take half of the processor time. Used by one thread.
 class TextBlock {
 public:
     // Readable bytes after the asked size, so that a number may be taken eight characters at a time.

@@ -6,12 +6,11 @@
 namespace tarnwick {
 
 // A file that is written whole or not at all. The bytes go into a file beside it, which takes its name only
-// when all of them are there; a pipe, a device or a link is written in place. Needs no
-// memory of the heap.
+// when all of them are there; a pipe, a device or a link is written in place. Needs no memory of the heap.
 class WholeFile {
 public:
-    // What becomes of an empty file of that name. A service that asks for a file may have made it, and read
-    // by the handle that it holds: such a one is to be filled.
+    // What becomes of an empty file of that name. A service that asks for a file may have made it and read
+    // through a handle of its own; then the file must be filled, not replaced.
     enum class Empty { kReplaced, kFilled };
 
     explicit WholeFile(const char* path, Empty empty = Empty::kReplaced);
@@ -24,7 +23,7 @@ public:
     // The errno of the first failure so far, or 0.
     int Error() const { return error_; }
     void Write(const void* bytes, std::size_t count);
-    // Goes on writing at another place, from the start of the file.
+    // Goes on writing `offset` bytes after the start of the file.
     void GoTo(std::uint64_t offset);
     // Gives the file its name. Returns 0, or the errno of the first failure; then it isn't there, or still is
     // what it was before.

@@ -37,7 +37,7 @@ std::intptr_t Create(const char* path, DWORD disposition) {
     return reinterpret_cast<std::intptr_t>(file);
 }
 
-// What is of that name: its attributes, or INVALID_FILE_ATTRIBUTES for nothing.
+// The attributes of what has that name, INVALID_FILE_ATTRIBUTES for nothing.
 DWORD LookAt(const SystemPath& name, bool* isEmpty) {
     WIN32_FILE_ATTRIBUTE_DATA data;
     if (GetFileAttributesExW(name.Text(), GetFileExInfoStandard, &data) == 0) {
@@ -47,7 +47,7 @@ DWORD LookAt(const SystemPath& name, bool* isEmpty) {
     return data.dwFileAttributes;
 }
 
-// A scanner of viruses or an indexer may hold a file for a moment after it has come or changed.
+// Tries for a while: a virus scanner or an indexer may hold a new or changed file for a moment.
 bool Rename(const SystemPath& from, const SystemPath& to) {
     for (int attempt = 0; attempt < kMostRenames; ++attempt) {
         if (MoveFileExW(from.Text(), to.Text(), MOVEFILE_REPLACE_EXISTING) != 0) { return true; }

@@ -4,7 +4,7 @@
 
 namespace tarnwick {
 
-// Of a file that memory ran out for; a phrase after its name. An array, so that it has one
+// The reason for a file that memory ran out for; a phrase after its name. An array, so that it has one
 // address and can be told from other reasons.
 inline constexpr char kNeedsMemory[] = "needs more memory than there is";
 

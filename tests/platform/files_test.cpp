@@ -65,7 +65,7 @@ TEST(FilesTest, AreTheSameByWhateverPath) {
     EXPECT_FALSE(AreSameFile(folder.Path("c.stp"), folder.Path("c.stp")));
 }
 
-TEST(FilesTest, HaveTheNameBehindTheLastSeparator) {
+TEST(FilesTest, HaveTheNameAfterTheLastSeparator) {
     EXPECT_EQ(NameOf("/m/part.stp"), "part.stp");
     EXPECT_EQ(NameOf("/part.stp"), "part.stp");
     EXPECT_EQ(NameOf("part.stp"), "part.stp");
