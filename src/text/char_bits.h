@@ -14,8 +14,8 @@ namespace tarnwick {
 // The characters that one call of CharBits looks at.
 inline constexpr int kCharBlock = 64;
 
-// What CharBits gives, in plain steps, for machines without the instructions: eight characters at a time,
-// whose high bits are then gathered by a multiplication.
+// What CharBits gives, for machines without the instructions: eight characters at a time, whose high bits a
+// multiplication then gathers.
 template <char... c>
 inline std::uint64_t PlainCharBits(const char* p) {
     constexpr std::uint64_t kOnes = 0x0101010101010101u;
@@ -45,9 +45,9 @@ inline std::uint32_t SixteenBits(const char* p) {
 }
 #endif
 
-// A bit for each of the 64 characters at `p`, the lowest for the first: set where it is one of `c...`. Lines,
-// tags and values of a few dozen characters follow one another by their bits at a fraction of what a search
-// for each would take.
+// A bit for each of the 64 characters at `p`, the lowest for the first: set where it is one of `c...`. To go
+// from bit to bit takes a fraction of what a search for each would take, where lines, tags and values have a
+// few dozen characters.
 template <char... c>
 inline std::uint64_t CharBits(const char* p) {
 #ifdef __SSE2__
@@ -61,7 +61,7 @@ inline std::uint64_t CharBits(const char* p) {
 #endif
 }
 
-// Whether one of the 64 characters at `p` is `last` or, as unsigned numbers are compared, less than it.
+// Whether one of the 64 characters at `p`, as an unsigned number, is at most `last`.
 template <char last>
 inline bool AnyUpTo(const char* p) {
 #ifdef __SSE2__

@@ -8,8 +8,8 @@
 
 namespace tarnwick {
 
-// The extension of a path, by which it is loaded, in small letters; empty for a path that has none, whose
-// only "." is its first character, or with one of 9 characters and more.
+// The extension of a path, by which a file is loaded, in small letters. Empty for a path without one, for one
+// whose only "." is its first character, and for an extension of 9 characters or more.
 inline std::string ExtensionOf(std::string_view path) {
     constexpr std::size_t kTooLong = 9;
     const std::size_t dot = path.rfind('.');

@@ -32,7 +32,7 @@ bool IsGzip(const unsigned char* data, std::uint32_t size) {
     return size >= 2 && data[0] == 0x1F && data[1] == 0x8B;
 }
 
-// libdeflate passes over the checksum of a gzip head, with which zlib may refuse the stream.
+// libdeflate ignores the checksum of a gzip head, for which zlib may refuse the stream.
 bool HasHeadChecksum(const unsigned char* data, std::uint32_t size) {
     constexpr unsigned char kHeadChecksum = 2;
     return IsGzip(data, size) && size >= 4 && (data[3] & kHeadChecksum) != 0;
@@ -49,14 +49,14 @@ bool HoldsPlainText(const unsigned char* data, std::uint32_t size) {
     return false;
 }
 
-// Whether each call of zlib would have filled its output: it does while the input of one step, or less, makes
-// at least the output of one. Not sure where the text, or a part of it, is hardly compressed.
+// Whether each call of zlib would surely have filled its output: it does as long as the input of one step
+// makes at least the output of one. False where the text, or a part of it, is hardly compressed.
 bool FillsSteps(const unsigned char* data, std::uint32_t size, std::size_t total) {
     return size <= kStep || (total / 2 >= size && !HoldsPlainText(data, size));
 }
 
-// The same outcome in one go, at twice the speed; nothing where the stream isn't whole and sound, or zlib may
-// see it or count its steps differently.
+// The same outcome in one go, at twice the speed; nothing where the stream isn't whole and sound, or where
+// zlib may judge it or count its steps differently.
 std::optional<std::size_t> InflateWhole(const unsigned char* data, std::uint32_t size, char* out,
                                         std::size_t room) {
     if (HasHeadChecksum(data, size)) { return std::nullopt; }
@@ -90,7 +90,8 @@ std::size_t InflatedRoom(std::uint64_t size) {
 
 std::optional<std::size_t> InflateBytes(const unsigned char* data, std::uint32_t size, char* out,
                                         std::size_t room, bool isMember) {
-    // A damaged member isn't told by anything, and libdeflate may make something else of it.
+    // Without a checksum nothing shows that a member is damaged, and libdeflate may make something else of
+    // it.
     const std::optional<std::size_t> whole = isMember ? std::nullopt : InflateWhole(data, size, out, room);
     return whole ? whole : InflateInSteps(data, size, out, room, isMember);
 }

@@ -13,7 +13,7 @@ void LineMarks::Make(std::size_t size) {
 }
 
 void LineMarks::Mark(const char* text, std::size_t from, std::size_t to) {
-    // Where lines are short, a look at one word's blocks in eight shows it, and the rest counts as marked.
+    // Where lines are short, one word in eight is looked at, and all blocks of the others count as marked.
     constexpr int kShort = 32;
     constexpr int kUnseen = 7;
     int unseen = 0;

@@ -10,28 +10,28 @@
 namespace tarnwick {
 
 // Where a large text may have line ends, a bit for each of its blocks: a search for them needn't go through
-// memory once more. Bits are set while a block is still in the cache of the thread that has read it. An
-// object without bits stands for a text that nobody has looked at.
+// memory once more. The bits are set while a block is still in the cache of the thread that has read it. An
+// object without bits is one of a text that nobody has looked at.
 class LineMarks {
 public:
     static constexpr std::size_t kBlock = kCharBlock;
-    static constexpr std::size_t kWordBlocks = 64; // that have their bits in one word
+    static constexpr std::size_t kWordBlocks = 64; // whose bits are in one word
 
     // Room for the bits of a text of `size` characters, none set; no bits where memory runs out.
     void Make(std::size_t size);
     void Clear() { words_.clear(); }
     bool IsEmpty() const { return words_.empty(); }
 
-    // Sets the bits of the blocks from `from`, a multiple of kBlock * kWordBlocks, to `to` (exclusive) that
-    // have a line feed or NUL, and perhaps of others; the text has kBlock readable characters after it.
-    // Several threads may do so for different stretches at a time.
+    // Sets the bit of each block from `from`, a multiple of kBlock * kWordBlocks, to `to` (exclusive) that
+    // has a line feed or NUL, and perhaps of others. kBlock characters after the text must be readable.
+    // Several threads may mark different stretches at a time.
     void Mark(const char* text, std::size_t from, std::size_t to);
-    // Sets that of one character, as of the NUL after the text.
+    // Sets the bit of one character's block, such as that of the NUL after the text.
     void MarkAt(std::size_t place) { Word(place / kBlock) |= Bit(place / kBlock); }
 
-    // Whether most lines reach over many blocks, so that it pays to pass over those between their ends.
+    // Whether most lines are many blocks long, so that it pays to pass over those between their ends.
     bool AreFew() const;
-    // How many blocks have a bit: those of the text, and a few more.
+    // The blocks that have a bit: those of the text, and a few more.
     std::size_t BlockCount() const { return words_.size() * kWordBlocks; }
     // The first marked block from `block` on; BlockCount() where there is none. Any thread may call this and
     // LineEnd when nobody marks any more.

@@ -14,7 +14,7 @@
 
 namespace tarnwick {
 
-// The secret of one table's hash. No file knows it, so that none can choose keys that meet.
+// The secret of one table's hash. No file can know it, so none can choose keys that meet.
 struct HashSecret {
     std::uint64_t a;
     std::uint64_t b;
@@ -49,8 +49,8 @@ inline std::uint32_t HashOf(std::uint64_t number, HashSecret secret) {
     return static_cast<std::uint32_t>(FoldedProduct(mixed, 0x9E3779B97F4A7C15u) >> 32);
 }
 
-// The same for a text. Each eight characters go into a product with the secret, which then hides what else
-// would have to be in them for two texts to meet.
+// The same for a text. Each eight characters go into a product with the secret, so that nobody can tell which
+// other characters would meet with them.
 inline std::uint32_t HashOf(std::string_view text, HashSecret secret) {
     std::uint64_t mixed = secret.a;
     const char* p = text.data();
@@ -69,9 +69,10 @@ inline std::uint32_t HashOf(std::string_view text, HashSecret secret) {
 }
 
 // A table from numbers or names to values, for look-ups alone: nobody goes through it. The entries are a
-// list, in which the slots of an open hash table hold the places. Time and memory grow as the number of
+// list; the slots of an open hash table hold their places in it. Time and memory grow as the number of
 // entries and the length of their names do, whatever the keys are and however Add and Find take turns. Where
-// a key is added again, the entry added first is found. Names are borrowed.
+// a key is added again, the entry added first is found. Names are borrowed. Used by one thread, but for
+// Place.
 template <class Key, class Value>
 class LookUp {
     static_assert(std::integral<Key> || std::same_as<Key, std::string_view>);
@@ -80,11 +81,11 @@ public:
     // Makes room for so many entries, known or guessed.
     void Reserve(std::size_t entries) { entries_.reserve(entries); }
 
-    // Appends an entry. It gets its slot when a key is looked for: the slots of many entries are filled
-    // faster in a row.
+    // Appends an entry. It gets its slot when a key is next looked for: many slots are filled faster in a
+    // row.
     void Add(Key key, Value value) { entries_.push_back({Kept(key, secret_), std::move(value)}); }
 
-    // Adds the key if it isn't there; whether it did.
+    // Adds the key and returns true if it isn't there yet.
     bool AddNew(Key key, Value value = {}) {
         if (Find(key) != nullptr) { return false; }
         Add(key, std::move(value));
@@ -94,7 +95,7 @@ public:
     // The value of the first entry with this key, or null. Valid until the next Add.
     Value* Find(Key key) {
         const Kept wanted(key, secret_);
-        PlaceAll();
+        Place();
         return ValueAt(*SlotOf(wanted));
     }
 
@@ -108,14 +109,16 @@ public:
     bool Contains(Key key) { return Find(key) != nullptr; }
 
     // Gives all entries their slots. Until the next Add several threads may then look for keys at once.
-    void Place() { PlaceAll(); }
+    void Place() {
+        if (placed_ < entries_.size() || slots_.empty()) [[unlikely]] { PlaceRest(); }
+    }
 
-    // Looks for `keys` keys and hands the outcomes to found(i, value or null) in their order; keyOf(i) is the
-    // key. A few at a time: while one is on its way from memory, the way to the others is asked for as well.
+    // Looks for `keys` keys, of which keyOf(i) is one, and calls found(i, value or null) for each in their
+    // order. A few at a time: while one is on its way from memory, the others are asked for as well.
     template <class KeyOf, class Found>
     void FindEach(std::int32_t keys, KeyOf keyOf, Found found) {
         constexpr std::int32_t kAtATime = 16;
-        PlaceAll();
+        Place();
         for (std::int32_t done = 0; done < keys; done += kAtATime) {
             Kept wanted[kAtATime];
             const std::int32_t here = std::min(keys - done, kAtATime);
@@ -182,9 +185,6 @@ private:
         }
     }
 
-    void PlaceAll() {
-        if (placed_ < entries_.size() || slots_.empty()) [[unlikely]] { PlaceRest(); }
-    }
     [[gnu::noinline]] void PlaceRest() {
         if (LeastSlots() > slots_.size()) { MakeSlots(); }
         for (; placed_ < entries_.size(); ++placed_) {
@@ -206,7 +206,7 @@ private:
     std::vector<Entry> entries_;
     std::vector<Slot> slots_; // a power of two of them
     std::size_t placed_ = 0;  // entries that have their slots
-    int shift_ = 0;           // that leaves of a hash the place of its slot
+    int shift_ = 0;           // of a hash, to the place of its slot
 };
 
 } // namespace tarnwick

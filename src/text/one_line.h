@@ -9,16 +9,16 @@
 
 namespace tarnwick {
 
-// A name with its control characters as "?": names come from files, and a line feed in one would make two
-// lines of its own.
+// A name with its control characters as "?": names come from files, and a line feed in one would break a
+// message in two.
 inline std::string OnOneLine(std::string name) {
     std::replace_if(
         name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
     return name;
 }
 
-// The same for a message, which may be that there is no memory: it needs none for a name of the usual length,
-// and cuts a longer one when it finds none.
+// The same for a message, which may say that there is no memory: it needs none for a name of the usual
+// length, and cuts a longer one when memory runs out.
 class OneLine {
 public:
     explicit OneLine(std::string_view name) {

@@ -2,7 +2,7 @@
 
 namespace tarnwick {
 
-// What printf makes of a text that isn't there, the same in every C library.
+// The text, or "(null)" for null: what a C library prints for that differs from one to another.
 inline const char* OrNull(const char* text) {
     return text != nullptr ? text : "(null)";
 }

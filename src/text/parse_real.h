@@ -8,9 +8,8 @@
 // deliberately simple arithmetic in f64 whose every rounding is part of the result:
 //   value = value * 10 + digit over all digits; scale = scale * 0.1 for each digit after the point; value *
 //   scale; with an exponent times or by 1e50, 1e8 and 10 repeated. A negative exponent beyond 8 gives 0.
-// What is below gives the same bits in fewer steps: digits are gathered in a u64 for as long as f64 would
-// hold them exactly (up to 2^53), and the repeated products come from tables that were made by repeating
-// them.
+// This gives the same bits in fewer steps: digits are gathered in a u64 for as long as f64 would hold them
+// exactly (up to 2^53), and the repeated products come from tables.
 namespace tarnwick {
 
 namespace real {
@@ -44,8 +43,8 @@ const char* TakeLongRun(const char* p, Run* run);
 // The tail of a real from its "E" on; returns the position after it.
 const char* TakeExponent(const char* p, double value, double sign, double* result);
 
-// How many of the eight characters of `word`, the first in the lowest byte, are digits before the first that
-// isn't.
+// How many of the eight characters of `word`, the first in the lowest byte, are digits up to the first that
+// isn't one.
 inline unsigned LeadingDigits(std::uint64_t word) {
     const std::uint64_t above = word + 0x4646464646464646u; // carries into bit 7 from ':' on
     const std::uint64_t below = word - 0x3030303030303030u; // borrows into bit 7 below '0'
@@ -64,8 +63,8 @@ inline std::uint32_t DigitsValue(std::uint64_t word, unsigned count) {
 
 } // namespace real
 
-// The real at `p`, and the position after what was read in *end. Blanks and tabs ahead of it are skipped;
-// text without digits gives 0 or its negative. Up to 16 bytes after the number must be readable.
+// The real at `p`; *end is the position after it. Blanks and tabs before it are skipped; text without digits
+// gives 0 or its negative. Up to 16 bytes after the number must be readable.
 inline double ParseReal(const char* p, const char** end) {
     using namespace real;
     while (*p == ' ' || *p == '\t') { ++p; }

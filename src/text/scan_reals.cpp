@@ -12,8 +12,8 @@ namespace tarnwick {
 
 namespace {
 
-// What a f64 holds exactly, and whose product or quotient is therefore rounded once only.
-constexpr std::uint64_t kExact = std::uint64_t{1} << 53;
+// Powers of 10 that an f64 holds exactly: a product or quotient of one and a mantissa up to real::kExact is
+// rounded only once.
 constexpr int kExactPowers = 22;
 constexpr double kPowers[kExactPowers + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                               1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
@@ -75,7 +75,8 @@ const char* ReadPlain(const char* p, const char* end, T* value) {
     }
     if (p < end && !IsSpace(*p)) { return nullptr; }
     if constexpr (sizeof(T) == sizeof(double)) {
-        if (digits <= kMostDigits && mantissa <= kExact && power >= -kExactPowers && power <= kExactPowers) {
+        if (digits <= kMostDigits && mantissa <= real::kExact && power >= -kExactPowers &&
+            power <= kExactPowers) {
             const double whole = static_cast<double>(static_cast<std::int64_t>(mantissa));
             const double result = power < 0 ? whole / kPowers[-power] : whole * kPowers[power];
             *value = negative ? -result : result;
@@ -95,7 +96,7 @@ int Scan(std::string_view text, T* values, int count) {
     const char* p = text.data();
     const char* const end = p + text.size();
     for (int i = 0; i < count; ++i) {
-        // Most numbers of a rotation are one digit. Behind the text there is no digit, and no blank.
+        // Most numbers of a rotation are one digit. The character after the text is no digit.
         if (p < end && *p == ' ') { ++p; }
         const bool negative = *p == '-';
         const char* const digit = p + negative;
@@ -105,7 +106,7 @@ int Scan(std::string_view text, T* values, int count) {
             p = digit + 1;
             continue;
         }
-        while (p < end && IsSpace(*p)) ++p;
+        while (p < end && IsSpace(*p)) { ++p; }
         if (p == end) { return i; }
         const char* const plain = ReadPlain(p, end, values + i);
         if (plain != nullptr) [[likely]] {

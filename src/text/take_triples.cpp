@@ -8,8 +8,9 @@
 
 #include <array>
 
-// Of a function that runs only where HasInstructions. Nothing else in this file may use them, nor may they be
-// switched on for the whole of it: the linker could take its copy of an inline function for all others.
+// For a function that runs only where HasInstructions. Nothing else in this file may use the instructions,
+// nor may they be switched on for the whole file: the linker could take its copy of an inline function for
+// all others.
 #define TARNWICK_WIDE [[gnu::target("avx2,bmi,bmi2")]]
 
 namespace tarnwick {
@@ -50,8 +51,8 @@ constexpr DigitsOfNumbers MakeDigits() {
 
 constexpr DigitsOfNumbers kDigits = MakeDigits();
 
-// The scale for so many digits after the point, as ParseReal has it, and for a number with a "-" its
-// negative: the product with that has the same bits as the negative of the product.
+// ParseReal's scale for so many digits after the point, and its negative for a number with a "-": the product
+// with that has the same bits as the negative of the product.
 struct Scales {
     double of[2][kLongest];
 };
@@ -119,7 +120,7 @@ TARNWICK_WIDE inline __m128d Halves(__m128i eights) {
     return _mm_mul_pd(_mm_cvtepi32_pd(eights), _mm_setr_pd(1e8, 1));
 }
 
-// A number's place among the characters of its triple.
+// Where a number is among the characters of its triple.
 struct Place {
     std::size_t start; // after the sign
     std::size_t point;
@@ -148,10 +149,10 @@ TARNWICK_WIDE inline std::size_t TakeLowest(std::uint64_t* bits) {
     return place;
 }
 
-// Take one triple and return its length; 0 for one in another form.
+// Takes one triple and returns its length; 0 for one in another form.
 TARNWICK_WIDE inline std::size_t TakeTriple(const char* p, float* out) {
     const Marks marks = MarksOf(p);
-    // What is neither of both: the "(", then the point and the end of each number.
+    // What is neither digit nor "-": the "(", then the point and the end of each number.
     std::uint64_t others = _blsr_u64(~(marks.digits | marks.minuses));
     const std::size_t pointA = TakeLowest(&others);
     const std::size_t endA = TakeLowest(&others);
@@ -187,6 +188,7 @@ TARNWICK_WIDE inline long long RightAligned(const char* p, std::size_t length) {
     return static_cast<long long>((LoadEight(p) - 0x3030303030303030u) << (64 - 8 * length));
 }
 
+// The same for indices.
 TARNWICK_WIDE inline std::size_t TakeTriple(const char* p, std::uint32_t* out) {
     constexpr std::size_t kMostDigits = 8;
     // What is no digit: the "(", then the end of each number.

@@ -18,7 +18,7 @@ namespace tarnwick {
 
 namespace {
 
-// Turns the name into that of the file's compressed or plain twin; false when there is nothing to take off.
+// Turns the name into that of the file's compressed or plain twin; false when it is too short for that.
 bool TakeTwin(std::string* path, std::int32_t* compression) {
     switch (*compression) {
     case TextFile::kTwoCharacterSuffix:
@@ -45,7 +45,7 @@ void TellSystem(const TextFile& file, int error) {
     ConsolePrint("<E> %s: it %s: %s\n", OneLine(file.path).Text(), file.problem, std::strerror(error));
 }
 
-// Opens the file under its name or that of its twin; false when neither is to be had.
+// Opens the file under its name or that of its twin; false when neither can be opened.
 bool Open(TextFile* file, std::optional<OpenedFile>* opened) {
     opened->emplace(file->path.c_str());
     if ((*opened)->IsOpen()) { return true; }
@@ -56,7 +56,7 @@ bool Open(TextFile* file, std::optional<OpenedFile>* opened) {
     if (!TakeTwin(&file->path, &compression)) { return false; }
     opened->emplace(file->path.c_str());
     if (!(*opened)->IsOpen()) {
-        // What the system lacks for one name it lacks for both; one line says so.
+        // What the system lacks for one name it lacks for the other; one line is enough.
         if (failure == 0 && (failure = (*opened)->Failure()) != 0) { TellSystem(*file, failure); }
         return false;
     }
@@ -71,7 +71,7 @@ struct Ending {
     int error;
 };
 
-// ReadAt from `start` to `end`, and marks the lines there if they are asked for.
+// ReadAt from `start` to `end`; marks the lines there unless `lines` is null.
 Ending ReadStretch(const OpenedFile& opened, char* bytes, std::size_t start, std::size_t end,
                    LineMarks* lines) {
     constexpr std::size_t kInCache = std::size_t{128} << 10;
@@ -86,7 +86,7 @@ Ending ReadStretch(const OpenedFile& opened, char* bytes, std::size_t start, std
     return ending;
 }
 
-// ReadAt for a whole file, by several threads where that is worth it: most of the time goes into fresh pages.
+// ReadAt for a whole file, by several threads if it is large: most of the time goes into fresh pages.
 Ending ReadWhole(const OpenedFile& opened, char* bytes, std::size_t wanted, LineMarks* lines,
                  Helpers* helpers) {
     if (helpers == nullptr || !helpers->AreFor(wanted)) {
@@ -111,7 +111,7 @@ Ending ReadWhole(const OpenedFile& opened, char* bytes, std::size_t wanted, Line
     return first;
 }
 
-// Where to mark the line ends of the file's bytes; null where nobody wants them or it doesn't pay.
+// Where to mark the line ends of the file's bytes; null where nobody wants that or it doesn't pay.
 LineMarks* MakeMarks(const TextFile& file, std::size_t bytes) {
     constexpr std::size_t kLeastBytes = std::size_t{4} << 20; // as much as stays in a core's cache
     if (file.lines == nullptr || file.compression != TextFile::kPlain || bytes < kLeastBytes) {

@@ -9,9 +9,9 @@
 #include <cstring>
 #include <string_view>
 
-// Searches in a text of one's own that has a sentinel after its end: none of them tests for the end, and a
-// place at or after it means that the character is not there. They look at up to 16 characters at a time,
-// some of them after the one that is found, so as many bytes after the sentinel must be readable.
+// Searches in a text that has a sentinel after its end: none of them tests for the end, and a place at or
+// after it means that the character isn't there. They look at more characters than they need, so 32 bytes
+// after the sentinel must be readable.
 namespace tarnwick::find {
 
 inline constexpr std::uint64_t kOnes = 0x0101010101010101u;
@@ -61,7 +61,7 @@ inline const char* Near(const char* p) {
     return nullptr;
 }
 
-// What a string comparison sees of a value: it ends at a NUL that the file has put into it.
+// The value up to its first NUL, which a file may have put into it.
 inline std::string_view CutAtNul(std::string_view value) {
     if (value.empty()) { return value; }
     const void* const nul = std::memchr(value.data(), '\0', value.size());

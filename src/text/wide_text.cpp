@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::uint32_t kEscape = 0xDC00;
 
-// Length of the UTF-8 sequence at `p`, of at most `left` bytes, and its code point; 0 when it isn't one.
+// The length of the UTF-8 sequence at `p`, at most `left` bytes, and its code point; 0 when it isn't valid.
 std::size_t Decode(const unsigned char* p, std::size_t left, std::uint32_t* code) {
     if (p[0] < 0x80) {
         *code = p[0];

@@ -10,7 +10,7 @@
 
 namespace tarnwick {
 
-// How the library reads an archive: out of a file that is open already, through a block of its own. A file
+// The access of the library to an archive: a file that is open already, through a block of its own. A file
 // that the library opens itself leaks when the library runs out of memory.
 class ZipInput {
 public:
@@ -19,7 +19,7 @@ public:
     ZipInput(const ZipInput&) = delete;
     ZipInput& operator=(const ZipInput&) = delete;
 
-    // They refer to this object.
+    // The library's functions, which refer to this object.
     zlib_filefunc64_def Functions();
 
 private:
