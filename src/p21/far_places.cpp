@@ -27,7 +27,7 @@ const char* FindCommaIn(const char* from, const char* to, std::int64_t* depth) {
 
 } // namespace
 
-// `findIn` searches one stretch of the text for it.
+// `findIn` searches one stretch of the text.
 template <class FindIn>
 const char* FarPlaces::FindBy(BlocksWith* with, const char* from, FindIn findIn) {
     if (from >= end_) { return nullptr; }
@@ -107,7 +107,7 @@ const char* FarPlaces::FindComma(const char* from, std::int64_t depth) {
     const std::size_t first = BlockOf(from);
     if (const char* const found = FindCommaIn(from, End(first), &depth)) { return found; }
     if (levels_.empty()) { MakeLevels(); }
-    // Along the stretches, up a level wherever a larger one starts, and down again in the one that holds it.
+    // Along the stretches: up a level wherever a larger one starts, and down again in the one with the comma.
     std::size_t level = 0;
     std::size_t i = first + 1;
     while (i < levels_[level].size()) {

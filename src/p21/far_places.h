@@ -7,15 +7,16 @@
 
 namespace tarnwick {
 
-// Where characters stand in a text, coarsely, for walks that come far: without it every line of a file that
-// lacks a character would be a walk to the one line that has it. The table of a character is made by one pass
-// over the text when it is first asked for; a text whose walks are short has none. Used by one thread.
+// Where a text has which characters, by blocks, for walks that come far: without it, where only one line of a
+// file has some character, the walk from every other line would scan the text up to it. The table of a
+// character is made by one pass over the text when it is first asked for; a text whose walks are short has
+// none. Used by one thread.
 class FarPlaces {
 public:
     // How far a walk goes by itself.
     static constexpr std::ptrdiff_t kNear = 4096;
 
-    // For the text from `text` to `end`, which is kept by the caller.
+    // For the text from `text` to `end`, which the caller keeps.
     FarPlaces(const char* text, const char* end) : text_(text), end_(end) {}
 
     // The next `c` at or after `from`; null where there is none.
@@ -29,14 +30,15 @@ public:
     // parenthesis after it counts; null where there is none.
     const char* FindComma(const char* from, std::int64_t depth);
 
-    // To be called when the character at `place`, neither blank nor line feed, was written over another such.
+    // To be called when the character at `place` was written over another; neither is a blank or a line feed.
     void NoteWritten(const char* place);
 
 private:
     static constexpr std::size_t kFanOut = 16;
 
     // For each block the first one from it on that holds what is looked for, the count of blocks for none;
-    // one more entry for the end. Empty until it is asked for. What was written over may stay in it.
+    // one more entry for the end. Empty until it is asked for. May still name a block whose last such
+    // character was written over.
     using BlocksWith = std::vector<std::uint32_t>;
 
     // What parentheses do in a stretch of the text: a block, or kFanOut neighbours of the level below.

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// What ClassifyEntity makes of an entity's keyword. 8, 21, 35 and 36 are not used.
+// The codes that ClassifyEntity gives to keywords. 8, 21, 35 and 36 are not used.
 namespace tarnwick::code {
 
 inline constexpr std::int32_t kUnknown = 0; // no keyword that is recognised
@@ -49,8 +49,8 @@ inline constexpr std::int32_t kMakeFromUsageOption = 42;
 
 namespace tarnwick {
 
-// The code of the keyword at `p`, by comparison of its first characters. Up to 34 characters from `p` on must
-// be readable.
+// The code of the keyword at `p`, told by its first characters. Up to 34 characters from `p` on must be
+// readable.
 std::int32_t ClassifyEntity(const char* p);
 
 } // namespace tarnwick

@@ -8,7 +8,7 @@ namespace tarnwick {
 
 namespace {
 
-// How far a look-up goes in its bucket.
+// Records of one bucket that a look-up goes through.
 constexpr int kLongBucket = 64;
 
 } // namespace

@@ -5,9 +5,9 @@
 
 #include <cstdint>
 
-// The containers of the entity index: the record of one entity line, and the collections of such records. All
-// memory comes from the arena of the model that is being read and goes back with it. Lookups move cursors, so
-// a collection is used by one thread at a time.
+// The entity index: the record of one entity line, and the collections of such records. All memory comes from
+// the arena of the model that is being read and goes back with it. Iteration moves cursors, so a collection
+// is used by one thread at a time.
 namespace tarnwick {
 
 // One entity line of a file. The line's text starts at the model's text plus `offset`.
@@ -29,8 +29,8 @@ public:
     virtual std::int32_t Add(P42Ent* record) = 0;
     // 1 when this very record is in the collection, else 0.
     virtual std::int32_t Contains(const P42Ent* record) = 0;
-    // The record of an entity number, the one added first where numbers are doubled; null when there is none.
-    // The iteration isn't disturbed.
+    // The record of an entity number, of several the one added first; null when there is none. Doesn't
+    // disturb an iteration.
     virtual P42Ent* Find(std::int32_t id) = 0;
     // The first record, or null; sets the cursor.
     virtual P42Ent* First() = 0;
@@ -102,8 +102,7 @@ public:
     MapP42Ent(Arena* arena, std::int32_t bits);
 
     // The same for a table that gets all of its records by AddAll: the buckets are made shortly before they
-    // are filled, while they are on their way into the cache. Until MakeAllBuckets was called nothing else
-    // may be done with it.
+    // are filled, which brings them into the cache. Nothing else may be done with it before MakeAllBuckets.
     struct BucketsOnDemand {};
     static constexpr BucketsOnDemand kBucketsOnDemand{};
     MapP42Ent(Arena* arena, std::int32_t bits, BucketsOnDemand);
@@ -122,8 +121,8 @@ public:
 
     std::int32_t BucketCount() const { return bucketCount_; }
 
-    // Find for several threads at a time, while none calls anything else. False where a look-up would go far
-    // and first has to prepare for that.
+    // Find for several threads at a time, while none calls anything else. False when the bucket is too long
+    // for that: only Find finds the record then.
     bool FindNear(std::int32_t id, P42Ent** found) const;
 
 private:
@@ -143,8 +142,8 @@ private:
     P42Ent* FindFar(std::int32_t id);
 
     std::int32_t count_ = 0;
-    // All records once more, made when a look-up has come too far in its bucket: numbers that a file doubles,
-    // or that were chosen to meet in one bucket, would else make every look-up a walk over all of them.
+    // All records once more, made when a look-up has gone too far in its bucket: numbers that a file uses
+    // again and again, or chosen to meet in one bucket, would make every look-up a walk over all of them.
     LookUp<std::int32_t, P42Ent*> far_;
     P42Ent** buckets_ = nullptr; // the last record of each, null for none
     P42Ent* cursor_ = nullptr;   // in `cursorBucket_`

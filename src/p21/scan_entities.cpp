@@ -25,7 +25,7 @@ public:
         : block_(start), ends_(CharBits<'\n', '\0'>(start)), text_(text), marks_(marks),
           isMarked_(marks.AreFew()) {}
 
-    // The next line feed or NUL at or after `p`, which doesn't lie before the one found last.
+    // The next line feed or NUL at or after `p`, which isn't before the one found last.
     char* LineEnd(char* p) {
         const std::ptrdiff_t passed = p - block_;
         if (passed < kCharBlock) {
@@ -51,8 +51,8 @@ private:
         FetchAfter(next);
     }
 
-    // Asks for the marked blocks that come next and for the starts of lines after them: lines of a few
-    // kilobytes lie too far apart for the processor to see what will be wanted.
+    // Asks for the marked blocks that come next, and for the starts of lines after them: lines of a few
+    // kilobytes are too far apart for the processor to foresee them.
     void FetchAfter(std::size_t block) {
         constexpr int kBlocks = 12;
         if (fetched_ <= block) {
@@ -98,7 +98,7 @@ char* StepModel::FindDataSection() const {
 }
 
 // The next block of record pointers, with ten times the room of the one before. A block is made as soon as
-// its predecessor is full, so the last one can stand empty.
+// the one before is full, so the last one can be empty. False when memory runs out.
 bool StepModel::AddBlock() {
     blockRoom_ = blockRoom_ == 0 ? 10000 : blockRoom_ * 10;
     blockCount_ = 0;
@@ -109,7 +109,7 @@ bool StepModel::AddBlock() {
     return true;
 }
 
-// Memory for some more records; they are small and many. False when it runs out.
+// Memory for more records, which are small and many. False when it runs out.
 bool StepModel::AddRecords() {
     constexpr std::size_t kRecords = 256;
     nextRecord_ = static_cast<P42Ent*>(workspace_.index.Allocate(kRecords * sizeof(P42Ent)));
@@ -161,7 +161,7 @@ inline bool StepModel::AddEntity(std::int32_t id, const char* line, std::int32_t
 [[gnu::always_inline]] inline bool StepModel::ScanEntity(const char* line, bool complete) {
     const char* equals = line + 1;
     std::int32_t id = 0;
-    // A number as it is mostly written, of up to eight digits and right in front of the "=".
+    // The usual form: up to eight digits right before the "=".
     const std::uint64_t word = LoadEight(equals);
     const unsigned digits = real::LeadingDigits(word);
     if (digits > 0 && equals[digits] == '=') [[likely]] {
@@ -210,7 +210,7 @@ bool StepModel::ScanEntities() {
         while (last > line && IsTrailing(*last)) { --last; }
         const bool complete = *last == ';';
         if (continuing) {
-            // The tail of an unfinished statement: neither an entity nor the end of the section in it counts.
+            // The rest of an unfinished statement: neither an entity nor the end of the section in it counts.
             continuing = !complete;
             continue;
         }

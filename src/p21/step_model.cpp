@@ -98,8 +98,9 @@ bool StepModel::BuildEntityMap() {
     return true;
 }
 
-// The schema name's number: two characters after the first "A" of the first string after "FILE_SCHEMA(", as
-// the 242 of 'AP242_MANAGED...'. A name without such a number gives 0.
+// The number in the schema's name: two characters after the first "A" of the first string after
+// "FILE_SCHEMA(", such as the 242 of 'AP242_MANAGED...'. A name without such a number gives 0. False when
+// there is no such string.
 bool StepModel::ReadSchemaNumber() {
     const std::string_view content(text, static_cast<std::size_t>(textEnd - text));
     constexpr std::string_view kSchema = "FILE_SCHEMA(";

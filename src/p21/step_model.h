@@ -22,7 +22,7 @@ struct ReaderWorkspace {
     TextMemory memory;
     LineMarks lines;
     Arena index;
-    Helpers* helpers = nullptr; // who may take part in the reading of a large file; null for nobody
+    Helpers* helpers = nullptr; // may take part in the reading of a large file; null for none
 };
 
 // One opened ISO 10303-21 file: its whole text in one block, a record for each entity line, and a few ids and
@@ -47,9 +47,9 @@ struct StepModel {
     StepModel& operator=(const StepModel&) = delete;
     ~StepModel();
 
-    // Reads, inflates and indexes: kRead; kNotOpened when the file can't be had under its name nor its
-    // fall-back name; kNotP21 when the text isn't an ISO 10303-21 file. `entityMap` is null unless kRead is
-    // returned.
+    // Reads, inflates and indexes: kRead; kNotOpened when the file can be opened neither under its name nor
+    // under that of its twin; kNotP21 when the text isn't an ISO 10303-21 file. `entityMap` is null unless
+    // kRead is returned.
     int Read();
 
     // The two halves of Read, so that --check can look at the table before a name in it ends the process.
@@ -63,8 +63,7 @@ struct StepModel {
     bool FindNear(std::int32_t id, P42Ent** found) const { return entityMap->FindNear(id, found); }
     // Memory for what readers need for as long as the model lives.
     Arena* IndexArena() const { return &workspace_.index; }
-    // The threads that may help to read this file; null when there are none, or the file is too small for
-    // help.
+    // The threads that may help to read this file; null when there are none or the file is too small.
     Helpers* HelpersForIt() const {
         Helpers* const helpers = workspace_.helpers;
         return helpers != nullptr && helpers->AreFor(static_cast<std::size_t>(textEnd - text)) ? helpers
@@ -110,10 +109,10 @@ struct StepModel {
 
     double readSeconds = 0;
     double inflateSeconds = 0;
-    const char* problem = nullptr; // why it wasn't read, where that is told; a phrase
-    std::string fileName; // as given, rewritten by the fall-back rule; empty for a model made from memory
+    const char* problem = nullptr; // why it wasn't read, when that was told; a phrase
+    std::string fileName; // as given, or that of its twin, if only that is there; empty for one in memory
     char* text = nullptr;
-    char* textEnd = nullptr; // where the NUL after the text stands
+    char* textEnd = nullptr; // the place of the NUL after the text
     std::unique_ptr<unsigned char[]> compressedData;
     std::uint32_t compressedSize = 0;
     // How the file's bytes are packed, see TextFile; decides the suffix of the files of an assembly.

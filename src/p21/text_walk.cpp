@@ -111,7 +111,7 @@ void ParseIdList(TextWalk* walk, std::vector<std::int32_t>* ids) {
     const char* const end = walk->end;
     for (;;) {
         if (p >= end) { break; }
-        // A reference as it is mostly written, "#12," or "#12)": its digits lead to the delimiter.
+        // The usual form, "#12," or "#12)": the digits lead to the delimiter.
         const char* next = p + 1;
         std::int64_t id = 0;
         while (real::IsDigit(*next) && next - p < 10) { id = id * 10 + (*next++ - '0'); }

@@ -10,20 +10,19 @@
 
 namespace tarnwick {
 
-// The rooms of the buffers that the format is about, their NUL included: a name, or a number's digits, that
-// doesn't fit ends the process.
+// Fixed rooms, each with its NUL: a name, or the digits of a number, that don't fit end the process.
 inline constexpr std::size_t kNameRoom = 300;
 inline constexpr std::size_t kMaterialRoom = 100; // of the name of a raw material
 inline constexpr std::size_t kDigitRoom = 15;
 
 // A walk over the raw text of a file, forward from some entity's line: the moves of which all readers of P21
-// text are made. A move that finds no target stops at `end`, where a NUL stands, and sets `overrun`; all
+// text are made. A move that finds no target stops at `end`, the place of a NUL, and sets `overrun`; all
 // later moves then stay there. The caller tests `overrun` once, at the end.
 struct TextWalk {
     const char* at;
     const char* end;
     bool overrun = false;
-    FarPlaces* far = nullptr; // of the same text, for moves that come far; without it they scan all of it
+    FarPlaces* far = nullptr; // of the same text, for moves that go far; without it they scan the text
 
     char Current() const { return *at; }
 
@@ -36,7 +35,7 @@ struct TextWalk {
         }
     }
 
-    // Forward to the next `c`; a character that is `c` already stays.
+    // Forward to the next `c`; stays where it is if `c` is there already.
     void GoTo(char c);
 
     // Past the next "(".
@@ -64,9 +63,9 @@ struct TextWalk {
         }
     }
 
-    // Forward to the comma that ends an argument: what stands in parentheses is passed over. A "," that
-    // stands here already stays. From within a list the walk leads out of it; where the entity ends first, it
-    // runs on to a comma of an entity further on.
+    // Forward to the comma that ends an argument, past whatever is in parentheses; stays where it is if the
+    // comma is there already. From within a list the walk leads out of it; where the entity ends first, the
+    // walk goes on to a comma of a later entity.
     void GoToArgumentComma();
 
     // Past the next `arguments` arguments and their commas, as GoToArgumentComma finds them.
@@ -93,7 +92,7 @@ struct TextWalk {
         return from < nearEnd || from == end ? from : NextFar({c...}, from);
     }
 
-    // What lies ahead in the text, its first `most` characters.
+    // The next characters of the text, at most `most`.
     std::string_view Ahead(std::size_t most) const {
         return std::string_view(at, static_cast<std::size_t>(end - at)).substr(0, most);
     }
@@ -107,12 +106,12 @@ private:
     void SkipFar(bool lineFeeds);
 };
 
-// The string-to-integer rule of the C library: white space, a sign, digits; no digits give 0, and what
-// exceeds 32 bits is cut to the nearest number that fits.
+// The integer at `p` as the C library reads it: white space, a sign, digits. No digits give 0, and what
+// exceeds 32 bits gives the nearest number that fits.
 std::int32_t StringToInteger(const char* p);
 
-// The decimal value of the digits at `walk`, which is left after them; 0 without digits. kDigitRoom digits or
-// more end the process.
+// The decimal value of the digits at `walk`, which is left after them; 0 without digits, and at most what 32
+// bits hold. kDigitRoom digits or more end the process.
 std::int32_t ReadDigits(TextWalk* walk);
 
 // Goes to the next "#" and reads the digits after it, as ReadDigits does.
