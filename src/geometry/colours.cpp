@@ -23,7 +23,7 @@ constexpr NamedColour kNamedColours[] = {
     {"yel", 1, 1, 0}, {"blu", 0, 0, 1}, {"cya", 0, 1, 1}, {"mag", 1, 0, 1},
 };
 
-// By three characters, which must be readable; null for a name that isn't known.
+// By the first three characters, which must be readable; null for an unknown name.
 const NamedColour* FindNamedColour(const char* name) {
     for (const NamedColour& colour : kNamedColours) {
         if (std::memcmp(name, colour.prefix, 3) == 0) { return &colour; }
@@ -66,9 +66,9 @@ bool ReadColourRows(PartReader& reader) {
     return true;
 }
 
-// Gives styles their rows of the colour table. Of a colour's rows, those that styles use stand first, since a
-// style takes the first one that is free; which of them has an alpha is looked up, since a search for each
-// style would cost the product of styles and rows.
+// Gives styles their rows of the colour table. Of a colour's rows, those that styles use come first, since a
+// style takes the first one that is free. The row with an alpha is looked up: a search for each style would
+// take time in proportion to styles times rows.
 class StyleRows {
 public:
     explicit StyleRows(std::vector<ColourEntry>* rows) : rows_(*rows) {
@@ -84,8 +84,8 @@ public:
         if (own == nullptr) { return kNoRow; }
         const std::uint64_t key = KeyOf(colourId, alpha);
         if (const std::int32_t* const known = usedByAlpha_.Find(key)) {
-            rows_[static_cast<std::size_t>(*known)].alpha =
-                alpha; // 0 and -0 are equal: that of the last stays
+            // 0 and -0 are equal; the row takes the last of them.
+            rows_[static_cast<std::size_t>(*known)].alpha = alpha;
             return *known;
         }
         if (own->used == own->places.size()) {
@@ -96,7 +96,7 @@ public:
         }
         const std::int32_t place = own->places[own->used];
         rows_[static_cast<std::size_t>(place)].alpha = alpha;
-        if (alpha != kUnused) { // a row with that alpha stays free
+        if (alpha != kUnused) { // that alpha leaves the row free
             usedByAlpha_.Add(key, place);
             ++own->used;
         }
@@ -119,7 +119,7 @@ private:
     LookUp<std::uint64_t, std::int32_t> usedByAlpha_;
 };
 
-// To the second argument of the line.
+// From the start of the line to its second argument.
 void GoToSecondArgument(TextWalk* walk) {
     walk->Enter();
     walk->SkipArguments(1);
@@ -133,7 +133,7 @@ std::int32_t FirstReference(TextWalk* walk) {
 }
 
 constexpr int kResolved = 0;
-constexpr int kOtherShape = 1; // also of a chain that leads past the end of the text
+constexpr int kOtherShape = 1; // also for a chain that leads past the end of the text
 
 // SURFACE_STYLE_FILL_AREA, FILL_AREA_STYLE, FILL_AREA_STYLE_COLOUR.
 int ResolveFillArea(const StepModel& model, TextWalk walk, std::int32_t* colourId) {
@@ -153,7 +153,7 @@ int ResolveFillArea(const StepModel& model, TextWalk walk, std::int32_t* colourI
 int ResolveRendering(const StepModel& model, TextWalk walk, std::int32_t* colourId, float* alpha) {
     GoToSecondArgument(&walk);
     *colourId = ReadReference(&walk);
-    // Without properties this is a comma of an entity further on, and what stands there becomes the alpha.
+    // Without properties the walk comes to a comma of a later entity, and takes the alpha from there.
     walk.GoToArgumentComma();
     walk.Step();
     walk.SkipBlanksAndLineFeeds();

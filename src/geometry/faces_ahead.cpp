@@ -12,8 +12,8 @@ namespace tarnwick {
 
 namespace {
 
-// The number of the list that a face names, where it stands near the start of the line; 0 elsewhere. It only
-// tells which faces belong together.
+// The number of the list that a face names, if it is near the start of the line, else 0. It only tells which
+// faces belong together.
 std::int32_t PeekListId(const StepModel& model, const P42Ent* face) {
     constexpr std::ptrdiff_t kNear = 100;
     const char* const line = model.text + face->offset;
@@ -49,7 +49,7 @@ StepFaceB* FacesAhead::Take(const P42Ent* entity) {
     return taken_ < entities_.size() && entities_[taken_] == entity ? faces_[taken_++] : nullptr;
 }
 
-// Finds the faces, and says nothing of those that don't exist. False when a list runs past its line.
+// Finds the faces that there are. False when a list runs past its line.
 bool FacesAhead::Plan(const StepModel& model, const std::vector<std::int32_t>& itemIds) {
     for (const std::int32_t id : itemIds) {
         const P42Ent* const item = model.Find(id);
@@ -64,7 +64,7 @@ bool FacesAhead::Plan(const StepModel& model, const std::vector<std::int32_t>& i
     return true;
 }
 
-// The reader of a container writes where it looks for the link, and that must be in the container's own line.
+// False also when there is no place for the link in the container's own line: its reader writes there.
 bool FacesAhead::PlanContainer(const StepModel& model, const P42Ent* container) {
     TextWalk walk = model.WalkInLine(container);
     walk.GoTo('(');
@@ -81,8 +81,8 @@ bool FacesAhead::PlanContainer(const StepModel& model, const P42Ent* container) 
 }
 
 bool FacesAhead::ReadFaces(const StepModel& model, Helpers& helpers, Arena& arena, FaceScratch* scratch) {
-    // Threads take a few neighbours at a time, some hundred times each, so that all end at about the same
-    // time.
+    // Threads take a few neighbours at a time, some hundred times each, so that all end at almost the same
+    // moment.
     const std::size_t atATime = std::clamp<std::size_t>(entities_.size() / 1000, 1, 64);
     std::array<Arena, Helpers::kMost> arenas;
     std::atomic<std::size_t> joined = 0;
@@ -111,8 +111,8 @@ bool FacesAhead::ReadFaces(const StepModel& model, Helpers& helpers, Arena& aren
     return read;
 }
 
-// Reads the faces from `first` on, `count` of them. Faces that follow one another and take their points from
-// one list belong to whoever reads the first of them, so that no thread reads a list that another has read.
+// Reads `count` faces from `first` on. Faces that follow one another and take their points from one list are
+// all read by the thread that reads the first of them, so that no two threads read the same list.
 bool FacesAhead::ReadSome(std::size_t first, std::size_t count, const StepModel& model, Arena& arena,
                           FaceScratch* scratch) {
     const std::size_t last = std::min(first + count, entities_.size());

@@ -12,17 +12,17 @@
 
 namespace tarnwick {
 
-// The faces of a part, read by several threads before the part itself is: all of them or none, so that a part
-// of which one face must be read in its turn is read as if nobody had tried.
+// The faces of a part, read by several threads before the part itself: all of them or none. Where one face
+// must be read in its turn, the part is read as if nobody had tried.
 class FacesAhead {
 public:
-    // Reads the faces of the items of a representation, with `helpers`, into `arena`. False when that isn't
-    // worth it, a face must be read in its turn, or memory runs out: all is then as it was. Says nothing and
+    // Reads the faces of the items of a representation, with `helpers`, into `arena`. False, with all as it
+    // was, when that isn't worth it, a face must be read in its turn, or memory runs out. Prints nothing and
     // writes nothing to the text.
     bool Read(const StepModel& model, const std::vector<std::int32_t>& itemIds, Helpers& helpers,
               Arena& arena, FaceScratch* scratch);
 
-    // The face that comes next in the order of the items, if it is that of the entity; else null.
+    // The next face in the order of the items, if it is that of the entity; else null.
     StepFaceB* Take(const P42Ent* entity);
 
 private:
@@ -35,9 +35,9 @@ private:
     void Forget();
 
     std::vector<const P42Ent*> entities_; // in the order of the items
-    std::vector<StepFaceB*> faces_;       // of them
-    std::vector<std::int32_t> ids_;       // of the container in hand
-    std::size_t taken_ = 0;
+    std::vector<StepFaceB*> faces_;       // of the entities
+    std::vector<std::int32_t> ids_;       // that the current container lists
+    std::size_t taken_ = 0;               // faces
 };
 
 } // namespace tarnwick

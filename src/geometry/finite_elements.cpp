@@ -14,9 +14,9 @@ namespace tarnwick {
 namespace {
 
 constexpr int kStopped = 1; // at a bad line; what was read is kept
-constexpr int kGivenUp = 2; // the file, whose lines lead nowhere, or for which memory runs out
+constexpr int kGivenUp = 2; // the whole file: a line leads nowhere, or memory runs out
 
-// A walk in an entity's line past some of its attributes.
+// A walk in an entity's line, past its first `attributes` attributes.
 TextWalk WalkAfter(const StepModel& model, const P42Ent* entity, int attributes) {
     TextWalk walk = model.WalkFrom(entity);
     walk.Enter();
@@ -196,7 +196,7 @@ void BuildResultMesh(FiniteElementReader& reader) {
     reader.part.triangleTotal = 2 * mesh->quadCount;
 }
 
-// Truncated as a colour is; a value that isn't finite has no colour.
+// Truncated as a part of a colour; 0 for a value that isn't finite.
 std::int32_t Truncated(double value) {
     return std::isfinite(value) ? static_cast<std::int32_t>(value) : 0;
 }

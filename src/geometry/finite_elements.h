@@ -7,7 +7,7 @@
 
 namespace tarnwick {
 
-// One node of a finite element model, with what its elements say of it.
+// One node of a finite element model, with what its elements say about it.
 struct FeNode {
     std::int32_t id; // entity number of the NODE line
     double x, y, z;
@@ -16,7 +16,7 @@ struct FeNode {
     std::int32_t red, green, blue; // 0 to 255
 };
 
-// From the entity number of a NODE or section line to its index, from 0.
+// From the entity number of a NODE or section line to its index in `nodes` or `sectionValues`.
 using FeIndexMap = LookUp<std::int32_t, std::int32_t>;
 
 struct FeQuad {
@@ -40,8 +40,8 @@ struct FiniteElementReader {
     ResultMesh* resultMesh = nullptr; // in the reader's arena; null when memory runs out
 };
 
-// Reads the model into `resultMesh`. Reading stops where the first bad line stands, and what was read is
-// kept; a file whose lines lead nowhere is given up, with a line on the console and no mesh. Returns 0.
+// Reads the model into `resultMesh`. Reading stops at the first bad line, and what was read is kept; a file
+// with a line that leads nowhere is given up, with a line on the console and no mesh. Returns 0.
 int ReadFiniteElements(FiniteElementReader& reader);
 
 // The colour of a node from its value: black, green to blue up to 7.8, to white up to 8, to red above.

@@ -45,10 +45,8 @@ int PartReader::ReadPart() {
     }
     containers = arena.New<FaceContainer*>(scratch.itemIds.size());
     if (containers == nullptr) { return GiveUpForMemory(); }
-    std::int32_t makeFromCount = 0;
-    std::int32_t shapeDefinitionCount = 0;
     bool isRawMaterial = false;
-    if (!FindRawMaterial(&isRawMaterial, &makeFromCount, &shapeDefinitionCount)) {
+    if (!FindRawMaterial(&isRawMaterial)) {
         return GiveUp("a product category runs past the end of the file");
     }
     if (Helpers* const helpers = model.HelpersForIt()) {
@@ -70,7 +68,7 @@ int PartReader::ReadPart() {
         }
         if (result != 0) { return result; }
     }
-    if (isRawMaterial && !LinkRawMaterial(*this, makeFromCount, shapeDefinitionCount)) {
+    if (isRawMaterial && !LinkRawMaterial(*this)) {
         return GiveUpUnlessMemory("a raw material's line runs past the end of the file");
     }
     triangleSum += static_cast<std::uint32_t>(triangleTotal);
@@ -103,23 +101,17 @@ bool PartReader::ReadItemIds() {
     return !walk.overrun;
 }
 
-// Whether some PRODUCT_RELATED_PRODUCT_CATEGORY is called "raw material"; counts what the links are made of
-// on the way. False when a line runs past the end of the text.
-bool PartReader::FindRawMaterial(bool* isRawMaterial, std::int32_t* makeFromCount,
-                                 std::int32_t* shapeDefinitionCount) {
+// Sets *isRawMaterial if the name of some PRODUCT_RELATED_PRODUCT_CATEGORY starts with "raw material". False
+// when a line runs past the end of the text.
+bool PartReader::FindRawMaterial(bool* isRawMaterial) {
     constexpr std::string_view kCategory = "raw material";
     ListP42Ent& list = *model.structureList;
     for (const P42Ent* record = list.First(); record != nullptr; record = list.Next()) {
-        if (record->code == code::kProductRelatedProductCategory) {
-            TextWalk walk = model.WalkFrom(record);
-            walk.GoToFirstString();
-            if (walk.overrun) { return false; }
-            if (walk.Ahead(kCategory.size()) == kCategory) { *isRawMaterial = true; }
-        } else if (record->code == code::kMakeFromUsageOption) {
-            ++*makeFromCount;
-        } else if (record->code == code::kShapeDefinitionRepresentation) {
-            ++*shapeDefinitionCount;
-        }
+        if (record->code != code::kProductRelatedProductCategory) { continue; }
+        TextWalk walk = model.WalkFrom(record);
+        walk.GoToFirstString();
+        if (walk.overrun) { return false; }
+        if (walk.Ahead(kCategory.size()) == kCategory) { *isRawMaterial = true; }
     }
     return true;
 }
@@ -157,11 +149,10 @@ bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactCon
     walk.PassCommas(1);
     scratch.faceIds.clear();
     ParseIdList(&walk, &scratch.faceIds);
-    walk.PassCommas(1); // that after the list
+    walk.PassCommas(1); // after the list
     walk.at = walk.Next<'#', ')', '$'>(walk.at);
     if (walk.overrun || walk.at == walk.end) { return false; }
-    // Marks where the link was looked for, also where there is none: a container that is listed twice finds
-    // it again.
+    // Marks the place of a missing link, too: a container that is listed twice goes on from it.
     if (walk.Current() != '#') {
         if (walk.Current() == ')') {
             scratch.face.ForgetListAt(static_cast<std::int32_t>(walk.at - model.text));

@@ -13,7 +13,7 @@
 
 namespace tarnwick {
 
-// One row of a part's colour table. One COLOUR_RGB has a row for each alpha with which styles use it.
+// One row of a part's colour table. A colour has a row for each alpha with which styles use it.
 struct ColourEntry {
     std::int32_t colourId; // entity number of the colour
     float red, green, blue;
@@ -41,10 +41,10 @@ public:
     // `part` may be null for a file that is the whole document; a product is then made from its root PRODUCT.
     PartReader(StepModel& partModel, ProductNode* part, Arena& sceneArena, PartScratch& partScratch);
 
-    // Reads the part and takes the times. Returns 0, whatever became of the part.
+    // Reads the part and takes the times. Returns 0, even when the part was given up.
     int Run();
 
-    // 0, or what the first face that failed returned; the product then has no draw list.
+    // Returns 0, or what the first face that failed returned; the product then has no draw list.
     int ReadPart();
 
     // Makes the product of a file that is the whole document, named after its root PRODUCT. False when there
@@ -67,13 +67,12 @@ public:
     bool givenUp = false;            // its product gets no meshes
     bool noMemory = false;           // which is why it was given up
     ColourIndex colourIndex;         // by the entity number of a solid, shell, surface set or face
-    std::int32_t currentColour = -1; // row of the container in hand, -1 for none
+    std::int32_t currentColour = -1; // row of the current container, -1 for none
     float box[6] = {};               // of all faces read so far
 
 private:
     bool ReadItemIds();
-    bool FindRawMaterial(bool* isRawMaterial, std::int32_t* makeFromCount,
-                         std::int32_t* shapeDefinitionCount);
+    bool FindRawMaterial(bool* isRawMaterial);
     int ReadContainer(const P42Ent* entity);
     bool ReadContainerItems(const P42Ent* entity, std::int32_t* exactContainerId);
     int ReadFace(const P42Ent* entity, const FaceContainer* container);
@@ -89,15 +88,14 @@ private:
     bool missingSaid_ = false; // one line for each part is enough
 };
 
-// Fills the colour table in the reader's scratch and its `colourIndex` by the one chain of presentation
-// entities that leads to a styled item: the first MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION.
-// What can't be resolved stays out of the index. False when a line runs past the end of the text, or memory
-// runs out.
+// Fills the colour table in the reader's scratch and its `colourIndex` by the styled items that the first
+// MECHANICAL_DESIGN_GEOMETRIC_PRESENTATION_REPRESENTATION lists. What can't be resolved stays out of the
+// index. False when a line runs past the end of the text.
 bool ReadColours(PartReader& reader);
 
-// Follows a PRESENTATION_STYLE_ASSIGNMENT to its colour and alpha: 0; 1 when the chain has another shape than
-// expected, as that of a curve's style, or ends nowhere. The number of a SURFACE_STYLE_TRANSPARENT is the
-// alpha as it stands.
+// Follows a PRESENTATION_STYLE_ASSIGNMENT to its colour and alpha. Returns 0; 1 when the chain has another
+// shape than expected, such as that of a curve's style, or ends nowhere. The number of a
+// SURFACE_STYLE_TRANSPARENT is the alpha as it is.
 int ResolveStyle(const StepModel& model, std::int32_t styleId, std::int32_t* colourId, float* alpha);
 
 // Whether a DRAUGHTING_PRE_DEFINED_COLOUR of this name has a colour.
@@ -106,6 +104,6 @@ bool IsKnownColourName(std::string_view name);
 // Writes the names of raw materials on the reader's containers: those of the products that a
 // MAKE_FROM_USAGE_OPTION names, on the solids that its own shape representation lists. False when a line runs
 // past the end of the text, or (with the reader's `noMemory`) memory runs out.
-bool LinkRawMaterial(PartReader& reader, std::int32_t makeFromCount, std::int32_t shapeDefinitionCount);
+bool LinkRawMaterial(PartReader& reader);
 
 } // namespace tarnwick

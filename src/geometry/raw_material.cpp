@@ -9,8 +9,8 @@ namespace tarnwick {
 
 namespace {
 
-// The name of the raw material of a MAKE_FROM_USAGE_OPTION: its related product definition, the formation,
-// the product, whose second argument it is. False when a number on the way isn't there.
+// The name of the raw material of a MAKE_FROM_USAGE_OPTION: by its related product definition and the
+// formation, the second argument of the product. False when a number on the way isn't there.
 bool MaterialName(const StepModel& model, const P42Ent* option, TextWalk* walk, std::string_view* name) {
     *walk = model.WalkFrom(option);
     walk->Enter();
@@ -27,7 +27,7 @@ bool MaterialName(const StepModel& model, const P42Ent* option, TextWalk* walk, 
     return !walk->overrun;
 }
 
-// What a SHAPE_DEFINITION_REPRESENTATION attaches to what.
+// What a SHAPE_DEFINITION_REPRESENTATION says: this definition has that representation.
 struct Attachment {
     const P42Ent* definition = nullptr; // null when a number on the way isn't there
     std::int32_t representation = 0;
@@ -46,8 +46,8 @@ Attachment ReadAttachment(const StepModel& model, const P42Ent* shapeDefinition,
     return {model.Find(definition), representation};
 }
 
-// The names that materials give to the items of representations. Each of the latter is read once, whatever
-// number of materials it is attached to: the last of them names its items.
+// The names that materials give to the items of representations. Each representation is read once, however
+// many materials it is attached to; the last of them names its items.
 class NamedItems {
 public:
     explicit NamedItems(const StepModel& model) : model_(model) {}
@@ -104,8 +104,8 @@ private:
     struct List {
         std::size_t first = 0; // of `ids_`
         std::size_t count = 0;
-        std::string_view name = {}; // that it was given last
-        std::int64_t turn = 0;      // when
+        std::string_view name = {}; // the one given last
+        std::int64_t turn = 0;      // when it was given
         const char* copy = nullptr; // of the name, once a container has it
     };
 
@@ -134,7 +134,7 @@ bool NameItems(const StepModel& model, const std::vector<const P42Ent*>& options
             }
             continue;
         }
-        // The first option with a name meets what is wrong with a shape definition.
+        // The shape definitions are read for the first option with a name: only then may one be found bad.
         areRead = true;
         for (const P42Ent* const shapeDefinition : shapeDefinitions) {
             const Attachment attachment = ReadAttachment(model, shapeDefinition, &walk);
@@ -151,8 +151,7 @@ bool NameItems(const StepModel& model, const std::vector<const P42Ent*>& options
 
 } // namespace
 
-bool LinkRawMaterial(PartReader& reader, std::int32_t makeFromCount, std::int32_t shapeDefinitionCount) {
-    if (makeFromCount == 0 || shapeDefinitionCount == 0) { return true; }
+bool LinkRawMaterial(PartReader& reader) {
     const StepModel& model = reader.model;
     std::vector<const P42Ent*> options;
     std::vector<const P42Ent*> shapeDefinitions;
@@ -161,6 +160,7 @@ bool LinkRawMaterial(PartReader& reader, std::int32_t makeFromCount, std::int32_
         if (record->code == code::kMakeFromUsageOption) { options.push_back(record); }
         if (record->code == code::kShapeDefinitionRepresentation) { shapeDefinitions.push_back(record); }
     }
+    if (options.empty() || shapeDefinitions.empty()) { return true; }
     NamedItems items(model);
     const bool read = NameItems(model, options, shapeDefinitions, &items);
     reader.noMemory = !items.WriteOn(reader.containers, reader.containerCount, reader.arena);

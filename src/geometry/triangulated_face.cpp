@@ -1,9 +1,9 @@
 // A scanner for text of one shape: one entity on one line, arguments in their standard places, no blanks
 // between the lists of a list. Each list is read by a walk that expects its usual form; whatever has another
-// form goes through the plain sequence of moves (find the parenthesis, find each comma, convert what stands
+// form goes through the plain sequence of moves (find the parenthesis, find each comma, convert what is
 // between), which defines the outcome.
 //
-// A list ends at a line feed: the walk is then set back to the start of the line, which becomes a NUL.
+// A line feed breaks a list off: the walk is then set back to the start of the line, which becomes a NUL.
 
 #include "geometry/triangulated_face.h"
 
@@ -21,12 +21,12 @@ namespace tarnwick {
 namespace {
 
 constexpr const char* kPastEnd = "runs past the end of the file";
-constexpr const char* kOutOfTurn = "must be read in its turn"; // said to nobody
+constexpr const char* kOutOfTurn = "must be read in its turn"; // never printed
 
-// A walk in the line of an entity. A move that finds no target fails it, as what the reader of a list meets
-// may.
+// A walk in the line of an entity. A move that finds no target fails it; a reader may fail it, too.
 struct FaceWalk : TextWalk {
-    // With `ahead` the walk keeps to the line and writes, says and ends nothing: what would, fails it.
+    // With `ahead` the walk keeps to the line, and fails where it would have to write to the text, print
+    // something or end the process.
     FaceWalk(const StepModel& walked, const P42Ent* entity, bool ahead)
         : TextWalk(ahead ? walked.WalkInLine(entity) : walked.WalkFrom(entity)), model(walked), line(at),
           isAhead(ahead) {}
@@ -40,20 +40,20 @@ struct FaceWalk : TextWalk {
         at = end;
     }
 
-    // Forward by one character. At the end of the text it stays and hasn't failed: the NUL there ends a line.
+    // Forward by one character. At the end of the text it stays, without failing: the NUL there ends a line.
     void StepInLine() {
         if (at < end) { ++at; }
     }
     bool AtLineEnd() const { return *at == '\n' || *at == '\0'; }
 
-    // Ends a list at the end of the line, with a word on standard output or null: back to the start of the
-    // line, which becomes a NUL.
-    void BreakOff(const char* word) {
+    // Breaks a list off at the end of the line: back to the start of the line, which becomes a NUL. Prints
+    // `message` unless it is null.
+    void BreakOff(const char* message) {
         if (isAhead) { return Fail(kOutOfTurn); }
         brokeAt = at;
         at = line;
         model.Overwrite(line, '\0');
-        if (word != nullptr) { OutputPrint("%s", word); }
+        if (message != nullptr) { OutputPrint("%s", message); }
     }
 
     const StepModel& model;
@@ -63,7 +63,7 @@ struct FaceWalk : TextWalk {
     const char* problem = nullptr;
 };
 
-// Digits as they mostly stand in an index list, 1 to 7 of them; false, and nothing done, for any other text.
+// The usual form of an index, 1 to 7 digits; false, and nothing done, for any other text.
 bool TakeIndex(const char*& p, std::uint32_t* value) {
     const std::uint64_t word = LoadEight(p);
     const unsigned count = real::LeadingDigits(word);
@@ -73,8 +73,8 @@ bool TakeIndex(const char*& p, std::uint32_t* value) {
     return true;
 }
 
-// The numbers of a triple from `p`, the place of its "(", as they mostly stand: "(a,b,c)". Returns the place
-// after the ")", or null for any other form.
+// The numbers of a triple in its usual form, "(a,b,c)", of which `p` is the "(". Returns the place after the
+// ")", or null for any other form.
 const char* TakeTriple(const char* p, float* out) {
     const char* q = p + 1;
     out[0] = static_cast<float>(ParseReal(q, &q));
@@ -103,8 +103,8 @@ void Convert(const char* p, std::uint32_t* out) {
     *out = static_cast<std::uint32_t>(StringToInteger(p)) - 1;
 }
 
-// The same by the plain moves: the next ")" closes the triple, wherever its two commas are. Null, with the
-// walk failed, when the text ends before them.
+// A triple by the plain moves: the next ")" closes it, wherever its two commas are. Null, with the walk
+// failed, when the text ends before them.
 template <class Number>
 const char* FindTriple(FaceWalk* walk, Number* out) {
     const char* const start = walk->at;
@@ -124,15 +124,15 @@ const char* FindTriple(FaceWalk* walk, Number* out) {
 }
 
 // Reads a list of the form ((a,b,c),(a,b,c),...), "$" for none, into `out`. The walk is left at the ")" of
-// the list. A list that breaks off keeps what was read, says so, and returns false.
+// the list. False when the list breaks off, with `message` printed and what was read kept, or the walk fails.
 template <class Array>
-bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
+bool ReadTriples(FaceWalk* walk, Array* out, const char* message) {
     walk->SkipBlanks();
     if (*walk->at == '$') { return true; }
     walk->Enter();
     walk->SkipBlanks();
     if (walk->Failed()) { return false; }
-    constexpr int kMostMisses = 2; // of TakeTriples in turn, after which it isn't asked any more
+    constexpr int kMostMisses = 2; // in a row, after which TakeTriples isn't called any more
     for (int misses = 0;;) {
         if (!out->Reserve(3)) {
             walk->Fail(kNoMemoryForFace);
@@ -161,7 +161,7 @@ bool ReadTriples(FaceWalk* walk, Array* out, const char* endOfFile) {
         walk->at = p;
         if (*p == ')') { return true; }
         if (*p != '(') {
-            walk->BreakOff(endOfFile);
+            walk->BreakOff(message);
             return false;
         }
     }
@@ -193,8 +193,8 @@ bool ArgumentSuivant(FaceWalk* walk) {
     return false;
 }
 
-// Whether ReadDigits finds too many of them.
-bool EndTheProcess(const char* digits) {
+// Whether there are so many that ReadDigits ends the process.
+bool AreTooMany(const char* digits) {
     std::size_t count = 0;
     while (count < kDigitRoom - 1 && real::IsDigit(digits[count])) { ++count; }
     return count == kDigitRoom - 1;
@@ -207,16 +207,16 @@ std::int32_t LitReference(FaceWalk* walk) {
         ++walk->at;
     }
     walk->StepInLine();
-    if (walk->isAhead && EndTheProcess(walk->at)) {
+    if (walk->isAhead && AreTooMany(walk->at)) {
         walk->Fail(kOutOfTurn);
         return 0;
     }
     return ReadDigits(walk);
 }
 
-// Reads a flat list of the form (i,j,k,...), "(" or not, and appends the values minus 1. Returns their
-// number, 0 at a ")", -1 where the line ends or the walk has failed; what was read stays. The walk is left
-// after the list and its comma.
+// Reads a flat list of the form (i,j,k,...), with or without the "(", and appends the values minus 1. Returns
+// their number, 0 at a ")", -1 where the line ends or the walk has failed; what was read stays. The walk is
+// left after the list and its comma.
 template <class Array>
 std::int32_t LitEntiers(FaceWalk* walk, Array* list) {
     if (*walk->at == ')') { return 0; }
@@ -290,7 +290,7 @@ void ReadTriangleLists(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipAr
         if (count == 0 || walk->Failed()) { return; }
         if (read < 0) {
             // After the first break the walk starts over from the line's first character. A second one would
-            // come again and again, and fill the memory with the same triangles.
+            // be followed by a third and so on, and fill the memory with the same triangles.
             if (brokeOff) {
                 walk->Fail("has a list of strips or fans that is broken over lines");
                 return;
@@ -315,8 +315,7 @@ void TraiteFan(FaceWalk* walk, ScratchArray<std::int32_t>* values, TipArray<std:
     ReadTriangleLists(walk, values, out, AppendFan);
 }
 
-// pnmax counts only as far as it stands within the first 100 characters of the line: it serves for sizing
-// alone.
+// Only those digits of pnmax count that are among the first 100 characters of the line.
 std::int32_t ReadPnmax(FaceWalk* walk) {
     if (*walk->at == '$') { return 0; }
     const char* const limit = std::min(walk->line + 100, walk->end);
@@ -337,7 +336,7 @@ std::int32_t ReadPnmax(FaceWalk* walk) {
 struct PointSource {
     const StepModel& model;
     const P42Ent* list;
-    bool isAhead; // as of the walk in the face's own line
+    bool isAhead; // as for the walk in the face's own line
 };
 
 // A walk to the points of a COORDINATES_LIST, its third argument.
@@ -417,7 +416,8 @@ bool FillCoordCache(FaceScratch* scratch, const PointSource& source, const char*
     return true;
 }
 
-// The vertices of a face with pnindex: the points at those places of the list. False when one is not there.
+// The vertices of a face with pnindex: the points at those places of the list. False when one isn't there,
+// the list can't be read, or memory runs out.
 bool TraiteIndexCoords(StepFaceB* face, const PointSource& source, Arena& arena, FaceScratch* scratch,
                        const char** problem) {
     const CoordCache* const cache = &scratch->coordCache;
@@ -467,7 +467,7 @@ void ComputeBox(StepFaceB* face) {
     }
 }
 
-// The one normal of a face stands for each of its vertices.
+// Gives each vertex the one normal of a face. False when memory runs out.
 bool RepeatNormal(StepFaceB* face, const float normal[3], Arena& arena) {
     const std::size_t count = static_cast<std::size_t>(face->vertexCount);
     TipArray<float> normals(arena);
@@ -507,7 +507,7 @@ bool ReadPnindex(FaceWalk* walk, Arena& arena, StepFaceB* face) {
     face->pnindexCount = static_cast<std::int32_t>(pnindex.Count());
     face->pnindex = pnindex.Close();
     if (walk->Failed()) { return false; }
-    walk->at -= 2; // to before the comma that the list's reader has passed
+    walk->at -= 2; // back before the comma that the reader of the list has passed
     return true;
 }
 
@@ -548,8 +548,8 @@ bool ReadArguments(FaceWalk* walk, std::int32_t code, Arena& arena, FaceScratch*
            ReadTriangles(walk, code, arena, scratch, face);
 }
 
-// The record that a face names as its points; null where there is none. It may be of any kind, but one that
-// other readers write to must be read in its turn.
+// The record that a face names as its points; null where there is none. It may be of any kind, but ahead only
+// a COORDINATES_LIST will do: other readers may write to other lines.
 const P42Ent* FindPoints(const FaceWalk& walk, std::int32_t id) {
     if (!walk.isAhead) { return walk.model.Find(id); }
     P42Ent* found = nullptr;
