@@ -1,5 +1,5 @@
-// The product tree of one file, read by hopping from line to line of the raw text. Only the one way in which
-// exporters hang a product under another is known, and nothing is parsed on the way.
+// The product tree of one file, read by hopping from line to line of the raw text. Only one way to put a
+// product under another is known, that of the exporters, and nothing else is parsed.
 
 #include "product/assembly_reader.h"
 
@@ -22,8 +22,8 @@ std::int32_t NextReference(TextWalk* walk) {
     return ReadReference(walk);
 }
 
-// Three numbers of a CARTESIAN_POINT or DIRECTION: the list is taken to begin right after the first comma of
-// the line.
+// Three numbers of a CARTESIAN_POINT or DIRECTION, whose list must begin right after the first comma of the
+// line.
 bool ReadTriple(AssemblyReader& reader, std::int32_t id, double values[3]) {
     TextWalk walk;
     if (!reader.model.OpenAfterCommas(id, 1, &walk)) { return false; }
@@ -125,11 +125,11 @@ int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity) {
     std::string_view childName;
     std::int32_t parentFormation = 0;
     std::int32_t childFormation = 0;
-    // The child's is read in any case: a name that the process ends on must not hide behind a missing parent.
+    // Both are read in any case: a missing parent must not hide a name that ends the process.
     const int parentResult = ReadProductName(reader, parentId, &parentName, &parentFormation);
     const int childResult = ReadProductName(reader, childId, &childName, &childFormation);
     if (parentResult != 0 || childResult != 0) { return 1; }
-    // A complex instance: the transformation stands after its third opening parenthesis.
+    // A complex instance: the transformation comes after its third opening parenthesis.
     if (!reader.model.OpenAfterCommas(relationshipId, 0, &walk)) { return 1; }
     for (int i = 0; i < 2; ++i) {
         walk.Step();
@@ -169,7 +169,7 @@ int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::stri
     const std::int32_t productId = ReadReference(&walk);
     if (NoteOverrun(reader, walk, *formationId) || !reader.model.OpenLine(productId, &walk)) { return 1; }
     *name = ReadFirstString(&walk, kNameRoom);
-    *name = name->substr(0, name->find('\0')); // as far as the kept copy will go
+    *name = name->substr(0, name->find('\0')); // what the kept copy will have
     return NoteOverrun(reader, walk, productId) ? 1 : 0;
 }
 

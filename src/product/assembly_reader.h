@@ -17,10 +17,10 @@ struct AssemblyReader {
     StepModel& model;
     ProductTree& tree;                             // its queue: the products of other files
     Arena& arena;                                  // where the records of the tree go
-    LookUp<std::int32_t, ProductNode*> productMap; // by the number of its definition
+    LookUp<std::int32_t, ProductNode*> productMap; // by the entity number of the definition
     std::vector<ProductNode*> products;            // made while reading this file, in that order
-    // Uses that were read: they take effect when the file has come to its end, so that one that is given up
-    // leaves nothing on the products of other files.
+    // Uses read so far, as parent and occurrence: they take effect at the end of the file, so that a file
+    // that is given up leaves nothing on the products of other files.
     std::vector<std::pair<ProductNode*, Occurrence*>> uses;
     bool overrun = false;  // a line ran past the end of the text: the file is given up
     bool noMemory = false; // likewise
@@ -32,17 +32,17 @@ inline constexpr int kStructureNeedsMemory = 2;
 // Reads the assembly lines of one file and merges the outcome into the tree: products and occurrences by a
 // fixed chain of lines from each CONTEXT_DEPENDENT_SHAPE_REPRESENTATION, files by each
 // APPLIED_DOCUMENT_REFERENCE. Products of other files are joined by equal `name`. With `isTopFile` the last
-// product that is nobody's child becomes the tree's root. A line that leads nowhere is dropped; a file
-// with a line that runs past its end is given up, and adds no product. One thread at a time may run it on a
-// tree. Returns 0; kStructureBreaksOff for such a file; kStructureNeedsMemory, and says so, when memory runs
-// out, and then some of its uses may be missing.
+// product that is nobody's child becomes the tree's root. A line that leads nowhere is dropped; a file with a
+// line that runs past its end is given up, and adds no product. One thread at a time may run it on a tree.
+// Returns 0; kStructureBreaksOff for a file that was given up; kStructureNeedsMemory, told on the console,
+// when memory runs out: some of its uses may then be missing.
 int ReadAssemblyStructure(ProductTree& tree, StepModel& model, bool isTopFile, Arena& arena);
 
 // Reads an occurrence from its CONTEXT_DEPENDENT_SHAPE_REPRESENTATION into `uses`. 0 when it was read, 1 when
-// not; `noMemory` is set then when that is why. The same holds for what follows.
+// not; `overrun` or `noMemory` is set if that is why. These hold for the functions below, too.
 int ReadOccurrence(AssemblyReader& reader, const P42Ent* entity);
 
-// The `id` of the PRODUCT of a PRODUCT_DEFINITION, as it stands in the text, and the entity number of the
+// The `id` of the PRODUCT of a PRODUCT_DEFINITION, in the model's text, and the entity number of the
 // formation between them. 1 when a hop leads nowhere, else 0.
 int ReadProductName(AssemblyReader& reader, std::int32_t definitionId, std::string_view* name,
                     std::int32_t* formationId);
@@ -58,7 +58,7 @@ int ReadTransform(AssemblyReader& reader, std::int32_t transformId, double rotat
 int ReadPlacement(AssemblyReader& reader, std::int32_t placementId, double values[9]);
 
 // Gives a product its part file by an APPLIED_DOCUMENT_REFERENCE. 0 when done or when another file has queued
-// the product already, 1 when a hop leads nowhere, 2 when the name is refused.
+// the product already, 1 when a hop leads nowhere, 2 when the file's name has "...".
 int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity);
 
 // Appends to the occurrences of a product: room for 10 at first, doubled when full. False when memory runs

@@ -1,4 +1,4 @@
-// Which file a product's geometry or structure stands in, and the queue of the files that are to be read.
+// Which file has a product's geometry or structure, and the queue of the files to be read.
 
 #include "p21/keyword_codes.h"
 #include "product/assembly_reader.h"
@@ -40,7 +40,7 @@ int ReadDocumentReference(AssemblyReader& reader, const P42Ent* entity) {
         std::string_view name;
         std::int32_t formationId = 0;
         if (ReadProductName(reader, definitionId, &name, &formationId) != 0) { return 1; }
-        // Queued by another file already: it keeps the file that it has.
+        // A product that another file has queued keeps its file.
         if (FindQueued(reader.tree, name) != nullptr) { return 0; }
         product = MakeProduct(reader, definitionId, name, formationId);
         if (product == nullptr) { return NoteNoMemory(reader); }

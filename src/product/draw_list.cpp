@@ -13,14 +13,14 @@ namespace tarnwick {
 namespace {
 
 constexpr std::int32_t kFirstCapacity = 100;
-// A list that is longer than this isn't an assembly but a few lines that multiply each other without end.
-// When a list reaches the smaller number, all that is still to come is counted before it goes on.
+// A longer list doesn't come from an assembly but from a few lines that multiply each other.
 constexpr std::int64_t kMostItems = std::int64_t{1} << 24;
+// When a list gets this long, the items of the whole tree are counted before the walk goes on.
 constexpr std::int64_t kManyItems = std::int64_t{1} << 20;
 
 constexpr int kBoxTriangles = 12;
 
-// A number of triangles as it is shown; the console says when there are more.
+// A number of triangles in 32 bits; the console says when there are more.
 std::int32_t Limited(std::int64_t count) {
     constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
     if (count <= kMost) { return static_cast<std::int32_t>(count); }
@@ -49,9 +49,8 @@ bool Append(Arena& arena, Item*** items, DrawList* list, Item* item) {
     return true;
 }
 
-// The matrix of an occurrence. The two minus signs cancel the sign of the y component of W in the placement
-// of a P21 occurrence, so that with a world-aligned source frame the columns are the target frame's X, Z by
-// X, and Z.
+// The matrix of an occurrence. The two minus signs cancel the reversed y of W in the placement of a P21
+// occurrence, so that with a world-aligned source frame the columns are the target frame's X, Z by X, and Z.
 void PlacementMatrix(const double* rotation, const double* translation, float m[16]) {
     std::fill_n(m, 16, 0.0f);
     m[0] = m[5] = m[10] = m[15] = 1.0f;
@@ -66,9 +65,9 @@ void PlacementMatrix(const double* rotation, const double* translation, float m[
     }
 }
 
-// How many items the walk places in the list of `product`, or any number above kMostItems. A product that has
-// a list, other than `inWork`, counts by that; the others by their occurrences, of which those that lead back
-// to a product on the way to them place nothing.
+// How many items the walk places in the list of `product`, or some number above kMostItems. A product that
+// has a list, other than `inWork`, counts by that; the others count by their occurrences, of which those that
+// lead back to a product on the way to them place nothing.
 std::int64_t CountPlacedItems(const ProductNode* product, const DrawList* inWork) {
     struct Frame {
         const ProductNode* product;
@@ -190,8 +189,8 @@ void ComputeProductBox(ProductNode* product) {
 
 namespace {
 
-// A walk over a product tree, from the leaves upward, with a stack of its own: a tree may be deeper than that
-// of the thread.
+// A walk over a product tree, from the leaves upward, with a stack of its own: a tree may be too deep for
+// that of the thread.
 class TreeWalk {
 public:
     TreeWalk(Arena& arena, const char* fileName, PrepareOccurrence prepare)
@@ -262,7 +261,7 @@ private:
         cycleSaid_ = true;
     }
 
-    // Whether the tree may go on with a list that gets the items of another. What is to come is counted once.
+    // Whether a list may get the items of another. The tree is counted once, when a list gets long.
     bool IsWithinLimit(const DrawList& list, const DrawList& more) {
         if (counted_ || list.count + std::int64_t{more.count} <= kManyItems) { return true; }
         counted_ = true;
@@ -273,8 +272,7 @@ private:
     const char* fileName_;
     PrepareOccurrence prepare_;
     ProductNode* root_ = nullptr;
-    // A product without a list is given this one while its own is being made, so that a way back to it is
-    // noticed.
+    // What a product has while its list is being made, so that a way back to it is noticed.
     DrawList inWork_{};
     std::vector<Frame> stack_;
     State state_ = State::kGoesOn;

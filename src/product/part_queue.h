@@ -83,7 +83,7 @@ private:
     std::condition_variable moved_;
     std::vector<Place> entries_;
     std::size_t claimed_ = 0;
-    std::size_t settled_ = 0; // all entries before this one are
+    std::size_t settled_ = 0; // all entries before this one are settled
 };
 
 } // namespace tarnwick

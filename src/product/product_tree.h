@@ -33,11 +33,10 @@ struct ProductTree {
 
     ProductTree() { products.Allocate(kFirstCapacity); }
 
-    ProductArray products;       // of all files, in the order of their being read
-    ProductNode* root = nullptr; // null when none was found
-    PartQueue queue;             // those whose file is to be read
-    // The first queued product of each name.
-    LookUp<std::string_view, ProductNode*> queuedNames;
+    ProductArray products;                              // of all files, in reading order
+    ProductNode* root = nullptr;                        // null when none was found
+    PartQueue queue;                                    // products whose file is to be read
+    LookUp<std::string_view, ProductNode*> queuedNames; // the first queued product of each name
 };
 
 } // namespace tarnwick

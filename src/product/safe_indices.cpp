@@ -8,7 +8,7 @@ namespace tarnwick {
 
 namespace {
 
-// True when all `count` indices are below `limit`. The loop has no early exit, so that it takes eight indices
+// Whether all `count` indices are below `limit`. The loop has no early exit, so that it takes eight indices
 // at a time.
 bool AllBelow(const std::uint32_t* indices, std::size_t count, std::uint32_t limit) {
     std::uint32_t highest = 0;
@@ -16,7 +16,7 @@ bool AllBelow(const std::uint32_t* indices, std::size_t count, std::uint32_t lim
     return count == 0 || highest < limit;
 }
 
-// Copies the polygons of `corners` indices each that lie whole below `limit`.
+// A copy of the polygons, of `corners` indices each, whose indices are all below `limit`.
 std::vector<std::uint32_t> SoundPolygons(const std::uint32_t* indices, std::size_t count, std::size_t corners,
                                          std::uint32_t limit) {
     std::vector<std::uint32_t> sound;

@@ -14,16 +14,15 @@ namespace tarnwick {
 class SafeIndices {
 public:
     struct Mesh {
-        bool hasNormals = true; // false when there are fewer normals than vertices
-        bool hasIndices = true; // false when `indices` replace those of the mesh
-        std::vector<std::uint32_t>
-            indices; // the triangles or quads all of whose vertices are there, in order
+        bool hasNormals = true;             // false when there are fewer normals than vertices
+        bool hasIndices = true;             // false when `indices` replace those of the mesh
+        std::vector<std::uint32_t> indices; // the triangles or quads whose vertices are all there, in order
     };
 
     // Looks through all meshes that are about to be drawn. Either may be null.
     void Check(const DrawList* drawList, const ResultMesh* resultMesh);
 
-    // What stands in for the mesh, or null when it can be drawn as it is.
+    // What to draw in place of arrays of the mesh, or null when it can be drawn as it is.
     const Mesh* Find(const void* mesh) const {
         if (replaced_.empty()) { return nullptr; }
         const auto found = replaced_.find(mesh);

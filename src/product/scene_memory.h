@@ -18,7 +18,7 @@ public:
     // The arena of the thread that runs the load.
     Arena& Main() { return main_; }
 
-    // Takes over the arena of another thread. Any thread may call it.
+    // Takes over the arena of another thread. Any thread may call this.
     void HandOver(Arena&& arena) {
         const std::lock_guard guard(lock_);
         others_.push_back(std::move(arena));

@@ -3,12 +3,12 @@
 #include <cstdint>
 
 // The scene: what all readers fill and what is drawn. Plain records in the arenas of the load that made them
-// (see load_session.h); an "owned" array or string lives there too, and goes with all the rest.
+// (see scene_memory.h); their arrays and strings are there too, and go with all the rest.
 //
 // A world matrix is sixteen f32 in the order that glMultMatrixf takes, column by column: element 4c + r is
-// row r of column c, the translation stands in elements 12, 13, 14. A point is a column vector on the right.
+// row r of column c, and elements 12, 13 and 14 are the translation. A point is a column vector on the right.
 // Null is the identity. A box is six numbers: x minimum, x maximum, y minimum, y maximum, z minimum, z
-// maximum. Coordinates are the file's numbers as they stand, in no particular unit.
+// maximum. Coordinates are the file's own numbers, in no particular unit.
 namespace tarnwick {
 
 struct CoordCache;
@@ -48,7 +48,7 @@ struct StepFaceB {
     std::int32_t vertexCount;
     std::int32_t triangleCount;
     std::int32_t normalCount;     // 0, `vertexCount`, or any other number that the file gives
-    const CoordCache* coordCache; // null: readers keep theirs to themselves
+    const CoordCache* coordCache; // never set
     float* vertices;              // x, y, z of each vertex
     float* normals;               // x, y, z of each normal, as read, not normalised
     std::uint32_t* triangles;     // three indices into `vertices` each; not tested against `vertexCount`
@@ -63,7 +63,7 @@ struct StepFaceB {
 struct FaceContainer {
     std::int32_t kind;           // 1 solid, 2 shell
     const char* materialName;    // raw material, or null
-    const char* materialComment; // set and read by nobody
+    const char* materialComment; // never set
     std::int32_t containerId;
     std::int32_t exactContainerId; // entity number in its link; 0 without one
 };
