@@ -20,7 +20,7 @@ std::vector<std::string> SplitArguments(std::string_view line) {
             end = find('"', start);
             position = end + 2;
         } else {
-            // Blanks up to the first "." belong to a path's folders.
+            // A path's folders may have blanks, up to its first ".".
             const bool isPath = arguments.empty() && line[position] != '.';
             end = find(' ', isPath ? find('.', position) : position);
             position = end;

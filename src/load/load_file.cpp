@@ -25,7 +25,7 @@ bool HasCommand(const LoadCommands& commands, FileKind kind) {
     }
 }
 
-// The slider at the end of a range up to `depth`.
+// Puts the slider at the end of a range from 0 to `depth`.
 void SetDepth(LoadControls& controls, std::int32_t depth) {
     controls.SetDepthRange(0, depth);
     controls.SetDepthPosition(depth);
@@ -48,7 +48,7 @@ std::string StatusText(const SceneView& view, bool withWords) {
 }
 
 bool LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, bool useThreads) {
-    // A copy first: the caller may pass the very path that is replaced here.
+    // A copy: the caller may pass the very path that is replaced here.
     const std::string wanted = path;
     dispatch.currentPath = wanted;
     const FileKind kind = FileKindOf(wanted);

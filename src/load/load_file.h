@@ -39,12 +39,12 @@ struct LoadDispatch {
     SceneView& view;
     LoadControls& controls;
     LoadCommands commands;
-    std::string currentPath = {}; // of the last request, also of one that was refused
+    std::string currentPath = {}; // of the last request, even if that was refused
 };
 
 // Shows the file at `path` by the load command of its extension and puts the outcome into the status text.
-// `rootName` names a product for the STEP XML and archive loads, or is null. A path without a known extension
-// is kept as the path of the last request and does nothing else; false is returned then.
+// `rootName` names a product for the STEP XML and archive loads, or is null. For a path without a known
+// extension only `currentPath` is set, and false is returned.
 bool LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, bool useThreads);
 
 // What a move of the Depth slider to `depth` does: selects the boxes of a summary file, clears the pick and
@@ -52,7 +52,7 @@ bool LoadFile(LoadDispatch& dispatch, const char* path, const char* rootName, bo
 void ChangeDepth(LoadDispatch& dispatch, std::int32_t depth);
 
 // The status text for what the view holds, "Nb Triangles: 1024  CPU tot: 0.125s "; with `withWords` false
-// (summary files) the number stands alone. Numbers have points in every locale.
+// (summary files) without the first two words. Numbers have points in every locale.
 std::string StatusText(const SceneView& view, bool withWords);
 
 } // namespace tarnwick

@@ -10,8 +10,8 @@
 
 namespace tarnwick {
 
-// The record between the driver of a P21 load, its load command and the reading threads. It lives for one
-// load, and refers to the record of what that load leaves.
+// What the driver of a P21 load, its load command and the reading threads share. It lives for one load, and
+// refers to the record of what that load leaves.
 struct LoadSession {
     explicit LoadSession(LoadedScene& scene) : loaded(scene) {}
 
@@ -21,7 +21,7 @@ struct LoadSession {
     std::string folder;           // the top file's path up to and including its last separator; assembly only
     std::int32_t compression = 0; // of the top file; assembly only
     std::int32_t isAssembly = -1; // -1 before the top file is read, 0 one file, 1 assembly
-    std::int32_t fileCount = 0;   // stays 0: no part of this load counts into it
+    std::int32_t fileCount = 0;   // stays 0: nothing counts files
     std::int32_t partCount = 0;   // parts read
     bool useThreads = false;
     ProductTree tree;

@@ -21,7 +21,7 @@ inline constexpr std::int32_t kPickProducts = 2; // placed in an assembly
 // What one load leaves: everything that is shown, picked or reported, and the memory that owns it. The driver
 // of a format fills it in place, and the view holds one; a new scene replaces the old one by a move.
 struct LoadedScene {
-    double readSeconds = 0; // sums over the part readers of the files of an assembly
+    double readSeconds = 0; // these three are sums over the files of an assembly
     double inflateSeconds = 0;
     double partSeconds = 0;
     std::int32_t drawnTriangles = 0;
@@ -48,7 +48,7 @@ struct LoadedScene {
     std::unique_ptr<Arena> keptContainers; // owns `containers` when the scene that they came with is gone
     std::unique_ptr<Arena> boxMemory;      // owns the boxes of `boxList`, and nothing else
 
-    // Counts, times and box at zero, as a driver begins.
+    // Sets counts, times and box to 0, for a driver to begin.
     void Clear() {
         readSeconds = inflateSeconds = partSeconds = 0;
         drawnTriangles = 0;

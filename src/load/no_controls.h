@@ -4,7 +4,7 @@
 
 namespace tarnwick {
 
-// Stands in for the controls in a program without a dialog.
+// The controls of a program without a dialog.
 class NoControls : public LoadControls {
 public:
     void SetStatusText(const std::string&) override {}

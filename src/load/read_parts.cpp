@@ -50,7 +50,7 @@ private:
         }
     }
 
-    // Takes part in the reading of a large file that another thread has. False when there is none any more.
+    // Takes part in the reading of a large file of another thread. False when no thread reads any more.
     bool HelpOthers(bool isLoadThread) {
         constexpr int kBetweenProgress = 10; // milliseconds
         if (!useThreads_ || helpers_.Count() == 0) { return false; }

@@ -12,8 +12,8 @@
 
 namespace tarnwick {
 
-// Told, on the thread that runs the load and on no other, how many of the files known so far have been
-// claimed by a reading thread.
+// Called on the thread that runs the load, and on no other: how many of the files known so far a reading
+// thread has claimed.
 using LoadProgress = std::function<void(std::int32_t filesRead, std::int32_t filesKnown)>;
 
 // What one reading thread keeps from file to file.
@@ -31,17 +31,17 @@ public:
     virtual ~PartFiles() = default;
 
     // Opens and reads the file of a product, whose entry is number `place`, and leaves its path in the
-    // thread. Null when that went well: *model then holds a part to be read, or nothing when there is nothing
-    // more to do. Else the reason, a phrase in static memory, for which the file counts as unread. Six
-    // threads may be in here.
+    // thread. Returns null when that went well: *model then holds a part to be read, or nothing when there is
+    // nothing more to do. Else returns the reason, a phrase in static memory, for which the file counts as
+    // unread. Six threads may call this at a time.
     virtual const char* Open(PartThread& thread, const ProductNode& product, std::int32_t place,
                              std::optional<StepModel>* model) = 0;
 };
 
-// Reads the files of all entries until the queue has none left: each part gives its product meshes. On the
-// calling thread, which tells the progress, and with `useThreads` on five workers; returns when all of them
-// have ended. Times, records and unread files go into `loaded`; an unread file's place is that of its entry
-// plus `firstPlace`. Returns how many parts were read, each counted as often as its entry says.
+// Reads the files of all entries until the queue has none left: each part gives its product meshes. Works on
+// the calling thread, which tells the progress, and with `useThreads` on five workers; returns when all of
+// them have ended. Times, records and unread files go into `loaded`; an unread file's place is that of its
+// entry plus `firstPlace`. Returns how many parts were read, each counted as often as its entry says.
 std::int32_t ReadParts(PartQueue& queue, PartFiles& files, bool useThreads, std::int32_t firstPlace,
                        const LoadProgress& progress, LoadedScene& loaded);
 

@@ -7,7 +7,7 @@
 namespace tarnwick {
 
 // What is shown, and from which eye point. The drawing window is built on it; a program without a window uses
-// it alone. Only the thread that runs a load command, and between loads the one that draws, touches it.
+// it alone. Used by the thread that runs a load command, and between loads by the one that draws.
 struct SceneView {
     SceneView() = default;
     SceneView(const SceneView&) = delete;
@@ -16,7 +16,7 @@ struct SceneView {
 
     // Draws one frame and sets `framesPerSecond`. Does nothing without a window.
     virtual void Redraw() {}
-    // Gives back what the graphics library keeps of the scene. Every load asks for it first.
+    // Gives back what the graphics library keeps of the scene. Every load calls it first.
     virtual void DeleteDisplayList() {}
     // Shows the user how far a load of many files has come. Called on the thread of the load, now and then.
     virtual void ShowProgress(std::int32_t /*filesRead*/, std::int32_t /*filesKnown*/) {}
@@ -33,9 +33,8 @@ struct SceneView {
     std::int32_t selectedExactFaceId = 0;
     std::int32_t selectedContainerId = 0;
     std::int32_t selectedExactContainerId = 0;
-    double framesPerSecond =
-        0; // 1 divided by the seconds that the last frame took; for measuring, no code reads it
-    std::uint32_t sceneNumber = 0; // counts the resets: what was found out about a scene holds for one number
+    double framesPerSecond = 0;    // by the last frame; for measuring, no code reads it
+    std::uint32_t sceneNumber = 0; // counts the resets, so that what was found out is known for outdated
 };
 
 } // namespace tarnwick

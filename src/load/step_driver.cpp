@@ -16,7 +16,7 @@ namespace tarnwick {
 
 namespace {
 
-// Why a file is unread, from what ReadAssemblyStructure returned; null when it isn't.
+// Why a file is unread, from what ReadAssemblyStructure returned; null when it was read.
 const char* ReasonOf(int structure) {
     switch (structure) {
     case 0:
@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    // Beside the top file, and packed as that one is.
+    // From the top file's folder on, and compressed as that file is.
     std::string PathOf(const ProductNode& product) const {
         std::string path = product.fileName;
         std::replace(path.begin(), path.end(), '\\', '/');

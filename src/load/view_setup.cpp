@@ -20,8 +20,8 @@ void SayNotKept() {
     ConsolePrint("<E> no memory to keep the solids and shells of the part before\n");
 }
 
-// Copies the containers into memory of their own, so that they outlive their scene; without memory for that
-// they are dropped with it.
+// Copies the containers into memory of their own, so that they outlive their scene; drops them when memory
+// runs out.
 void KeepContainers(LoadedScene* loaded) {
     if (loaded->containerCount == 0 || loaded->keptContainers != nullptr) { return; }
     const std::size_t count = static_cast<std::size_t>(loaded->containerCount);

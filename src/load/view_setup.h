@@ -4,8 +4,7 @@
 
 namespace tarnwick {
 
-// Whether the containers of a part and the root's name stay when the next scene comes: a pick still asks for
-// them then.
+// Whether the containers of a part and the root's name stay when the next scene comes, for picks in it.
 enum class PartRecords { kDropped, kKept };
 
 // Drops what the view shows, the pick and the memory of the scene. Counts, times and box stay as they are.
@@ -15,8 +14,8 @@ void ResetScene(SceneView& view, PartRecords partRecords);
 // counts as one of size 10 around the origin.
 void SetUpView(SceneView& view);
 
-// The view as before its first load, but for what ResetScene left: for a file of which there is nothing to
-// show.
+// Sets the view as it is before its first load, but for what ResetScene left: for a file of which there is
+// nothing to show.
 void ShowNothing(SceneView& view);
 
 } // namespace tarnwick

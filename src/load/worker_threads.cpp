@@ -6,16 +6,15 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <exception>
 #include <mutex>
-#include <new>
-#include <system_error>
 #include <thread>
 
 namespace tarnwick {
 
 namespace {
 
-// How many workers haven't ended.
+// Counts the workers that haven't ended.
 class Running {
 public:
     void Add(int count) {
@@ -23,7 +22,7 @@ public:
         count_ += count;
         if (count_ == 0) { ended_.notify_one(); }
     }
-    // Whether all of them end within the time.
+    // Whether all of them have ended within `time`.
     bool WaitForEnd(std::chrono::milliseconds time) {
         std::unique_lock guard(lock_);
         return ended_.wait_for(guard, time, [this] { return count_ == 0; });
@@ -41,7 +40,7 @@ void RunWithWorkers(bool useThreads, const std::function<void(bool isLoadThread)
                     const std::function<void()>& showProgress) {
     constexpr std::chrono::milliseconds kBetweenProgress{10};
     Running running;
-    std::array<std::jthread, kWorkers> workers; // the last to be declared: they are joined first
+    std::array<std::jthread, kWorkers> workers; // declared last, so joined before `running` goes
     for (int k = 0; useThreads && k < kWorkers; ++k) {
         running.Add(1);
         try {
@@ -50,12 +49,10 @@ void RunWithWorkers(bool useThreads, const std::function<void(bool isLoadThread)
                 ConsolePrint("End thread %d\n", number);
                 running.Add(-1);
             });
-        } catch (const std::system_error&) { running.Add(-1); } catch (const std::bad_alloc&) {
-            running.Add(-1);
-        }
+        } catch (const std::exception&) { running.Add(-1); } // no thread, or no memory for one
     }
     loop(true);
-    showProgress(); // also where the workers have taken all entries
+    showProgress(); // also when the workers have done all the work
     while (!running.WaitForEnd(kBetweenProgress)) { showProgress(); }
 }
 

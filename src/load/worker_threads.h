@@ -4,7 +4,7 @@
 
 namespace tarnwick {
 
-// Besides the calling thread.
+// The threads that work beside the calling one.
 inline constexpr int kWorkers = 5;
 
 // Runs `loop` on the calling thread, with true, and with `useThreads` on the workers, with false. Each worker
