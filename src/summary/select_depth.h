@@ -4,10 +4,10 @@
 
 namespace tarnwick {
 
-// Fills an empty list of boxes with what shows at a depth of the tree: every occurrence of that depth, and
-// every one without children of a lesser depth; at depth 0 the box of the first occurrence alone, unplaced,
-// which has no size and no product where that one has none. The list is in `boxMemory`. False when memory
-// runs out.
+// Fills an empty list of boxes with what is shown at a depth of the tree: every occurrence of that depth, and
+// every one of a lesser depth that has no children; at depth 0 only the box of the first occurrence,
+// unplaced, and without size and product where that one has no product. The boxes are in `boxMemory`. False
+// when memory runs out.
 bool SelectDepth(const StpjFile& file, std::int32_t depth, DrawList* list, Arena& boxMemory);
 
 } // namespace tarnwick

@@ -22,22 +22,22 @@ namespace tarnwick {
 
 namespace {
 
-// Stands after the text: the NUL that stops numbers and tables, then each character that is searched for.
-// Quotes are last, since they are searched for after another character, and up to twice.
+// Is put after the text: the NUL that stops numbers and tables, then each character that is searched for. The
+// quotes are last, since they are searched for after another character, and up to twice.
 constexpr std::string_view kSentinel("\0,}{:[] \"\"\"", 11);
 
-constexpr std::size_t kNameRoom = 512;
+constexpr std::size_t kProductNameRoom = 512;
 constexpr std::size_t kFileNameRoom = 584;
 
 constexpr const char* kNoMemory = "no memory";
 constexpr double kNoBox[6] = {};
 
-// The values of a product, which the next one keeps where it gives none of its own.
+// The values of a product; the next product keeps those that it doesn't set.
 struct ProductValues {
     std::string_view name;
     std::int32_t index = 0;
     float box[6] = {};
-    bool hasBox = false; // not carried over
+    bool hasBox = false; // this one isn't kept
 };
 
 bool IsKey(const char* key, std::string_view prefix) {
@@ -51,10 +51,11 @@ public:
         std::memcpy(text + size, kSentinel.data(), kSentinel.size());
     }
 
-    // Read the tables. A problem either ends a table and has no further effect, or ends the reading, see
-    // GivenUp. Only the first problem is told on the console.
+    // Read the tables. A problem either only ends a table, or ends the reading. Only the first problem is
+    // told on the console.
     void ReadProductsTable();
     void ReadOccurrencesTable();
+    // Why the reading has ended; null while it may go on.
     const char* GivenUp() const { return givenUp_; }
     void SayWhyGivenUp() { Say(std::string("given up, ") + givenUp_); }
 
@@ -87,7 +88,7 @@ private:
     std::int32_t withoutPlacement_ = 0; // occurrences
 };
 
-// Moves past the next quote that a key of this prefix follows.
+// Moves past the next quote with a key of this prefix after it.
 bool StpjText::GoToKey(std::string_view prefix) {
     while (!Ended()) {
         const void* const quote = std::memchr(at_, '"', static_cast<std::size_t>(end_ - at_));
@@ -99,7 +100,7 @@ bool StpjText::GoToKey(std::string_view prefix) {
     return false;
 }
 
-// Moves past the next quote; false when no key of this prefix follows it.
+// Moves past the next quote; false when a key of another prefix follows it.
 bool StpjText::GoToFirstKey(std::string_view prefix) {
     at_ = find::First<'"'>(at_) + 1;
     return !Ended() && IsKey(at_, prefix);
@@ -110,7 +111,7 @@ bool StpjText::ReadInteger(std::int32_t* value) {
     at_ = find::First<':'>(at_) + 1;
     if (Ended()) { return false; }
     const char* p = at_;
-    while (*p == ' ') ++p;
+    while (*p == ' ') { ++p; }
     if (real::IsDigit(*p)) {
         std::int64_t number = 0;
         while (real::IsDigit(*p) && number <= std::numeric_limits<std::int32_t>::max()) {
@@ -118,23 +119,23 @@ bool StpjText::ReadInteger(std::int32_t* value) {
         }
         *value = static_cast<std::int32_t>(
             std::min<std::int64_t>(number, std::numeric_limits<std::int32_t>::max()));
-        at_ = p; // nothing that is searched for was passed
+        at_ = p; // past digits and blanks, which nobody searches for
     } else {
         *value = StringToInteger(p);
     }
     return true;
 }
 
-// One digit, as most numbers of a rotation are, and what leads to the next number: where the search for a
-// blank or "]" behind it would end. Null, and nothing done, for any other text.
+// A number of one digit, as most of a rotation are. Returns the place of the blank or "]" after it and its
+// comma; null, with nothing done, for any other text.
 const char* TakeDigit(const char* p, double* value) {
     const bool negative = *p == '-';
     const char* const digit = p + negative;
     if (!real::IsDigit(*digit)) { return nullptr; }
-    const char* const behind = digit[1] == ',' ? digit + 2 : digit + 1;
-    if (*behind != ' ' && *behind != ']') { return nullptr; }
+    const char* const after = digit[1] == ',' ? digit + 2 : digit + 1;
+    if (*after != ' ' && *after != ']') { return nullptr; }
     *value = negative ? -static_cast<double>(*digit - '0') : static_cast<double>(*digit - '0');
-    return behind;
+    return after;
 }
 
 // The numbers of an array, separated by blanks. What the array lacks is read at its "]", as 0.
@@ -143,15 +144,15 @@ bool StpjText::ReadNumbers(double* values, int count) {
     if (Ended()) { return false; }
     const char* p = at_;
     for (int i = 0; i < count; ++i) {
-        while (*p == ' ') ++p;
+        while (*p == ' ') { ++p; }
         if (const char* const next = TakeDigit(p, values + i)) {
             p = next;
         } else {
-            const char* behind;
-            values[i] = ParseReal(p, &behind);
+            const char* after;
+            values[i] = ParseReal(p, &after);
             // A number ends at the next blank. A tab before it is no separator, but a blank after that tab
             // is.
-            const char* const from = *p == '\t' ? p : behind;
+            const char* const from = *p == '\t' ? p : after;
             p = *from == ' ' || *from == ']' ? from : find::First<' ', ']'>(from);
         }
         if (p >= end_) {
@@ -163,7 +164,7 @@ bool StpjText::ReadNumbers(double* values, int count) {
     return true;
 }
 
-// The string after the next ":". A name that exceeds its room lies outside the format.
+// The string after the next ":". The file is given up for one of `room` characters or more.
 bool StpjText::ReadString(std::size_t room, std::string_view* value) {
     const char* const start = find::First<'"'>(find::First<':'>(at_)) + 1;
     at_ = find::First<'"'>(start);
@@ -177,8 +178,8 @@ bool StpjText::ReadString(std::size_t room, std::string_view* value) {
     return true;
 }
 
-// Moves on to the end of the current value and to the quote of the next key. False at the object's "}", which
-// is then passed, and at the end of the text.
+// Moves from the current value to after the first quote of the next key. False at the object's "}", which is
+// then passed, and at the end of the text.
 bool StpjText::NextKey() {
     const char* const usual = at_ + (*at_ == ']' ? 1 : 0);
     if (usual[0] == ',' && usual[1] == ' ' && usual[2] == '"') {
@@ -204,7 +205,7 @@ bool StpjText::ReadProduct(ProductValues* values) {
         if (IsKey(at_, "idx")) {
             read = ReadInteger(&values->index);
         } else if (IsKey(at_, "name")) {
-            read = ReadString(kNameRoom, &values->name);
+            read = ReadString(kProductNameRoom, &values->name);
         } else if (IsKey(at_, "filename")) {
             std::string_view ignored;
             read = ReadString(kFileNameRoom, &ignored);
@@ -331,12 +332,12 @@ void StpjText::ReadOccurrencesTable() {
     if (!GoToFirstKey("nb_occu") || !ReadInteger(&claimed) || !GoToFirstKey("max_d")) {
         return Say("its table of occurrences doesn't begin with their number and depth");
     }
-    // The key is taken to have seven letters; a shorter one may lose its colon by that.
+    // The key is expected to have seven letters; a shorter one may lose its colon by that.
     at_ = std::min(at_ + kLongKey, end_);
     if (!ReadInteger(&file_.maxDepth)) { return Say("its table of occurrences has no depth"); }
     at_ = find::First<'['>(at_);
     if (Ended() || claimed < 1) { return Say("its table of occurrences is empty"); }
-    // Room for as many as it says, if there are characters for them: growing would take fresh pages twice.
+    // Room for as many as it says, if it has enough characters: growing would take fresh pages twice.
     constexpr std::ptrdiff_t kShortOccurrence = 64;
     std::vector<StpjOccurrence*> occurrences;
     occurrences.reserve(
@@ -373,7 +374,7 @@ void StpjText::SayOddOccurrences() {
     }
 }
 
-// The file's bytes in `block`; null, and said with its reason, when they can't be had.
+// The file's bytes in `block`. Null when they can't be read, told on the console, with *reason a phrase.
 char* ReadText(const char* path, TextBlock& block, std::size_t* size, const char** reason) {
     const OneLine name(path);
     const OpenedFile file(path);

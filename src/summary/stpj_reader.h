@@ -29,9 +29,9 @@ struct StpjFile {
     std::int32_t maxDepth;
 };
 
-// Reads the summary file `path` and makes the boxes of its greatest depth. The text is no JSON to the reader
+// Reads the summary file `path` and makes the boxes of its greatest depth. To the reader the text isn't JSON
 // but a sequence of characters to search for; what is missing in it is left out, with a line on the console.
-// The record has no `stpjFile` when the file was given up. Returns 0, whatever becomes of it.
+// The record has no `stpjFile` when the file was given up. Returns 0 in any case.
 int TraiteSTPJFile(LoadedScene& loaded, const char* path);
 
 // Fills the tables of `file`, which has only its path, from `size` characters at `text`; the reader writes
