@@ -8,7 +8,7 @@
 
 namespace tarnwick {
 
-// A growable table of products in the order of their being found. It is doubled as soon as it is full, so
+// A growable table of products in the order in which they were found. It is doubled as soon as it is full, so
 // that there is always a free place after the last entry.
 class ProductTable {
 public:
@@ -31,8 +31,8 @@ private:
     ProductArray products_;
 };
 
-// The same with a way to find the first product of a name, which would otherwise be a walk over the whole
-// table for every product of every further document.
+// The same with a look-up of the first product of a name, since a search through the table for every product
+// of every further document would take too long.
 class NamedProductTable {
 public:
     void Allocate() { table_.Allocate(); }
@@ -55,7 +55,7 @@ public:
     ProductNode* operator[](std::int32_t index) { return table_[index]; }
 
 private:
-    // Whether a place, from 1, has the name still: Shrink leaves places that are free or have other products.
+    // Whether a place, from 1, still has the name: after Shrink it may be free or have another product.
     bool IsFirst(std::int32_t place, std::string_view name) {
         return place > 0 && place <= table_.Count() && table_[place - 1]->name == name;
     }

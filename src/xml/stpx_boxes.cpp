@@ -18,7 +18,7 @@ struct Matrix {
     float m[16];
 };
 
-// Here the rotation enters the matrix as the document gives it.
+// The matrix of an occurrence, with the rotation as the document gives it.
 Matrix OccurrenceMatrix(const Occurrence& occurrence) {
     Matrix matrix{};
     for (int c = 0; c < 3; ++c) {

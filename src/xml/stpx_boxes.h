@@ -4,9 +4,9 @@
 
 namespace tarnwick {
 
-// The tree as boxes, out of the boxes that the document itself gives: fills the record's `box` and
-// `boxList`, with no other file read. Down to 30 levels; what lies deeper is left out, with a line on the
-// console that names `fileName`.
+// Shows the tree as boxes, those that the document itself gives: fills the record's `box` and `boxList`
+// without reading any other file. Goes down 30 levels; deeper ones are left out, with a line on the console
+// that names `fileName`.
 void BuildBoxList(StpxSession& session, const char* fileName);
 
 } // namespace tarnwick

@@ -52,13 +52,13 @@ struct AssignedDocument {
     string_view uid;
 };
 
-// A product that stood in the table of assemblies before this document named it.
+// A product that was in the table of assemblies before this document named it.
 struct JoinedProduct {
     ProductNode former; // to go back to when the document is given up
     bool resolved = false;
 };
 
-// Uses of one product that follow one another; what one thread takes at a time.
+// Successive uses by one product; a thread takes a few runs at a time.
 struct Run {
     Occurrence* const* uses;
     std::int32_t count;
@@ -147,7 +147,7 @@ private:
     StpxScan scan_;
     State state_ = State::kFindContainer;
     bool done_ = false;
-    char textBuffer_[kTextRoom + 8]; // with what may be read after a number
+    char textBuffer_[kTextRoom + 8]; // with the eight characters that may be read after a number
     string_view pointRefA_;
     string_view pointRefB_;
     string_view fileUid_;
@@ -156,13 +156,13 @@ private:
     float box_[6] = {};
     double rotationValues_[9] = {};
     double translationValues_[3] = {};
-    const Occurrence* lastAhead_ = nullptr; // whose values these should be
+    const Occurrence* lastAhead_ = nullptr; // whose values these must become, read ahead; null for none
     ProductNode* currentProduct_ = nullptr; // kept after "</Part"
     bool productIsNew_ = false;
     std::int32_t pointCount_ = 0;
     std::int32_t viewOccurrences_ = 0;
     PropertyKind propertyKind_ = PropertyKind::kNone;
-    const char* resumePosition_ = nullptr; // where to come back to after a look-ahead
+    const char* resumePosition_ = nullptr; // where to go back to after a look ahead
     int resolvedDirectly_ = -1;            // 1 once any file name was matched to the last assignment
     bool digitalFileSeen_ = false;
     bool hasRelated_ = false;
@@ -175,7 +175,7 @@ private:
     LookUp<string_view, string_view> mapDV_DF_;       // document version to digital file
     LookUp<string_view, string_view> mapDF_Filename_; // file to file name
     std::unordered_map<ProductNode*, JoinedProduct> joined_;
-    std::vector<Run> runs_; // whose children are looked for
+    std::vector<Run> runs_; // of the uses whose children are looked for
 };
 
 bool DocumentReader::ScanWithHelpers() {
@@ -201,8 +201,8 @@ bool DocumentReader::ScanAll() {
     return true;
 }
 
-// The tags that a large document mostly consists of, the uses of parts and their placements, as far as they
-// are written as usual. They have the same effect as in Step.
+// Takes the tags that make up most of a large document, the uses of parts and their placements, as long as
+// they have their usual form. The effect is that of Step.
 bool DocumentReader::TakeUsualTags() {
     if (state_ != State::kInPartView && state_ != State::kInRelation && state_ != State::kInPlacement) {
         return true;
@@ -244,8 +244,8 @@ bool DocumentReader::TakeUsualTags() {
     }
 }
 
-// The uses of a view that other threads have read, as far as they follow one another. They have the same
-// effect as when they are read here.
+// Takes the next uses of a view as long as other threads have read them. The effect is the same as if they
+// were read here.
 bool DocumentReader::TakeUsesAhead(UsualTags& tags) {
     while (const UsesAhead::Use* const use = ahead_->Take(tags.Next())) {
         if (use->occurrence == nullptr) {
@@ -259,7 +259,7 @@ bool DocumentReader::TakeUsesAhead(UsualTags& tags) {
     return true;
 }
 
-// Numbers that can't be read are those of the placement before.
+// Begins a use. Numbers that can't be read will be those of the placement before.
 void DocumentReader::StartRelation() {
     if (lastAhead_ != nullptr) {
         std::copy_n(lastAhead_->rotation, 9, rotationValues_);
@@ -369,7 +369,7 @@ bool DocumentReader::StepPartView() {
     return true;
 }
 
-// The properties of a view: which points its box has. Their places follow in a context.
+// The properties of a view: which points its box has. Where these are follows in a context.
 void DocumentReader::StepProperty() {
     if (Tag() == "</ShapeDependentProperty") {
         const bool complete =
@@ -395,7 +395,7 @@ void DocumentReader::StepProperty() {
     }
 }
 
-// The search for the points of a property, in what stands after it.
+// Looks for the points of a property in the text after it.
 bool DocumentReader::StepContext() {
     if (state_ == State::kFindContext) {
         if (Tag() == "<RepresentationContext") {
@@ -411,7 +411,7 @@ bool DocumentReader::StepContext() {
         return true;
     }
     if (Tag() != "<RepresentationItem") { return true; }
-    // An item without a uid is equal to an empty reference.
+    // An item without a uid matches an empty reference.
     const bool isA = Uid() == pointRefA_;
     if (!isA && Uid() != pointRefB_) { return true; }
     if (!ReadPoint()) { return false; }
@@ -469,7 +469,7 @@ bool DocumentReader::StepFile() {
     return true;
 }
 
-// A document down to the file of its definition, one state for each level.
+// Goes through a document down to the file of its definition, with a state for each level.
 void DocumentReader::StepDocument() {
     struct Level {
         string_view close;
@@ -496,8 +496,8 @@ void DocumentReader::StepDocument() {
     }
 }
 
-// The name of a part, from the element that follows; none when that is another one. A part of a further
-// document is the product that asked for the document, found by its name.
+// Reads the name of a part from the next element, unless that is another one. A part of a further document
+// may be the product that asked for the document; the name tells.
 bool DocumentReader::ReadPartName() {
     currentProduct_ = nullptr;
     if (!ScanTagName(&scan_)) { return false; }
@@ -532,8 +532,8 @@ bool DocumentReader::ReadNumbers(double* values, int count) {
     return true;
 }
 
-// One point of a box, from the first child of the current item, whatever it is called. The points' order in
-// the text decides which limits they are.
+// Reads one point of a box from the first child of the current item, whatever that is called. The first point
+// in the text has the minimums, the second the maximums.
 bool DocumentReader::ReadPoint() {
     if (!ScanTagName(&scan_)) { return false; }
     ++scan_.at;
@@ -548,7 +548,7 @@ bool DocumentReader::ReadPoint() {
 }
 
 bool DocumentReader::AddUse(string_view uid) {
-    // A copy: those of all occurrences lie close together when they are looked up.
+    // A copy, so that all uids are close together in memory when they are looked up.
     const char* const copy = scratch_.Copy(uid.data(), uid.size());
     return copy != nullptr ? AddKeptUse(copy, uid.size()) : Fail(kNoMemory);
 }
@@ -583,7 +583,7 @@ bool DocumentReader::AppendOccurrence(Occurrence* occurrence) {
     return true;
 }
 
-// A view with two points has a box; but not that of an assembly which is itself a component.
+// A view with two points has a box, unless its product has components and is one itself.
 bool DocumentReader::StoreBox() {
     if (currentProduct_ == nullptr) { return Fail(kNoProduct); }
     if (pointCount_ == 2 && (currentProduct_->occurrenceCount == 0 || viewOccurrences_ == 0)) {
@@ -593,7 +593,7 @@ bool DocumentReader::StoreBox() {
     return true;
 }
 
-// A file's name belongs to the part that was assigned the file last, or is kept for later.
+// Gives a file's name to the last part with a document, if that document is the file; else keeps the name.
 bool DocumentReader::TakeIdentifier() {
     const string_view fileName = find::CutAtNul(scan_.id);
     ProductNode* const product = assignedDocuments_.empty() ? nullptr : assignedDocuments_.back().product;
@@ -634,7 +634,7 @@ void DocumentReader::ResolveOccurrences() {
     for (ProductNode* const product : document_.products) {
         if (product == nullptr) { break; }
         if (product->isRoot != 0) { document_.root = product; }
-        // Where a product is listed again, its occurrences are what they are already.
+        // The occurrences of a product that is listed again already have their children.
         if (product == former) { continue; }
         former = product;
         const auto joined = joined_.empty() ? joined_.end() : joined_.find(product);
@@ -675,7 +675,7 @@ void DocumentReader::FindChildrenOf(Run run) {
         });
 }
 
-// The route of file names through documents and files, for a text in which no file stood right after its
+// Gives parts their file names through documents and files, for a text in which no file came right after its
 // part.
 bool DocumentReader::ResolveFileNames() {
     // This channel is Latin-1: 0xE9 is the "e" with an acute accent.

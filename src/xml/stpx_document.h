@@ -16,19 +16,19 @@ struct StpxDocument {
     char* text = nullptr;       // the reader writes into TextBlock::kPadding bytes after it
     std::size_t size = 0;       // its characters
     const char* name = "";      // of its file, for messages
-    bool plainly = false;       // every tag by the one general scan; slower, and nothing else
-    Helpers* helpers = nullptr; // who take part in the reading of a large text; may be null
-    std::size_t pieceBytes = UsesAhead::kPieceBytes; // that one of them reads at a time
+    bool plainly = false;       // every tag by the general scan: the same outcome, but slower
+    Helpers* helpers = nullptr; // take part in the reading of a large text; may be null
+    std::size_t pieceBytes = UsesAhead::kPieceBytes; // read by one of them at a time
     std::vector<ProductNode*> products;              // in document order; null where a part has no name
     ProductNode* root = nullptr;                     // null when every part is a component
 };
 
-// Reads the assembly structure out of a text that lies complete in memory: products and their occurrences,
-// and which files hold the rest. What it makes is in `arena`; nothing points into the text afterwards. Files
-// that are STEP XML documents go with their products into `assemblies`, all others into `parts`; both tables
-// carry over from document to document, and a part that has the name of a product in `assemblies` is that
-// product. With `boxMode` not 0 the boxes of views are read as well. Returns null, or the reason (a phrase in
-// static memory) for which the document is given up; it has then left nothing in the tables.
+// Reads the assembly structure out of a whole text: products and their occurrences, and which files hold the
+// rest. What it makes is in `arena`; nothing points into the text afterwards. Products whose file is a STEP
+// XML document go into `assemblies`, those with other files into `parts`. Both tables carry over from
+// document to document, and a part that has the name of a product in `assemblies` is that product. With
+// `boxMode` not 0 the boxes of views are read as well. Returns null, or the reason (a phrase in static
+// memory) for which the document is given up; it has then left nothing in the tables.
 const char* ReadStpxDocument(StpxDocument& document, int boxMode, NamedProductTable& assemblies,
                              ProductTable& parts, Arena& arena);
 

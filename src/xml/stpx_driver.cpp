@@ -25,9 +25,8 @@ namespace tarnwick {
 
 namespace {
 
-// One document, from the file system or from the archive, with what it leads to. Null for `product` stands
-// for the root document. False when it was given up; the reason is then on the console and in the list of
-// unread files.
+// Reads one document, from the file system or from the archive. `product` has asked for it; null for the root
+// document. False when it was given up; the reason is then on the console and in the list of unread files.
 bool ReadDocument(StpxSession& session, TextMemory& memory, std::string path, std::int32_t place,
                   const ProductNode* product, int boxMode, ProductNode** root) {
     TextFile file;
@@ -62,18 +61,17 @@ bool ReadDocument(StpxSession& session, TextMemory& memory, std::string path, st
     return false;
 }
 
-// Finds documents that lead back to themselves. Each further reading of one may add to the table again,
-// without end.
+// Finds documents that lead back to themselves. Each time that one is read again, it may add to the table,
+// and so without end.
 class DocumentCycles {
 public:
-    // Notes that the entries up to `count` that no document has claimed yet were added by the one at `place`;
-    // -1 is the root document.
+    // Notes that the new entries, up to `count` in all, were added by the document at `place`; -1 is the root
+    // document.
     void NoteAdded(std::int32_t place, std::int32_t count) {
         addedBy_.resize(static_cast<std::size_t>(count), place);
     }
 
-    // Whether the document at `place` is to be left out: its own reading led to it, too often for an end to
-    // come.
+    // Whether to leave out the document at `place`: it has led back to itself too often to come to an end.
     bool IsEndless(StpxSession& session, std::int32_t place) {
         const std::string_view name = session.asmProdExt[place]->fileName;
         if (names_.AddNew(name)) { return false; }
@@ -85,7 +83,7 @@ public:
     }
 
 private:
-    static constexpr std::int32_t kMostRepeats = 100; // chains that end do so within a few
+    static constexpr std::int32_t kMostRepeats = 100; // a chain that ends does so after a few
 
     std::vector<std::int32_t> addedBy_;
     LookUp<std::string_view, bool> names_;
@@ -123,7 +121,7 @@ void ReadExternalDocuments(StpxSession& session, TextMemory& memory) {
     }
 }
 
-// 0 for a root that is a single part, by its file's ending.
+// 0 for a root that is a single part, by the extension of its file; else 1.
 std::int32_t IsAssembly(const ProductNode& root) {
     if (root.occurrenceCount > 0 || root.fileName == nullptr) { return 1; }
     const std::string_view name = root.fileName;
@@ -133,8 +131,8 @@ std::int32_t IsAssembly(const ProductNode& root) {
     return ending == ".stp" || ending == ".stpx" ? 0 : 1;
 }
 
-// Says once which occurrences have no child, of those that will be placed: a product with meshes of its own
-// is not looked into.
+// Says in one line how many of the occurrences that will be placed have no child. A product with meshes of
+// its own is not looked into.
 void SayUnmatched(const ProductNode& root, const char* fileName) {
     std::unordered_set<const ProductNode*> seen{&root};
     std::vector<const ProductNode*> open{&root};
@@ -162,8 +160,8 @@ void SayUnmatched(const ProductNode& root, const char* fileName) {
     }
 }
 
-// Every product of the table of parts once, in the order of the table: its file is the same each time, and
-// two threads must not write to it.
+// Puts each product of the table of parts on the queue once, in the order of the table: its file is the same
+// each time, and two threads must not write to the product.
 void FillQueue(StpxSession& session, PartQueue* queue) {
     std::unordered_map<const ProductNode*, std::int32_t> times;
     for (std::int32_t i = 0; i < session.geomProdExt.Count(); ++i) { ++times[session.geomProdExt[i]]; }
@@ -195,8 +193,9 @@ public:
     }
 
 private:
-    // Makes the model of a part's file, not read yet. Taking an archive's bytes is serial, inflating them is
-    // not: that is left to Read. Returns what the archive knows against the member, or null.
+    // Makes the model of a part's file, not read yet. Threads take turns to get bytes from an archive, but
+    // not to inflate them: that is left to Read. Returns why the member won't inflate, if the archive tells,
+    // or null.
     const char* Prepare(PartThread& thread, const ProductNode& product, std::optional<StepModel>* model) {
         if (session_.zip == nullptr) {
             thread.path = StpxPath(session_, product);
@@ -245,7 +244,7 @@ void PlaceParts(StpxSession& session, const char* path) {
     ConsolePrint("Number of parts (P21) : %d\n", session.partsRead);
 }
 
-// The documents, and which of the products is shown. False when the root document was given up.
+// Reads the documents, and finds the product to be shown. False when the root document was given up.
 bool ReadStructure(StpxSession& session, const char* path, const char* rootName, int boxMode) {
     TextMemory memory;
     if (!ReadDocument(session, memory, path, 0, nullptr, boxMode, &session.root)) { return false; }

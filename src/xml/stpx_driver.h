@@ -12,16 +12,14 @@ namespace tarnwick {
 int TraiteSTEPXFileNewMT(StpxSession& session, const char* path, const char* rootName, int boxMode,
                          bool threads);
 
-// Gives the product and all that it uses a draw list and a box, as BuildDrawLists does. The rotations of STEP
-// XML enter the matrices as they stand, so two of their elements are negated first, which cancels the
-// signs that the placing of items applies. Returns 1 for a null product or when memory runs out, else 0.
+// BuildDrawLists for STEP XML, whose rotations enter the matrices unchanged: two of their elements are
+// negated first, which cancels the signs that the placing of items applies.
 int BuildStpxDrawLists(Arena& arena, ProductNode* product, const char* fileName);
 
-// The path of the file that a product names, beside the root file.
+// The path of the file that a product names, from the root file's folder on.
 std::string StpxPath(const StpxSession& session, const ProductNode& product);
 
-// The child of this name among a product's occurrences, or null. Only its own children: what lies deeper is
-// never found.
+// The child of this name among a product's own occurrences, or null.
 ProductNode* FindChildByName(const ProductNode& product, const char* name);
 
 } // namespace tarnwick

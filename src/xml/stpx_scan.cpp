@@ -10,13 +10,13 @@ namespace tarnwick {
 
 namespace {
 
-// Every search stops at one of these; two quotes, since a value's search for its second one may start after
+// Every search stops at one of these. Two quotes, since the search for a value's second one may start after
 // the first.
 constexpr std::string_view kSentinel = "=\"\"> <\n";
 constexpr std::size_t kLongestTagName = 90;
 
 constexpr const char* kEndOfText = "it ends before its </DataContainer>";
-static_assert(kTagRoom == 112, "the phrases name it");
+static_assert(kTagRoom == 112, "the phrases below name it");
 constexpr const char* kLongTag = "a tag has 112 characters or more";
 constexpr const char* kLongAttribute = "an attribute has 112 characters or more";
 constexpr const char* kLongText = "the text of an element is too long";
@@ -40,7 +40,7 @@ const char* FindTag(const StpxScan* scan) {
     return static_cast<const char*>(std::memchr(p, '<', static_cast<std::size_t>(scan->end - p)));
 }
 
-// Where the tag's name ends. *nul is the first NUL within it, or the end as well: comparisons see no more.
+// The end of the tag's name. *nul is the first NUL in the name, else its end: comparisons stop there.
 const char* FindNameEnd(const char* tag, const char** nul) {
     const char* p = find::First<' ', '\n', '>', '\0'>(tag);
     *nul = p;
@@ -86,8 +86,8 @@ bool ScanTagWithAttributes(StpxScan* scan) {
     scan->id = scan->uid = scan->xsiType = {};
     if (*p != '>') {
         do {
-            if (*p == '/') break;
-            while (*p == ' ' || *p == '\t' || *p == '\n') ++p;
+            if (*p == '/') { break; }
+            while (*p == ' ' || *p == '\t' || *p == '\n') { ++p; }
             const char* const name = p;
             const char* value;
             std::string_view* field = nullptr;
@@ -118,7 +118,7 @@ bool ScanTagWithAttributes(StpxScan* scan) {
                 if (field->size() >= kTagRoom) { return GiveUp(scan, kLongAttribute); }
             }
             ++p;
-            while (*p == ' ') ++p;
+            while (*p == ' ') { ++p; }
         } while (*p != '>');
     }
     scan->at = p;

@@ -7,14 +7,14 @@
 // text without nesting. What it takes as a tag's end or as an attribute is part of the format.
 namespace tarnwick {
 
-// The room of the scanner's buffers, their NUL included. A value that doesn't fit lies outside the format.
+// The room for a tag or an attribute, and for a text, with the NUL. A document with a longer one is given up.
 inline constexpr std::size_t kTagRoom = 112;
 inline constexpr std::size_t kTextRoom = 208;
 
 // A scan over one text. The views point into the text, or into a buffer of the caller.
 struct StpxScan {
     const char* at;
-    const char* end;               // the sentinel of PrepareText stands here
+    const char* end;               // the place of PrepareText's sentinel
     const char* name;              // of the document, for messages
     std::string_view tag = {};     // the current tag with its "<" or "</", without attributes
     std::string_view id = {};      // value of its attribute "id"
@@ -26,8 +26,8 @@ struct StpxScan {
 // Writes the sentinel after a text of `size` characters: 16 bytes there must be writable, 48 readable.
 void PrepareText(char* text, std::size_t size);
 
-// Moves to the next "<" and on to the first blank, line feed or ">", where `at` is left. Only the first 90
-// characters of the tag are kept. False, with `problem` set, at the end of the text.
+// Moves to the next "<" and on to the first blank, line feed or ">", where `at` is left. `tag` gets the first
+// 90 characters of the tag at most. False, with `problem` set, at the end of the text.
 bool ScanTagName(StpxScan* scan);
 
 // The same with the attributes, which leaves `at` on the tag's ">" or "/". The oddities are the format's: a
@@ -35,9 +35,9 @@ bool ScanTagName(StpxScan* scan);
 // wherever that is. False, with `problem` set, at the end of the text or when a value doesn't fit.
 bool ScanTagWithAttributes(StpxScan* scan);
 
-// The element text at `at`, up to the next "<", where `at` is left; "&amp;" becomes "&". A text with that in
-// it is put together in `buffer`, of `room` characters. At any other "&" the reader stalls. False, with
-// `problem` set, at the end of the text or when it doesn't fit into `room`, its NUL included.
+// The element text at `at`, up to the next "<", where `at` is left; "&amp;" becomes "&". A text with such a
+// "&amp;" is put together in `buffer`, of `room` characters. At any other "&" the reader stalls. False, with
+// `problem` set, at the end of the text or when the text and its NUL don't fit into `room`.
 bool ReadElementText(StpxScan* scan, char* buffer, std::size_t room, std::string_view* text);
 
 } // namespace tarnwick

@@ -12,8 +12,8 @@
 
 namespace tarnwick {
 
-// The record between a load command of STEP XML or archives and the driver. It lives for one load, and refers
-// to the record of what that load leaves.
+// What a load command of STEP XML or archives and the driver share. It lives for one load, and refers to the
+// record of what that load leaves.
 struct StpxSession {
     explicit StpxSession(LoadedScene& scene) : loaded(scene) {}
 
@@ -21,7 +21,7 @@ struct StpxSession {
     LoadProgress progress; // may be empty
 
     bool threads = false;
-    Helpers* helpers = nullptr;     // of the driver, who take part in the reading of a large document
+    Helpers* helpers = nullptr;     // the driver's, for the reading of a large document; null for none
     std::string directory;          // of the root file, with its final separator
     DocumentArchive* zip = nullptr; // set when reading from an archive
     std::mutex zipLock;             // guards it while several threads read

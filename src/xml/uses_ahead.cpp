@@ -61,7 +61,7 @@ bool UsesAhead::ReadOneMore(Memory* memory) {
 
 void UsesAhead::ReadPiece(std::size_t number, Memory* memory) {
     Piece& piece = pieces_[number];
-    // Where memory runs out, the piece keeps what was read until then.
+    // If memory runs out, the piece keeps what was read until then.
     WithinMemory([&] { ReadUses(start_ + number * pieceBytes_, memory, &piece.uses); });
     piece.state = State::kRead;
     piece.state.notify_one();
@@ -70,7 +70,7 @@ void UsesAhead::ReadPiece(std::size_t number, Memory* memory) {
 // The uses that begin in the piece.
 void UsesAhead::ReadUses(const char* start, Memory* memory, std::vector<Use>* uses) const {
     const char* const end = start + std::min(pieceBytes_, static_cast<std::size_t>(end_ - start));
-    // A next tag beyond 4 GiB is searched for from the last place that fits.
+    // A next tag that is too far away for 32 bits is searched for from the last place that fits.
     const auto place = [start](const char* at) {
         return static_cast<std::uint32_t>(std::min<std::ptrdiff_t>(at - start, UINT32_MAX));
     };
@@ -108,7 +108,7 @@ const UsesAhead::Use* UsesAhead::TakeInFurtherPiece(const char* tag) {
     if (Claim(&piece)) {
         piece.state = State::kRead;
     } else {
-        // Until it is read, there is something to do further on.
+        // Another thread reads it: meanwhile this one reads later pieces.
         while (piece.state != State::kRead && ReadOneMore(&ownMemory_)) {}
         piece.state.wait(State::kTaken);
     }

@@ -13,16 +13,16 @@
 namespace tarnwick {
 
 // The uses of parts in a STEP XML document and their placements, read in pieces by several threads ahead of
-// the document itself, which takes each one where it comes to it. What is written otherwise than usual, or
-// for which memory runs out, isn't there, and the document reads it by itself.
+// the document's own thread, which takes each one where it comes to it. That thread itself reads what has
+// another form than usual, and what memory ran out for.
 class UsesAhead {
 public:
     static constexpr std::size_t kPieceBytes = std::size_t{512} << 10;
 
-    // An element from its "<" to the next one after it.
+    // An element.
     struct Use {
-        std::uint32_t tag;      // where its "<" stands, from the start of the piece
-        std::uint32_t next;     // where the next tag's "<" stands, likewise
+        std::uint32_t tag;      // the place of its "<", from the start of the piece
+        std::uint32_t next;     // that of the "<" of the next tag after it
         Occurrence* occurrence; // of a ViewOccurrenceRelationship; null for an Occurrence
         const char* uid;        // of an Occurrence
         std::uint32_t length;   // of its uid
@@ -34,22 +34,22 @@ public:
     // Reads pieces until none is left; for Helpers::kMost threads that help.
     void ReadPieces();
 
-    // What was read ahead at `tag`, or null. Valid until the next call. The tags ascend; those of one thread,
-    // whose document it is. A piece that nobody has begun is left to it.
+    // What was read ahead at `tag`, or null. Valid until the next call. Called by the document's thread
+    // alone, with ascending tags. A piece that no thread has begun is left to the caller.
     const Use* Take(const char* tag) {
         const auto place = static_cast<std::size_t>(tag - pieceStart_);
         while (next_ < usesEnd_ && next_->tag < place) { ++next_; }
         if (next_ < usesEnd_ && next_->tag == place) [[likely]] { return next_++; }
         return place < pieceSize_ ? nullptr : TakeInFurtherPiece(tag);
     }
-    // The text of `use`, which was taken last, ends there.
+    // The "<" of the tag after `use`, which must be the one taken last.
     const char* NextTag(const Use& use) const { return pieceStart_ + use.next; }
 
-    // No further piece is begun.
+    // Lets no thread begin a further piece.
     void Stop() { nextPiece_ = pieces_.size(); }
 
-    // Gives the occurrences to `arena` once all threads have ended. False when memory for the note of it runs
-    // out.
+    // Gives the occurrences to `arena` when all threads have ended. False when there is no memory to note
+    // them in.
     bool HandOver(Arena* arena);
 
 private:
@@ -78,7 +78,7 @@ private:
     std::array<Memory, Helpers::kMost> memories_;
     std::atomic<std::size_t> joined_ = 0; // threads that have taken one
 
-    // Of the document's thread.
+    // The document's thread uses these alone.
     Memory ownMemory_;
     const char* pieceStart_;
     std::size_t pieceSize_ = 0; // 0 before the first one

@@ -9,9 +9,9 @@
 
 namespace tarnwick {
 
-// The tags that make up most of a document, in their usual spelling: one memcmp each, no search for the end
-// of a name or value. Each move leaves the scan as ScanTagWithAttributes would leave it after the same tag,
-// or does nothing and returns false; the caller then calls that function.
+// The tags that make up most of a document, in their usual spelling: one memcmp for each, without a search
+// for the end of a name. Each move leaves the scan as ScanTagWithAttributes would leave it after the same
+// tag, or does nothing and returns false; the caller then calls that function.
 class UsualTags {
 public:
     explicit UsualTags(StpxScan* scan) : scan_(scan), tag_(find::First<'<'>(scan->at)) {}
@@ -26,18 +26,19 @@ public:
     // The next tag, without attributes, from its "<" to its ">".
     template <std::size_t Size>
     bool Take(const char (&literal)[Size]) {
-        if (!Stands(tag_, literal)) { return false; }
+        if (!IsAt(tag_, literal)) { return false; }
         Leave(tag_ + Size - 2);
         return true;
     }
 
-    // The next tag, from its "<" to the quote before a value, the value, and what follows its closing quote.
+    // The next tag, with one value: `start` goes from its "<" to the quote before the value, `rest` from
+    // after the closing quote on.
     template <std::size_t Size, std::size_t RestSize>
     bool Take(const char (&start)[Size], std::string_view* value, const char (&rest)[RestSize]) {
-        if (!Stands(tag_, start)) { return false; }
-        const char* const behind = TakeValue(tag_ + Size - 1, value);
-        if (behind == nullptr || !Stands(behind, rest)) { return false; }
-        Leave(behind);
+        if (!IsAt(tag_, start)) { return false; }
+        const char* const after = TakeValue(tag_ + Size - 1, value);
+        if (after == nullptr || !IsAt(after, rest)) { return false; }
+        Leave(after);
         return true;
     }
 
@@ -45,19 +46,19 @@ public:
     template <std::size_t Size, std::size_t BetweenSize, std::size_t RestSize>
     bool Take(const char (&start)[Size], std::string_view* first, const char (&between)[BetweenSize],
               std::string_view* second, const char (&rest)[RestSize]) {
-        if (!Stands(tag_, start)) { return false; }
-        const char* const behind = TakeValue(tag_ + Size - 1, first);
-        if (behind == nullptr || !Stands(behind, between)) { return false; }
-        const char* const last = TakeValue(behind + BetweenSize - 1, second);
-        if (last == nullptr || !Stands(last, rest)) { return false; }
+        if (!IsAt(tag_, start)) { return false; }
+        const char* const after = TakeValue(tag_ + Size - 1, first);
+        if (after == nullptr || !IsAt(after, between)) { return false; }
+        const char* const last = TakeValue(after + BetweenSize - 1, second);
+        if (last == nullptr || !IsAt(last, rest)) { return false; }
         Leave(last);
         return true;
     }
 
-    // The next tag, without attributes, and the text after it, for which an element has `room` characters.
+    // The next tag, without attributes, and the text after it, which must have less than `room` characters.
     template <std::size_t Size>
     bool TakeWithText(const char (&literal)[Size], std::size_t room, std::string_view* text) {
-        if (!Stands(tag_, literal)) { return false; }
+        if (!IsAt(tag_, literal)) { return false; }
         const char* const start = tag_ + Size - 1;
         const char* const stop = find::First<'<', '&'>(start);
         const std::size_t length = static_cast<std::size_t>(stop - start);
@@ -69,9 +70,9 @@ public:
     }
 
 private:
-    // Whether the literal stands at `p`, entirely before the sentinel.
+    // Whether the literal is at `p`, entirely before the sentinel.
     template <std::size_t Size>
-    bool Stands(const char* p, const char (&literal)[Size]) const {
+    bool IsAt(const char* p, const char (&literal)[Size]) const {
         return std::memcmp(p, literal, Size - 1) == 0 &&
                scan_->end - p >= static_cast<std::ptrdiff_t>(Size - 1);
     }
