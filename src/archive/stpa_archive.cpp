@@ -17,7 +17,7 @@ namespace tarnwick {
 
 namespace {
 
-constexpr std::size_t kNameRoom = 256;
+constexpr std::size_t kMemberNameRoom = 256;
 constexpr std::uint64_t kMostInflation = 1032; // deflate packs no tighter, whatever a record claims
 constexpr std::size_t kTextReserve = 0x40000;
 constexpr std::size_t kStoredReserve = 9;
@@ -83,7 +83,7 @@ void ZipArchive::IndexArchive(const char* name) {
     errno = 0;
     for (bool there = succeeds(unzGoToFirstFile(zip_.get())); there;
          errno = 0, there = succeeds(unzGoToNextFile(zip_.get()))) {
-        char buffer[kNameRoom];
+        char buffer[kMemberNameRoom];
         unz_file_info64 info{};
         unz64_file_pos position{};
         if (!succeeds(
@@ -91,9 +91,9 @@ void ZipArchive::IndexArchive(const char* name) {
             break;
         }
         unzGetFilePos64(zip_.get(), &position); // reads nothing
-        if (info.size_filename >= kNameRoom) {
+        if (info.size_filename >= kMemberNameRoom) {
             ConsolePrint("<E> %s: a member's name has %zu characters or more, it is left out\n",
-                         OneLine(name).Text(), kNameRoom);
+                         OneLine(name).Text(), kMemberNameRoom);
             continue;
         }
         const std::string& kept = names_.emplace_back(buffer);
@@ -105,7 +105,7 @@ void ZipArchive::IndexArchive(const char* name) {
     }
 }
 
-// Why the library failed, before which errno was 0; what the system says goes to the console.
+// Why the library failed, by errno, which was 0 before; an error of the system is told on the console.
 const char* ZipArchive::WhyFailed() {
     switch (errno) {
     case 0:
@@ -118,7 +118,7 @@ const char* ZipArchive::WhyFailed() {
     }
 }
 
-// Makes a member the current one; what is wrong with it, or null.
+// Makes a member the current one. Returns what is wrong with it, or null.
 const char* ZipArchive::GoTo(const ZipEntry& entry, MemberInfo* member) {
     const unz64_file_pos position{entry.centralOffset, entry.memberIndex};
     errno = 0;
@@ -132,8 +132,8 @@ const char* ZipArchive::GoTo(const ZipEntry& entry, MemberInfo* member) {
     return nullptr;
 }
 
-// Where the current member's bytes begin. What is wrong with it, as that its local header doesn't fit its
-// record, or null.
+// Sets *offset to where the current member's bytes begin. Returns what is wrong with it, such as a local
+// header that doesn't match its record, or null.
 const char* ZipArchive::FindData(std::uint64_t* offset) {
     int method;
     int level;
@@ -144,15 +144,15 @@ const char* ZipArchive::FindData(std::uint64_t* offset) {
     return nullptr;
 }
 
-// A member's bytes, no more than the file still has after `offset`.
+// How many bytes of a member the file has from `offset` on.
 std::size_t ZipArchive::BytesThere(const MemberInfo& info, std::uint64_t offset) const {
     const std::uint64_t left = file_->Size() > offset ? file_->Size() - offset : 0;
     return static_cast<std::size_t>(std::min(info.compressedSize, left));
 }
 
 // Reads the current member and puts the head of a gzip file before it. `buffer` has room for the head and for
-// as many of the member's bytes as there can be in the file. Memory or the system fail it; what else is wrong
-// shows when the bytes are inflated.
+// as many of the member's bytes as there can be in the file. Fails only when memory runs out or the system
+// can't read; whatever else is wrong shows when the bytes are inflated.
 const char* ZipArchive::GetBufferCurrentFile(const MemberInfo& info, unsigned char* buffer,
                                              std::uint32_t* size) {
     std::uint64_t offset = 0;
@@ -212,7 +212,7 @@ char* ZipArchive::ReadMember(const char* name, TextMemory& memory, std::size_t* 
     MemberInfo info{};
     *problem = GoTo(*entry, &info);
     if (*problem != nullptr) { return nullptr; }
-    // What the record claims is more than a text may have.
+    // The record claims more than a text may have.
     if (std::min(info.compressedSize, file_->Size()) > kLargestText ||
         info.uncompressedSize > kLargestText - kTextReserve) {
         *problem = kTooLarge;
@@ -278,7 +278,7 @@ char* ZipArchive::ReadDeflated(const MemberInfo& info, TextMemory& memory, std::
         return nullptr;
     }
     const std::size_t inflated = *whole;
-    // The text counts as long as the record says; one that is longer has a NUL in it.
+    // The text is as long as the record says; a longer one gets a NUL there.
     text[inflated] = '\0';
     if (claimed < inflated) { text[claimed] = '\0'; }
     *size = inflated;

@@ -14,10 +14,10 @@
 
 namespace tarnwick {
 
-// Where the record of one member of an archive stands.
+// Where the central directory of an archive has the record of one member.
 struct ZipEntry {
-    std::uint64_t centralOffset; // in the central directory
-    std::uint64_t memberIndex;   // its number
+    std::uint64_t centralOffset; // of the record
+    std::uint64_t memberIndex;   // the number of the record
 };
 
 class ZipInput;
@@ -25,8 +25,8 @@ class ZipInput;
 // An opened ZIP archive.
 class ZipArchive final : public DocumentArchive {
 public:
-    // Opens the archive `path`, or else `path` with ".zip" after it, and indexes its members; says on the
-    // console what was opened, and on standard output that nothing was.
+    // Opens the archive `path`, or else `path` with ".zip" after it, and indexes its members. Prints what was
+    // opened on the console; if nothing was, says so on standard output.
     explicit ZipArchive(const char* path);
     ZipArchive(const ZipArchive&) = delete;
     ZipArchive& operator=(const ZipArchive&) = delete;
@@ -34,14 +34,14 @@ public:
     ~ZipArchive() override;
 
     bool IsOpen() const { return zip_ != nullptr; }
-    // Why it isn't open, where that isn't for what the file is: an errno, else 0.
+    // The errno when the system couldn't open or read it, else 0.
     int Failure() const { return failure_; }
-    // Members that can be asked for.
+    // The members that can be read.
     std::size_t MemberCount() const { return members_.Count(); }
 
-    // A member's raw bytes after a gzip head of ten bytes.
+    // The member's own bytes after a gzip head of ten bytes.
     Packed ReadPacked(const char* name) override;
-    // Of a stored or deflated member.
+    // Reads a stored or deflated member.
     char* ReadMember(const char* name, TextMemory& memory, std::size_t* size, const char** problem) override;
 
 private:
@@ -64,11 +64,11 @@ private:
         void operator()(void* zip) const;
     };
     std::optional<OpenedFile> file_;
-    std::unique_ptr<ZipInput> input_;     // what the library reads that file by
+    std::unique_ptr<ZipInput> input_;     // through which the library reads that file
     std::unique_ptr<void, CloseZip> zip_; // the library's handle
     int failure_ = 0;
-    // By name; of two of one name the first in the central directory counts. It spares a walk over the
-    // directory for every member that is wanted.
+    // By name, so that no member needs a search through the directory; of two with the same name the first in
+    // the directory counts.
     LookUp<std::string_view, ZipEntry> members_;
     std::deque<std::string> names_; // of the members, where the keys point
 };

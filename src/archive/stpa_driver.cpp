@@ -12,7 +12,7 @@ namespace tarnwick {
 
 namespace {
 
-// The archive itself is what could not be read.
+// Notes the archive itself as unread; returns `result`.
 int GiveUp(ZIPReader& reader, const char* path, const char* reason, int result) {
     reader.loaded.unreadFiles.push_back({0, path, "", reason});
     return result;

@@ -29,7 +29,7 @@ constexpr Remainder kOfStepXml{PartRecords::kKept, false};
 constexpr Remainder kOfSummary{PartRecords::kKept, false};
 constexpr Remainder kOfArchive{PartRecords::kKept, true};
 
-// A record for the next scene. It starts with what a format doesn't give and leaves as it was.
+// A record for the next scene, with the values of the one before that a format may leave as they are.
 LoadedScene NextScene(const LoadedScene& before) {
     LoadedScene next;
     next.readSeconds = before.readSeconds;
@@ -45,7 +45,7 @@ LoadedScene NextScene(const LoadedScene& before) {
     return next;
 }
 
-// Runs a driver, which fills a record and says whether there is something to show, and shows what it read.
+// Runs a driver, which fills a record and returns whether there is something to show, and shows that.
 template <class Driver>
 void Load(SceneView& view, const char* path, Remainder remainder, Driver driver) {
     const double start = ClockSeconds();
@@ -118,7 +118,7 @@ void SelectShownDepth(SceneView& view, std::int32_t depth) {
         ConsolePrint("<E> %s: no memory for all of its boxes\n", OneLine(loaded.stpjFile->path).Text());
     }
     loaded.drawnTriangles = CountBoxTriangles(*loaded.boxList);
-    ++view.sceneNumber; // other boxes may stand where these did
+    ++view.sceneNumber; // other boxes may come to the same addresses
 }
 
 } // namespace tarnwick

@@ -23,10 +23,11 @@ bool HasStepText(std::string_view head) {
            (head.find("10303") != std::string_view::npos || head.find("Uos") != std::string_view::npos);
 }
 
-// The first characters of a zlib or gzip stream; none where it is no such stream.
+// The first characters of a zlib or gzip stream; none where it isn't one.
 std::string_view InflateHead(std::string_view packed, char* room, std::size_t size) {
+    constexpr int kEitherHeader = 15 + 32; // and zlib's largest window
     z_stream stream{};
-    if (inflateInit2(&stream, 15 + 32) != Z_OK) { return {}; } // tells the two apart
+    if (inflateInit2(&stream, kEitherHeader) != Z_OK) { return {}; }
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(packed.data()));
     stream.avail_in = static_cast<unsigned>(packed.size());
     stream.next_out = reinterpret_cast<Bytef*>(room);
@@ -48,7 +49,7 @@ bool IsStep(const std::string& path) {
     return HasStepText(InflateHead(head, room, sizeof room));
 }
 
-// A word of a command as one types it.
+// A word as one types it into a shell.
 std::string Quoted(const std::string& word) {
     const auto isPlain = [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
@@ -69,7 +70,7 @@ bool NeedsMemory(const SceneView& view) {
 } // namespace
 
 std::string PrepareHint(const SceneView& view, bool isKnown, const std::string& path) {
-    // Of an archive only one file would be taken, and a summary has no more than its boxes.
+    // Only one file of an archive would be prepared, and a summary has nothing but its boxes.
     const FileKind kind = FileKindOf(path);
     if (kind == FileKind::kArchive || kind == FileKind::kSummary) { return {}; }
     if (isKnown && (view.loaded.drawnTriangles > 0 || NeedsMemory(view))) { return {}; }

@@ -17,7 +17,7 @@ void WriteEntities(JsonWriter* json, const StepModel& model) {
         const P42Ent* const record = model.EntityAt(i);
         json->BeginArray();
         json->Integer(record->id);
-        json->Integer(static_cast<std::int64_t>(record->offset));
+        json->Integer(record->offset);
         json->Integer(record->multiLine);
         json->Integer(record->code);
         json->EndArray();

@@ -11,34 +11,33 @@
 namespace tarnwick {
 
 // Writes JSON piece by piece, without a tree of it in memory: a report may have millions of numbers. The
-// caller keeps to the order of the language; commas come by themselves.
+// caller keeps to the order of the language; the writer puts the commas.
 class JsonWriter {
 public:
     // Keeps the text for Take.
     JsonWriter() : JsonWriter(nullptr) {}
-    // The text goes to the sink, which outlives the writer, in blocks; the last of them with Flush.
+    // Hands the text to the sink, which must outlive the writer, in blocks; the last one in Flush.
     explicit JsonWriter(ByteSink* sink);
 
     void BeginObject() { Begin('{'); }
     void EndObject() { End('}'); }
     void BeginArray() { Begin('['); }
     void EndArray() { End(']'); }
-    // The key of the next value. It is printed as it is, so it needs no escapes.
+    // The key of the next value. It is printed as it is, so it must not need escapes.
     void Key(std::string_view key);
     // A key from a file, written as Text writes it.
     void TextKey(std::string_view bytes);
 
     void Null() { Literal("null"); }
     void Integer(std::int64_t number);
-    // Reads back to the same f32: 9 significant digits. What is not finite becomes a string.
+    // With 9 significant digits, which read back to the same f32. What isn't finite becomes a string.
     void Float(float number);
-    // All values of a row, with the commas between them. Numbers are written without a check of the room
-    // left.
+    // All `count` values of a row, as Float and Integer write them, but faster.
     void Floats(const float* values, std::size_t count);
     void Integers(const std::int32_t* values, std::size_t count);
     void Integers(const std::uint32_t* values, std::size_t count);
     void Integers(const std::uint8_t* values, std::size_t count);
-    // Reads back to the same f64. What is not finite becomes a string.
+    // With as many digits as read back to the same f64. What isn't finite becomes a string.
     void Double(double number);
     // The bytes of a file's string, each as the Latin-1 character that it is.
     void Text(std::string_view bytes);
@@ -49,17 +48,17 @@ public:
     // CRC-32 of zlib over `bytes` bytes, a string of 8 lower-case hexadecimal digits.
     void Crc(const void* data, std::size_t bytes);
 
-    // The text so far, which the writer gives away.
+    // The text so far, moved out of the writer.
     std::string Take();
-    // Hands the text so far to the sink.
+    // Hands the text so far to the sink, if there is one.
     void Flush();
 
 private:
     void Begin(char bracket);
     void End(char bracket);
-    // An ASCII character as it stands in a string.
+    // An ASCII character within a string.
     void Escaped(char c);
-    // The comma in front of a value that isn't the first.
+    // The comma before a value that isn't the first.
     void Separate();
     void Literal(std::string_view characters);
     void Append(char c);

@@ -13,8 +13,8 @@ static_assert(std::endian::native == std::endian::little, "the first character i
 namespace {
 
 constexpr int kDigits = 9;
-// The decimal exponents of the numbers that PutFloat takes apart by itself: below them a power of five would
-// not fit into 64 bits, above them the number has more than nine digits in front of its point.
+// The decimal exponents of the numbers that PutFloat takes apart by itself: for lower ones a power of five
+// wouldn't fit into 64 bits, for higher ones the number has more than nine digits before its point.
 constexpr int kLowest = -19;
 constexpr int kHighest = kDigits - 1;
 constexpr std::uint32_t kFourZeros = 0x30303030;
@@ -44,7 +44,7 @@ constexpr auto kPowersOfFive = [] {
     return table;
 }();
 
-// From kLowest on. No f32 lies between a power of ten and the f64 nearest to it.
+// From kLowest on. No f32 is between a power of ten and the f64 nearest to it.
 constexpr double kPowersOfTen[] = {1e-19, 1e-18, 1e-17, 1e-16, 1e-15, 1e-14, 1e-13, 1e-12, 1e-11, 1e-10,
                                    1e-9,  1e-8,  1e-7,  1e-6,  1e-5,  1e-4,  1e-3,  1e-2,  1e-1,  1e0,
                                    1e1,   1e2,   1e3,   1e4,   1e5,   1e6,   1e7,   1e8,   1e9};
@@ -75,8 +75,8 @@ char* PutPlainFloat(char* out, float number) {
 
 } // namespace
 
-// The nine digits are the mantissa times a power of ten, which is a power of five and a shift: exact in whole
-// numbers of 95 bits, so that half a digit is seen as what it is and goes to the even one.
+// The nine digits are the mantissa times a power of ten, that is, a power of five and a shift: exact in
+// integers of 95 bits, so that exactly half a digit is seen as that, and is rounded to even.
 char* PutFloat(char* out, float number) {
     const auto bits = std::bit_cast<std::uint32_t>(number);
     const double magnitude = static_cast<double>(std::bit_cast<float>(bits & 0x7FFFFFFF));

@@ -5,10 +5,10 @@
 
 namespace tarnwick {
 
-// Characters that PutFloat and PutInteger may write, not all of which belong to the text.
+// The characters that PutFloat and PutInteger may write, some of them after the end of the text.
 inline constexpr std::size_t kNumberRoom = 40;
 
-// Writes a finite number as printf's %.9g has it, to the last digit, but with ".0" where that has neither a
+// Writes a finite number as printf does with %.9g, to the last digit, but with ".0" where that has neither a
 // point nor an exponent. Returns the end of the text.
 char* PutFloat(char* out, float number);
 

@@ -9,7 +9,7 @@ namespace tarnwick {
 
 namespace {
 
-// The report of one view, written piece by piece.
+// A writer of values with their keys.
 class Report : public JsonWriter {
 public:
     Report(bool arrays, ByteSink* sink) : JsonWriter(sink), arrays_(arrays) {}
@@ -61,7 +61,7 @@ private:
 template <class Record>
 class Numbering {
 public:
-    // The number of a record; *isNew tells whether it got it just now.
+    // The number of a record; *isNew is true when it is a new one.
     std::size_t NumberOf(const Record* record, bool* isNew) {
         const auto [place, added] = numbers_.emplace(record, records_.size());
         if (added) { records_.push_back(record); }
@@ -89,8 +89,8 @@ private:
 using Products = Numbering<ProductNode>;
 using Meshes = Numbering<StepFaceB>;
 
-// Numbers the products of a tree depth first, in pre-order, by first visit; a stack of our own, since trees
-// may be deep.
+// Numbers the products of a tree depth first, in pre-order, by first visit. The stack is our own, since a
+// tree may be deep.
 void NumberTree(const ProductNode* root, Products* products) {
     struct Visit {
         const ProductNode* product;
