@@ -28,7 +28,7 @@ void DrawTriangles(const void* indices, std::int32_t triangles) {
     DrawElements(GL_TRIANGLES, indices, 3 * static_cast<std::size_t>(triangles));
 }
 
-// Fills the window with a colour, whatever view and states are set, and restores those.
+// Fills the window with a colour, and leaves view and states as they were.
 void Clear(const GLfloat colour[4]) {
     glMatrixMode(GL_PROJECTION);
     glPushMatrix();

@@ -5,11 +5,11 @@
 
 namespace tarnwick {
 
-// Indices that are drawn at once, since the graphics library counts them in 31 bits: whole triangles, and
-// whole quads.
+// The most indices to draw at once, since the graphics library counts them in 31 bits: both whole triangles
+// and whole quads.
 inline constexpr std::size_t kMostIndicesAtOnce = std::size_t{3} << 29;
 
-// Calls draw(first, count) for pieces of `count` indices, once also for none.
+// Calls draw(first, here) for pieces of `count` indices in turn; once for 0 indices.
 template <class Draw>
 void ForIndexPieces(std::size_t count, Draw draw) {
     std::size_t first = 0;

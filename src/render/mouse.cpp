@@ -10,15 +10,8 @@
 
 namespace tarnwick {
 
-namespace {
-
-// Holds the old matrix while a drag loads its change and multiplies the old matrix onto it.
-GLfloat scratch[16];
-
-} // namespace
-
 OpenGLControl::TrackballPoint OpenGLControl::TrackballVector(WindowPoint point) const {
-    // A window can be resized to nothing during a drag: no division by zero may reach the view.
+    // A window can be resized to nothing during a drag, which must not lead to a division by zero.
     const double width = std::max(viewWidth, 1);
     const double height = std::max(viewHeight, 1);
     const double x = (2.0 * point.x - width) / width;
@@ -74,6 +67,7 @@ void OpenGLControl::OnRButtonUp(WindowPoint) {
 void OpenGLControl::OnMouseMove(WindowPoint point) {
     if (!hasContext_) { return; }
     double* const last = lastVector;
+    GLfloat former[16]; // the matrix onto which a drag multiplies its change
     switch (dragMode) {
     case kRotate: {
         const TrackballPoint v = TrackballVector(point);
@@ -83,12 +77,12 @@ void OpenGLControl::OnMouseMove(WindowPoint point) {
         const auto speed = static_cast<float>(std::sqrt(dx * dx + dy * dy + dz * dz));
         if (speed > 0.0001) {
             // Multiplied from the left, so that the model turns about the axes of the screen.
-            glGetFloatv(GL_MODELVIEW_MATRIX, scratch);
+            glGetFloatv(GL_MODELVIEW_MATRIX, former);
             glLoadIdentity();
             glRotatef(speed * 90.0f, static_cast<float>(last[1] * v.z - last[2] * v.y),
                       static_cast<float>(last[2] * v.x - last[0] * v.z),
                       static_cast<float>(last[0] * v.y - last[1] * v.x));
-            glMultMatrixf(scratch);
+            glMultMatrixf(former);
             Redraw();
         }
         last[0] = v.x;
@@ -97,8 +91,8 @@ void OpenGLControl::OnMouseMove(WindowPoint point) {
         break;
     }
     case kZoom: {
-        // On the matrix that is selected: the projection at a drag's first move, since the button selected
-        // it, and the modelview afterwards, since every frame ends with that one.
+        // Scales the selected matrix: the projection at a drag's first move, since the button selected it,
+        // and the modelview afterwards, since every frame ends with that one selected.
         const auto f = static_cast<float>(1 + 0.008 * ((point.y - last[1]) + (point.x - last[0])));
         glScalef(f, f, f);
         Redraw();
@@ -108,10 +102,10 @@ void OpenGLControl::OnMouseMove(WindowPoint point) {
     }
     case kPan: {
         const TrackballPoint v = TrackballVector(point);
-        glGetFloatv(GL_MODELVIEW_MATRIX, scratch);
+        glGetFloatv(GL_MODELVIEW_MATRIX, former);
         glLoadIdentity();
         glTranslatef(static_cast<float>((v.x - last[0]) * 10), static_cast<float>((v.y - last[1]) * 10), 0);
-        glMultMatrixf(scratch);
+        glMultMatrixf(former);
         Redraw();
         last[0] = v.x;
         last[1] = v.y;
@@ -122,7 +116,7 @@ void OpenGLControl::OnMouseMove(WindowPoint point) {
         std::fill(last, last + 3, 0.0);
         break;
     }
-    glGetFloatv(GL_MODELVIEW_MATRIX, scratch);
+    glGetFloatv(GL_MODELVIEW_MATRIX, former); // its value isn't used
 }
 
 } // namespace tarnwick

@@ -31,9 +31,9 @@ public:
 
     // Makes the context, its lights and its fixed states.
     void OnCreate();
-    // Gives back what the graphics library keeps. The owner calls it while the context is still current.
+    // Gives back what the graphics library keeps. Call it while the context is still current.
     void OnDestroy() { resident_.Drop(); }
-    // Sets viewport and perspective. A zoom that was made on the perspective is lost.
+    // Sets viewport and perspective. A zoom of the perspective is lost.
     void OnSize(int type, int width, int height);
     void OnLButtonDown(WindowPoint point);
     void OnMButtonDown(WindowPoint point);
@@ -44,7 +44,7 @@ public:
     void OnRButtonUp(WindowPoint point);
     void OnMouseMove(WindowPoint point);
 
-    // Draws the scene and takes its time.
+    // Draws a frame and sets `framesPerSecond`.
     void Redraw() override;
     void DeleteDisplayList() override { resident_.Drop(); }
     void ShowProgress(std::int32_t filesRead, std::int32_t filesKnown) override;
@@ -52,11 +52,11 @@ public:
     // Selects the face, placed part or box at the point, or nothing, and draws again if that is a change.
     void PickAt(WindowPoint point);
 
-    // Writes what the window shows to a bitmap file. Returns 1; or 0, told on standard output, when it can't
-    // be written.
+    // Writes what the window shows to a bitmap file. Returns 1; or 0, told on standard output, when that
+    // fails.
     int grab_GL(const char* path);
 
-    DialogPort* dialog = nullptr; // null while there is no dialog to tell
+    DialogPort* dialog = nullptr; // the dialog around the window; null for none
     std::int32_t viewWidth = 0;   // as last given to OnSize
     std::int32_t viewHeight = 0;
     double lastVector[3] = {};   // of the trackball while rotating and panning; x, y in pixels while zooming
@@ -65,13 +65,13 @@ public:
     std::int32_t wireframe = 0;                     // 1 draws lines, any other value fills
     float background[4] = {0.8f, 0.8f, 0.8f, 1.0f}; // red, green, blue, alpha
 
-    // A frame draws the model with `modelSize` brought to this; the f32 just below 36.31.
+    // A frame scales `modelSize` to this: the f32 just below 36.31.
     static constexpr float apparentSize = 36.309998f;
 
-    // Bytes of arrays that the graphics library keeps from frame to frame. With 0 it keeps none, and each
-    // frame hands it all.
+    // The most bytes of arrays that the graphics library keeps from frame to frame. With 0 it keeps none, and
+    // each frame hands it all of them.
     std::size_t residentLimit = 0;
-    // Half of what the smallest cards of the day have; the other half is for the desktop and for frames.
+    // Half of what the smallest cards of today have; the other half is for the desktop and for frames.
     static constexpr std::size_t usualResidentLimit = std::size_t{1} << 30;
 
     std::string selectedText; // "#" and the number of the picked face, or the name of the picked product

@@ -5,7 +5,7 @@
 namespace tarnwick {
 
 // A 24-bit index as a colour that the pick pass paints and reads back: red is bits 16 to 23, green 8 to 15,
-// blue 0 to 7. White is the background, so index 16777215 can't be told from nothing.
+// blue 0 to 7. White is the background, so index 16777215 counts as nothing.
 struct PickColour {
     float red, green, blue;
 };

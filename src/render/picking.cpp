@@ -1,5 +1,5 @@
-// A click selects what lies under it: the scene is drawn into the back buffer with each thing in a colour
-// that encodes its index, and one pixel is read back.
+// A click selects what is under it: the scene is drawn into the back buffer with each thing in a colour that
+// encodes its index, and one pixel is read back.
 
 #include "platform/console.h"
 #include "render/opengl_control.h"
@@ -22,7 +22,7 @@ void OpenGLControl::PickAt(WindowPoint point) {
     DrawFrame(kPick);
     GLint viewport[4] = {};
     glGetIntegerv(GL_VIEWPORT, viewport);
-    // A click on the top row reads above the picture, where nothing is written: that is the background.
+    // A click on the top row reads above the picture, where nothing is written: that counts as background.
     unsigned char rgba[4] = {255, 255, 255, 255};
     glReadPixels(point.x, viewport[3] - point.y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
     float exact[4] = {}; // the same pixel, unrounded; its value isn't used

@@ -12,14 +12,14 @@ namespace tarnwick {
 namespace {
 
 // A buffer takes the arrays of many meshes, so that a frame seldom binds another; a larger mesh has its own.
-// One that is refused costs no more than this of what would have fitted.
+// When a buffer is refused, no more than this much room stays unused.
 constexpr std::size_t kBufferBytes = std::size_t{16} << 20;
 
 std::size_t CountOf(std::int32_t count) {
     return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-// An offset in a bound buffer, in the form that the graphics library takes.
+// An offset in a bound buffer, as the graphics library takes it.
 const void* AsAddress(std::size_t offset) {
     return reinterpret_cast<const void*>(offset);
 }
@@ -43,7 +43,8 @@ struct ResidentArrays::Functions {
 ResidentArrays::ResidentArrays() = default;
 ResidentArrays::~ResidentArrays() = default;
 
-// A library may have an address for a function that its context can't do; the version counts.
+// Whether there are buffers. The version counts: a library may have addresses of functions that the context
+// doesn't have.
 bool ResidentArrays::FindFunctions(WindowPort& window) {
     const GLubyte* const version = glGetString(GL_VERSION);
     if (version == nullptr || std::strtod(reinterpret_cast<const char*>(version), nullptr) < 1.5) {
@@ -72,7 +73,7 @@ void ResidentArrays::Store(WindowPort& window, const DrawList* drawList, const D
         return;
     }
     room_ = limit;
-    // Like a frame, takes the first that exists.
+    // The first that exists, as in a frame.
     if (drawList != nullptr) {
         AddItems(*drawList, safe);
     } else if (resultMesh != nullptr) {
@@ -173,7 +174,7 @@ std::uint32_t ResidentArrays::NewBuffer(unsigned target, std::size_t bytes) {
     if (buffer == 0) { return 0; }
     buffers_.push_back(buffer);
     functions_->bind(target, buffer);
-    for (int i = 0; i < 100 && glGetError() != GL_NO_ERROR; ++i) {} // what came before isn't the buffer's
+    for (int i = 0; i < 100 && glGetError() != GL_NO_ERROR; ++i) {} // drops earlier errors
     functions_->make(target, static_cast<GLsizeiptr>(bytes), nullptr, GL_STATIC_DRAW);
     if (glGetError() == GL_NO_ERROR) { return buffer; }
     RemoveLast();
@@ -187,7 +188,7 @@ void ResidentArrays::RemoveLast() {
 
 void ResidentArrays::StorePieces() {
     if (!pieces_.empty()) {
-        buffers_.reserve(buffers_.size() + 2); // memory is lacking before a buffer is bound, or not at all
+        buffers_.reserve(buffers_.size() + 2); // if this throws, no buffer is bound yet
         const GLuint arrays = NewBuffer(GL_ARRAY_BUFFER, pieceArrayBytes_);
         const GLuint indices = arrays != 0 ? NewBuffer(GL_ELEMENT_ARRAY_BUFFER, pieceIndexBytes_) : 0;
         refused_ = indices == 0;

@@ -16,7 +16,7 @@ namespace tarnwick {
 // Every call needs the window's context to be current.
 class ResidentArrays {
 public:
-    // What one call draws: addresses, or places in the bound buffers.
+    // The arrays of one mesh: addresses, or offsets in the bound buffers.
     struct Arrays {
         const void* vertices = nullptr;
         const void* attributes = nullptr; // normals, or colours
@@ -24,22 +24,22 @@ public:
     };
 
     ResidentArrays();
-    ~ResidentArrays(); // doesn't free buffers that Drop wasn't called for: the context may be gone
+    ~ResidentArrays(); // leaves the buffers to Drop, since the context may be gone
     ResidentArrays(const ResidentArrays&) = delete;
     ResidentArrays& operator=(const ResidentArrays&) = delete;
 
     // Copies the meshes of a scene, at most `limit` bytes of them. What exceeds that, and all that comes
-    // after a buffer that the library refuses, stays where it is; one line of the console says so. Any part
-    // of the scene may be null.
+    // after a buffer that the library refuses, isn't copied, and one line on the console says so. Any part of
+    // the scene may be null.
     void Store(WindowPort& window, const DrawList* drawList, const DrawList* boxList,
                const ResultMesh* resultMesh, const SafeIndices& safe, std::size_t limit);
-    // Whether Store was called since the last Drop, whatever came of it.
+    // Whether Store was called since the last Drop, with success or not.
     bool IsStored() const { return isStored_; }
     // Gives all buffers back.
     void Drop();
 
-    // Binds the buffers of a StepFaceB, BoxItem or ResultMesh and returns its places in them; or `arrays`,
-    // and binds none, when it isn't stored. While nothing is stored no call is made.
+    // Binds the buffers of a StepFaceB, BoxItem or ResultMesh and returns the offsets of its arrays in them.
+    // For one that isn't stored, binds none and returns `arrays`. While nothing is stored it makes no call.
     Arrays Bind(const void* mesh, const Arrays& arrays);
     // Ends the use of buffers, at the end of a frame.
     void Unbind() { Bind(0, 0); }
@@ -78,10 +78,10 @@ private:
     std::unique_ptr<Functions> functions_; // null before the first Store
     std::unordered_map<const void*, Place> places_;
     std::vector<std::uint32_t> buffers_;
-    std::vector<Piece> pieces_; // that wait for a buffer
-    std::size_t pieceArrayBytes_ = 0;
+    std::vector<Piece> pieces_;       // that wait for a buffer
+    std::size_t pieceArrayBytes_ = 0; // of all of them
     std::size_t pieceIndexBytes_ = 0;
-    std::size_t room_ = 0; // left of the limit
+    std::size_t room_ = 0; // bytes left of the limit
     std::size_t left_ = 0; // meshes without a place
     bool refused_ = false;
     bool isStored_ = false;

@@ -21,8 +21,8 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = 54;
 
-// More than the pixels need: rows are padded by whole pixels and not by bytes, and two bytes follow. Readers
-// of these files expect this size.
+// More than the pixels need: rows are padded by whole pixels, not by bytes, and two bytes follow. Readers of
+// these files expect this size.
 std::size_t ImageBytes(int width, int height) {
     const int pad = (4 - width % 4) % 4;
     return 3 * static_cast<std::size_t>(width + pad) * static_cast<std::size_t>(height) + 2;
@@ -39,7 +39,7 @@ std::array<unsigned char, kHeaderBytes> Header(int width, int height, std::size_
     header[1] = 'M';
     put(2, 4, imageBytes + kHeaderBytes);
     put(10, 4, kHeaderBytes); // where the pixels start
-    put(14, 4, 40);           // bytes of what follows of the header
+    put(14, 4, 40);           // bytes of the rest of the header
     put(18, 4, static_cast<std::size_t>(width));
     put(22, 4, static_cast<std::size_t>(height)); // positive: rows run bottom-up
     put(26, 2, 1);                                // planes

@@ -4,8 +4,8 @@
 
 namespace tarnwick {
 
-// The file of a snapshot of what was loaded from `loadedPath` (empty before any load): its name with the
-// extension bmp in `folder`.
+// The path of a snapshot: the name of `loadedPath` (empty before any load) with the extension bmp in
+// `folder`.
 std::string SnapshotPath(const std::string& folder, const std::string& loadedPath);
 
 } // namespace tarnwick

@@ -16,14 +16,14 @@ class WindowPort {
 public:
     virtual ~WindowPort() = default;
     // Creates the window's one context, double-buffered with at least 16 bits of depth, and makes it current
-    // on this thread for good. False when there is none: the window then stays empty, and nothing is called.
+    // on this thread for good. False when that fails: the window then stays empty and draws nothing.
     virtual bool CreateContext() = 0;
     virtual void SwapBuffers() = 0;
-    // The size of what can be drawn in, which isn't always that of the last OnSize.
+    // The size of the area to draw in, which isn't always that of the last OnSize.
     virtual WindowSize DrawableSize() = 0;
     virtual bool IsControlKeyDown() = 0;
-    // The address of a function of the graphics library that isn't in every version of it; null when there is
-    // none. Asked for with the context current.
+    // The address of a function that not every version of the graphics library has; null when there is none.
+    // Called while the context is current.
     virtual void (*FindFunction(const char* /*name*/))() { return nullptr; }
 };
 
