@@ -1,4 +1,4 @@
-// The drawing window keeps its view in the matrices of the graphics library; here they are read and set.
+// Reads and sets the matrices of the graphics library, in which the drawing window keeps its view.
 
 #include "offscreen/camera.h"
 

@@ -5,14 +5,13 @@
 
 namespace tarnwick {
 
-// Of the window whose context is current, on its thread, after its OnSize: how it projects.
+// The lens of the window whose context is current. Call it on the window's thread, after its OnSize.
 Lens CurrentLens();
 
-// Turns the model from the view in which a new one appears. Drops what the mouse made of the view.
+// Turns the model from the view in which a new one appears. Drops what the mouse has changed.
 void Turn(const Rotation& rotation);
 
-// The same for `view`, and frames the model, whatever the box of the scene is: sets the view's `centre` and
-// `modelSize`.
+// The same, and frames the model, whatever the box of the scene is: sets the view's `centre` and `modelSize`.
 void TurnFramed(OpenGLControl& view, const Rotation& rotation, const Framing& framing);
 
 } // namespace tarnwick

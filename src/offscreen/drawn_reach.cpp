@@ -10,8 +10,8 @@ namespace tarnwick {
 
 namespace {
 
-// A direction in the coordinates of a placed mesh: the scalar product in the model's is this one plus
-// `offset`.
+// A direction in the coordinates of a placed mesh. The scalar product in the model's coordinates is that with
+// `along` plus `offset`.
 struct LocalDirection {
     double along[3];
     double offset;
@@ -29,7 +29,7 @@ public:
         : directions_(directions), local_(directions.size()),
           farthest_(directions.size(), -std::numeric_limits<double>::infinity()) {}
 
-    // What follows is placed by this world matrix; null is the identity.
+    // The following polygons are placed by this world matrix; null is the identity.
     void Place(const float* matrix) {
         for (std::size_t d = 0; d < directions_.size(); ++d) {
             const Direction& direction = directions_[d];
@@ -46,8 +46,8 @@ public:
         }
     }
 
-    // Polygons of `corners` indices each. Those with an index that is no vertex aren't drawn. `box`, which
-    // holds all vertices, may be null: it saves looking at meshes that lie inside of what is known already.
+    // Polygons of `corners` indices each; one with an index beyond the vertices isn't drawn. `box`, which
+    // holds all vertices, saves a look at meshes that can't reach farther; it may be null.
     void Add(const float* vertices, std::int32_t vertexCount, const std::uint32_t* indices,
              std::int32_t polygonCount, std::size_t corners, const float* box) {
         if (polygonCount <= 0 || vertexCount <= 0) { return; }
@@ -71,11 +71,11 @@ public:
         }
     }
 
-    // For each direction; below any number where nothing was drawn.
+    // For each direction; minus infinity when nothing was drawn.
     const std::vector<double>& Farthest() const { return farthest_; }
 
 private:
-    // False only where no point of the box reaches farther. A box that isn't in order or isn't finite tells
+    // False only when no point of the box reaches farther. A box that isn't in order or isn't finite says
     // nothing.
     static bool MayReachFarther(const LocalDirection& direction, const float box[6], double known) {
         double most = direction.offset;

@@ -11,9 +11,9 @@ namespace tarnwick {
 // x, y, z in the model's coordinates, of any length.
 using Direction = std::array<double, 3>;
 
-// How far what is drawn reaches in each direction: the largest scalar product of the direction with a vertex
-// of a drawn triangle or quad, in the order of `directions`. Vertices that nothing uses don't count, and
-// neither do those that aren't finite. Empty when nothing is drawn.
+// How far the drawn scene reaches in each direction: the largest scalar product of the direction with a
+// vertex of a drawn triangle or quad, in the order of `directions`. Unused vertices don't count, nor do those
+// that aren't finite. Empty when nothing is drawn.
 std::optional<std::vector<double>> DrawnReach(const SceneView& view,
                                               const std::vector<Direction>& directions);
 

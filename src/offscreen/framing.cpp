@@ -12,16 +12,16 @@ namespace tarnwick {
 
 namespace {
 
-// Of half the picture; what is left of it on each side is the margin.
+// The part of half the picture to be filled; the rest on each side is the margin.
 constexpr double kFilled = 0.94;
-// How near to the eye the drawn may come, as a part of the eye's distance: long things that point at it would
-// otherwise reach into it.
+// How near to the eye a vertex may come, as a part of the eye's distance: otherwise long things that point at
+// the eye would reach into it.
 constexpr double kNearest = 0.5;
 
-// Slopes of planes through the eye, from along the view's axis to the edge of the picture.
+// Steps between the slopes of planes through the eye, from the view's axis to the edge of the picture.
 constexpr std::size_t kSlopes = 8;
 
-// How far what is drawn reaches beyond planes of each slope, towards one side of the picture and the other.
+// How far the drawn scene reaches beyond planes of each slope, towards one side of the picture and the other.
 struct Reaches {
     std::array<double, kSlopes + 1> towards;
     std::array<double, kSlopes + 1> away;
@@ -59,7 +59,7 @@ Rotation Combined(const Rotation& second, const Rotation& first) {
 }
 
 Rotation About(int axis, double degrees) {
-    // Quarters exactly, so that a picture from the side has straight edges.
+    // Quarter turns are exact, so that a picture from the side has straight edges.
     const double turn = std::remainder(degrees, 360.0);
     double sine = std::sin(turn * std::numbers::pi / 180);
     double cosine = std::cos(turn * std::numbers::pi / 180);
@@ -83,7 +83,7 @@ const std::array<NamedView, 7> kNamedViews{{
     {"right", {0, 1, 0, 0, 0, 1, 1, 0, 0}},
     {"top", kNoRotation},
     {"bottom", {1, 0, 0, 0, -1, 0, 0, 0, -1}},
-    // From the front, the right and above, all three alike.
+    // From the front, the right and above, in equal parts.
     {"iso",
      {1 / std::numbers::sqrt2, 1 / std::numbers::sqrt2, 0, //
       -std::numbers::inv_sqrt3 / std::numbers::sqrt2, std::numbers::inv_sqrt3 / std::numbers::sqrt2,
@@ -120,9 +120,9 @@ void AddDirections(const Rotation& rotation, const double edges[2], std::vector<
     directions->push_back(toEye);
 }
 
-// How far to move what is drawn at this scale, so that as much room is left on one side as on the other.
+// How far to move the scene at this scale, so that both sides have the same room left.
 double Middle(const Reaches& reaches, double scale, double edge, double distance) {
-    // At the slope at which both sides just fit. Between two slopes the reach is below their chord, so that
+    // By the slope at which both sides just fit. Between two slopes the reach is below their chord, so that
     // nothing is cut off.
     double slack[2] = {};
     double shift[2] = {};
@@ -141,8 +141,8 @@ double Middle(const Reaches& reaches, double scale, double edge, double distance
 } // namespace
 
 // A point q of the turned model is seen at (scale * q.x + shift) / (distance - scale * q.z) off the middle.
-// That is within a slope where scale * (q.x + slope * q.z) + shift <= slope * distance, and the same for the
-// other sides: a largest value for each side and slope is all that the vertices have to say.
+// That is within a slope where scale * (q.x + slope * q.z) + shift <= slope * distance, and likewise for the
+// other sides: of all vertices only the largest value for each side and slope matters.
 std::optional<Framing> FitDrawn(const SceneView& view, const std::vector<Rotation>& rotations,
                                 const Lens& lens) {
     const double edges[2] = {kFilled * lens.across, kFilled * lens.up};
@@ -185,7 +185,7 @@ std::optional<Framing> FitDrawn(const SceneView& view, const std::vector<Rotatio
         framing.scale = std::min(framing.scale, 2 * edges[axis] * lens.distance /
                                                     (sides[axis].towards.back() + sides[axis].away.back()));
     }
-    if (!std::isfinite(framing.scale) || framing.scale <= 0) { framing.scale = 1; } // all is in one point
+    if (!std::isfinite(framing.scale) || framing.scale <= 0) { framing.scale = 1; } // all in one point
     framing.across = Middle(sides[0], framing.scale, edges[0], lens.distance);
     framing.up = Middle(sides[1], framing.scale, edges[1], lens.distance);
     return framing;

@@ -15,9 +15,9 @@ using Rotation = std::array<double, 9>;
 
 inline constexpr Rotation kNoRotation{1, 0, 0, 0, 1, 0, 0, 0, 1};
 
-// `second` after `first`.
+// The rotation by `first` and then by `second`.
 Rotation Combined(const Rotation& second, const Rotation& first);
-// About one of the axes, 0 for x; from x to y, y to z, z to x where the angle, in degrees, is above 0.
+// The rotation about an axis: 0 for x, 1 for y, 2 for z. A positive angle turns y to z, z to x or x to y.
 Rotation About(int axis, double degrees);
 
 struct NamedView {
@@ -27,18 +27,18 @@ struct NamedView {
 // The model stands on its x y plane, and its front looks towards lower y. "top" is the drawing window's view
 // of a new model.
 extern const std::array<NamedView, 7> kNamedViews;
-const NamedView* FindView(std::string_view name); // null for no name of a view
+const NamedView* FindView(std::string_view name); // null for an unknown name
 
-// How the drawing window projects. The eye looks along -z from `distance` above the origin; at 1 from it, the
-// picture shows what is up to `across` and `up` off the middle.
+// How the drawing window projects. The eye looks along -z from `distance` above the origin. At a distance of
+// 1 from the eye, the picture shows what is up to `across` and `up` off the middle.
 struct Lens {
     double across;
     double up;
     double distance;
 };
 
-// What brings the drawn vertices into the picture: `centre` of the model goes to the origin, all is scaled,
-// turned, and then moved across and up.
+// How to bring the drawn vertices into the picture: move the model's `centre` to the origin, scale, turn,
+// then move by `across` and `up`.
 struct Framing {
     double centre[3];
     double scale;
@@ -46,8 +46,8 @@ struct Framing {
     double up;
 };
 
-// The framing that fills the picture, but for a margin, with what is drawn in each of the rotations: it fits
-// all of them. Empty when nothing is drawn.
+// The framing with which the drawn scene fills the picture but for a margin, and fits into it in each of the
+// rotations. Empty when nothing is drawn.
 std::optional<Framing> FitDrawn(const SceneView& view, const std::vector<Rotation>& rotations,
                                 const Lens& lens);
 

@@ -21,7 +21,7 @@ struct OffscreenWindow::Library {
 
 namespace {
 
-// What is drawn is at most so many pixels to a side, and so many in all, if smoothing is what makes it large.
+// With smoothing, at most so many pixels are drawn to a side, and so many in all.
 constexpr int kLongestDrawn = 16384;
 constexpr double kMostDrawn = 64e6;
 
@@ -30,15 +30,15 @@ constexpr const char* kNoDriver =
     "libgl1-mesa-dri)";
 constexpr const char* kNoRoom = "the graphics library has no room for a picture of that size";
 
-// Whether the driver can keep what it compiles for the next time; it complains where it can't, and as root
-// makes itself a home.
+// Whether the driver can keep what it compiles for the next time. If it can't it complains, and as root it
+// makes a home folder.
 bool HasCacheFolder() {
     const char* folder = std::getenv("XDG_CACHE_HOME");
     if (folder == nullptr) { folder = std::getenv("HOME"); }
     return folder != nullptr && access(folder, W_OK) == 0;
 }
 
-// The platform that needs nothing but a driver; null where the library doesn't know it.
+// The platform that needs nothing but a driver; EGL_NO_DISPLAY when the library doesn't have it.
 EGLDisplay OpenDisplay() {
     using Open = EGLDisplay (*)(EGLenum, void*, const EGLint*);
     const auto open = reinterpret_cast<Open>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
@@ -49,8 +49,8 @@ EGLDisplay OpenDisplay() {
                : EGL_NO_DISPLAY;
 }
 
-// A kind of buffer with the depth of colour of a usual window; null when there is none. Deeper colours come
-// first, and would be rounded differently.
+// A kind of buffer with the colours of a usual window; null when there is none. The library lists deeper
+// colours first, which would be rounded differently.
 EGLConfig FindConfig(EGLDisplay display) {
     const EGLint wanted[] = {EGL_SURFACE_TYPE,
                              EGL_PBUFFER_BIT,
@@ -124,8 +124,7 @@ OffscreenWindow::~OffscreenWindow() {
     eglMakeCurrent(library_->display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     eglDestroySurface(library_->display, library_->surface);
     eglDestroyContext(library_->display, library_->context);
-    // The display belongs to the process. Drivers leak what they know of it when it is ended, and are
-    // unloaded then.
+    // The display stays: drivers leak what they know about it when it ends, and are unloaded then.
 }
 
 bool OffscreenWindow::Fail(const char* why) {
@@ -134,7 +133,7 @@ bool OffscreenWindow::Fail(const char* why) {
 }
 
 bool OffscreenWindow::CreateContext() {
-    // Where the library has something to say, the caller says it in one sentence.
+    // The library needn't complain: the caller tells a failure in one sentence.
     setenv("EGL_LOG_LEVEL", "fatal", 0);
     if (!HasCacheFolder()) { setenv("MESA_SHADER_CACHE_DISABLE", "true", 0); }
     library_ = std::make_unique<Library>();
@@ -154,7 +153,7 @@ bool OffscreenWindow::CreateContext() {
     GLint largest[2] = {};
     glGetIntegerv(GL_MAX_VIEWPORT_DIMS, largest);
     if (drawn.width > largest[0] || drawn.height > largest[1]) { return Fail(kNoRoom); }
-    glLineWidth(static_cast<GLfloat>(times_)); // a pixel of the picture
+    glLineWidth(static_cast<GLfloat>(times_)); // one pixel of the picture
     return true;
 }
 
