@@ -6,8 +6,8 @@
 
 namespace tarnwick {
 
-// Answers --help and --version, and says so where there is no display to open a window on. Returns the exit
-// status of a program that has nothing more to do.
+// Answers --help and --version, and says so when there is no display to open a window on. Returns the exit
+// status when the program has nothing more to do.
 std::optional<int> AnswerAtOnce(int argc, const char* const* argv);
 
 // The arguments after the program's name.

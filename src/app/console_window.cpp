@@ -72,7 +72,7 @@ void ConsoleWindow::Keep(std::string_view text) {
         lines_.back().append(text.substr(0, end));
         text.remove_prefix(end);
     }
-    // During a load the window isn't updated: lines that it would drop anyway aren't kept until then.
+    // The window isn't updated during a load: lines that it would drop anyway aren't kept.
     while (lines_.size() > static_cast<std::size_t>(kLinesKept)) { lines_.pop_front(); }
     if (!flushIsComing_) {
         flushIsComing_ = QMetaObject::invokeMethod(

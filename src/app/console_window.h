@@ -18,14 +18,14 @@ public:
     ~ConsoleWindow() override;
 
     // Shows the console to the right of the window, which moves over for it, or in the corner of a screen
-    // that hasn't the room.
+    // that is too small for both.
     void ShowBeside(QWidget* window);
 
     // Appends what was printed since the last call.
     void Flush();
 
 private:
-    // What is printed; where there is no memory for it, that is told at the next chance.
+    // Takes what is printed; a loss for lack of memory is told at the next chance.
     void Take(std::string_view text);
     void Keep(std::string_view text);
     void ShowKept();
@@ -33,7 +33,7 @@ private:
     std::mutex lock_;
     std::deque<std::string> lines_; // not yet in the window; the last one may go on
     bool flushIsComing_ = false;
-    bool hasLost_ = false; // some lines, for want of memory
+    bool hasLost_ = false; // some lines, since memory ran out
 };
 
 } // namespace tarnwick

@@ -19,7 +19,7 @@ namespace tarnwick {
 
 namespace {
 
-constexpr std::chrono::milliseconds kBetweenLooks{20}; // at a program, and whether the dialog closes
+constexpr std::chrono::milliseconds kBetweenLooks{20}; // whether a program has ended or the dialog closes
 
 } // namespace
 
@@ -143,7 +143,7 @@ std::string DialogLink::DownloadFolder() {
     std::string folder = PathBytes(cache);
     for (const char* const name : {"/tarnwick", "/downloads"}) {
         folder += name;
-        MakePrivateFolder(folder); // where that fails, the download does, too
+        MakePrivateFolder(folder); // if that fails, the download does, too
     }
     return folder;
 }

@@ -15,10 +15,10 @@ namespace tarnwick {
 class STEPViewerDlg;
 
 // Connects the server link and the dialog. The link calls the dialog on a thread of its own; each call is
-// handed to the dialog's thread and waited for. All such waiting ends when the dialog closes.
+// handed to the dialog's thread, and returns when that has done it, or when the dialog closes.
 class DialogLink final : public ServerPort, private LinkPort {
 public:
-    // For the dialog's thread. The dialog must outlive this.
+    // Call it on the dialog's thread. The dialog must outlive this object.
     explicit DialogLink(STEPViewerDlg& dialog);
     ~DialogLink() override;
 
@@ -48,9 +48,9 @@ private:
     std::mutex lock_;
     std::condition_variable changed_;
     bool closing_ = false;
-    bool done_ = false; // the piece of work in hand; there is one at a time
-    QObject receiver_;  // of that work, which so can't outlive this
-    ServerLink link_;   // its thread ends first
+    bool done_ = false; // the current piece of work; there is one at a time
+    QObject receiver_;  // of that work, which is dropped with it
+    ServerLink link_;   // last, so that its thread ends first
 };
 
 } // namespace tarnwick

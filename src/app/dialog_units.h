@@ -4,8 +4,8 @@
 
 namespace tarnwick {
 
-// Dialog units to pixels, for a base of 6 by 13 pixels whatever the font comes out as: a unit is a quarter of
-// the base across and an eighth of it down, rounded.
+// Dialog units to pixels, for a base of 6 by 13 pixels with any font: a unit is a quarter of the base across
+// and an eighth of it down, rounded.
 constexpr int AcrossPixels(int units) {
     return (units * 6 + 2) / 4;
 }

@@ -21,7 +21,7 @@ GlArea::~GlArea() {
 
 void GlArea::Release() {
     if (view.residentLimit == 0) { return; }
-    // Where the context can't be made current any more, the buffers go with it.
+    // If the context can't be made current any more, the buffers go with it.
     if (context_ != nullptr && windowHandle() != nullptr && context_->makeCurrent(windowHandle())) {
         view.OnDestroy();
     }

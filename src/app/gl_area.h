@@ -8,10 +8,10 @@ class QOpenGLContext;
 
 namespace tarnwick {
 
-// The child window of the system in which OpenGLControl draws. It hands the events over in device pixels, so
-// that a click hits what is under it at any scale factor.
+// The native child window in which OpenGLControl draws. It hands the events over in device pixels, so that a
+// click hits what is under it at any scale factor.
 //
-// A native widget and no window container: drops on it reach the dialog, and a click leaves the focus where
+// A native widget, not a window container: drops on it reach the dialog, and a click leaves the focus where
 // it was.
 class GlArea final : public QWidget, public WindowPort {
 public:
@@ -20,8 +20,8 @@ public:
 
     // Creates the window's context for the current geometry. Call once, before the dialog is shown.
     void Create();
-    // Gives back what the graphics library keeps for the view. A dialog that closes takes the window of the
-    // context away, so call it before that.
+    // Gives back what the graphics library keeps for the view. Call it before the dialog closes, which takes
+    // the window of the context away.
     void Release();
     // The size that the view draws in.
     QSize DeviceSize() const { return DevicePixels(size()); }

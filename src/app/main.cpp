@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* kOutOfMemory = "tarnwick: it needs more memory than there is\n";
 
-// Before the toolkit makes its own objects.
+// Runs before the toolkit makes its own objects.
 [[gnu::constructor(101)]] void Prepare() {
     std::set_terminate([] { EndOutOfMemory(kOutOfMemory); });
 }

@@ -2,8 +2,8 @@
 
 namespace tarnwick {
 
-// What the dialog asks of the link with a service. The dialog doesn't own it; without one the Connect button
-// is disabled.
+// What the dialog asks of the link with a service. The dialog doesn't own the link; without one the Connect
+// button is disabled.
 class ServerPort {
 public:
     virtual ~ServerPort() = default;

@@ -10,7 +10,7 @@ std::string SnapshotFolder() {
     std::string folder = PathBytes(QDir::homePath());
     for (const char* const name : {"/Pictures", "/Tarnwick"}) {
         folder += name;
-        MakePrivateFolder(folder); // where that fails, the snapshot says so
+        MakePrivateFolder(folder); // if that fails, the snapshot says so
     }
     return folder;
 }

@@ -4,7 +4,8 @@
 
 namespace tarnwick {
 
-// The folder of snapshots, Pictures/Tarnwick in the user's home, made for the user alone where it is missing.
+// The folder of snapshots, Pictures/Tarnwick in the user's home. Makes what is missing of it, for the user
+// alone.
 std::string SnapshotFolder();
 
 } // namespace tarnwick

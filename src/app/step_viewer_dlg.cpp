@@ -41,10 +41,6 @@ Control* Place(Control* control, const char* number, const QRect& place) {
     return control;
 }
 
-std::string Bytes(const QString& path) {
-    return PathBytes(path);
-}
-
 } // namespace
 
 STEPViewerDlg::STEPViewerDlg(const LoadCommands& commands)
@@ -71,7 +67,7 @@ void STEPViewerDlg::CreateControls() {
     };
     const auto label = [this](const char* text, const char* number, const QRect& place) {
         auto* const made = Place(new QLabel(text, this), number, place);
-        made->setTextFormat(Qt::PlainText); // it may be a text of a file
+        made->setTextFormat(Qt::PlainText); // its text may be from a file
         return made;
     };
     open_ = button("Open", "1001", PixelRect(15, 424, 43, 23));
@@ -117,7 +113,7 @@ void STEPViewerDlg::OnInitDialog() {
     SetDepthPosition(0);
     qApp->installEventFilter(this);
     if (!commandLine.empty()) { Load(commandLine, true); }
-    // Where the screen can't hold the dialog, the rules of a changed size make it fit.
+    // On a screen that is too small, the dialog is made to fit as by any other change of its size.
     const QSize room = screen()->availableSize() - QSize(0, 32); // and its title bar
     resize(kDialogSize.boundedTo(room));
 }
@@ -135,14 +131,14 @@ void STEPViewerDlg::LoadNamed(const std::string& arguments, bool useThreads) {
     const bool loaded =
         LoadFile(dispatch_, tokens[0].c_str(), tokens.size() > 1 ? tokens[1].c_str() : nullptr, useThreads);
     if (loaded) { shownTitle_ = TitleText(dispatch_.currentPath, View()); }
-    if (OwnUnreadReason(View()) != nullptr) { Invalidate(); } // such a load draws no frame of its own
+    if (OwnUnreadReason(View()) != nullptr) { Invalidate(); } // such a load draws no frame
     SetTitle(loaded ? shownTitle_ : RefusedTitle(shownTitle_, dispatch_.currentPath));
     const std::string hint = PrepareHint(View(), loaded, dispatch_.currentPath);
     if (!hint.empty()) { ConsolePrint("%s\n", hint.c_str()); }
 }
 
 void STEPViewerDlg::SetTitle(const std::string& title) {
-    // "[*]" would stand for a star that marks unsaved changes; twice it stands for itself.
+    // "[*]" means a star that marks unsaved changes; twice it means itself.
     setWindowTitle(EyeText(title).replace("[*]", "[*][*]"));
 }
 
@@ -153,7 +149,7 @@ void STEPViewerDlg::Invalidate() {
 
 void STEPViewerDlg::OnOpen() {
     const QStringList paths = QFileDialog::getOpenFileNames(this, "Open", QString(), "All Files (*)");
-    if (!paths.isEmpty()) { Load(Bytes(paths.first()), true); }
+    if (!paths.isEmpty()) { Load(PathBytes(paths.first()), true); }
 }
 
 void STEPViewerDlg::dragEnterEvent(QDragEnterEvent* event) {
@@ -165,14 +161,13 @@ void STEPViewerDlg::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
     const QString first = urls.isEmpty() ? QString() : urls.first().toLocalFile();
     if (first.isEmpty()) { return; }
-    // Only after the drop is through: the program that it comes from waits for that, and a load may take
-    // long.
+    // Only when the drop is over: the program that it comes from waits for that, and a load may take long.
     QMetaObject::invokeMethod(
         this, [this, first] { OnDropFiles(first); }, Qt::QueuedConnection);
 }
 
 void STEPViewerDlg::OnDropFiles(const QString& first) {
-    Load(Bytes(first), false);
+    Load(PathBytes(first), false);
     Invalidate();
 }
 
@@ -184,7 +179,7 @@ void STEPViewerDlg::resizeEvent(QResizeEvent* event) {
 void STEPViewerDlg::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
     if (event->type() != QEvent::WindowStateChange || isMinimized()) { return; }
-    // The window system tells state and size apart, in either order.
+    // The window system tells state and size one after the other, in either order.
     restoring_ = wasMaximised_ && !isMaximized() && size() == maximisedSize_;
     if (isMaximized() != wasMaximised_) { OnSize(); }
 }
@@ -201,7 +196,7 @@ void STEPViewerDlg::OnSize() {
     area_->setGeometry(10, 10, std::max(width() - 20, 0), std::max(height() - 150, 0));
     const QSize area = area_->DeviceSize();
     View().OnSize(OpenGLControl::kRestored, area.width(), area.height());
-    // The view of a dialog that is maximised, or just isn't any more, is made for the size of the dialog.
+    // While the dialog is maximised, and when it has just been restored, the view gets the dialog's own size.
     const QSize all = area_->DevicePixels(size());
     if (isMaximized()) {
         View().OnSize(OpenGLControl::kMaximised, all.width(), all.height());

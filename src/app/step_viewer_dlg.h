@@ -23,16 +23,16 @@ class STEPViewerDlg final : public QDialog, private LoadControls, private Dialog
 public:
     explicit STEPViewerDlg(const LoadCommands& commands);
 
-    // Creates the drawing window and shows the file of the command line, all before the dialog is shown.
+    // Creates the drawing window and loads the file of the command line, before the dialog is shown.
     void OnInitDialog();
 
     // Splits the text into a path and a product name, and shows the file.
     void Load(const std::string& arguments, bool useThreads);
 
-    // Has everything drawn again.
+    // Lets everything be drawn again soon.
     void Invalidate();
 
-    // The state of the server link, or what a pick tells.
+    // Shows the state of the server link, or what a pick tells.
     void SetPickText(const std::string& text) override;
 
     // The link that the Connect button opens, or null for none.
@@ -56,7 +56,7 @@ private:
     void CreateControls();
     void LoadNamed(const std::string& arguments, bool useThreads);
     void OnOpen();
-    // Shows the first file of a drop; further ones are ignored.
+    // Shows the first file of a drop; the others are ignored.
     void OnDropFiles(const QString& first);
     void OnSize();
     void OnHScroll(int position);
@@ -93,9 +93,9 @@ private:
     QString depthValue_ = "0"; // what UpdateData puts into the Depth label
     std::string shownTitle_ = "Tarnwick";
     double progressShown_ = 0; // clock time of the last count in the title bar
-    int height_ = 0;           // for which the controls are placed
+    int height_ = 0;           // of the dialog, for which the controls are placed
     bool wasMaximised_ = false;
-    bool restoring_ = false; // the state says restored, but the size is still that of the maximised dialog
+    bool restoring_ = false; // restored, but still with the size of the maximised dialog
     QSize maximisedSize_;
 };
 

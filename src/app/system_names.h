@@ -6,10 +6,10 @@
 
 namespace tarnwick {
 
-// A path of the toolkit as the bytes that our own calls take.
+// A path of the toolkit as our own functions take it.
 std::string PathBytes(const QString& path);
 
-// The path of a program that a user has, by its name; empty where there is none.
+// The path of an installed program, by its name; empty when there is none.
 std::string FindApplication(const std::string& name);
 
 } // namespace tarnwick

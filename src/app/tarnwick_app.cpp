@@ -14,7 +14,7 @@
 namespace tarnwick {
 
 void CTarnwickApp::PrepareToolkit() {
-    // Otherwise the buttons beside the drawing area become windows of the X server, too.
+    // Or else the buttons beside the drawing area would become windows of the X server, too.
     QApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
     ChooseWindowSystem();
 }
@@ -24,7 +24,7 @@ int CTarnwickApp::InitInstance() {
     QApplication::setOrganizationName("Ostrelworks");
     QApplication::setWindowIcon(QIcon(":/tarnwick.png"));
     QApplication::setQuitOnLastWindowClosed(
-        false); // the program ends with the dialog, whether the console is open or not
+        false); // the program ends with the dialog, even with a console open
     std::optional<ConsoleWindow> console;
     if (!IsErrorTerminal()) { console.emplace(); }
 

@@ -8,7 +8,7 @@ namespace tarnwick {
 // The application: a console for the log, and one modal dialog with which the program ends.
 class CTarnwickApp {
 public:
-    // Sets what the toolkit reads when it starts; call it before the application object is made.
+    // Sets what the toolkit reads when it starts; call it before the QApplication is made.
     static void PrepareToolkit();
 
     explicit CTarnwickApp(std::vector<std::string> arguments) : arguments_(std::move(arguments)) {}

@@ -5,8 +5,8 @@ namespace tarnwick {
 
 namespace {
 
-// Whether all that would be drawn fails the alpha test, which drops what is at or below 0.01. Some
-// systems write that into every face of a file.
+// Whether all faces fail the alpha test, which drops what is at or below 0.01. Some systems write such an
+// alpha into every face of a file.
 bool IsAllTransparent(const SceneView& view) {
     if (view.loaded.drawList == nullptr || view.loaded.drawnTriangles == 0) { return false; }
     for (std::int32_t i = 0; i < view.loaded.drawList->count; ++i) {
@@ -18,7 +18,7 @@ bool IsAllTransparent(const SceneView& view) {
     return true;
 }
 
-// What of the load isn't there, in words.
+// What is missing, in words; empty when nothing is.
 std::string Absence(const SceneView& view) {
     if (const char* const reason = OwnUnreadReason(view)) { return std::string(" (it ") + reason + ')'; }
     const auto& unread = view.loaded.unreadFiles;
