@@ -5,9 +5,9 @@
 
 namespace tarnwick {
 
-// What the link asks of the dialog and of the machine. Any thread may call it. What concerns the dialog runs
-// on the dialog's thread, in the order of the calls, and a call returns when that is done; once the dialog
-// closes it returns false and does nothing.
+// What the link asks of the dialog and of the machine. Any thread may call it. What concerns the dialog is
+// done on the dialog's thread, in the order of the calls, and a call returns when it is done; once the dialog
+// closes, a call returns false and does nothing.
 class LinkPort {
 public:
     virtual ~LinkPort() = default;
@@ -21,10 +21,10 @@ public:
     // Repaints the whole dialog.
     virtual bool Invalidate() = 0;
 
-    // Runs a program, the first element, with the others as its arguments, and waits until it ends; closing
-    // the dialog ends it. No shell sees any of the texts. Whether it ended with status 0.
+    // Runs a program, the first element, with the others as its arguments, without a shell, and waits until
+    // it ends; closing the dialog ends it. Returns whether it ended with status 0.
     virtual bool RunProgram(const std::vector<std::string>& command) = 0;
-    // Starts the first of the named programs that the machine has, and doesn't wait for it.
+    // Starts the first of the named programs that is installed, and doesn't wait for it.
     virtual void StartProgram(const std::vector<std::string>& names,
                               const std::vector<std::string>& arguments) = 0;
     // Where downloads go, made for the user alone when it is missing; without a separator at its end.

@@ -9,8 +9,7 @@ bool MessageQueue::Push(std::string text) {
     const std::lock_guard<std::mutex> hold(lock_);
     const std::size_t bytes = BytesOf(text);
     if (stopped_ || bytes > kMostBytes - bytes_) { return false; }
-    // What may fail comes first: without a thread the text would wait for ever, and its bytes would stay
-    // counted.
+    // First, since without a thread the text would wait for ever, and its bytes would stay counted.
     if (!thread_.joinable()) {
         thread_ = std::thread([this] { Run(); });
     }

@@ -10,8 +10,8 @@
 
 namespace tarnwick {
 
-// Handles texts one after the other on a thread of its own, so that no caller waits: neither the thread of
-// the network's events nor the dialog's.
+// Handles texts one after the other on a thread of its own, so that no caller waits: neither the network's
+// thread nor the dialog's.
 class MessageQueue {
 public:
     explicit MessageQueue(std::function<void(const std::string&)> handle) : handle_(std::move(handle)) {}
@@ -19,11 +19,11 @@ public:
     MessageQueue& operator=(const MessageQueue&) = delete;
     ~MessageQueue() { Stop(); }
 
-    // Takes a text, on any thread. False when kMostBytes wait already, or after Stop. Throws what the
-    // standard library does when there is no memory, or no thread, for it; then the text isn't taken.
+    // Takes a text, on any thread. False when more than kMostBytes would wait, or after Stop. Throws what the
+    // standard library throws when there is no memory, or no thread, for it; then the text isn't taken.
     bool Push(std::string text);
 
-    // Waits for the text at work; the others are dropped.
+    // Waits until the current text is handled; drops the others.
     void Stop();
 
     // The most that may wait: far more than any service sends, far less than a machine's memory.

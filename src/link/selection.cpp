@@ -10,7 +10,7 @@ std::string FileNameOf(const Selection& selection) {
 
 std::vector<std::string> BrowserArguments(const std::string& viewerFolder, const Selection& selection) {
     const std::string& text = selection.selectedText;
-    const std::string id = text.empty() ? text : text.substr(1); // less the "#" of a face
+    const std::string id = text.empty() ? text : text.substr(1); // without the "#" of a face
     return {"--user-data-dir=" + viewerFolder, "--disable-web-security",
             "file://" + viewerFolder + "/Velquist.html?file=" + viewerFolder +
                 "/dataset-AS1-PSTree.json&action=add_pmi&Id=" + id +

@@ -1,13 +1,11 @@
 #include "link/server_link.h"
 #include "link/message_queue.h"
 #include "link/server_messages.h"
+#include "link/server_requests.h"
 #include "platform/console.h"
-#include "platform/environment.h"
 #include "text/one_line.h"
 #include "text/or_null.h"
-#include "text/wide_text.h"
 
-#include <cpprest/json.h>
 #include <cpprest/ws_client.h>
 
 #include <exception>
@@ -26,23 +24,9 @@ using web::websockets::client::websocket_outgoing_message;
 
 constexpr const char* kViewerFolder = TARNWICK_BASE_FOLDER "/Velquist/viewer";
 
-std::string EnvironmentOr(const char* name, const char* otherwise) {
-    const std::string value = EnvironmentText(name).value_or("");
-    return !value.empty() ? value : otherwise;
-}
-
 void TellFailure(const std::exception& failure) {
     ConsolePrint("No server available\n");
     ConsolePrint("%s\n", failure.what());
-}
-
-web::json::value JsonText(const std::string& text) {
-    // Whatever bytes a path has, what goes out is valid UTF-8, or the service would drop the connection.
-    std::u32string wide = WideFromNarrow(text);
-    for (char32_t& character : wide) {
-        if (character >= 0xDC80 && character <= 0xDCFF) { character -= 0xDC00; }
-    }
-    return web::json::value::string(utility::conversions::to_string_t(NarrowFromWide(wide)));
 }
 
 void Send(websocket_callback_client& client, const std::string& text) {
@@ -51,28 +35,15 @@ void Send(websocket_callback_client& client, const std::string& text) {
     client.send(message).wait();
 }
 
-void SendJson(websocket_callback_client& client, const web::json::value& value) {
-    Send(client, utility::conversions::to_utf8string(value.serialize()));
-}
-
-void Register(websocket_callback_client& client) {
-    // The name is read and converted like every setting; no message of the service holds it yet.
-    static_cast<void>(WideFromNarrow(EnvironmentOr("Velquist_user", "user@localhost")));
-    web::json::value request = web::json::value::object();
-    request["sender"] = web::json::value::string("3d viewer");
-    request["action"] = web::json::value::string("register");
-    SendJson(client, request);
-}
-
 } // namespace
 
 struct ServerLink::Session {
     explicit Session(LinkPort& dialog)
         : queue([&dialog](const std::string& text) { OnServerMessage(dialog, text); }) {}
 
-    // A client object connects once in its life: the library ends the process at a second try. It has the
-    // handler before it connects, since what the service says at once would be lost otherwise, and keeps it,
-    // since the library reads it without a lock.
+    // A client object connects once in its life: the library ends the process at a second try. It has its
+    // handler before it connects, or else it would miss what the service says at once, and keeps it, since
+    // the library reads it without a lock.
     void MakeClient() {
         client = websocket_callback_client(websocket_client_config());
         client.set_message_handler([this](const websocket_incoming_message& message) { Take(message); });
@@ -89,7 +60,7 @@ struct ServerLink::Session {
         } catch (const std::system_error& failure) {
             ConsolePrint("<E> Message of the server: no thread for it, %s\n", failure.what());
         } catch (const std::exception&) {
-            // A message that is no text is none of ours.
+            // A message that isn't text isn't ours.
         }
     }
 
@@ -102,10 +73,10 @@ ServerLink::ServerLink(LinkPort& dialog) : session_(std::make_unique<Session>(di
 }
 
 // The library keeps the client for a moment after each message, so the last reference to it may end on one
-// of its threads, where its destructor would wait for a close that needs this very thread. Closed here first,
-// it has nothing left to wait for, and no message comes once the queue is gone.
+// of its threads, where its destructor would wait for a close that needs this very thread. After the close
+// here it has nothing to wait for, and no message comes once the queue is gone.
 ServerLink::~ServerLink() {
-    if (!connected) { return; } // a client that never connected has no close to wait for
+    if (!connected) { return; }
     try {
         session_->client.close().wait();
     } catch (const std::exception&) {
@@ -116,14 +87,13 @@ ServerLink::~ServerLink() {
 void ServerLink::OnConnect() {
     try {
         if (!connected) {
-            const std::string uri = EnvironmentOr("Velquist_ws_URI", TARNWICK_SERVICE_URI);
             session_->MakeClient();
-            session_->client.connect(web::uri(utility::conversions::to_string_t(uri))).wait();
+            session_->client.connect(web::uri(ServiceUri(TARNWICK_SERVICE_URI))).wait();
             dialog_.SetLinkText("Connected");
             connected = true;
         }
-        Send(session_->client, R"({"Check": "Connexion"})");
-        Register(session_->client);
+        Send(session_->client, CheckRequest());
+        Send(session_->client, RegisterRequest());
     } catch (const std::exception& failure) { TellFailure(failure); }
 }
 
@@ -144,14 +114,8 @@ void ServerLink::OnAddPmi(const Selection& selection) {
 }
 
 void ServerLink::OnAddMaterial(const Selection& selection) {
-    const std::int32_t type = selection.selectedContainerType;
     try {
-        web::json::value request = web::json::value::object();
-        request["action"] = web::json::value::string("add_mat");
-        request["Id"] = web::json::value::number(selection.selectedExactContainerId);
-        request["Type"] = web::json::value::string(type == 1 ? "Solid" : type == 2 ? "Shell" : "");
-        request["Url"] = JsonText(FileNameOf(selection));
-        SendJson(session_->client, request);
+        Send(session_->client, MaterialRequest(selection));
     } catch (const std::exception& failure) { TellFailure(failure); }
 }
 

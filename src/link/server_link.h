@@ -8,19 +8,18 @@
 namespace tarnwick {
 
 // The client side of the link with the service of the web viewer: one WebSocket connection, opened by the
-// user and kept until the dialog closes. There is one in a process. Call its functions on the dialog's
-// thread; they wait for the network, with no time limit of their own.
+// user and kept until the dialog closes. A process has one link. Call its functions on the dialog's thread;
+// they wait for the network, with no time limit of their own.
 class ServerLink {
 public:
     // `dialog` must outlive the link.
     explicit ServerLink(LinkPort& dialog);
     ServerLink(const ServerLink&) = delete;
     ServerLink& operator=(const ServerLink&) = delete;
-    // Waits for the message at work. The port must have been told before that the dialog closes.
+    // Waits until the current message is handled. `dialog` must already know that the dialog closes.
     ~ServerLink();
 
-    // Connects to the service, if that has not succeeded before, and registers. A failure is logged, and
-    // changes nothing.
+    // Connects to the service, unless that has succeeded before, and registers. A failure is only logged.
     void OnConnect();
     // Closes the connection without waiting for its end, also when there is none.
     void OnClose();
@@ -29,7 +28,7 @@ public:
     // Asks the service for a material for the picked solid or shell. A failure is logged.
     void OnAddMaterial(const Selection& selection);
 
-    // Set by the first successful connect and never cleared, so that a connection that was lost stays lost.
+    // Set by the first successful connect and never cleared, so a connection that was lost stays lost.
     bool connected = false;
 
 private:

@@ -1,11 +1,10 @@
-// The link by the system's own client, which asks the system's authorities about certificates.
+// The link by the system's own client, which trusts the system's certificate authorities.
 
 #include "link/message_queue.h"
 #include "link/server_link.h"
 #include "link/server_messages.h"
 #include "link/server_requests.h"
 #include "platform/console.h"
-#include "platform/environment.h"
 #include "platform/paths.h"
 #include "platform/programs.h"
 #include "platform/system_path_windows.h"
@@ -31,7 +30,7 @@ namespace {
 constexpr std::size_t kPiece = 64 << 10;
 constexpr int kConnectTimeout = 60000; // milliseconds
 
-// A handle of the client, which ends with it.
+// Owns a handle of the client.
 class Handle {
 public:
     Handle() = default;
@@ -54,12 +53,7 @@ private:
     HINTERNET handle_ = nullptr;
 };
 
-std::string EnvironmentOr(const char* name, const char* otherwise) {
-    const std::string value = EnvironmentText(name).value_or("");
-    return !value.empty() ? value : otherwise;
-}
-
-// What the system says of an error of its own or of its client.
+// What the system says about an error of its own or of its client.
 std::string WordsOf(DWORD error) {
     wchar_t text[512];
     const DWORD length = FormatMessageW(
@@ -87,7 +81,7 @@ struct ServiceAddress {
 bool ReadAddress(const std::string& uri, ServiceAddress* address) {
     address->isSecure = uri.starts_with("wss://");
     if (!address->isSecure && !uri.starts_with("ws://")) { return false; }
-    // The system knows the schemes of HTTP alone.
+    // The system knows only the schemes of HTTP.
     const std::wstring url = Utf16Of("http" + uri.substr(2));
     URL_COMPONENTS parts{};
     parts.dwStructSize = sizeof parts;
@@ -113,7 +107,7 @@ struct ServerLink::Session {
         client.Take(WinHttpOpen(L"Tarnwick", WINHTTP_ACCESS_TYPE_NO_PROXY, WINHTTP_NO_PROXY_NAME,
                                 WINHTTP_NO_PROXY_BYPASS, 0));
         if (client.Get() == nullptr) { return GetLastError(); }
-        // A service may be silent for ever.
+        // No limit for the last one: a service may be silent for ever.
         WinHttpSetTimeouts(client.Get(), kConnectTimeout, kConnectTimeout, kConnectTimeout, 0);
         connection.Take(WinHttpConnect(client.Get(), address.host.c_str(), address.port, 0));
         if (connection.Get() == nullptr) { return GetLastError(); }
@@ -136,7 +130,7 @@ struct ServerLink::Session {
     DWORD Listen() {
         try {
             listener = std::thread([this] { TakeAll(); });
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) { // no thread, or no memory for one
             socket.Close();
             return ERROR_NOT_ENOUGH_MEMORY;
         }
@@ -150,7 +144,7 @@ struct ServerLink::Session {
                                     const_cast<char*>(text.data()), static_cast<DWORD>(text.size()));
     }
 
-    // On the thread of the listener, until the connection ends.
+    // Runs on the listener until the connection ends.
     void TakeAll() {
         std::string text;
         std::string piece(kPiece, '\0');
@@ -215,7 +209,7 @@ struct ServerLink::Session {
 
     MessageQueue queue; // outlives the listener, which fills it
     std::mutex sendLock;
-    bool isClosed = false; // we have said so
+    bool isClosed = false; // by us
     Handle client;
     Handle connection;
     Handle socket;
@@ -231,13 +225,13 @@ ServerLink::~ServerLink() {
 void ServerLink::OnConnect() {
     DWORD error = 0;
     if (!connected) {
-        error = session_->Connect(EnvironmentOr("Velquist_ws_URI", TARNWICK_SERVICE_URI));
+        error = session_->Connect(ServiceUri(TARNWICK_SERVICE_URI));
         if (error == 0) {
             dialog_.SetLinkText("Connected");
             connected = true;
         }
     }
-    if (error == 0) { error = session_->Send(R"({"Check": "Connexion"})"); }
+    if (error == 0) { error = session_->Send(CheckRequest()); }
     if (error == 0) { error = session_->Send(RegisterRequest()); }
     if (error != 0) { TellFailure(error); }
 }
@@ -247,7 +241,7 @@ void ServerLink::OnClose() {
 }
 
 void ServerLink::OnAddPmi(const Selection& selection) {
-    // The HTML viewer lies beside the program.
+    // The HTML viewer is beside the program.
     std::string folder = FolderOf(OwnProgram()) + "Velquist/viewer";
     std::replace(folder.begin(), folder.end(), '\\', '/');
     const std::vector<std::string> arguments = BrowserArguments(folder, selection);

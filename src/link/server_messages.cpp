@@ -1,4 +1,4 @@
-// The service writes JSON, but its messages are known to the character, and are read as they are written.
+// The service writes JSON, but always in the same form, so its messages are read by fixed places.
 
 #include "link/server_messages.h"
 #include "platform/console.h"
@@ -20,8 +20,8 @@ void GiveUp(const char* reason) {
     ConsolePrint("<E> Message of the server: %s\n", reason);
 }
 
-// Removes what an earlier or a broken download left, which would be taken for the file. False, with a line on
-// the console, when it can't be removed.
+// Removes what an earlier or broken download has left, or it would be taken for the file. False, with a line
+// on the console, when that fails.
 bool Remove(const std::string& path) {
     const int error = RemoveFile(path);
     if (error == 0) { return true; }
@@ -30,8 +30,8 @@ bool Remove(const std::string& path) {
     return false;
 }
 
-// The path of the local file that `url` was downloaded to, as an argument; empty when there is none. A
-// download that failed has a path too, where nothing is.
+// Downloads `url` and returns the path of the local file in quotes; empty when there can't be one. After a
+// download that failed there is no file at the path.
 std::string Download(LinkPort& dialog, const std::string& url) {
     const std::optional<std::string> name = DownloadName(url);
     if (!name) {
@@ -118,8 +118,7 @@ std::optional<std::string> DownloadName(const std::string& url) {
     std::string name = url.substr(separator == std::string::npos ? 1 : separator + 1);
     // "-" is curl's name for standard output.
     if (name.empty() || name == "." || name == ".." || name == "-") { return std::nullopt; }
-    // Where a URL has alternatives, curl puts the chosen one, with any "/" in it, in the place of "#1" in the
-    // name.
+    // For a URL with alternatives, curl replaces "#1" in the name by the chosen one, with any "/" in it.
     if (name.find('#') != std::string::npos && url.find_first_of("{[") != std::string::npos) {
         return std::nullopt;
     }

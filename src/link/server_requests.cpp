@@ -1,5 +1,6 @@
 #include "link/server_requests.h"
 
+#include "platform/environment.h"
 #include "text/wide_text.h"
 
 namespace tarnwick {
@@ -23,7 +24,7 @@ void AppendEscaped(char c, std::string* out) {
     }
 }
 
-// Whatever bytes a name has, what goes out is valid UTF-8, or the service would drop the connection.
+// A name of any bytes as valid UTF-8: for other text the service would drop the connection.
 std::string Utf8OfName(const std::string& name) {
     std::u32string wide = WideFromNarrow(name);
     for (char32_t& character : wide) {
@@ -40,6 +41,10 @@ std::string Quoted(std::string_view text) {
 
 } // namespace
 
+std::string CheckRequest() {
+    return R"({"Check": "Connexion"})";
+}
+
 std::string RegisterRequest() {
     return R"({"action":"register","sender":"3d viewer"})";
 }
@@ -53,6 +58,11 @@ std::string MaterialRequest(const Selection& selection) {
     request += R"(,"Url":)";
     request += Quoted(Utf8OfName(FileNameOf(selection)));
     return request += R"(,"action":"add_mat"})";
+}
+
+std::string ServiceUri(const char* usual) {
+    const std::string uri = EnvironmentText("Velquist_ws_URI").value_or("");
+    return !uri.empty() ? uri : usual;
 }
 
 } // namespace tarnwick

@@ -1,7 +1,6 @@
 // The link against a real server, over TLS and without.
 
 #include "link/server_link.h"
-#include "link/server_requests.h"
 #include "recording_port.h"
 #include "web_server.h"
 
@@ -315,28 +314,6 @@ TEST_F(ServerLinkTest, AFileNameGoesOutAsValidTextWhateverItsBytes) {
     ASSERT_TRUE(server->WaitForMessages(4));
     EXPECT_THAT(server->Messages()[2], HasSubstr("\"Url\":\"t\xC3\xBC\\\"\\\\\\n\\u0001.stp\""));
     EXPECT_THAT(server->Messages()[3], HasSubstr("\"Url\":\"t\xC3\xBC.stp\""));
-}
-
-// The link of another system writes these messages itself.
-TEST_F(ServerLinkTest, WhatGoesOutIsWrittenByRequestsToTheSameByte) {
-    std::string every = "/m/";
-    for (int c = 1; c < 256; ++c) {
-        if (c != '/') { every += static_cast<char>(c); }
-    }
-    const Selection selections[] = {
-        {},
-        {.path = every.c_str()},
-        {.path = "/m/\xE9\x83\xA8\xF0\x9F\x94\xA9.stp",
-         .selectedExactContainerId = -8,
-         .selectedContainerType = 1},
-        {.path = "p.stp", .selectedExactContainerId = 2147483647, .selectedContainerType = 2}};
-    const auto server = WebServer::Plain();
-    Connect(*server);
-    for (const Selection& selection : selections) { link->OnAddMaterial(selection); }
-    ASSERT_TRUE(server->WaitForMessages(6));
-    const std::vector<std::string> messages = server->Messages();
-    EXPECT_EQ(messages[1], RegisterRequest());
-    for (std::size_t i = 0; i < 4; ++i) { EXPECT_EQ(messages[2 + i], MaterialRequest(selections[i])); }
 }
 
 TEST_F(ServerLinkTest, AMaterialWithoutAConnectionIsLoggedAsConnectDoes) {
