@@ -1,5 +1,8 @@
 #include "link/selection.h"
+#include "platform/console.h"
 #include "platform/paths.h"
+#include "text/one_line.h"
+#include "text/or_null.h"
 
 namespace tarnwick {
 
@@ -15,6 +18,14 @@ std::vector<std::string> BrowserArguments(const std::string& viewerFolder, const
             "file://" + viewerFolder + "/Velquist.html?file=" + viewerFolder +
                 "/dataset-AS1-PSTree.json&action=add_pmi&Id=" + id +
                 "&Type=face&Url=" + FileNameOf(selection)};
+}
+
+void EditPmi(LinkPort& dialog, const std::vector<std::string>& browsers, const std::string& viewerFolder,
+             const Selection& selection) {
+    ConsolePrint("Call XML viewer : Edit PMI\n");
+    ConsolePrint("  File: %s\n  Product: %s  Face: %s\n", OneLine(OrNull(selection.path)).Text(),
+                 OneLine(OrNull(selection.rootName)).Text(), OneLine(selection.selectedText).Text());
+    dialog.StartProgram(browsers, BrowserArguments(viewerFolder, selection));
 }
 
 } // namespace tarnwick

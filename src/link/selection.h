@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/link_port.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -20,5 +22,9 @@ std::string FileNameOf(const Selection& selection);
 
 // The arguments of a browser that opens the HTML viewer at the picked face. `viewerFolder` is absolute.
 std::vector<std::string> BrowserArguments(const std::string& viewerFolder, const Selection& selection);
+
+// Opens the HTML viewer at the picked face, in the first of `browsers` that is installed, and logs that.
+void EditPmi(LinkPort& dialog, const std::vector<std::string>& browsers, const std::string& viewerFolder,
+             const Selection& selection);
 
 } // namespace tarnwick

@@ -3,8 +3,6 @@
 #include "link/server_messages.h"
 #include "link/server_requests.h"
 #include "platform/console.h"
-#include "text/one_line.h"
-#include "text/or_null.h"
 
 #include <cpprest/ws_client.h>
 
@@ -106,11 +104,7 @@ void ServerLink::OnClose() {
 }
 
 void ServerLink::OnAddPmi(const Selection& selection) {
-    const std::vector<std::string> arguments = BrowserArguments(kViewerFolder, selection);
-    ConsolePrint("Call XML viewer : Edit PMI\n");
-    ConsolePrint("  File: %s\n  Product: %s  Face: %s\n", OneLine(OrNull(selection.path)).Text(),
-                 OneLine(OrNull(selection.rootName)).Text(), OneLine(selection.selectedText).Text());
-    dialog_.StartProgram({"chromium", "google-chrome"}, arguments);
+    EditPmi(dialog_, {"chromium", "google-chrome"}, kViewerFolder, selection);
 }
 
 void ServerLink::OnAddMaterial(const Selection& selection) {

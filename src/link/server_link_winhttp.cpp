@@ -8,8 +8,6 @@
 #include "platform/paths.h"
 #include "platform/programs.h"
 #include "platform/system_path_windows.h"
-#include "text/one_line.h"
-#include "text/or_null.h"
 
 #include <windows.h>
 
@@ -244,11 +242,7 @@ void ServerLink::OnAddPmi(const Selection& selection) {
     // The HTML viewer is beside the program.
     std::string folder = FolderOf(OwnProgram()) + "Velquist/viewer";
     std::replace(folder.begin(), folder.end(), '\\', '/');
-    const std::vector<std::string> arguments = BrowserArguments(folder, selection);
-    ConsolePrint("Call XML viewer : Edit PMI\n");
-    ConsolePrint("  File: %s\n  Product: %s  Face: %s\n", OneLine(OrNull(selection.path)).Text(),
-                 OneLine(OrNull(selection.rootName)).Text(), OneLine(selection.selectedText).Text());
-    dialog_.StartProgram({"chromium", "chrome", "msedge"}, arguments);
+    EditPmi(dialog_, {"chromium", "chrome", "msedge"}, folder, selection);
 }
 
 void ServerLink::OnAddMaterial(const Selection& selection) {
