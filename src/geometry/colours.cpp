@@ -227,8 +227,8 @@ bool ReadStyledIds(const StepModel& model, std::vector<std::int32_t>* ids) {
     return !walk.overrun;
 }
 
-// The two references of a STYLED_ITEM(name, (#style), #item), by position: whatever stands in the list is
-// read like one. False when they run past the end of the text.
+// The two references of a STYLED_ITEM(name, (#style), #item), by position: whatever is in the list is
+// read as one. False when they run past the end of the text.
 bool ReadStyledItem(TextWalk walk, std::int32_t* styleId, std::int32_t* itemId) {
     walk.GoTo('=');
     walk.GoTo('#');

@@ -8,7 +8,6 @@
 #include "text/one_line.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <string_view>
 
@@ -152,7 +151,8 @@ bool PartReader::ReadContainerItems(const P42Ent* entity, std::int32_t* exactCon
     walk.PassCommas(1); // after the list
     walk.at = walk.Next<'#', ')', '$'>(walk.at);
     if (walk.overrun || walk.at == walk.end) { return false; }
-    // Marks the place of a missing link, too: a container that is listed twice goes on from it.
+    // Marks the place where the link was looked for, even without one: when the container is listed again,
+    // the mark is found.
     if (walk.Current() != '#') {
         if (walk.Current() == ')') {
             scratch.face.ForgetListAt(static_cast<std::int32_t>(walk.at - model.text));

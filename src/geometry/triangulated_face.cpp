@@ -14,7 +14,6 @@
 #include "text/take_triples.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace tarnwick {
 

@@ -3,8 +3,6 @@
 #include "load/file_kind.h"
 
 #include <charconv>
-#include <cstdio>
-#include <utility>
 
 namespace tarnwick {
 

@@ -34,7 +34,7 @@ struct SceneView {
     std::int32_t selectedContainerId = 0;
     std::int32_t selectedExactContainerId = 0;
     double framesPerSecond = 0;    // by the last frame; for measuring, no code reads it
-    std::uint32_t sceneNumber = 0; // counts the resets, so that what was found out is known for outdated
+    std::uint32_t sceneNumber = 0; // counts the scenes: what is kept about one holds for its number only
 };
 
 } // namespace tarnwick

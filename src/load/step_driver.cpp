@@ -10,7 +10,6 @@
 #include "product/draw_list.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace tarnwick {
 

@@ -7,7 +7,6 @@
 #include "text/text_file.h"
 
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -85,7 +84,7 @@ struct StepModel {
         *walk = WalkFrom(entity);
         return true;
     }
-    // From the line's first "(" on past `commas` commas, wherever they stand.
+    // From the line's first "(" on past `commas` commas, wherever they are.
     bool OpenAfterCommas(std::int32_t id, int commas, TextWalk* walk) const {
         if (!OpenLine(id, walk)) { return false; }
         walk->GoTo('(');

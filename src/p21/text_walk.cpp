@@ -3,7 +3,6 @@
 #include "platform/fail_fast.h"
 #include "text/parse_real.h"
 
-#include <algorithm>
 #include <cstring>
 #include <limits>
 

@@ -44,7 +44,7 @@ struct TextWalk {
         Step();
     }
 
-    // Past the next `commas` commas, wherever they stand: in a name or a list too.
+    // Past the next `commas` commas, wherever they are: in a name or a list too.
     void PassCommas(int commas) {
         for (int i = 0; i < commas; ++i) {
             GoTo(',');

@@ -24,7 +24,7 @@ public:
     void Kill();
 
 private:
-    std::intptr_t process_ = 0; // the system's own name of it; 0 when there is none to wait for
+    std::intptr_t process_ = 0; // its number or handle; 0 when there is none to wait for
     bool succeeded_ = false;
 };
 

@@ -26,7 +26,7 @@ public:
     std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes, int* error) const;
 
 private:
-    std::intptr_t file_ = -1; // the system's own number of it
+    std::intptr_t file_ = -1; // descriptor or handle
     int failure_ = 0;
     std::uint64_t size_ = 0;
 };

@@ -10,7 +10,7 @@ namespace tarnwick {
 
 namespace {
 
-// Whether open failed because of what the path is, and not because the system lacks something.
+// Whether open failed because of the path, not because the system lacks something.
 bool IsOfThePath(int error) {
     switch (error) {
     case ENOENT:

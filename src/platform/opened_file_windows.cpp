@@ -15,7 +15,7 @@ HANDLE HandleOf(std::intptr_t file) {
     return reinterpret_cast<HANDLE>(file);
 }
 
-// Whether opening failed because of what the path is, and not because the system lacks something.
+// Whether opening failed because of the path, not because the system lacks something.
 bool IsOfThePath(int error) {
     return error == ENOENT || error == ENOTDIR || error == EACCES || error == ENAMETOOLONG;
 }

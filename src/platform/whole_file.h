@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 
@@ -28,17 +29,24 @@ public:
     // Gives the file its name. Returns 0, or the errno of the first failure; then it isn't there, or still is
     // what it was before.
     int Close();
-    // Gives the file up.
-    void Drop();
+    // Gives the file up, if it is open.
+    void Drop() {
+        if (!IsOpen()) { return; }
+        error_ = ECANCELED;
+        Close();
+    }
 
 private:
-    void Fail();
+    // Keeps errno, unless something has failed before.
+    void Fail() {
+        if (error_ == 0) { error_ = errno; }
+    }
 
     static constexpr std::size_t kPathRoom = 4096;
 
     char path_[kPathRoom];
     char neighbour_[kPathRoom]; // empty when the file is written in place
-    std::intptr_t file_ = -1;   // the system's own number of it
+    std::intptr_t file_ = -1;   // descriptor or handle
     int error_ = 0;
 };
 

@@ -13,7 +13,7 @@ namespace tarnwick {
 
 namespace {
 
-constexpr mode_t kAllMayReadAndWrite = 0666; // less what the user's mask takes
+constexpr mode_t kAllMayReadAndWrite = 0666; // less the user's umask
 constexpr int kMostNames = 100;
 // The system writes no more at once.
 constexpr std::size_t kLargestPiece = std::size_t{1} << 30;
@@ -60,16 +60,6 @@ WholeFile::WholeFile(const char* path, Empty empty) : path_(), neighbour_() {
     } else if (exists && fchmod(Number(file_), status.st_mode & 07777) != 0) {
         Fail();
     }
-}
-
-void WholeFile::Drop() {
-    if (file_ < 0) { return; }
-    error_ = ECANCELED;
-    Close();
-}
-
-void WholeFile::Fail() {
-    if (error_ == 0) { error_ = errno; }
 }
 
 void WholeFile::Write(const void* bytes, std::size_t count) {

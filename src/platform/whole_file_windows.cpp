@@ -101,16 +101,6 @@ WholeFile::WholeFile(const char* path, Empty empty) : path_(), neighbour_() {
     }
 }
 
-void WholeFile::Drop() {
-    if (file_ < 0) { return; }
-    error_ = ECANCELED;
-    Close();
-}
-
-void WholeFile::Fail() {
-    if (error_ == 0) { error_ = errno; }
-}
-
 void WholeFile::Write(const void* bytes, std::size_t count) {
     const char* next = static_cast<const char*>(bytes);
     while (count > 0 && error_ == 0) {

@@ -9,8 +9,6 @@
 #include "text/one_line.h"
 
 #include <algorithm>
-#include <cstring>
-#include <new>
 
 namespace tarnwick {
 

@@ -23,7 +23,7 @@ struct AssemblyReader {
     // that is given up leaves nothing on the products of other files.
     std::vector<std::pair<ProductNode*, Occurrence*>> uses;
     bool overrun = false;  // a line ran past the end of the text: the file is given up
-    bool noMemory = false; // likewise
+    bool noMemory = false; // memory ran out for a record: the same
 };
 
 inline constexpr int kStructureBreaksOff = 1;

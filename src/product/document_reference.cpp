@@ -1,6 +1,5 @@
 // Which file has a product's geometry or structure, and the queue of the files to be read.
 
-#include "p21/keyword_codes.h"
 #include "product/assembly_reader.h"
 
 #include <string>

@@ -43,7 +43,7 @@ int BuildDrawLists(Arena& arena, ProductNode* product, const char* fileName, Pre
 // with a line on the console where there are more.
 std::int32_t CountTriangles(const DrawList& list);
 
-// The triangles of a list of boxes, twelve each; likewise.
+// The triangles of a list of boxes, twelve each, limited in the same way.
 std::int32_t CountBoxTriangles(const DrawList& boxes);
 
 // Appends the box (six limits in the order of ProductNode.box) as a mesh of 24 vertices and 12 triangles.

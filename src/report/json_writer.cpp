@@ -7,7 +7,6 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 namespace tarnwick {

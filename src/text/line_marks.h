@@ -10,8 +10,8 @@
 namespace tarnwick {
 
 // Where a large text may have line ends, a bit for each of its blocks: a search for them needn't go through
-// memory once more. The bits are set while a block is still in the cache of the thread that has read it. An
-// object without bits is one of a text that nobody has looked at.
+// memory once more. The bits are set while a block is still in the cache of the thread that has read it.
+// Without bits nothing is known about the text.
 class LineMarks {
 public:
     static constexpr std::size_t kBlock = kCharBlock;

@@ -19,7 +19,7 @@ struct HashSecret {
     std::uint64_t a;
     std::uint64_t b;
 
-    // From where the table lies, which is another place in every run.
+    // From the table's address, which differs from run to run.
     static HashSecret Of(const void* table) {
         const std::uint64_t place = reinterpret_cast<std::uintptr_t>(table);
         return {(place ^ 0x9E3779B97F4A7C15u) * 0xBF58476D1CE4E5B9u,
@@ -43,7 +43,7 @@ inline std::uint64_t FoldedProduct(std::uint64_t a, std::uint64_t b) {
 #endif
 }
 
-// 32 bits for a number, all of which depend on all of it.
+// A hash of 32 bits, each of which depends on the whole number.
 inline std::uint32_t HashOf(std::uint64_t number, HashSecret secret) {
     const std::uint64_t mixed = FoldedProduct(number ^ secret.a, secret.b);
     return static_cast<std::uint32_t>(FoldedProduct(mixed, 0x9E3779B97F4A7C15u) >> 32);
@@ -68,11 +68,10 @@ inline std::uint32_t HashOf(std::string_view text, HashSecret secret) {
     return static_cast<std::uint32_t>(FoldedProduct(mixed, 0x9E3779B97F4A7C15u) >> 32);
 }
 
-// A table from numbers or names to values, for look-ups alone: nobody goes through it. The entries are a
-// list; the slots of an open hash table hold their places in it. Time and memory grow as the number of
-// entries and the length of their names do, whatever the keys are and however Add and Find take turns. Where
-// a key is added again, the entry added first is found. Names are borrowed. Used by one thread, but for
-// Place.
+// A table from numbers or names to values, for look-ups only: it can't be iterated. The entries are a list;
+// the slots of an open hash table hold their places in it. Time and memory grow as the number of entries and
+// the length of their names do, whatever the keys are and however Add and Find take turns. Where a key is
+// added again, the entry added first is found. Names are borrowed. Used by one thread, but see Place.
 template <class Key, class Value>
 class LookUp {
     static_assert(std::integral<Key> || std::same_as<Key, std::string_view>);

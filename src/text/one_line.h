@@ -3,7 +3,6 @@
 #include "platform/within_memory.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <string_view>
 

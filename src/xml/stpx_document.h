@@ -11,7 +11,7 @@
 
 namespace tarnwick {
 
-// One STEP XML text that is to be read.
+// A STEP XML text to be read, and what was found in it.
 struct StpxDocument {
     char* text = nullptr;       // the reader writes into TextBlock::kPadding bytes after it
     std::size_t size = 0;       // its characters
