@@ -109,7 +109,7 @@ struct StepModel {
     double readSeconds = 0;
     double inflateSeconds = 0;
     const char* problem = nullptr; // why it wasn't read, when that was told; a phrase
-    std::string fileName; // as given, or that of its twin, if only that is there; empty for one in memory
+    std::string fileName;          // as given, or that of its twin; only for messages in a model from memory
     char* text = nullptr;
     char* textEnd = nullptr; // the place of the NUL after the text
     std::unique_ptr<unsigned char[]> compressedData;
