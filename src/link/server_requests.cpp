@@ -24,6 +24,11 @@ void AppendEscaped(char c, std::string* out) {
     }
 }
 
+std::string EnvironmentOr(const char* name, const char* otherwise) {
+    const std::string value = EnvironmentText(name).value_or("");
+    return !value.empty() ? value : otherwise;
+}
+
 // A name of any bytes as valid UTF-8: for other text the service would drop the connection.
 std::string Utf8OfName(const std::string& name) {
     std::u32string wide = WideFromNarrow(name);
@@ -46,6 +51,8 @@ std::string CheckRequest() {
 }
 
 std::string RegisterRequest() {
+    // Read for requests to come: the service doesn't ask who the user is.
+    static_cast<void>(WideFromNarrow(EnvironmentOr("Velquist_user", "user@localhost")));
     return R"({"action":"register","sender":"3d viewer"})";
 }
 
@@ -61,8 +68,7 @@ std::string MaterialRequest(const Selection& selection) {
 }
 
 std::string ServiceUri(const char* usual) {
-    const std::string uri = EnvironmentText("Velquist_ws_URI").value_or("");
-    return !uri.empty() ? uri : usual;
+    return EnvironmentOr("Velquist_ws_URI", usual);
 }
 
 } // namespace tarnwick

@@ -26,7 +26,7 @@ namespace tarnwick::faults {
 namespace {
 
 constexpr int kWarmUps = 4;
-constexpr int kRepetitions = 4;
+constexpr int kRepetitions = 16;
 
 class ViewerFaults {
 public:

@@ -1,9 +1,11 @@
 // The link against a real server, over TLS and without.
 
 #include "link/server_link.h"
+#include "link/server_requests.h"
 #include "recording_port.h"
 #include "web_server.h"
 
+#include <cpprest/json.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -12,6 +14,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <limits>
 #include <optional>
 #include <thread>
 
@@ -314,6 +317,23 @@ TEST_F(ServerLinkTest, AFileNameGoesOutAsValidTextWhateverItsBytes) {
     ASSERT_TRUE(server->WaitForMessages(4));
     EXPECT_THAT(server->Messages()[2], HasSubstr("\"Url\":\"t\xC3\xBC\\\"\\\\\\n\\u0001.stp\""));
     EXPECT_THAT(server->Messages()[3], HasSubstr("\"Url\":\"t\xC3\xBC.stp\""));
+}
+
+TEST(ServerRequestsTest, HaveTheBytesThatALibraryWritesOfWhatItReadsInThem) {
+    std::string every = "/m/";
+    for (int c = 1; c < 256; ++c) {
+        if (c != '/') { every += static_cast<char>(c); }
+    }
+    const Selection selections[] = {{},
+                                    {.path = every.c_str()},
+                                    {.path = "p.stp",
+                                     .selectedExactContainerId = std::numeric_limits<std::int32_t>::min(),
+                                     .selectedContainerType = 1}};
+    for (const Selection& selection : selections) {
+        const std::string request = MaterialRequest(selection);
+        EXPECT_EQ(web::json::value::parse(request).serialize(), request);
+    }
+    EXPECT_EQ(web::json::value::parse(RegisterRequest()).serialize(), RegisterRequest());
 }
 
 TEST_F(ServerLinkTest, AMaterialWithoutAConnectionIsLoggedAsConnectDoes) {
