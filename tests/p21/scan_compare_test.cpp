@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -235,7 +236,14 @@ private:
     LogCapture log_;
 };
 
-void ExpectNoDifferences(const std::vector<std::string>& differences) {
+// Adds texts a number of times, and expects no differences.
+void ExpectSame(int times, const std::function<void(Comparison&)>& add) {
+    std::vector<std::string> differences;
+    {
+        Comparison comparison;
+        for (int i = 0; i < times; ++i) { add(comparison); }
+        differences = comparison.differences;
+    }
     EXPECT_EQ(differences.size(), 0u);
     for (std::size_t i = 0; i < differences.size() && i < 3; ++i) {
         ADD_FAILURE() << differences[i].substr(0, 10000);
@@ -249,15 +257,9 @@ TEST(ScanEntitiesEqualsItsPlainForm, OnTextsOfAllKindsOfLines) {
     constexpr int kTexts = 2000;
 #endif
     Texts texts(4);
-    std::vector<std::string> differences;
     int compared = 0;
-    {
-        Comparison comparison;
-        for (int i = 0; i < kTexts; ++i) { compared += comparison.Add(texts.Text()) ? 1 : 0; }
-        differences = comparison.differences;
-    }
+    ExpectSame(kTexts, [&](Comparison& comparison) { compared += comparison.Add(texts.Text()) ? 1 : 0; });
     EXPECT_GT(compared, kTexts / 2);
-    ExpectNoDifferences(differences);
 }
 
 // A text whose lines are so long that a search passes over most of it by its marks; every now and then a run
@@ -286,18 +288,12 @@ TEST(ScanEntitiesEqualsItsPlainForm, OnLargeTextsOfLongLines) {
     constexpr int kTexts = 8;
 #endif
     Texts texts(5);
-    std::vector<std::string> differences;
     int marked = 0;
-    {
-        Comparison comparison;
-        for (int i = 0; i < kTexts; ++i) {
-            marked += comparison.Add(LongLines(texts)) && comparison.HadMarks() ? 1 : 0;
-            comparison.Add(texts.Text()); // which has none of those marks
-        }
-        differences = comparison.differences;
-    }
+    ExpectSame(kTexts, [&](Comparison& comparison) {
+        marked += comparison.Add(LongLines(texts)) && comparison.HadMarks() ? 1 : 0;
+        comparison.Add(texts.Text()); // which has none of those marks
+    });
     EXPECT_GT(marked, kTexts / 2);
-    ExpectNoDifferences(differences);
 }
 
 } // namespace
