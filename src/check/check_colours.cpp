@@ -87,7 +87,7 @@ private:
             if (model_.Find(id) == nullptr) {
                 file_.Add(FindingKind::kColour, presentation_,
                           "lists " + Number(id) +
-                              ", which isn't there: what is listed behind it has no effect");
+                              ", which isn't there: what is listed after it has no effect");
                 return;
             }
             listed_.AddNew(id);

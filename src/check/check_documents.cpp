@@ -116,7 +116,7 @@ public:
             if (state_ != State::kStart && scan_.at >= tagEnd) {
                 Add(FindingKind::kDocument, scan_.tag.data(),
                     "the tag " + Quoted(scan_.tag.data(), tagEnd) +
-                        " has a blank or line end behind its name or last attribute: the reader goes on into "
+                        " has a blank or line end after its name or last attribute: the reader goes on into "
                         "what follows it");
             }
             last_ = scan_.tag.data();
@@ -391,7 +391,7 @@ private:
             if (isTold) { continue; }
             findings->push_back({.kind = FindingKind::kNoFileName,
                                  .text = "the file '" + file->second + "' of product '" + product->name +
-                                         "' isn't found by the reader: it looks for a File right behind the "
+                                         "' isn't found by the reader: it looks for a File right after the "
                                          "AssignedDocument, or else over Document, DocumentVersion, "
                                          "DocumentDefinition and DigitalFile"});
         }

@@ -120,7 +120,7 @@ private:
             if (keyword.empty() || !IsRead(ClassifyEntity(keyword.data()))) { return; }
             const bool sameLine = keyword.data() < line.data() + line.size();
             Add(sameLine ? FindingKind::kBlank : FindingKind::kBrokenList, id, line,
-                sameLine ? "isn't known, since a tab or comment stands behind its \"=\""
+                sameLine ? "isn't known, since a tab or comment comes after its \"=\""
                          : "isn't known, since its keyword doesn't stand on its first line");
             return;
         }
@@ -138,9 +138,7 @@ private:
     void CheckRest(std::string_view line) {
         for (std::size_t end = line.find(';'); end != std::string_view::npos; end = line.find(';', end + 1)) {
             const std::int32_t id = EntityAtStart(WithoutBlanks(line.substr(end + 1)));
-            if (id != 0) {
-                Add(FindingKind::kOneLine, id, line, "is lost behind another entity on its line");
-            }
+            if (id != 0) { Add(FindingKind::kOneLine, id, line, "is lost after another entity on its line"); }
         }
     }
 

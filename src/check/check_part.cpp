@@ -268,10 +268,10 @@ private:
             return false;
         }
         if (normals.kind == BreakKind::kNumber) {
-            AddBreak(face, normals, "the number behind this line end reads as 0: a normal is another");
+            AddBreak(face, normals, "the number after this line end reads as 0: a normal is another");
         }
         if (triangles.kind == BreakKind::kNumber) {
-            AddBreak(face, triangles, "the number behind this line end reads as 0: a triangle isn't drawn");
+            AddBreak(face, triangles, "the number after this line end reads as 0: a triangle isn't drawn");
         } else if (triangles.kind == BreakKind::kEnd) {
             AddBreak(face, triangles,
                      "its list ends here: " + std::to_string(triangles.triplesBefore) + " of " +
@@ -315,7 +315,7 @@ private:
         const ListShape shape = ShapeOf(arguments[2]);
         const LineBreak found = BreakInTriples(Trimmed(arguments[2]), true, true);
         if (found.kind == BreakKind::kNumber) {
-            AddBreak(list, found, "the number behind this line end reads as 0: a point is moved");
+            AddBreak(list, found, "the number after this line end reads as 0: a point is moved");
         } else if (found.kind == BreakKind::kEnd) {
             AddBreak(list, found,
                      "its list ends here: " + std::to_string(found.triplesBefore) + " of " +
@@ -392,7 +392,7 @@ private:
             if (isComplex && (shape.blankBetween || (shape.blankAtEnd && i == first))) {
                 file_.AddAt(
                     FindingKind::kBlank, face, arguments[i].data(),
-                    "has a blank between or behind its strips or fans: what follows becomes other triangles");
+                    "has a blank between or after its strips or fans: what follows becomes other triangles");
             }
             if (isComplex && !shape.sound) {
                 file_.AddAt(FindingKind::kDamaged, face, arguments[i].data(),

@@ -68,7 +68,7 @@ constexpr FindingKindText kTexts[kFindingKinds] = {
      "Take commas, \"#\" and parentheses out of the names: the readers don't tell them from those of the "
      "entity.",
      true, true},
-    {"several-on-a-line", "Entities behind others on a line",
+    {"several-on-a-line", "Entities after others on a line",
      "Start each entity on a line of its own: what else stands on a line is lost.", true, true},
     {"use", "Uses that the tree doesn't show",
      "Give each use its placement in full: in P21 a CONTEXT_DEPENDENT_SHAPE_REPRESENTATION with a "

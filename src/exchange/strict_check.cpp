@@ -100,7 +100,7 @@ public:
             Note(token_.text, "END-ISO-10303-21; is missing");
         }
         while (TakeSection("SIGNATURE")) { SkipSection(); }
-        if (!Is(TokenKind::kEnd)) { Note(token_.text, "something stands behind the end of the file"); }
+        if (!Is(TokenKind::kEnd)) { Note(token_.text, "there is something after the end of the file"); }
         CheckReferences();
         return std::move(deviations_);
     }
@@ -139,14 +139,14 @@ private:
     bool TakeSection(std::string_view keyword) {
         if (!IsKeyword(keyword)) { return false; }
         Advance();
-        Expect(TokenKind::kSemicolon, "a ; is missing behind the name of a section");
+        Expect(TokenKind::kSemicolon, "a ; is missing after the name of a section");
         return true;
     }
     bool TakeDataSection() {
         if (!IsKeyword("DATA")) { return false; }
         Advance();
         if (Is(TokenKind::kOpen)) { Parameters(); }
-        Expect(TokenKind::kSemicolon, "a ; is missing behind DATA");
+        Expect(TokenKind::kSemicolon, "a ; is missing after DATA");
         return true;
     }
     void SkipSection() {
@@ -163,7 +163,7 @@ private:
             return;
         }
         Advance();
-        Expect(TokenKind::kSemicolon, "a ; is missing behind ENDSEC");
+        Expect(TokenKind::kSemicolon, "a ; is missing after ENDSEC");
     }
 
     void Header() {

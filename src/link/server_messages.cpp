@@ -62,7 +62,7 @@ void OnLoad(LinkPort& dialog, std::string_view text) {
 void OnRegistered(LinkPort& dialog, std::string_view text) {
     dialog.SetLinkText("Connected");
     std::size_t position = text.find(',');
-    if (position == std::string_view::npos) { return GiveUp("no comma behind the action"); }
+    if (position == std::string_view::npos) { return GiveUp("no comma after the action"); }
     const std::optional<KeyValue> pair = ReadKeyValue(text, position);
     if (!pair) { return GiveUp("it ends within a key or its value"); }
     if (pair->key != "uuid") { return; }

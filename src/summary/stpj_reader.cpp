@@ -327,7 +327,7 @@ bool StpjText::ReadOccurrence(StpjOccurrence* occurrence) {
 void StpjText::ReadOccurrencesTable() {
     constexpr std::size_t kLongKey = 7;
     std::int32_t claimed = 0;
-    if (!GoToKey("occurrences_ta")) { return Say("it has no table of occurrences behind that of products"); }
+    if (!GoToKey("occurrences_ta")) { return Say("it has no table of occurrences after that of products"); }
     at_ = find::First<'{'>(at_);
     if (!GoToFirstKey("nb_occu") || !ReadInteger(&claimed) || !GoToFirstKey("max_d")) {
         return Say("its table of occurrences doesn't begin with their number and depth");

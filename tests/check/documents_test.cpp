@@ -151,7 +151,7 @@ TEST(CheckDocuments, TellOfEmptyElements) {
 TEST(CheckDocuments, TellOfABlankBehindATagsName) {
     ExpectOne(
         "</PartView>\n</Part>\n<File", "<Empty />\n</PartView>\n</Part>\n<File", "document 7",
-        "the tag <Empty /> has a blank or line end behind its name or last attribute: the reader goes on "
+        "the tag <Empty /> has a blank or line end after its name or last attribute: the reader goes on "
         "into what follows it");
 }
 

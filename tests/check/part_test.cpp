@@ -176,7 +176,7 @@ TEST(CheckPart, LeavesAnnotationsAlone) {
 TEST(CheckPart, TellsOfListsOfPointsBrokenInsideAPoint) {
     const std::string moved = Edited("(1.,1.,0.)", "(1.,\n1.,0.)");
     EXPECT_THAT(Findings(moved), ElementsAre("broken-list 11 #10"));
-    EXPECT_THAT(Texts(moved), ElementsAre("the number behind this line end reads as 0: a point is moved"));
+    EXPECT_THAT(Texts(moved), ElementsAre("the number after this line end reads as 0: a point is moved"));
     const std::string ended = Edited(",(1.,1.,0.)", ",\n(1.,1.,0.)");
     EXPECT_THAT(Texts(ended), ElementsAre("its list ends here: 2 of 4 points are read"));
     EXPECT_THAT(Texts(Edited("((1,2,3),(1,3,4))", "((1,2,3),\n(1,3,4))")),

@@ -54,8 +54,8 @@ FrameNames NamesOf(const std::string& program, const std::set<std::uintptr_t>& a
         } else {
             const std::size_t start = text.find("/src/");
             std::string place = start != std::string::npos ? text.substr(start + 1) : "";
-            if (const std::size_t behind = place.find(' '); behind != std::string::npos) {
-                place.resize(behind);
+            if (const std::size_t after = place.find(' '); after != std::string::npos) {
+                place.resize(after);
             }
             std::string& all = names[address];
             all += (all.empty() ? "" : "\n") + ShortName(function) + (place.empty() ? "" : " " + place);

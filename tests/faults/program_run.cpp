@@ -50,8 +50,8 @@ std::string WithoutTimes(std::string text) {
             text.erase(at, told.size());
         }
     }
-    for (const char* const behind : {" s -> ", ",\"cancelled\""}) {
-        for (std::size_t at = 0; (at = text.find(behind, at)) != std::string::npos; ++at) {
+    for (const char* const after : {" s -> ", ",\"cancelled\""}) {
+        for (std::size_t at = 0; (at = text.find(after, at)) != std::string::npos; ++at) {
             BlotNumber(&text, &at);
         }
     }

@@ -171,7 +171,7 @@ TEST(Colours, AreReadLikeAllNumbers) {
     EXPECT_EQ(FaceColour(scene), "0 -2.5 3 1") << "nothing clamps them";
     Scene comma;
     comma.Line("#59=COLOUR_RGB('a,0.75',0.25,0.5,0.125);").Fill(50, 59).Styled(50, 20);
-    EXPECT_EQ(FaceColour(comma), "0.75 0.25 0.5 1") << "behind the first comma, also in the name";
+    EXPECT_EQ(FaceColour(comma), "0.75 0.25 0.5 1") << "after the first comma, also in the name";
 }
 
 TEST(Colours, LeaveTheTextAsItIs) {

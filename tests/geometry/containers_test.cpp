@@ -124,7 +124,7 @@ TEST(SurfaceSet, HasNoContainer) {
     EXPECT_EQ(part.reader->containerCount, 1);
 }
 
-// A solid without a third argument finds its link behind the first parenthesis that follows, and marks it.
+// A solid without a third argument finds its link after the first parenthesis that follows, and marks it.
 TEST(Container, LetsFacesReadAListAgainThatItHasMarked) {
     const auto face = [](int id, int list) {
         return "#" + std::to_string(id) + "=TRIANGULATED_FACE('',#" + std::to_string(list) +

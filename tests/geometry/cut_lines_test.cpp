@@ -16,7 +16,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// Calls `read` with the text whose last line is each of its entities in turn, cut at each place behind its
+// Calls `read` with the text whose last line is each of its entities in turn, cut at each place after its
 // keyword.
 template <class Read>
 void ForEachCut(const std::string& text, Read read) {

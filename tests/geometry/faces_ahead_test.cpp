@@ -216,7 +216,7 @@ TEST(FacesAhead, AreReadInTheirTurnWhereALookUpComesFar) {
         }
     }
     lines.insert(lines.end(), {kList, kFace, kSolid});
-    ExpectInTurn(lines, "a list behind others in its bucket");
+    ExpectInTurn(lines, "a list after others in its bucket");
     std::rotate(lines.begin(), lines.end() - 3, lines.end());
     EXPECT_TRUE(Ahead(lines).read);
 }

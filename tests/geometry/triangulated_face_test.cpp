@@ -247,17 +247,17 @@ TEST(TraiteFace, LooksForTheCoordinatesInANameWithAComma) {
 
 TEST(TraiteFace, CountsPnmaxInTheFirstHundredCharacters) {
     // The digits of pnmax start `after` characters from the line's start.
-    const auto line = [](std::size_t behind) {
+    const auto line = [](std::size_t after) {
         std::string text = "#11=TRIANGULATED_FACE('',#10,";
-        text.insert(text.find("''") + 1, behind - text.size(), 'n');
+        text.insert(text.find("''") + 1, after - text.size(), 'n');
         return text + "1234,$,$,$,((1,2,3)));";
     };
     EXPECT_EQ(Face(line(95)).pnmax, 1234);
     EXPECT_EQ(Face(line(96)).pnmax, 1234);
     EXPECT_EQ(Face(line(97)).pnmax, 123);
     EXPECT_EQ(Face(line(99)).pnmax, 1);
-    for (const std::size_t behind : {100u, 101u, 150u}) {
-        const FaceOutcome face = Face(line(behind));
+    for (const std::size_t after : {100u, 101u, 150u}) {
+        const FaceOutcome face = Face(line(after));
         EXPECT_EQ(face.pnmax, 0);
         EXPECT_EQ(face.result, 0);
         EXPECT_EQ(face.vertexCount, 4) << "the same face";

@@ -96,8 +96,8 @@ INSTANTIATE_TEST_SUITE_P(Kernel, Units,
 
 TEST(Kernel, MakesBodiesOfAllKinds) {
     SolidText solids(100);
-    const auto add = [&](const std::string& before, std::uint64_t number, const std::string& behind) {
-        return solids.Add(before + std::to_string(number) + behind);
+    const auto add = [&](const std::string& before, std::uint64_t number, const std::string& after) {
+        return solids.Add(before + std::to_string(number) + after);
     };
     solids.AddCube(2);
     const std::uint64_t shell = solids.Shell();

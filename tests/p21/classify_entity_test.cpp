@@ -80,8 +80,8 @@ TEST_P(ClassifyKeyword, MatchesByItsExactPrefix) {
 }
 
 TEST_P(ClassifyKeyword, MatchesWithAnythingBehindThePrefix) {
-    for (const char behind : {'(', ' ', '~', 'X', '\t', '\n', '_', '9', '\xE9'}) {
-        EXPECT_EQ(CodeOf(Prefix() + behind), GetParam().code) << "behind the prefix: " << behind;
+    for (const char after : {'(', ' ', '~', 'X', '\t', '\n', '_', '9', '\xE9'}) {
+        EXPECT_EQ(CodeOf(Prefix() + after), GetParam().code) << "after the prefix: " << after;
     }
 }
 

@@ -183,7 +183,7 @@ TEST(Inflate, EndsQuietlyAtDamage) {
     EXPECT_EQ(notPacked.console, "<E> Invalid P21 file\n");
     const ModelFile empty("", "x.stpz");
     EXPECT_EQ(empty.result, StepModel::kNotP21);
-    EXPECT_EQ(empty.output, InflateLine(0, 2)) << "the NUL behind the bytes is a step of its own";
+    EXPECT_EQ(empty.output, InflateLine(0, 2)) << "the NUL after the bytes is a step of its own";
 }
 
 TEST(Inflate, UsesWhatCameOutOfACutStream) {

@@ -60,7 +60,7 @@ TEST(FindRootProduct, WarnsOfACategoryWithoutProducts) {
 
 TEST(FindRootProduct, ReadsTheListInTheNextParentheses) {
     EXPECT_EQ(WithProducts({"#9=PRODUCT_RELATED_PRODUCT_CATEGORY('part'(#2),(#1));"}).model->rootProductId, 2)
-        << "also one that stands right behind the quote";
+        << "also one that stands right after the quote";
 }
 
 TEST(FindRootProduct, IsNotRunForOneProduct) {

@@ -57,7 +57,7 @@ TEST(PlainScanTest, ReadsAnyTextOfTheseCharactersAsTheLibraryDoes) {
         for (std::size_t left = random() % 24; left > 0; --left) {
             text += kCharacters[random() % kCharacters.size()];
         }
-        // Both begin behind the white space.
+        // Both begin after the white space.
         if (!text.starts_with(' ')) { ExpectBothSame(text); }
     }
 }

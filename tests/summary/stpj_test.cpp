@@ -143,7 +143,7 @@ TEST(Stpj, ReadsNumbersThatBlanksSeparate) {
     EXPECT_EQ(BoxOf("1,2,3,4,5,6"), (std::vector<float>{1, 0, 0, 0, 0, 0}));
     EXPECT_EQ(BoxOf("1\n2\n3"), (std::vector<float>{1, 0, 0, 0, 0, 0}));
     EXPECT_EQ(BoxOf("\t 1 2 3 4 5 6"), (std::vector<float>{1, 1, 2, 3, 4, 5}))
-        << "the blank behind a tab ends a number";
+        << "the blank after a tab ends a number";
     EXPECT_EQ(BoxOf("\n 1 2 3 4 5 6"), (std::vector<float>{0, 1, 2, 3, 4, 5}));
     EXPECT_EQ(BoxOf("1.5e1 -2.5 +3 4. .5 x6"), (std::vector<float>{15, -2.5, 3, 4, 0.5, 0}));
 }

@@ -48,7 +48,7 @@ public:
     void Read() {
         if (!ReadSections()) {
             const std::string_view place = rest_.substr(0, 60);
-            file_.faults.push_back("no valid syntax behind #" + std::to_string(last_) +
+            file_.faults.push_back("no valid syntax after #" + std::to_string(last_) +
                                    ", at: " + std::string(place));
         }
     }

@@ -189,7 +189,7 @@ TEST(InflateBytes, TakesDamagedStreamsAsZlibDoes) {
             packed.resize(random() % packed.size()); // cut
             break;
         case 1:
-            packed.resize(packed.size() + random() % 9); // zeros behind it
+            packed.resize(packed.size() + random() % 9); // zeros after it
             break;
         case 2:
             packed[packed.size() - 1 - random() % std::min<std::size_t>(packed.size(), 9)] ^=

@@ -44,22 +44,22 @@ TEST(StrictP21, GivesTheArgumentsAsTheyStand) {
 }
 
 TEST(StrictP21, FindsAParenthesisTooMany) {
-    EXPECT_THAT(FaultsWith(0, ")));", "))));"), ElementsAre(HasSubstr("behind #1, at: );")));
+    EXPECT_THAT(FaultsWith(0, ")));", "))));"), ElementsAre(HasSubstr("after #1, at: );")));
 }
 
 TEST(StrictP21, FindsAParenthesisTooFew) {
-    EXPECT_THAT(FaultsWith(0, ")));", "));"), ElementsAre(HasSubstr("behind #1, at: ;")));
+    EXPECT_THAT(FaultsWith(0, ")));", "));"), ElementsAre(HasSubstr("after #1, at: ;")));
 }
 
 TEST(StrictP21, FindsAnOpenString) {
-    EXPECT_THAT(FaultsWith(1, "it''s", "it's"), ElementsAre(HasSubstr("behind #2")));
-    EXPECT_THAT(FaultsWith(3, "''", "'"), ElementsAre(HasSubstr("behind #4")));
+    EXPECT_THAT(FaultsWith(1, "it''s", "it's"), ElementsAre(HasSubstr("after #2")));
+    EXPECT_THAT(FaultsWith(3, "''", "'"), ElementsAre(HasSubstr("after #4")));
 }
 
 TEST(StrictP21, FindsWhatStringsCannotHold) {
     for (const char* const wrong :
          {"a\nb", "\xC3\xA9", "\\", "\\X2\\00E\\X0\\", "\\X2\\00e9\\X0\\", "\\X2\\00E9"}) {
-        EXPECT_THAT(FaultsWith(0, "''", "'" + std::string(wrong) + "'"), ElementsAre(HasSubstr("behind #1")))
+        EXPECT_THAT(FaultsWith(0, "''", "'" + std::string(wrong) + "'"), ElementsAre(HasSubstr("after #1")))
             << wrong;
     }
 }
@@ -96,7 +96,7 @@ TEST(StrictP21, FindsListsOfAnotherDepth) {
 TEST(StrictP21, FindsArgumentsThatAreMissingOrTooMany) {
     EXPECT_THAT(FaultsWith(1, "$,", ""), ElementsAre(HasSubstr("#2: not arguments of TRIANG")));
     EXPECT_THAT(FaultsWith(1, "$,", "$,$,"), ElementsAre(HasSubstr("#2: not arguments of TRIANG")));
-    EXPECT_THAT(FaultsWith(1, "$,", "$,,"), ElementsAre(HasSubstr("behind #2")));
+    EXPECT_THAT(FaultsWith(1, "$,", "$,,"), ElementsAre(HasSubstr("after #2")));
     EXPECT_THAT(FaultsWith(0, "'',", "$,"), ElementsAre(HasSubstr("#1: not arguments of COORD")));
 }
 
@@ -110,7 +110,7 @@ TEST(StrictP21, FindsAnUnknownEnumerationValue) {
 }
 
 TEST(StrictP21, FindsAnEntityThatDoesNotEnd) {
-    EXPECT_THAT(FaultsWith(3, ";", ""), ElementsAre(HasSubstr("behind #4")));
+    EXPECT_THAT(FaultsWith(3, ";", ""), ElementsAre(HasSubstr("after #4")));
 }
 
 TEST(StrictP21, FindsRecordsOutOfOrder) {

@@ -152,7 +152,7 @@ TEST(ScanTagWithAttributes, SwallowsTheNextAttributeBehindABlankOrALineEndInFron
         Scanned scanned(text);
         ASSERT_TRUE(ScanTagWithAttributes(&scanned.scan)) << text;
         EXPECT_EQ(scanned.scan.tag, "<A");
-        EXPECT_EQ(scanned.scan.uid, "") << "the name looked at is that behind the white space";
+        EXPECT_EQ(scanned.scan.uid, "") << "the name looked at is that after the white space";
         EXPECT_EQ(scanned.Position(), static_cast<std::ptrdiff_t>(std::strlen(text)) - 1);
     }
 }
