@@ -171,7 +171,7 @@ std::vector<std::uint8_t> OffscreenWindow::Pixels(int channels) const {
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(drawn.width) *
                                      static_cast<std::size_t>(drawn.height) *
                                      static_cast<std::size_t>(channels));
-    while (glGetError() != GL_NO_ERROR) {}
+    for (int i = 0; i < 100 && glGetError() != GL_NO_ERROR; ++i) {} // drops earlier errors
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, drawn.width, drawn.height, channels == 4 ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE,
                  pixels.data());
