@@ -1,5 +1,7 @@
 #include "offscreen/offscreen_window.h"
 
+#include "render/drop_errors.h"
+
 #define EGL_NO_X11
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
@@ -171,7 +173,7 @@ std::vector<std::uint8_t> OffscreenWindow::Pixels(int channels) const {
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(drawn.width) *
                                      static_cast<std::size_t>(drawn.height) *
                                      static_cast<std::size_t>(channels));
-    for (int i = 0; i < 100 && glGetError() != GL_NO_ERROR; ++i) {} // drops earlier errors
+    DropErrors();
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, drawn.width, drawn.height, channels == 4 ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE,
                  pixels.data());

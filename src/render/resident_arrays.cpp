@@ -1,6 +1,7 @@
 #include "render/resident_arrays.h"
 
 #include "platform/console.h"
+#include "render/drop_errors.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>
@@ -174,7 +175,7 @@ std::uint32_t ResidentArrays::NewBuffer(unsigned target, std::size_t bytes) {
     if (buffer == 0) { return 0; }
     buffers_.push_back(buffer);
     functions_->bind(target, buffer);
-    for (int i = 0; i < 100 && glGetError() != GL_NO_ERROR; ++i) {} // drops earlier errors
+    DropErrors();
     functions_->make(target, static_cast<GLsizeiptr>(bytes), nullptr, GL_STATIC_DRAW);
     if (glGetError() == GL_NO_ERROR) { return buffer; }
     RemoveLast();
