@@ -8,8 +8,7 @@
 namespace tarnwick {
 
 void LineMarks::Make(std::size_t size) {
-    constexpr std::size_t kCharacters = kBlock * kWordBlocks; // of a word
-    if (!WithinMemory([this, size] { words_.assign(size / kCharacters + 1, 0); })) { words_.clear(); }
+    if (!WithinMemory([this, size] { words_.assign(size / kWordCharacters + 1, 0); })) { words_.clear(); }
 }
 
 void LineMarks::Mark(const char* text, std::size_t from, std::size_t to) {
@@ -22,7 +21,7 @@ void LineMarks::Mark(const char* text, std::size_t from, std::size_t to) {
         if (unseen > 0) {
             --unseen;
             *word = ~std::uint64_t{0};
-            from += kBlock * kWordBlocks;
+            from += kWordCharacters;
             continue;
         }
         std::uint64_t bits = 0;

@@ -15,14 +15,15 @@ namespace tarnwick {
 class LineMarks {
 public:
     static constexpr std::size_t kBlock = kCharBlock;
-    static constexpr std::size_t kWordBlocks = 64; // whose bits are in one word
+    static constexpr std::size_t kWordBlocks = 64;                       // whose bits are in one word
+    static constexpr std::size_t kWordCharacters = kBlock * kWordBlocks; // the characters that these have
 
     // Room for the bits of a text of `size` characters, none set; no bits where memory runs out.
     void Make(std::size_t size);
     void Clear() { words_.clear(); }
     bool IsEmpty() const { return words_.empty(); }
 
-    // Sets the bit of each block from `from`, a multiple of kBlock * kWordBlocks, to `to` (exclusive) that
+    // Sets the bit of each block from `from`, a multiple of kWordCharacters, to `to` (exclusive) that
     // has a line feed or NUL, and perhaps of others. kBlock characters after the text must be readable.
     // Several threads may mark different stretches at a time.
     void Mark(const char* text, std::size_t from, std::size_t to);

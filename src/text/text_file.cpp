@@ -75,6 +75,7 @@ struct Ending {
 Ending ReadStretch(const OpenedFile& opened, char* bytes, std::size_t start, std::size_t end,
                    LineMarks* lines) {
     constexpr std::size_t kInCache = std::size_t{128} << 10;
+    static_assert(kInCache % LineMarks::kWordCharacters == 0 && LineMarks::kBlock <= TextBlock::kPadding);
     const std::size_t step = lines != nullptr ? kInCache : end - start;
     Ending ending{start, 0};
     for (std::size_t next = start; next < end && ending.size == next && ending.error == 0;) {
@@ -93,6 +94,7 @@ Ending ReadWhole(const OpenedFile& opened, char* bytes, std::size_t wanted, Line
         return ReadStretch(opened, bytes, 0, wanted, lines);
     }
     constexpr std::size_t kPiece = std::size_t{2} << 20; // a huge page
+    static_assert(kPiece % LineMarks::kWordCharacters == 0, "threads mark different words");
     std::atomic<std::size_t> next = 0;
     std::mutex lock;
     Ending first{wanted, 0};

@@ -10,7 +10,7 @@
 namespace tarnwick::test {
 namespace {
 
-constexpr std::size_t kWord = LineMarks::kBlock * LineMarks::kWordBlocks;
+constexpr std::size_t kWord = LineMarks::kWordCharacters;
 
 // A text of lines of up to `longest` characters, with readable ones after it.
 struct Text {
