@@ -4,6 +4,7 @@
 #include "archive/stpa_driver.h"
 #include "check/check_documents.h"
 #include "exchange/file_bytes.h"
+#include "formats/prepare_hint.h"
 #include "load/file_kind.h"
 #include "load/unread_files.h"
 #include "platform/memory_left.h"
@@ -13,9 +14,7 @@
 #include "text/lower_case.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
-#include <cstring>
 #include <deque>
 #include <limits>
 #include <optional>
@@ -57,17 +56,6 @@ void AddTotals(const FileReferences& file, ShapeTotals* totals) {
     // Beside exact shape that no product has, tessellation isn't listed.
     if (file.hasTessellation && totals->tessellated == before) { ++totals->tessellated; }
     if (!seen.empty()) { ++totals->files; }
-}
-
-// As a word of a command.
-std::string ForShell(const std::string& path) {
-    const auto isPlain = [](char c) {
-        return std::isalnum(static_cast<unsigned char>(c)) != 0 || std::strchr("/._-+=,@", c) != nullptr;
-    };
-    if (std::all_of(path.begin(), path.end(), isPlain)) { return path; }
-    std::string word = "'";
-    for (const char c : path) { word += c == '\'' ? std::string("'\\''") : std::string(1, c); }
-    return word + "'";
 }
 
 // Names out of files, each once.
@@ -364,9 +352,7 @@ void AddCommand(CheckReport* report) {
     const bool isMended = std::any_of(report->findings.begin(), report->findings.end(),
                                       [](const Finding& f) { return TextOf(f.kind).isMended; });
     if (!hasShape || !isMended || (kind != FileKind::kStep && kind != FileKind::kStepXml)) { return; }
-    // After "--" a path is no option.
-    report->command = (report->path.starts_with('-') ? "tarnwick-prepare -- " : "tarnwick-prepare ") +
-                      ForShell(report->path);
+    report->command = PrepareCommand(report->path);
 }
 
 } // namespace

@@ -69,14 +69,19 @@ bool NeedsMemory(const SceneView& view) {
 
 } // namespace
 
+std::string PrepareCommand(const std::string& path) {
+    // After "--" a path is no option.
+    std::string command = path.starts_with('-') ? "tarnwick-prepare -- " : "tarnwick-prepare ";
+    return command += Quoted(path);
+}
+
 std::string PrepareHint(const SceneView& view, bool isKnown, const std::string& path) {
     // Only one file of an archive would be prepared, and a summary has nothing but its boxes.
     const FileKind kind = FileKindOf(path);
     if (kind == FileKind::kArchive || kind == FileKind::kSummary) { return {}; }
     if (isKnown && (view.loaded.drawnTriangles > 0 || NeedsMemory(view))) { return {}; }
     if (!IsStep(path)) { return {}; }
-    return "this brings it into a form that can be shown: tarnwick-prepare " +
-           std::string(path.starts_with('-') ? "-- " : "") + Quoted(OnOneLine(path));
+    return "this brings it into a form that can be shown: " + PrepareCommand(OnOneLine(path));
 }
 
 } // namespace tarnwick
